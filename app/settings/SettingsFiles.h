@@ -1,0 +1,33 @@
+#pragma once
+
+#include "app/settings/KaDownloadData.h"
+#include "app/settings/KaDownloadOption.h"
+#include "app/settings/KaWaitTimes.h"
+
+#include <QHash>
+#include <QString>
+
+#include <optional>
+
+/// The files of the app folder. Each is replaced as a whole and readable by the user alone; a file that cannot be read,
+/// deciphered or parsed is absent.
+
+/// The app folder's path, whether it exists or not.
+[[nodiscard]] QString appFolder();
+[[nodiscard]] bool ensureAppFolder();
+
+/// The settings of a new user; makes both default folders.
+[[nodiscard]] KaDownloadOption defaultDownloadOption();
+
+/// Writes "DownloadSettingData.plist". The first null value ends the list: it and what follows it are not written.
+bool saveDownloadOption(const KaDownloadOption &option);
+/// Absent also when either parent folder is missing in the file; missing check boxes are null.
+[[nodiscard]] std::optional<KaDownloadOption> loadDownloadOption();
+
+/// Writes one target's record, enciphered, as the whole of the file.
+[[nodiscard]] bool saveBookkeeping(const QString &fileName, const QString &uuidKey, const KaDownloadData &data);
+/// Every target in the file.
+[[nodiscard]] std::optional<QHash<QString, KaDownloadData>> loadBookkeeping(const QString &fileName);
+
+/// Replaces each wait that the user defaults override with a whole number of seconds above 0.
+void loadWaitTimeOverrides(KaWaitTimes &waitTimes);

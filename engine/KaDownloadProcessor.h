@@ -1,0 +1,33 @@
+#pragma once
+
+#include <memory>
+
+class KaDownloadProcessorDelegate;
+
+/// The download thread: sleeps until the account is linked, then runs again and again (refresh, list, fetch, record)
+/// with a wait between runs, until it is told to end. All public operations may be called from any thread.
+class KaDownloadProcessor {
+public:
+  /// Starts the thread and returns once it stands at its first wait. @p delegate outlives this object.
+  explicit KaDownloadProcessor(KaDownloadProcessorDelegate &delegate);
+  /// Ends the thread and joins it.
+  ~KaDownloadProcessor();
+  KaDownloadProcessor(const KaDownloadProcessor &) = delete;
+  KaDownloadProcessor &operator=(const KaDownloadProcessor &) = delete;
+
+  /// Wakes the thread that waits for a link. Lost when it does not wait for one.
+  /// @param initialAccess  the coming run is the first of a new link.
+  void startReceiving(bool initialAccess);
+  /// Asks for a run now: marks it as the user's and cuts a wait between runs or re-checks short.
+  void getContentsNow();
+  /// Wakes every wait, asking for nothing.
+  void cancelPollingWait();
+  /// Tells the thread to end: a request in flight stops, waits end, the bookkeeping is saved. Returns at once.
+  void endDownloadProcess();
+  /// Forgets the temporary credentials.
+  void deleteCredential();
+
+private:
+  class Private;
+  std::unique_ptr<Private> d;
+};

@@ -1,0 +1,56 @@
+#pragma once
+
+#include "app/settings/KaDownloadOption.h"
+#include "app/settings/KaWaitTimes.h"
+#include "engine/KaAppStatus.h"
+#include "service/KaResultCode.h"
+
+#include <QString>
+#include <QStringList>
+
+#include <optional>
+
+/// What the download processor needs from above. Called on the download thread only; implementations guard what other
+/// threads touch.
+class KaDownloadProcessorDelegate {
+public:
+  KaDownloadProcessorDelegate() = default;
+  KaDownloadProcessorDelegate(const KaDownloadProcessorDelegate &) = delete;
+  KaDownloadProcessorDelegate &operator=(const KaDownloadProcessorDelegate &) = delete;
+  virtual ~KaDownloadProcessorDelegate() = default;
+
+  /// @name Settings
+  /// @{
+  [[nodiscard]] virtual KaDownloadOption downloadOption() const = 0;
+  virtual void setDownloadOption(const KaDownloadOption &option) = 0;
+  [[nodiscard]] virtual KaResultCode verifyDownloadOptionParentFolder(const QString &path) const = 0;
+  /// Replaces each wait that the settings override.
+  virtual void loadWaitTimeInfo(KaWaitTimes &waitTimes) const = 0;
+  /// @}
+
+  /// @name Linkage
+  /// @{
+  [[nodiscard]] virtual bool bLoggedIn() const = 0;
+  [[nodiscard]] virtual std::optional<QString> loadLinkageSetting() const = 0;
+  virtual bool saveLinkageSetting(const QString &idToken) = 0;
+  /// @}
+
+  /// @name Bookkeeping, by target key. Unknown keys change nothing and read as absent.
+  /// @{
+  virtual void setDownloadDataUUID(const QString &key) = 0; ///< makes a fresh record when there is none
+  virtual void setDownloadDataAddContent(const QString &key, const QString &contentId) = 0;
+  virtual void setDownloadDataNewDate(const QString &key, const QString &lastDateTime, const QString &contentId) = 0;
+  [[nodiscard]] virtual std::optional<QString> downloadDataLastDateTime(const QString &key) const = 0;
+  [[nodiscard]] virtual std::optional<QStringList> downloadDataContentIds(const QString &key) const = 0;
+  [[nodiscard]] virtual bool loadGetImageInfo(const QString &fileName) = 0;
+  [[nodiscard]] virtual bool saveGetImageInfo(const QString &fileName, const QString &uuidKey) = 0;
+  /// @}
+
+  /// @name Reports
+  /// @{
+  virtual void setAppStatus(KaAppStatus status) = 0;
+  virtual void setProcessingResult(KaResultCode result, bool userTrigger) = 0;
+  virtual void setEnableLoggin(bool enable) = 0;
+  virtual void notifyDownloadProcessFinish() = 0; ///< the thread's last call
+  /// @}
+};

@@ -1,0 +1,12 @@
+#pragma once
+
+#include <QByteArray>
+#include <QJsonObject>
+#include <QString>
+
+#include <optional>
+
+/// JSON from outside: a body that is no object, or a member of another type than asked for, is a missing value.
+
+[[nodiscard]] std::optional<QJsonObject> parseJsonObject(const QByteArray &body);
+[[nodiscard]] std::optional<QString> jsonString(const QJsonObject &object, QLatin1StringView name);

@@ -1,0 +1,56 @@
+#include "tests/support/TestProfile.h"
+
+#include <QCoreApplication>
+#include <QDir>
+#include <QFile>
+#include <QTextStream>
+
+#include <stdexcept>
+#include <thread>
+
+using namespace Qt::StringLiterals;
+
+TestProfile::TestProfile() {
+  if (!home.isValid()) throw std::runtime_error("no temporary folder");
+  const auto point = [this](const char *variable, const QString &folder) {
+    QDir().mkpath(path(folder));
+    qputenv(variable, QFile::encodeName(path(folder)));
+  };
+  point("HOME", {});
+  point("XDG_CONFIG_HOME", u"config"_s);
+  point("XDG_DATA_HOME", u"data"_s);
+  point("XDG_STATE_HOME", u"state"_s);
+  point("XDG_CACHE_HOME", u"cache"_s);
+  point("XDG_RUNTIME_DIR", u"run"_s);
+  QFile::setPermissions(path(u"run"_s), QFile::ReadOwner | QFile::WriteOwner | QFile::ExeOwner);
+  QDir().mkpath(picturesFolder());
+}
+
+QString TestProfile::path(const QString &relative) const {
+  return relative.isEmpty() ? home.path() : home.filePath(relative);
+}
+
+QString TestProfile::appFolder() const {
+  return dataFolder() + u"/NORVALE INC/Downloaderpictora"_s;
+}
+
+void TestProfile::writeUserDefaults(const QHash<QString, QString> &values) const {
+  const QString folder = configFolder() + u"/NORVALE INC"_s;
+  QDir().mkpath(folder);
+  QFile file(folder + u"/Downloaderpictora.conf"_s);
+  if (!file.open(QFile::WriteOnly)) throw std::runtime_error("cannot write the user defaults");
+  QTextStream text(&file);
+  text << "[General]\n";
+  for (auto it = values.begin(); it != values.end(); ++it)
+    text << it.key() << '=' << it.value() << '\n';
+}
+
+bool waitFor(const std::function<bool()> &condition, std::chrono::milliseconds deadline) {
+  const auto end = std::chrono::steady_clock::now() + deadline;
+  while (!condition()) {
+    if (std::chrono::steady_clock::now() > end) return false;
+    if (QCoreApplication::instance()) QCoreApplication::processEvents(QEventLoop::AllEvents, 5);
+    std::this_thread::sleep_for(std::chrono::milliseconds(2));
+  }
+  return true;
+}
