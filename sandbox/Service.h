@@ -1,0 +1,124 @@
+#pragma once
+
+#include "sandbox/Endpoint.h"
+#include "sandbox/Fault.h"
+
+#include <QByteArray>
+#include <QHash>
+#include <QList>
+#include <QString>
+
+#include <chrono>
+#include <memory>
+
+namespace sandbox {
+
+class Library;
+
+struct ServiceOptions {
+  quint16 port = 0; ///< 0: a free one
+  /// Keeps ca.pem, the authority's and the token key and the links, so that a later service with the same folder is the
+  /// same service. Empty: a temporary folder, gone with the service.
+  QString folder{};
+};
+
+/// What an agent holds after a login.
+struct LinkedToken {
+  QString idToken{};
+  QString nonce{};        ///< the one inside the ID token
+  QString codeVerifier{}; ///< of the challenge that the login was given
+  QString tokenCode{};    ///< empty while the verifier was not exchanged
+};
+
+/// Temporary credentials as the token service issues them.
+struct TemporaryCredential {
+  QString accessKeyId{};
+  QString secretAccessKey{};
+  QString sessionToken{};
+  qint64 expiration = 0; ///< seconds since 1970
+};
+
+/// One report that arrived properly signed.
+struct LogEvent {
+  QString group{};
+  QString stream{};
+  qint64 timestamp = 0; ///< milliseconds since 1970
+  QString message{};
+};
+
+enum class BadCertificate {
+  UnknownAuthority, ///< right names, an authority that ca.pem does not hold
+  WrongName,        ///< right authority, another host's name
+  Expired,
+};
+
+/// Everything the agent talks to, over HTTPS on one loopback port: api., www., idp., sts. and logs.localhost and
+/// BUCKET.s3.localhost. Starts answering in the constructor, which throws std::runtime_error when it cannot, and stops
+/// in the destructor without waiting for clients. Every function may be called from any thread.
+class Service {
+public:
+  explicit Service(const ServiceOptions &options = {});
+  ~Service();
+  Service(const Service &) = delete;
+  Service &operator=(const Service &) = delete;
+
+  [[nodiscard]] quint16 port() const;
+  /// The PEM file of the authority that signed the certificate of port().
+  [[nodiscard]] QString trustAnchorsFile() const;
+  /// "https://idp.localhost:PORT", and the audience of its tokens.
+  [[nodiscard]] QString issuer() const;
+  [[nodiscard]] QString clientId() const;
+
+  /// The user defaults that point an agent here.
+  [[nodiscard]] QHash<QString, QString> userDefaults() const;
+  /// The same towards another port of this service, see badlyCertifiedPort().
+  [[nodiscard]] QHash<QString, QString> userDefaults(quint16 towards) const;
+  /// Opens one more port with the same service behind a certificate that no client may accept.
+  [[nodiscard]] quint16 badlyCertifiedPort(BadCertificate kind);
+
+  [[nodiscard]] Library &library();
+
+  /// Faults of one endpoint are met in the order given; each request meets at most one.
+  void order(Endpoint endpoint, const Fault &fault);
+  /// @param times  -1: until cleared.
+  void setTokenFault(TokenFault fault, int times = 1);
+  /// Drops all faults, token faults too, and lets go of what they hold.
+  void clearFaults();
+
+  void setIdTokenLifetime(std::chrono::seconds lifetime);    ///< 3600 s
+  void setCredentialLifetime(std::chrono::seconds lifetime); ///< 3600 s
+  void setListPageSize(int keys);                            ///< 1000, which is also the most
+  /// Every credential issued so far is refused from now on.
+  void revokeCredentials();
+
+  /// Requests count as they arrive, before they are answered.
+  [[nodiscard]] int requestCount(Endpoint endpoint) const;
+  /// Also forgets requests().
+  void resetRequestCounts();
+  /// The latest 20,000 requests, oldest first.
+  [[nodiscard]] QList<RequestRecord> requests() const;
+  /// @return false when @p timeout passed before @p count requests had arrived since the last reset.
+  [[nodiscard]] bool waitForRequests(Endpoint endpoint, int count, std::chrono::milliseconds timeout) const;
+
+  [[nodiscard]] QList<LogEvent> logEvents() const;
+
+  /// Does what a person does in the browser with the agent's login URL.
+  /// @return the callback URL; empty when the service refuses the login URL.
+  [[nodiscard]] QString signIn(const QString &getLoginUrl);
+  /// A finished login whose verifier was exchanged, past all faults.
+  [[nodiscard]] LinkedToken issueLinkedToken();
+  /// A finished login whose verifier was not exchanged yet, past all faults.
+  [[nodiscard]] LinkedToken issueUnlinkedToken();
+  /// The ID token of a login with @p nonce, token faults included.
+  [[nodiscard]] QString issueIdToken(const QString &nonce);
+  [[nodiscard]] TemporaryCredential issueCredential();
+  /// A presigned GET of an object as any client would make it; sent with the header x-amz-security-token.
+  [[nodiscard]] QString presignedUrl(const TemporaryCredential &credential, const QString &bucket,
+                                     const QString &key) const;
+
+private:
+  class Private;
+  std::unique_ptr<Private> d;
+};
+
+} // namespace sandbox
