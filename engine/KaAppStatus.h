@@ -1,6 +1,6 @@
 #pragma once
 
-#include <QtTypes>
+#include <QtGlobal>
 
 /// What the status item shows.
 enum class KaAppStatus : qint64 {

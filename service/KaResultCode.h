@@ -1,6 +1,6 @@
 #pragma once
 
-#include <QtTypes>
+#include <QtGlobal>
 
 /// The outcome of a step, a request or a run. The numbers cross edges (notifications, logs) and never change.
 enum class KaResultCode : qint64 {
