@@ -1,0 +1,132 @@
+#include "identity/KaLinkageUtility.h"
+
+#include "app/log/ExceptionGuard.h"
+#include "identity/KaCryptionUtility.h"
+#include "identity/PrivateFile.h"
+#include "platform/Folders.h"
+#include "platform/Opening.h"
+#include "service/KaApplicationConstants.h"
+
+#include <QFile>
+#include <QFileInfo>
+
+#include <openssl/rand.h>
+
+using namespace Qt::StringLiterals;
+
+namespace {
+
+constexpr auto kLinkageFile = "PairingInfo"_L1;
+constexpr auto kCodeVerifierFile = "tmpFile"_L1;
+constexpr auto kTokenCodeFile = "PairingCode"_L1;
+
+constexpr int kNonceBytes = 64;
+
+QString pairingFolder() {
+  return platform::applicationSupportFolder() + u"/NORVALE INC/Downloaderpictora Shared/PairingInfo"_s;
+}
+
+QString pairingFile(QLatin1StringView name) {
+  return pairingFolder() + u'/' + name;
+}
+
+bool save(QLatin1StringView name, const QString &text) {
+  bool saved = false;
+  const bool ended = runGuarded([&] {
+    if (!platform::makePrivateFolder(pairingFolder())) return;
+    const auto enciphered = KaCryptionUtility::encrypt(text);
+    saved = enciphered && writePrivateFile(pairingFile(name), enciphered->toUtf8());
+  });
+  return ended && saved;
+}
+
+std::optional<QString> load(QLatin1StringView name) {
+  std::optional<QString> text;
+  const bool ended = runGuarded([&] {
+    const auto content = readPrivateFile(pairingFile(name));
+    if (content) text = KaCryptionUtility::decrypt(QString::fromUtf8(*content));
+  });
+  return ended ? text : std::nullopt;
+}
+
+QString sitePage(const QString &path) {
+  return u"https://"_s + KaApplicationConstants::strataSiteTopHostName() + path;
+}
+
+// The service's login takes the values as they stand: percent-encoding them breaks its redirects.
+QString loginUrl(const QString &nonce, const QString &codeChallenge) {
+  return u"https://"_s + KaApplicationConstants::strataHostName() + u"/getLogin?appRedirectUrl="_s
+         + sitePage(u"/st/downloader-login.html"_s) + u"&nonce="_s + nonce + u"&codeChallenge="_s + codeChallenge
+         + u"&downloaderRedirectUrl=downloaderpictora://authenticate&strataClient=pc_2.0&view=login"_s;
+}
+
+QString logoutUrl() {
+  return u"https://"_s + KaApplicationConstants::strataHostName() + u"/logout?appRedirectUrl="_s
+         + sitePage(u"/st/downloader-logout.html"_s);
+}
+
+} // namespace
+
+bool KaLinkageUtility::setupLinkage(const QString &nonce) {
+  bool done = false;
+  const bool ended = runGuarded([&] {
+    const QString codeVerifier = GenerateNonce();
+    if (codeVerifier.isEmpty()) return;
+    const QString codeChallenge = KaCryptionUtility::GenerateCodeS256Challenge(codeVerifier);
+    done = platform::openUrl(loginUrl(nonce, codeChallenge)) && saveCodeVerifier(codeVerifier);
+  });
+  return ended && done;
+}
+
+bool KaLinkageUtility::closeLinkage() {
+  bool opened = false;
+  const bool ended = runGuarded([&] { opened = platform::openUrl(logoutUrl()); });
+  return ended && opened;
+}
+
+QString KaLinkageUtility::GenerateNonce() {
+  QString nonce;
+  const bool ended = runGuarded([&] {
+    QByteArray bytes(kNonceBytes, Qt::Uninitialized);
+    if (RAND_bytes(reinterpret_cast<unsigned char *>(bytes.data()), kNonceBytes) != 1)
+      throw KaException(u"GenerateNonce"_s, u"no random bytes"_s);
+    nonce = QString::fromLatin1(bytes.toBase64(QByteArray::Base64UrlEncoding | QByteArray::OmitTrailingEquals));
+  });
+  return ended ? nonce : QString();
+}
+
+bool KaLinkageUtility::saveLinkageSetting(const QString &idToken) {
+  return save(kLinkageFile, idToken);
+}
+
+std::optional<QString> KaLinkageUtility::loadLinkageSetting() {
+  return load(kLinkageFile);
+}
+
+bool KaLinkageUtility::saveCodeVerifier(const QString &codeVerifier) {
+  return save(kCodeVerifierFile, codeVerifier);
+}
+
+bool KaLinkageUtility::existCodeVerifier() {
+  return QFileInfo::exists(pairingFile(kCodeVerifierFile));
+}
+
+std::optional<QString> KaLinkageUtility::loadCodeVerifier() {
+  const auto codeVerifier = load(kCodeVerifierFile);
+  // A verifier that cannot be read goes too, else every pass would find it again.
+  QFile::remove(pairingFile(kCodeVerifierFile));
+  return codeVerifier;
+}
+
+bool KaLinkageUtility::saveTokenCode(const QString &tokenCode) {
+  return save(kTokenCodeFile, tokenCode);
+}
+
+std::optional<QString> KaLinkageUtility::loadTokenCode() {
+  return load(kTokenCodeFile);
+}
+
+void KaLinkageUtility::deletePairingInfo() {
+  for (const auto name : {kLinkageFile, kCodeVerifierFile, kTokenCodeFile})
+    QFile::remove(pairingFile(name));
+}
