@@ -8,11 +8,13 @@
 #include "platform/ThreadAnnotations.h"
 
 #include <QHash>
+#include <QObject>
 #include <QString>
 
 #include <atomic>
 #include <memory>
 #include <optional>
+#include <vector>
 
 class KaDownloadDelegate;
 class KaDownloadProcessor;
@@ -97,6 +99,8 @@ private:
 
   class LoginVerification;
 
+  void dropLogins();
+  void endLogin(const LoginVerification &ended, KaResultCode verdict);
   void finishLogin(const QString &token, KaResultCode verdict);
 
   mutable platform::Mutex optionLock;
@@ -107,7 +111,10 @@ private:
   std::optional<QString> nonce;                       ///< main thread
   std::atomic<bool> loggedIn = false;
   std::atomic<KaDownloadDelegate *> dlDelegate = nullptr;
-  platform::Mailbox mailbox;
-  std::unique_ptr<LoginVerification> login; ///< main thread; ends before the processor
+  QObject mainThread; ///< where the mailbox delivers
+  platform::Mailbox mailbox{&mainThread};
+  /// Main thread. The last one may be current; dropped ones stay until their thread has ended. All end before the
+  /// processor.
+  std::vector<std::unique_ptr<LoginVerification>> logins;
   std::unique_ptr<KaDownloadProcessor> dlProc;
 };

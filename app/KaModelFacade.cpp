@@ -1,0 +1,180 @@
+#include "app/KaModelFacade.h"
+
+#include "app/KaDownloadDelegate.h"
+#include "app/LoginVerification.h"
+#include "app/log/KaLogUtility.h"
+#include "app/settings/FolderCheck.h"
+#include "app/settings/SettingsFiles.h"
+#include "engine/KaDownloadProcessor.h"
+#include "identity/KaLinkageUtility.h"
+
+using namespace Qt::StringLiterals;
+
+KaModelFacade &KaModelFacade::sharedInstance() {
+  static KaModelFacade instance;
+  return instance;
+}
+
+KaModelFacade::KaModelFacade() : dOption(defaultDownloadOption()) {
+  // Without it the settings of the first dialog would be lost: saving them makes no folder.
+  if (!ensureAppFolder()) KaLogUtility::writeErrorLog(u"the app folder cannot be made"_s);
+  dlProc = std::make_unique<KaDownloadProcessor>(*this);
+}
+
+KaModelFacade::~KaModelFacade() {
+  dlDelegate = nullptr;
+  logins.clear();
+  dlProc.reset();
+}
+
+KaDownloadOption KaModelFacade::downloadOption() const {
+  const platform::MutexLock lock(optionLock);
+  return dOption;
+}
+
+void KaModelFacade::setDownloadOption(const KaDownloadOption &option) {
+  {
+    const platform::MutexLock lock(optionLock);
+    dOption = option;
+  }
+  saveDownloadFolderSetting();
+}
+
+QString KaModelFacade::downloadOptionParentFolder() const {
+  return downloadOption().parentFolder;
+}
+
+QString KaModelFacade::downloadOptionParent10GFolder() const {
+  return downloadOption().parent10GFolder;
+}
+
+QString KaModelFacade::checkBox10GDownload() const {
+  return downloadOption().checkBox10GDownload;
+}
+
+QString KaModelFacade::checkBoxCreateSubfolder() const {
+  return downloadOption().checkBoxCreateSubfolder;
+}
+
+QString KaModelFacade::checkBoxDownloadMetadata() const {
+  return downloadOption().checkBoxDownloadMetadata;
+}
+
+qint64 KaModelFacade::downloadOptionChildFolder() const {
+  return downloadOption().childFolder;
+}
+
+void KaModelFacade::saveDownloadFolderSetting() const {
+  if (!saveDownloadOption(downloadOption())) KaLogUtility::writeErrorLog(u"the download settings cannot be saved"_s);
+}
+
+bool KaModelFacade::loadDownloadFolderSetting() {
+  if (const auto option = loadDownloadOption()) setDownloadOption(*option);
+  return false;
+}
+
+KaResultCode KaModelFacade::verifyDownloadOptionParentFolder(const QString &path) const {
+  return verifyDownloadFolder(path);
+}
+
+void KaModelFacade::loadWaitTimeInfo(KaWaitTimes &waitTimes) const {
+  loadWaitTimeOverrides(waitTimes);
+}
+
+void KaModelFacade::setDownloadDataUUID(const QString &key) {
+  const platform::MutexLock lock(dataLock);
+  if (!dData.contains(key)) dData.insert(key, KaDownloadData());
+}
+
+void KaModelFacade::setDownloadDataLastDateTime(const QString &key, const QString &lastDateTime) {
+  const platform::MutexLock lock(dataLock);
+  if (const auto record = dData.find(key); record != dData.end()) record->LastDateTime = lastDateTime;
+}
+
+void KaModelFacade::setDownloadDataAddContent(const QString &key, const QString &contentId) {
+  const platform::MutexLock lock(dataLock);
+  if (const auto record = dData.find(key); record != dData.end()) record->ContentIds.append(contentId);
+}
+
+void KaModelFacade::setDownloadDataRemoveContents(const QString &key) {
+  const platform::MutexLock lock(dataLock);
+  if (const auto record = dData.find(key); record != dData.end()) record->ContentIds.clear();
+}
+
+void KaModelFacade::setDownloadDataNewDate(const QString &key, const QString &lastDateTime, const QString &contentId) {
+  const platform::MutexLock lock(dataLock);
+  if (const auto record = dData.find(key); record != dData.end()) *record = {lastDateTime, {contentId}};
+}
+
+void KaModelFacade::setDownloadData(const QString &key, const QString &lastDateTime, const QStringList &contentIds) {
+  const platform::MutexLock lock(dataLock);
+  dData.insert(key, {lastDateTime, contentIds});
+}
+
+std::optional<QString> KaModelFacade::downloadDataLastDateTime(const QString &key) const {
+  const auto record = downloadData(key);
+  if (!record) return std::nullopt;
+  return record->LastDateTime;
+}
+
+std::optional<QStringList> KaModelFacade::downloadDataContentIds(const QString &key) const {
+  const auto record = downloadData(key);
+  if (!record) return std::nullopt;
+  return record->ContentIds;
+}
+
+std::optional<KaDownloadData> KaModelFacade::downloadData(const QString &key) const {
+  const platform::MutexLock lock(dataLock);
+  const auto record = dData.find(key);
+  if (record == dData.end()) return std::nullopt;
+  return *record;
+}
+
+bool KaModelFacade::saveGetImageInfo(const QString &fileName, const QString &uuidKey) {
+  return saveBookkeeping(fileName, uuidKey, downloadData(uuidKey).value_or(KaDownloadData{u""_s, {}}));
+}
+
+bool KaModelFacade::loadGetImageInfo(const QString &fileName) {
+  const auto records = loadBookkeeping(fileName);
+  if (!records) return false;
+  for (auto record = records->begin(); record != records->end(); ++record)
+    setDownloadData(record.key(), record->LastDateTime, record->ContentIds);
+  return true;
+}
+
+void KaModelFacade::setAppStatus(KaAppStatus status) {
+  if (KaDownloadDelegate *const delegate = dlDelegate) delegate->onChangeStatus(*this, status);
+}
+
+void KaModelFacade::setProcessingResult(KaResultCode result, bool userTrigger) {
+  if (KaDownloadDelegate *const delegate = dlDelegate) delegate->onProcessingResult(*this, result, userTrigger);
+}
+
+void KaModelFacade::setEnableLoggin(bool enable) {
+  if (KaDownloadDelegate *const delegate = dlDelegate) delegate->onSetEnableLogginMenu(enable);
+}
+
+void KaModelFacade::notifyDownloadProcessFinish() {
+  if (KaDownloadDelegate *const delegate = dlDelegate) delegate->onFinishDownloadProcess();
+}
+
+void KaModelFacade::downloadNow(bool initialAccess) {
+  if (initialAccess) dlProc->startReceiving(/*initialAccess=*/true);
+  dlProc->getContentsNow();
+}
+
+void KaModelFacade::cancelPollingWait() {
+  dlProc->cancelPollingWait();
+}
+
+void KaModelFacade::endDownloadProcess() {
+  dlProc->endDownloadProcess();
+}
+
+void KaModelFacade::switchLogMode() {
+  KaLogUtility::switchLogStatus();
+}
+
+std::optional<QString> KaModelFacade::getOutputLogFilePath() const {
+  return KaLogUtility::outputLogFilePath();
+}

@@ -1,0 +1,89 @@
+#include "app/KaModelFacade.h"
+
+#include "app/KaDownloadDelegate.h"
+#include "app/LoginVerification.h"
+#include "app/log/ExceptionGuard.h"
+#include "app/log/KaLogUtility.h"
+#include "engine/KaDownloadProcessor.h"
+#include "identity/KaLinkageUtility.h"
+
+#include <QUuid>
+
+#include <algorithm>
+#include <utility>
+
+using namespace Qt::StringLiterals;
+
+bool KaModelFacade::saveLinkageSetting(const QString &idToken) {
+  dIdToken.set(idToken);
+  return KaLinkageUtility::saveLinkageSetting(idToken);
+}
+
+std::optional<QString> KaModelFacade::loadLinkageSetting() const {
+  const auto cached = dIdToken.get();
+  return cached ? cached : KaLinkageUtility::loadLinkageSetting();
+}
+
+void KaModelFacade::initializeLinkageSetting() {
+  const bool linked = loadLinkageSetting().has_value();
+  // Before the thread is woken, which looks at this first and would go back to sleep.
+  loggedIn = linked;
+  if (!linked) return setProcessingResult(KaResultCode::NotLinked, /*userTrigger=*/false);
+
+  setAppStatus(KaAppStatus::Normal);
+  dlProc->startReceiving(/*initialAccess=*/false);
+  if (KaDownloadDelegate *const delegate = dlDelegate) delegate->onChangeLinkage(true);
+}
+
+void KaModelFacade::setupLinkage() {
+  dropLogins();
+  KaLinkageUtility::deletePairingInfo();
+  nonce = QUuid::createUuid().toString(QUuid::WithoutBraces).toUpper();
+  if (!KaLinkageUtility::setupLinkage(*nonce)) KaLogUtility::writeErrorLog(u"the login page cannot be opened"_s);
+  loggedIn = true;
+}
+
+void KaModelFacade::setIdCode(const QString &token) {
+  dropLogins();
+  const auto expectedNonce = std::exchange(nonce, std::nullopt);
+  logins.push_back(std::make_unique<LoginVerification>(
+      token, expectedNonce, [this](const LoginVerification &ended, KaResultCode verdict) {
+        mailbox.post([this, &ended, verdict] {
+          if (!runGuarded([&] { endLogin(ended, verdict); }))
+            setProcessingResult(KaResultCode::Unexpected, /*userTrigger=*/false);
+        });
+      }));
+}
+
+void KaModelFacade::dropLogins() {
+  for (const auto &login : logins)
+    login->drop();
+}
+
+void KaModelFacade::endLogin(const LoginVerification &ended, KaResultCode verdict) {
+  const bool dropped = ended.isDropped();
+  const QString token = ended.idToken();
+  std::erase_if(logins, [&ended](const auto &login) { return login.get() == &ended; });
+  if (!dropped) finishLogin(token, verdict);
+}
+
+void KaModelFacade::finishLogin(const QString &token, KaResultCode verdict) {
+  if (verdict != KaResultCode::Success) return setProcessingResult(verdict, /*userTrigger=*/false);
+
+  if (!saveLinkageSetting(token)) KaLogUtility::writeErrorLog(u"the linkage cannot be saved"_s);
+  loggedIn = true;
+  KaDownloadDelegate *const delegate = dlDelegate;
+  if (!delegate) return;
+  delegate->onCompleteLinkageSetting();
+  delegate->onChangeLinkage(true);
+}
+
+void KaModelFacade::closeLinkage() {
+  dropLogins();
+  if (!KaLinkageUtility::closeLinkage()) KaLogUtility::writeErrorLog(u"the logout page cannot be opened"_s);
+  dlProc->deleteCredential();
+  setAppStatus(KaAppStatus::NotLinked);
+  setProcessingResult(KaResultCode::Unlinked, /*userTrigger=*/false);
+  KaLinkageUtility::deletePairingInfo();
+  loggedIn = false;
+}

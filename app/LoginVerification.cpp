@@ -1,0 +1,24 @@
+#include "app/LoginVerification.h"
+
+#include "identity/KaIdVerificationUtility.h"
+
+KaModelFacade::LoginVerification::LoginVerification(const QString &idToken, const std::optional<QString> &expectedNonce,
+                                                    Report report)
+    : token(idToken), request(&endFlag),
+      thread([this, expectedNonce, report = std::move(report)] { verify(expectedNonce, report); }) {
+}
+
+KaModelFacade::LoginVerification::~LoginVerification() {
+  drop();
+  thread.join();
+}
+
+void KaModelFacade::LoginVerification::drop() {
+  endFlag = true;
+  request.stopServerRequest();
+}
+
+void KaModelFacade::LoginVerification::verify(const std::optional<QString> &expectedNonce, const Report &report) {
+  const KaResultCode verdict = KaIdVerificationUtility::validateJWT(request, token, /*checkNonce=*/true, expectedNonce);
+  report(*this, verdict);
+}
