@@ -1,0 +1,21 @@
+#pragma once
+
+#include <QString>
+#include <QStringList>
+
+namespace platform {
+
+[[nodiscard]] QString applicationSupportFolder();
+[[nodiscard]] QString picturesFolder();
+/// Where programs are installed, for all users and for this one.
+[[nodiscard]] QStringList applicationFolders();
+/// The system's own places.
+[[nodiscard]] QStringList systemFolders();
+/// Below these lies what is not the start-up volume.
+[[nodiscard]] QStringList externalVolumeRoots();
+
+/// Makes a folder for the user alone (0700), intermediate ones too; existing folders keep their mode.
+/// @return whether it is a folder afterwards.
+[[nodiscard]] bool makePrivateFolder(const QString &path);
+
+} // namespace platform

@@ -1,0 +1,42 @@
+#pragma once
+
+#include "platform/Mutex.h"
+
+#include <QHash>
+#include <QString>
+
+#include <memory>
+#include <optional>
+
+namespace platform {
+
+/// The user's preferences, and below them defaults registered for this run. Any thread.
+class UserDefaults {
+public:
+  /// @param path  the INI file; made, readable by the user alone, with the first value stored.
+  explicit UserDefaults(const QString &path);
+  ~UserDefaults();
+  UserDefaults(const UserDefaults &) = delete;
+  UserDefaults &operator=(const UserDefaults &) = delete;
+
+  /// The stored value, else the registered default.
+  [[nodiscard]] std::optional<QString> string(const QString &key) const;
+  [[nodiscard]] bool boolValue(const QString &key) const;      ///< "YES", "true" or a number but 0; missing is false
+  [[nodiscard]] qint64 integerValue(const QString &key) const; ///< the leading whole number, else 0
+  [[nodiscard]] std::optional<double> doubleValue(const QString &key) const;
+  [[nodiscard]] bool contains(const QString &key) const;
+
+  void setString(const QString &key, const QString &value);
+  void setBool(const QString &key, bool value);
+  void registerDefaults(const QHash<QString, QString> &defaults); ///< in memory only
+  bool synchronize();                                             ///< @return whether all is on disk
+
+private:
+  class Private;
+  std::unique_ptr<Private> d;
+};
+
+/// The agent's own: `$XDG_CONFIG_HOME/NORVALE INC/Downloaderpictora.conf`, found at the first call.
+[[nodiscard]] UserDefaults &standardUserDefaults();
+
+} // namespace platform
