@@ -1,0 +1,45 @@
+#pragma once
+
+#include "tests/support/TestProfile.h"
+
+#include <QProcess>
+#include <QString>
+#include <QStringList>
+
+#include <chrono>
+#include <optional>
+
+/// The installed program as a desktop starts it: a process of its own on this test's home and session bus, without a
+/// display. Killed with the object if it still runs.
+class AgentProcess {
+public:
+  explicit AgentProcess(const QStringList &arguments = {});
+  ~AgentProcess();
+  AgentProcess(const AgentProcess &) = delete;
+  AgentProcess &operator=(const AgentProcess &) = delete;
+
+  /// Until the agent serves its name on the bus.
+  [[nodiscard]] bool waitUntilServing();
+  /// An action as desktop tools send it.
+  [[nodiscard]] static bool requestAction(const QString &action);
+
+  void kill9();
+  void terminate() { process.terminate(); }
+  /// @return the exit status, or nothing when the process still ran at the deadline or was killed.
+  [[nodiscard]] std::optional<int> waitForEnd(std::chrono::milliseconds deadline);
+  [[nodiscard]] QString errorOutput() { return QString::fromUtf8(process.readAllStandardError()); }
+
+private:
+  QProcess process;
+};
+
+/// A browser that only notes what it was asked to open: put first in PATH as what opens URLs.
+class NotingBrowser {
+public:
+  explicit NotingBrowser(const TestProfile &profile);
+  /// The last URL that it was asked to open; waits for one.
+  [[nodiscard]] std::optional<QString> waitForUrl() const;
+
+private:
+  QString notePath;
+};

@@ -1,0 +1,203 @@
+#include "sandbox/Library.h"
+#include "sandbox/SampleLibrary.h"
+#include "sandbox/Service.h"
+#include "tests/agent/AgentProcess.h"
+#include "tests/support/PrivateBus.h"
+#include "tests/support/TestProfile.h"
+
+#include <gmock/gmock.h>
+
+#include <QCoreApplication>
+#include <QCryptographicHash>
+#include <QDateTime>
+#include <QDirIterator>
+#include <QElapsedTimer>
+#include <QFileInfo>
+
+using namespace Qt::StringLiterals;
+using namespace std::chrono_literals;
+using sandbox::Endpoint;
+using sandbox::Fault;
+
+namespace {
+
+int noArguments = 0;
+
+QByteArray sha256Of(const QString &path) {
+  QFile file(path);
+  if (!file.open(QFile::ReadOnly)) return {};
+  QCryptographicHash hash(QCryptographicHash::Sha256);
+  hash.addData(&file);
+  return hash.result().toHex();
+}
+
+QStringList filesBelow(const QString &folder) {
+  QStringList files;
+  QDirIterator it(folder, QDir::Files | QDir::Hidden, QDirIterator::Subdirectories);
+  while (it.hasNext())
+    files << QDir(folder).relativeFilePath(it.next());
+  files.sort();
+  return files;
+}
+
+sandbox::LibraryObject picture(const QString &hour, const QString &fileName, char fill) {
+  return {.deviceId = u"dev1"_s,
+          .date = u"20240501"_s,
+          .hour = hour,
+          .fileName = fileName,
+          .body = QByteArray(300'000, fill),
+          .fileNameMetadata = sandbox::fileNameHeader(fileName),
+          .metadataDocument = "{\"captureTime\":\"2024-05-01T12:00:00.000Z\"}"};
+}
+
+/// The whole program against the whole service, on a home and a session bus of its own.
+class Agent : public testing::Test {
+protected:
+  Agent() {
+    auto defaults = service.userDefaults();
+    defaults.insert(u"firstLaunch"_s, u"false"_s);
+    defaults.insert(u"ImageRetryWaitTime"_s, u"1"_s);
+    defaults.insert(u"ExifRetryWaitTime"_s, u"1"_s);
+    profile.writeUserDefaults(defaults);
+    service.library().setSettingsObject("{\"applicationAliasIds\":[],\"isEnableDownload10GStorage\":true}");
+  }
+
+  /// Links @p agent as a person would: menu entry, browser, callback through a second start of the program.
+  void link(AgentProcess &agent) {
+    ASSERT_TRUE(agent.waitUntilServing());
+    ASSERT_TRUE(AgentProcess::requestAction(u"link"_s));
+    const auto loginUrl = browser.waitForUrl();
+    ASSERT_TRUE(loginUrl);
+    const QString callback = service.signIn(*loginUrl);
+    ASSERT_THAT(callback.toStdString(), testing::StartsWith("downloaderpictora://authenticate?"));
+    AgentProcess messenger({callback});
+    ASSERT_EQ(messenger.waitForEnd(10s), 0);
+  }
+
+  void quitWithinASecond(AgentProcess &agent) {
+    QElapsedTimer sinceQuit;
+    sinceQuit.start();
+    ASSERT_TRUE(AgentProcess::requestAction(u"quit"_s));
+    EXPECT_EQ(agent.waitForEnd(10s), 0);
+    EXPECT_LT(sinceQuit.elapsed(), 1000 * kSlowness);
+  }
+
+  [[nodiscard]] QString downloads() const { return profile.picturesFolder() + u"/Transferred"_s; }
+  [[nodiscard]] bool waitForFiles(qsizetype count) const {
+    return waitFor([&] { return filesBelow(downloads()).size() >= count; });
+  }
+
+#if defined(__SANITIZE_ADDRESS__) || defined(__SANITIZE_THREAD__)
+  static constexpr int kSlowness = 5;
+#else
+  static constexpr int kSlowness = 1;
+#endif
+
+  TestProfile profile;
+  PrivateBus bus;
+  QCoreApplication application{noArguments, nullptr};
+  sandbox::Service service;
+  NotingBrowser browser{profile};
+};
+
+TEST_F(Agent, linksAndFillsTheFolderAndFetchesNothingTwice) {
+  sandbox::fillSampleLibrary(service.library());
+  const auto expected = sandbox::expectedSampleFiles();
+  {
+    AgentProcess agent;
+    link(agent);
+    ASSERT_TRUE(waitForFiles(expected.size()));
+    quitWithinASecond(agent);
+  }
+  EXPECT_EQ(filesBelow(downloads()).size(), expected.size());
+  for (const auto &file : expected) {
+    const QFileInfo info(downloads() + u'/' + file.relativePath);
+    EXPECT_EQ(sha256Of(info.filePath()), file.sha256) << file.relativePath.toStdString();
+    EXPECT_EQ(info.lastModified().toSecsSinceEpoch(), file.modificationTime) << file.relativePath.toStdString();
+  }
+
+  service.resetRequestCounts();
+  AgentProcess again;
+  ASSERT_TRUE(again.waitUntilServing());
+  ASSERT_TRUE(service.waitForRequests(Endpoint::ListItems, 1, 20s));
+  quitWithinASecond(again);
+  EXPECT_EQ(service.requestCount(Endpoint::ObjectGet), 0);
+}
+
+TEST_F(Agent, quitsWithinASecondWhileItWaitsForALink) {
+  AgentProcess agent;
+  ASSERT_TRUE(agent.waitUntilServing());
+  quitWithinASecond(agent);
+}
+
+TEST_F(Agent, quitsWithinASecondInMidRequest) {
+  service.order(Endpoint::ListItems, {.kind = Fault::Kind::NoAnswer, .times = -1});
+  service.library().add(picture(u"10"_s, u"A.JPG"_s, 'a'));
+  AgentProcess agent;
+  link(agent);
+  ASSERT_TRUE(service.waitForRequests(Endpoint::ListItems, 1, 20s));
+  quitWithinASecond(agent);
+}
+
+TEST_F(Agent, endsInOrderWhenTerminated) {
+  AgentProcess agent;
+  ASSERT_TRUE(agent.waitUntilServing());
+  agent.terminate();
+  EXPECT_EQ(agent.waitForEnd(10s), 0);
+}
+
+TEST_F(Agent, killedInMidDownloadLeavesNothingBrokenAndTheNextRunCompletes) {
+  service.library().add(picture(u"10"_s, u"A.JPG"_s, 'a'));
+  service.library().add(picture(u"11"_s, u"B.JPG"_s, 'b'));
+  service.order(Endpoint::ObjectGet, {.kind = Fault::Kind::SlowBody, .times = -1, .pathContains = u"B.JPG"_s});
+  {
+    AgentProcess agent;
+    link(agent);
+    ASSERT_TRUE(service.waitForRequests(Endpoint::ObjectGet, 2, 20s));
+    agent.kill9();
+  }
+  EXPECT_EQ(filesBelow(downloads()), QStringList{u"2024_05_01/A.JPG"_s});
+  service.clearFaults();
+
+  AgentProcess agent;
+  ASSERT_TRUE(waitForFiles(3));
+  quitWithinASecond(agent);
+  // The killed pass was not recorded, so its one whole file is there twice; nothing else is.
+  EXPECT_EQ(filesBelow(downloads()),
+            (QStringList{u"2024_05_01/A.JPG"_s, u"2024_05_01/A_1.JPG"_s, u"2024_05_01/B.JPG"_s}));
+  for (const QString &file : filesBelow(downloads()))
+    EXPECT_EQ(QFileInfo(downloads() + u'/' + file).size(), 300'000);
+}
+
+TEST_F(Agent, asksForNothingMoreOnceLoggedOut) {
+  service.library().add(picture(u"10"_s, u"A.JPG"_s, 'a'));
+  AgentProcess agent;
+  link(agent);
+  ASSERT_TRUE(waitForFiles(1));
+  ASSERT_TRUE(AgentProcess::requestAction(u"logout"_s));
+  ASSERT_THAT(browser.waitForUrl().value_or(QString()).toStdString(), testing::HasSubstr("/logout"));
+  EXPECT_FALSE(
+      QFileInfo::exists(profile.dataFolder() + u"/NORVALE INC/Downloaderpictora Shared/PairingInfo/PairingInfo"_s));
+  quitWithinASecond(agent);
+  service.resetRequestCounts();
+  AgentProcess again;
+  ASSERT_TRUE(again.waitUntilServing());
+  quitWithinASecond(again);
+  EXPECT_EQ(service.requestCount(Endpoint::RefreshToken), 0);
+}
+
+TEST_F(Agent, runsOnceAndTakesNothingButAUrl) {
+  AgentProcess agent;
+  ASSERT_TRUE(agent.waitUntilServing());
+  AgentProcess second;
+  EXPECT_EQ(second.waitForEnd(10s), 0);
+  for (const auto &arguments : {QStringList{u"--help"_s}, QStringList{u"https://example.test/"_s},
+                                QStringList{u"downloaderpictora://a"_s, u"downloaderpictora://b"_s}}) {
+    AgentProcess refused(arguments);
+    EXPECT_EQ(refused.waitForEnd(10s), 2);
+    EXPECT_EQ(refused.errorOutput().count(u'\n'), 1);
+  }
+  quitWithinASecond(agent);
+}
+
+} // namespace
