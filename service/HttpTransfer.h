@@ -13,9 +13,9 @@
 
 struct HttpRequest {
   QByteArray method = "GET";
-  QString url; ///< used as it stands; what HTTP cannot carry is percent-encoded at the wire
-  std::vector<std::pair<QByteArray, QByteArray>> headers;
-  std::optional<QByteArray> body;
+  QString url{}; ///< used as it stands; what HTTP cannot carry is percent-encoded at the wire
+  std::vector<std::pair<QByteArray, QByteArray>> headers{};
+  std::optional<QByteArray> body{};
   std::chrono::milliseconds wait = std::chrono::seconds(600); ///< outer bound, after the transport's own limits
 };
 

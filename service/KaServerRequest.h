@@ -8,19 +8,20 @@
 #include <QString>
 
 #include <atomic>
+#include <functional>
 #include <optional>
 
 struct ServerAnswer {
   KaResultCode result = KaResultCode::Success;
   qint64 statusCode = 0; ///< HTTP status; 0 when no answer arrived
-  QByteArray data;       ///< the body; kept whatever the result
+  QByteArray data{};     ///< the body; kept whatever the result
 };
 
 struct SavedObject {
   KaResultCode result = KaResultCode::Success;
   qint64 statusCode = 0;
   qint64 outputFileSize = 0; ///< bytes on disk
-  QString outputFilePath;    ///< empty when nothing was saved
+  QString outputFilePath{};  ///< empty when nothing was saved
 };
 
 struct ObjectHead {
@@ -89,13 +90,15 @@ public:
 
 private:
   enum class EmptyBody { IsNoBody, IsSuccess };
+  /// The file name that an answer gives its object, if any.
+  using NameOf = std::function<std::optional<QString>(const HttpAnswer &answer)>;
 
+  /// The result of an exchange before its body is looked at.
+  [[nodiscard]] static KaResultCode resultOf(const HttpAnswer &answer);
   [[nodiscard]] ServerAnswer exchange(const HttpRequest &request, EmptyBody emptyBody = EmptyBody::IsNoBody);
-  [[nodiscard]] ServerAnswer signedS3Request(const KaCredential &credential, const QString &objectKey,
-                                             const QByteArray &method, const QString &query);
+  [[nodiscard]] ServerAnswer presignedList(const QString &url, const KaCredential &credential);
   [[nodiscard]] SavedObject saveObject(const QString &url, const KaCredential &credential,
-                                       const QString &defaultFilePath, bool nameFromHeader,
-                                       const std::optional<QString> &fileName);
+                                       const QString &defaultFilePath, const NameOf &nameOf);
 
   HttpTransfer transfer;
 };

@@ -1,0 +1,51 @@
+#include "app/log/ExceptionGuard.h"
+
+#include "app/log/KaLogUtility.h"
+
+#include <boost/core/demangle.hpp>
+#include <boost/stacktrace.hpp>
+
+#include <cxxabi.h>
+#include <exception>
+#include <typeinfo>
+
+using namespace Qt::StringLiterals;
+
+namespace {
+
+/// @param skippedFrames  how many of the innermost frames tell nothing, this function not counted.
+[[gnu::noinline]] QStringList currentFrames(std::size_t skippedFrames) {
+  constexpr std::size_t kMostFrames = 64;
+  QStringList frames;
+  for (const boost::stacktrace::frame &frame : boost::stacktrace::stacktrace(skippedFrames + 1, kMostFrames))
+    frames << QString::fromStdString(boost::stacktrace::to_string(frame));
+  return frames;
+}
+
+QString typeName(const std::type_info *type) {
+  return type ? QString::fromStdString(boost::core::demangle(type->name())) : u"foreign exception"_s;
+}
+
+void writeExceptionLog(const QString &name, const QString &reason, const QStringList &frames) {
+  KaLogUtility::writeErrorLog(u"%1 : %2"_s.arg(name, reason), frames);
+}
+
+} // namespace
+
+KaException::KaException(const QString &name, const QString &reason)
+    : std::runtime_error(reason.toStdString()), exceptionName(name), frames(currentFrames(1)) {
+}
+
+bool runGuarded(const std::function<void()> &action) {
+  try {
+    action();
+    return true;
+  } catch (const KaException &exception) {
+    writeExceptionLog(exception.name(), QString::fromUtf8(exception.what()), exception.stackTrace());
+  } catch (const std::exception &exception) {
+    writeExceptionLog(typeName(&typeid(exception)), QString::fromUtf8(exception.what()), currentFrames(1));
+  } catch (...) {
+    writeExceptionLog(typeName(abi::__cxa_current_exception_type()), u"not a standard exception"_s, currentFrames(1));
+  }
+  return false;
+}

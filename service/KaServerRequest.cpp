@@ -1,0 +1,55 @@
+#include "service/KaServerRequest.h"
+
+#include "service/KaApplicationConstants.h"
+
+using namespace Qt::StringLiterals;
+
+KaServerRequest::KaServerRequest(const std::atomic<bool> *endAppFlag) : transfer(endAppFlag) {
+}
+
+void KaServerRequest::stopServerRequest() {
+  transfer.cancel();
+}
+
+KaResultCode KaServerRequest::checkHTTPResponse(qint64 statusCode) {
+  switch (statusCode) {
+  case 200:
+  case 404: // deliberately: a missing object is no error of the request
+    return KaResultCode::Success;
+  case 400:
+  case 401:
+  case 403:
+    return KaResultCode::LinkInvalid;
+  case 500:
+  case 503:
+    return KaResultCode::RetryLater;
+  default:
+    return KaResultCode::ServerError;
+  }
+}
+
+KaResultCode KaServerRequest::resultOf(const HttpAnswer &answer) {
+  switch (answer.outcome) {
+  case TransportOutcome::Answered:
+    return checkHTTPResponse(answer.status);
+  case TransportOutcome::SecureConnectionFailed:
+    return KaResultCode::SecureConnectionFailed;
+  case TransportOutcome::Failed:
+    return KaResultCode::Offline;
+  case TransportOutcome::WaitRanOut:
+    return KaResultCode::RetryLater;
+  }
+  return KaResultCode::Unexpected;
+}
+
+ServerAnswer KaServerRequest::getKaAppId() {
+  return exchange({.url = u"https://%1/configuration"_s.arg(KaApplicationConstants::strataHostName())});
+}
+
+ServerAnswer KaServerRequest::exchange(const HttpRequest &request, EmptyBody emptyBody) {
+  HttpAnswer answer = transfer.perform(request);
+  KaResultCode result = resultOf(answer);
+  if (result == KaResultCode::Success && answer.body.isEmpty() && emptyBody == EmptyBody::IsNoBody)
+    result = KaResultCode::NoBody;
+  return {.result = result, .statusCode = answer.status, .data = std::move(answer.body)};
+}

@@ -1,0 +1,219 @@
+#include "app/log/KaLogUtility.h"
+#include "platform/UnpublishedFile.h"
+#include "service/KaApplicationConstants.h"
+#include "service/KaServerRequest.h"
+#include "service/KaXMLParser.h"
+#include "service/SavedFileName.h"
+#include "service/SignatureV4.h"
+
+#include <QDateTime>
+#include <QFileInfo>
+
+#include <cerrno>
+
+using namespace Qt::StringLiterals;
+
+namespace {
+
+constexpr std::chrono::seconds kSignedRequestWait(100);
+constexpr qsizetype kMostLoggedBody = 16 * 1024;
+
+HttpRequest presignedRequest(const QString &url, const KaCredential &credential) {
+  return {.url = url, .headers = {{"x-amz-security-token", credential.sessionToken.toUtf8()}}};
+}
+
+std::optional<QString> nameInHeader(const HttpAnswer &answer) {
+  for (const auto &[name, value] : answer.headers)
+    if (name == "x-amz-meta-file-name") return decodeFileNameHeader(value);
+  return {};
+}
+
+/// An object on its way to disk. Its file is made at the first byte, so that an answer without one leaves nothing.
+class ArrivingObject {
+public:
+  explicit ArrivingObject(const QString &defaultFilePath) : folder(QFileInfo(defaultFilePath).path()) {}
+
+  [[nodiscard]] bool take(const char *bytes, std::size_t count) {
+    if (!file) file = platform::UnpublishedFile::create(folder);
+    if (file && file->write(bytes, count)) return true;
+    return failed();
+  }
+
+  /// Gives the file its name, or the next one that is free.
+  /// @return whether @p path now holds the file.
+  [[nodiscard]] bool publish(const QString &targetPath, QString &path) {
+    using Publish = platform::UnpublishedFile::Publish;
+    path = targetPath;
+    if (!file || !file->sync()) return failed();
+    for (unsigned counter = 1;; ++counter) {
+      const Publish outcome = file->publish(path);
+      if (outcome == Publish::Published) return true;
+      if (outcome == Publish::Failed) return failed();
+      path = numberedFilePath(targetPath, counter);
+    }
+  }
+
+  /// What a failure means, with its log entry.
+  [[nodiscard]] KaResultCode failure(const QString &path) const {
+    if (error == ENOSPC || error == EDQUOT) return KaResultCode::DiskFull;
+    KaLogUtility::writeInfoLog(u"Save File Error"_s, {u"FilePath="_s + path});
+    return KaResultCode::FileNotSaved;
+  }
+
+private:
+  bool failed() {
+    error = file ? file->error() : errno;
+    return false;
+  }
+
+  const QString folder;
+  std::optional<platform::UnpublishedFile> file;
+  int error = 0;
+};
+
+/// A request to the content bucket that we sign ourselves.
+struct SignedRequest {
+  QString url;
+  QString timestamp;
+  QString sessionToken;
+  QString payloadHash;
+  QString authorization;
+};
+
+SignedRequest signedRequest(const KaCredential &credential, const QString &objectKey, const QString &method,
+                            const QString &query) {
+  const QString host =
+      KaApplicationConstants::awsS3BucketName() + u'.' + KaApplicationConstants::awsS3AccelerateHostName();
+  SignedRequest made;
+  made.url = u"https://"_s + host + u'/' + objectKey + u'?' + query;
+  made.timestamp = getCurrentTimeStampUTCFormat(QDateTime::currentDateTimeUtc());
+  made.sessionToken = credential.sessionToken;
+  made.payloadHash = toHex(toSHA256hash(QString()));
+  made.authorization =
+      signRequests(credential, {.timestamp = made.timestamp,
+                                .service = u"s3"_s,
+                                .method = method,
+                                .canonicalUri = u'/' + objectKey,
+                                .canonicalQuery = query,
+                                .canonicalHeaders = u"host:"_s + host + u"\nx-amz-content-sha256:"_s + made.payloadHash
+                                                    + u"\nx-amz-date:"_s + made.timestamp + u"\nx-amz-security-token:"_s
+                                                    + made.sessionToken + u'\n',
+                                .signedHeaders = u"host;x-amz-content-sha256;x-amz-date;x-amz-security-token"_s,
+                                .payload = {}});
+  return made;
+}
+
+HttpRequest httpRequest(const SignedRequest &made, const QByteArray &method) {
+  return {.method = method,
+          .url = made.url,
+          .headers = {{"x-amz-date", made.timestamp.toUtf8()},
+                      {"x-amz-security-token", made.sessionToken.toUtf8()},
+                      {"x-amz-content-sha256", made.payloadHash.toUtf8()},
+                      {"Authorization", made.authorization.toUtf8()}},
+          .wait = kSignedRequestWait};
+}
+
+void writeFailureLog(const QString &operation, const SignedRequest &made, qint64 statusCode, const QString &received) {
+  KaLogUtility::writeInfoLog(operation + u":Request"_s,
+                             {u"url:"_s + made.url, u"xAmzDate:"_s + made.timestamp,
+                              u"sessionToken:"_s + made.sessionToken, u"payload_hash:"_s + made.payloadHash,
+                              u"authorization:"_s + made.authorization});
+  KaLogUtility::writeInfoLog(operation + u":Response"_s, {u"statuscode:"_s + QString::number(statusCode), received});
+}
+
+} // namespace
+
+ServerAnswer KaServerRequest::getAwsS3KeyList(const QString &url, const KaCredential &credential) {
+  return presignedList(url, credential);
+}
+
+ServerAnswer KaServerRequest::getAwsPreviewlList(const QString &url, const KaCredential &credential) {
+  return presignedList(url, credential);
+}
+
+ServerAnswer KaServerRequest::presignedList(const QString &url, const KaCredential &credential) {
+  ServerAnswer answer = exchange(presignedRequest(url, credential));
+  if (answer.statusCode == 0) answer.result = KaResultCode::NoHttpStatus;
+  return answer;
+}
+
+SavedObject KaServerRequest::getAwsS3Object(const QString &url, const KaCredential &credential,
+                                            const QString &defaultFilePath) {
+  return saveObject(url, credential, defaultFilePath, nameInHeader);
+}
+
+SavedObject KaServerRequest::getAwsS3Preview(const QString &url, const KaCredential &credential,
+                                             const QString &defaultFilePath, const std::optional<QString> &fileName) {
+  return saveObject(url, credential, defaultFilePath, [&fileName](const HttpAnswer &) { return fileName; });
+}
+
+SavedObject KaServerRequest::saveObject(const QString &url, const KaCredential &credential,
+                                        const QString &defaultFilePath, const NameOf &nameOf) {
+  ArrivingObject object(defaultFilePath);
+  const HttpAnswer answer =
+      transfer.perform(presignedRequest(url, credential),
+                       [&object](const char *bytes, std::size_t count) { return object.take(bytes, count); });
+
+  SavedObject saved = {.result = resultOf(answer), .statusCode = answer.status};
+  if (answer.sinkRefused) {
+    saved.result = object.failure(defaultFilePath);
+    return saved;
+  }
+  if (answer.status == 0) saved.result = KaResultCode::NoHttpStatus;
+  if (saved.result != KaResultCode::Success) return saved;
+  // A body that tells of a missing object is no picture.
+  if (answer.status != 200 || answer.bodySize == 0) {
+    saved.result = KaResultCode::NoBody;
+    return saved;
+  }
+
+  const std::optional<QString> name = nameOf(answer);
+  QString path;
+  if (!object.publish(targetFilePath(defaultFilePath, name.value_or(QString())), path)) {
+    saved.result = object.failure(path);
+    return saved;
+  }
+  saved.result = name ? KaResultCode::Success : KaResultCode::DefaultFileName;
+  saved.outputFileSize = answer.bodySize;
+  saved.outputFilePath = path;
+  return saved;
+}
+
+ServerAnswer KaServerRequest::getAWSS3ObjectTag(const KaCredential &credential, const QString &objectKey) {
+  const SignedRequest made = signedRequest(credential, objectKey, u"GET"_s, u"tagging="_s);
+  HttpAnswer answer = transfer.perform(httpRequest(made, "GET"));
+  const KaResultCode result = checkHTTPResponse(answer.status);
+  if (result != KaResultCode::Success)
+    writeFailureLog(u"getAWSS3ObjectTag"_s, made, answer.status, QString::fromUtf8(answer.body.left(kMostLoggedBody)));
+  return {.result = result, .statusCode = answer.status, .data = std::move(answer.body)};
+}
+
+ObjectHead KaServerRequest::headAWSS3Object(const KaCredential &credential, const QString &objectKey) {
+  const SignedRequest made = signedRequest(credential, objectKey, u"HEAD"_s, {});
+  const HttpAnswer answer = transfer.perform(httpRequest(made, "HEAD"));
+  const ObjectHead head = {.result = checkHTTPResponse(answer.status),
+                           .statusCode = answer.status,
+                           .contentLength = answer.status == 0 ? 0 : answer.contentLength};
+  if (head.result != KaResultCode::Success)
+    writeFailureLog(u"HeadAWSS3Object"_s, made, head.statusCode,
+                    u"expectedFileSize:"_s + QString::number(head.contentLength));
+  return head;
+}
+
+TagVerdict KaServerRequest::checkObjectTagIs10GStorage(const KaCredential &credential, const QString &objectKey) {
+  const QString storagePeriod = u"x-strata-storage-period"_s;
+  const ServerAnswer tags = getAWSS3ObjectTag(credential, objectKey);
+
+  KaXMLParser parser;
+  parser.setTarget({storagePeriod});
+  // A document that breaks off may still have told the tag.
+  static_cast<void>(parser.parseXML(tags.data, KaXMLParser::kKeyValueType));
+  TagVerdict verdict = {.result = tags.result};
+  if (parser.result().value(storagePeriod) != u"30"_s) return verdict;
+
+  verdict.bDownloadContent = false;
+  KaLogUtility::writeInfoLog(u"checkObjectTagIs10GStorage: XMLParse Result"_s,
+                             {u"targetKeys:"_s + QStringList(parser.result().keys()).join(u", "_s),
+                              u"targetValues:"_s + QStringList(parser.result().values()).join(u", "_s)});
+  return verdict;
+}

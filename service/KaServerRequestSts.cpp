@@ -1,0 +1,5 @@
+#include "service/KaServerRequest.h"
+
+ServerAnswer KaServerRequest::getAwsTemporaryCredential(const QString &url) {
+  return exchange({.url = url});
+}
