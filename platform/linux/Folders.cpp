@@ -1,0 +1,51 @@
+#include "platform/Folders.h"
+
+#include <QDir>
+#include <QFileInfo>
+#include <QStandardPaths>
+
+#include <sys/stat.h>
+#include <sys/types.h>
+
+#include <cerrno>
+
+using namespace Qt::StringLiterals;
+
+namespace platform {
+
+QString applicationSupportFolder() {
+  return QStandardPaths::writableLocation(QStandardPaths::GenericDataLocation);
+}
+
+QString picturesFolder() {
+  return QStandardPaths::writableLocation(QStandardPaths::PicturesLocation);
+}
+
+QStringList applicationFolders() {
+  return {u"/opt"_s,
+          u"/snap"_s,
+          u"/var/lib/flatpak"_s,
+          u"/usr/share/applications"_s,
+          applicationSupportFolder() + u"/applications"_s,
+          QDir::homePath() + u"/.local/bin"_s};
+}
+
+QStringList systemFolders() {
+  return {u"/bin"_s,  u"/boot"_s, u"/dev"_s,  u"/efi"_s, u"/etc"_s, u"/lib"_s,     u"/lib32"_s,     u"/lib64"_s,
+          u"/proc"_s, u"/run"_s,  u"/sbin"_s, u"/sys"_s, u"/usr"_s, u"/var/lib"_s, u"/lost+found"_s};
+}
+
+QStringList externalVolumeRoots() {
+  return {u"/media"_s, u"/run/media"_s, u"/mnt"_s};
+}
+
+bool makePrivateFolder(const QString &path) {
+  const QFileInfo info(path);
+  if (info.isDir()) return true;
+  const QString parent = info.path();
+  if (parent != path && !makePrivateFolder(parent)) return false;
+  // Another process may have made it in between, which is as good.
+  return ::mkdir(QFile::encodeName(path).constData(), 0700) == 0 || (errno == EEXIST && QFileInfo(path).isDir());
+}
+
+} // namespace platform

@@ -1,0 +1,38 @@
+#pragma once
+
+#include <QByteArray>
+#include <QList>
+#include <QString>
+
+#include <optional>
+
+namespace platform {
+
+/// One line of the kernel's mount table.
+struct Mount {
+  unsigned major = 0;
+  unsigned minor = 0;
+  QByteArray mountPoint;
+  bool readOnly = false;
+  QString type;
+  QString source;
+
+  friend bool operator==(const Mount &, const Mount &) = default;
+};
+
+/// @param text  in the form of /proc/self/mountinfo; lines of another form are passed over.
+[[nodiscard]] QList<Mount> parseMountTable(const QByteArray &text);
+
+/// The mount that holds @p path, an absolute path without symbolic links.
+[[nodiscard]] std::optional<Mount> mountOf(const QList<Mount> &mounts, const QByteArray &path);
+
+/// Whether a file system of that name lies on another machine.
+[[nodiscard]] bool isNetworkFileSystem(const QString &type);
+
+/// Whether desktops mount there what users may take away: /media, /run/media and the user's gvfs folder.
+[[nodiscard]] bool isUnmountablePlace(const QByteArray &mountPoint);
+
+/// Whether the device at @p sysfsPath hangs on a bus that devices leave at run time.
+[[nodiscard]] bool isHotPluggable(const QString &sysfsPath);
+
+} // namespace platform

@@ -1,0 +1,92 @@
+#include "platform/NotificationCenter.h"
+
+#include "platform/AppInfo.h"
+
+#include "NotificationsProxy.h"
+
+#include <QDBusConnection>
+#include <QDBusPendingCallWatcher>
+#include <QDBusPendingReply>
+#include <QDBusServiceWatcher>
+#include <QHash>
+
+using namespace Qt::StringLiterals;
+
+namespace platform {
+namespace {
+
+const QString kService = u"org.freedesktop.Notifications"_s;
+constexpr int kCallWaitMs = 5000;
+
+} // namespace
+
+class NotificationCenter::Private : public QObject {
+public:
+  explicit Private(NotificationCenter &center)
+      : owner(center), proxy(kService, u"/org/freedesktop/Notifications"_s, QDBusConnection::sessionBus()),
+        watcher(kService, QDBusConnection::sessionBus(), QDBusServiceWatcher::WatchForOwnerChange) {
+    proxy.setTimeout(kCallWaitMs);
+    connect(&proxy, &NotificationsProxy::ActionInvoked, this, &Private::onAction);
+    connect(&proxy, &NotificationsProxy::NotificationClosed, this, [this](uint id) { shown.remove(id); });
+    // A new server counts its ids from the start: an old one would catch a stranger's click.
+    connect(&watcher, &QDBusServiceWatcher::serviceOwnerChanged, this, [this] {
+      shown.clear();
+      bodyIsMarkup.reset();
+    });
+  }
+
+  void post(const QString &title, const QString &text, const QString &processingResult) {
+    if (bodyIsMarkup) return notify(title, text, processingResult);
+    auto *const call = new QDBusPendingCallWatcher(proxy.GetCapabilities(), this);
+    connect(call, &QDBusPendingCallWatcher::finished, this, [=, this](QDBusPendingCallWatcher *done) {
+      const QDBusPendingReply<QStringList> reply = *done;
+      done->deleteLater();
+      if (reply.isError()) return;
+      bodyIsMarkup = reply.value().contains(u"body-markup");
+      notify(title, text, processingResult);
+    });
+  }
+
+private:
+  void notify(const QString &title, const QString &text, const QString &processingResult) {
+    const QVariantMap hints{{u"x-ProcessingResult"_s, processingResult},
+                            {u"desktop-entry"_s, QString::fromUtf16(kApplicationId)}};
+    const QString body = *bodyIsMarkup ? text.toHtmlEscaped() : text;
+    // An empty label: the default action is the click on the notification itself.
+    auto *const call = new QDBusPendingCallWatcher(
+        proxy.Notify(appInfo().name, 0, QString(), title, body, {u"default"_s, QString()}, hints, -1), this);
+    connect(call, &QDBusPendingCallWatcher::finished, this, [=, this](QDBusPendingCallWatcher *done) {
+      const QDBusPendingReply<uint> reply = *done;
+      done->deleteLater();
+      if (!reply.isError()) shown.insert(reply.value(), processingResult);
+    });
+  }
+
+  void onAction(uint id, const QString &action) {
+    const auto found = shown.constFind(id);
+    if (found == shown.cend() || action != u"default") return;
+    const QString processingResult = *found;
+    shown.remove(id);
+    proxy.CloseNotification(id);
+    Q_EMIT owner.activated(processingResult);
+  }
+
+  NotificationCenter &owner;
+  NotificationsProxy proxy;
+  QDBusServiceWatcher watcher;
+  QHash<uint, QString> shown;
+  std::optional<bool> bodyIsMarkup; ///< unknown until the server was asked
+};
+
+NotificationCenter::NotificationCenter(QObject *parent) : QObject(parent) {
+  // Without a bus the calls would never end, not even in an error.
+  if (QDBusConnection::sessionBus().isConnected()) d = std::make_unique<Private>(*this);
+}
+
+NotificationCenter::~NotificationCenter() = default;
+
+void NotificationCenter::post(const QString &title, const QString &text, const QString &processingResult) {
+  if (d) d->post(title, text, processingResult);
+}
+
+} // namespace platform

@@ -1,0 +1,75 @@
+#include "platform/UrlScheme.h"
+
+#include "platform/AppInfo.h"
+#include "platform/linux/DesktopEntry.h"
+
+#include <QDir>
+#include <QFile>
+#include <QFileInfo>
+#include <QProcess>
+#include <QSaveFile>
+#include <QStandardPaths>
+
+using namespace Qt::StringLiterals;
+
+namespace platform {
+namespace {
+
+const QString kScheme = u"x-scheme-handler/downloaderpictora"_s;
+
+QString entryName() {
+  return QString::fromUtf16(kApplicationId) + u".desktop"_s;
+}
+
+QString userFolder() {
+  return QStandardPaths::writableLocation(QStandardPaths::GenericDataLocation) + u"/applications"_s;
+}
+
+/// An entry that came with an installation, in a folder of the system's.
+bool isInstalled() {
+  const auto folders = QStandardPaths::standardLocations(QStandardPaths::GenericDataLocation);
+  for (const QString &folder : folders.mid(1)) {
+    if (QFileInfo::exists(folder + u"/applications/"_s + entryName())) return true;
+  }
+  return false;
+}
+
+QByteArray entryText(const QString &executable) {
+  return u"[Desktop Entry]\nType=Application\nName=%1\nExec=%2 %u\nTerminal=false\nNoDisplay=true\nMimeType=%3;\n"_s
+      .replace(u"%1"_s, appInfo().name)
+      .replace(u"%2"_s, execArgument(executable))
+      .replace(u"%3"_s, kScheme)
+      .toUtf8();
+}
+
+bool isWritten(const QString &path, const QByteArray &text) {
+  QFile file(path);
+  return file.open(QFile::ReadOnly) && file.readAll() == text;
+}
+
+/// The desktop's own tools, where it has them: the entry works without.
+void announce() {
+  for (const QStringList &command : {QStringList{u"update-desktop-database"_s, userFolder()},
+                                     QStringList{u"xdg-mime"_s, u"default"_s, entryName(), kScheme}}) {
+    if (QStandardPaths::findExecutable(command.first()).isEmpty()) continue;
+    QProcess::startDetached(command.first(), command.mid(1));
+  }
+}
+
+} // namespace
+
+bool registerUrlScheme(const QString &executable) {
+  if (isInstalled()) return true;
+  const QString path = userFolder() + u'/' + entryName();
+  const QByteArray text = entryText(executable);
+  if (isWritten(path, text)) return true;
+  if (!QDir().mkpath(userFolder())) return false;
+  QSaveFile file(path);
+  if (!file.open(QFile::WriteOnly)) return false;
+  file.write(text);
+  if (!file.commit()) return false;
+  announce();
+  return true;
+}
+
+} // namespace platform

@@ -1,0 +1,99 @@
+#include "platform/UserDefaults.h"
+
+#include "platform/Folders.h"
+
+#include <QDir>
+#include <QFile>
+#include <QFileInfo>
+#include <QRegularExpression>
+#include <QSettings>
+#include <QStandardPaths>
+
+using namespace Qt::StringLiterals;
+
+namespace platform {
+
+class UserDefaults::Private {
+public:
+  explicit Private(const QString &path) : settings(path, QSettings::IniFormat) {}
+
+  bool writeOut() KA_REQUIRES(lock) {
+    settings.sync();
+    QFile::setPermissions(settings.fileName(), QFile::ReadOwner | QFile::WriteOwner);
+    return settings.status() == QSettings::NoError;
+  }
+
+  mutable Mutex lock;
+  QSettings settings KA_GUARDED_BY(lock);
+  QHash<QString, QString> registered KA_GUARDED_BY(lock);
+};
+
+UserDefaults::UserDefaults(const QString &path) {
+  // A folder that cannot be made shows when the first value is stored.
+  [[maybe_unused]] const bool made = makePrivateFolder(QFileInfo(path).path());
+  d = std::make_unique<Private>(path);
+}
+
+UserDefaults::~UserDefaults() = default;
+
+std::optional<QString> UserDefaults::string(const QString &key) const {
+  const MutexLock scope(d->lock);
+  if (d->settings.contains(key)) {
+    // The INI form reads an unquoted comma as a list.
+    return d->settings.value(key).toStringList().join(u", "_s);
+  }
+  if (const auto found = d->registered.constFind(key); found != d->registered.cend()) return *found;
+  return std::nullopt;
+}
+
+bool UserDefaults::boolValue(const QString &key) const {
+  const QString text = string(key).value_or(QString()).trimmed();
+  static const QRegularExpression kTrue(u"^([yYtT]|[+-]?0*[1-9])"_s);
+  return kTrue.match(text).hasMatch();
+}
+
+qint64 UserDefaults::integerValue(const QString &key) const {
+  static const QRegularExpression kLeadingNumber(u"^\\s*([+-]?[0-9]+)"_s);
+  const QString text = string(key).value_or(QString());
+  return kLeadingNumber.match(text).captured(1).toLongLong();
+}
+
+std::optional<double> UserDefaults::doubleValue(const QString &key) const {
+  const auto text = string(key);
+  bool isNumber = false;
+  const double number = text ? text->toDouble(&isNumber) : 0;
+  return isNumber ? std::optional(number) : std::nullopt;
+}
+
+bool UserDefaults::contains(const QString &key) const {
+  return string(key).has_value();
+}
+
+void UserDefaults::setString(const QString &key, const QString &value) {
+  const MutexLock scope(d->lock);
+  d->settings.setValue(key, value);
+  // A process that is killed must not lose an answer that the user gave.
+  d->writeOut();
+}
+
+void UserDefaults::setBool(const QString &key, bool value) {
+  setString(key, value ? u"true"_s : u"false"_s);
+}
+
+void UserDefaults::registerDefaults(const QHash<QString, QString> &defaults) {
+  const MutexLock scope(d->lock);
+  d->registered.insert(defaults);
+}
+
+bool UserDefaults::synchronize() {
+  const MutexLock scope(d->lock);
+  return d->writeOut();
+}
+
+UserDefaults &standardUserDefaults() {
+  static UserDefaults defaults(QStandardPaths::writableLocation(QStandardPaths::GenericConfigLocation)
+                               + u"/NORVALE INC/Downloaderpictora.conf"_s);
+  return defaults;
+}
+
+} // namespace platform

@@ -1,0 +1,72 @@
+#include "platform/UserId.h"
+
+#include "platform/Folders.h"
+
+#include <QCryptographicHash>
+#include <QFile>
+#include <QFileInfo>
+#include <QRegularExpression>
+#include <QSaveFile>
+#include <QStandardPaths>
+#include <QUuid>
+
+#include <unistd.h>
+
+using namespace Qt::StringLiterals;
+
+namespace platform {
+namespace {
+
+/// A machine id is not to be shown to others as it is; hashed with this it is ours alone.
+constexpr char kApplicationConstant[] = "com.norvale.Downloaderpictora/user/1";
+
+QByteArray readId(const QString &path) {
+  QFile file(path);
+  if (!file.open(QFile::ReadOnly)) return {};
+  const QByteArray id = file.read(256).trimmed();
+  static const QRegularExpression form(u"^[0-9a-f-]{32,36}$"_s);
+  return form.match(QString::fromLatin1(id)).hasMatch() ? id : QByteArray();
+}
+
+QByteArray makeKeptId(const QString &path) {
+  if (!makePrivateFolder(QFileInfo(path).path())) return {};
+  const QByteArray id = QUuid::createUuid().toByteArray(QUuid::WithoutBraces);
+  QSaveFile file(path);
+  if (!file.open(QFile::WriteOnly)) return {};
+  file.setPermissions(QFile::ReadOwner | QFile::WriteOwner);
+  file.write(id);
+  return file.commit() ? id : QByteArray();
+}
+
+QString hashed(const QByteArray &id) {
+  QCryptographicHash hash(QCryptographicHash::Sha256);
+  hash.addData(kApplicationConstant);
+  hash.addData("\n" + id + "\n" + QByteArray::number(::getuid()));
+  return QString::fromLatin1(hash.result().toHex());
+}
+
+QString stateFolder() {
+  const QString state = qEnvironmentVariable("XDG_STATE_HOME");
+  const QString base = state.startsWith(u'/')
+                           ? state
+                           : QStandardPaths::writableLocation(QStandardPaths::HomeLocation) + u"/.local/state"_s;
+  return base + u"/NORVALE INC/Downloaderpictora"_s;
+}
+
+} // namespace
+
+QString stableUserId() {
+  return stableUserId({u"/etc/machine-id"_s, u"/var/lib/dbus/machine-id"_s}, stateFolder() + u"/user-id"_s);
+}
+
+QString stableUserId(const QStringList &machineIdFiles, const QString &keptIdFile) {
+  // An id made once stays in use when the machine gets one later: what it enciphered must stay readable.
+  if (const QByteArray kept = readId(keptIdFile); !kept.isEmpty()) return hashed(kept);
+  for (const QString &path : machineIdFiles) {
+    if (const QByteArray id = readId(path); !id.isEmpty()) return hashed(id);
+  }
+  const QByteArray made = makeKeptId(keptIdFile);
+  return made.isEmpty() ? QString() : hashed(made);
+}
+
+} // namespace platform
