@@ -11,8 +11,9 @@
 
 namespace sandbox {
 
-inline constexpr char16_t kContentBucket[] = u"strata-prd-content";
-inline constexpr char16_t kPreviewListBucket[] = u"strata-prd-ka-preview-list";
+/// The two buckets: "strata-prd-content" and "strata-prd-ka-preview-list".
+[[nodiscard]] QString contentBucket();
+[[nodiscard]] QString previewListBucket();
 
 /// One uploaded image with everything that belongs to it.
 struct LibraryObject {

@@ -1,0 +1,143 @@
+#include "sandbox/Faults.h"
+
+#include <algorithm>
+
+namespace sandbox {
+
+namespace {
+
+/// One use less; the fault goes when none is left.
+template <class Fault> Fault useUp(QList<Fault> &faults, qsizetype index) {
+  Fault &fault = faults[index];
+  if (fault.times > 0 && --fault.times == 0) return faults.takeAt(index);
+  return fault;
+}
+
+bool speaksJson(Endpoint endpoint) {
+  switch (endpoint) {
+  case Endpoint::Configuration:
+  case Endpoint::GetLogin:
+  case Endpoint::LoginPage:
+  case Endpoint::SignIn:
+  case Endpoint::Logout:
+  case Endpoint::LogoutPage:
+  case Endpoint::TokenCode:
+  case Endpoint::RefreshToken:
+  case Endpoint::Discovery:
+  case Endpoint::Keys:
+  case Endpoint::LogEvents:
+  case Endpoint::Other:
+    return true;
+  case Endpoint::Sts:
+  case Endpoint::ListDevices:
+  case Endpoint::SettingsObject:
+  case Endpoint::ListItems:
+  case Endpoint::Metadata:
+  case Endpoint::ObjectGet:
+  case Endpoint::ObjectHead:
+  case Endpoint::ObjectTagging:
+  case Endpoint::PreviewList:
+  case Endpoint::PreviewObject:
+    return false;
+  }
+  Q_UNREACHABLE();
+}
+
+QByteArray errorDocument(Endpoint endpoint) {
+  if (speaksJson(endpoint)) return R"({"error":"ordered","errorDescription":"This answer was ordered."})";
+  return "<?xml version=\"1.0\" encoding=\"UTF-8\"?>\n"
+         "<Error><Code>Ordered</Code><Message>This answer was ordered.</Message></Error>";
+}
+
+HttpAnswer replacement(const Fault &fault, Endpoint endpoint) {
+  HttpAnswer answer{.contentType = speaksJson(endpoint) ? "application/json" : "application/xml"};
+  switch (fault.kind) {
+  case Fault::Kind::Status:
+    answer.status = fault.status == 0 ? 500 : fault.status;
+    answer.body = fault.body.isEmpty() ? errorDocument(endpoint) : fault.body;
+    break;
+  case Fault::Kind::Body:
+    answer.status = fault.status == 0 ? 200 : fault.status;
+    answer.body = fault.body;
+    break;
+  case Fault::Kind::MalformedBody:
+    answer.body = "{\"open\": [<Key>\n";
+    break;
+  case Fault::Kind::DroppedConnection:
+    answer.delivery = Delivery::Dropped;
+    break;
+  case Fault::Kind::NoAnswer:
+    answer.delivery = Delivery::Held;
+    break;
+  case Fault::Kind::EmptyBody:
+  case Fault::Kind::Delay:
+  case Fault::Kind::TruncatedBody:
+  case Fault::Kind::SlowBody:
+    break;
+  }
+  return answer;
+}
+
+} // namespace
+
+void Faults::order(Endpoint endpoint, const Fault &fault) {
+  answers.with([&](auto &ordered) { ordered[endpoint].append(fault); });
+}
+
+void Faults::order(TokenFault fault, int times) {
+  tokens.with([&](auto &ordered) { ordered.append({fault, times}); });
+}
+
+void Faults::clear() {
+  answers.with([](auto &ordered) { ordered.clear(); });
+  tokens.with([](auto &ordered) { ordered.clear(); });
+}
+
+std::optional<Fault> Faults::take(Endpoint endpoint, const QByteArray &target) {
+  return answers.with([&](auto &ordered) -> std::optional<Fault> {
+    const auto faults = ordered.find(endpoint);
+    if (faults == ordered.end()) return std::nullopt;
+    const auto meets = [&](const Fault &fault) { return target.contains(fault.pathContains.toUtf8()); };
+    const auto found = std::find_if(faults->begin(), faults->end(), meets);
+    if (found == faults->end()) return std::nullopt;
+    return useUp(*faults, found - faults->begin());
+  });
+}
+
+std::optional<TokenFault> Faults::take(std::span<const TokenFault> applicable) {
+  return tokens.with([&](auto &ordered) -> std::optional<TokenFault> {
+    const auto fits = [&](const OrderedTokenFault &waiting) {
+      return std::find(applicable.begin(), applicable.end(), waiting.fault) != applicable.end();
+    };
+    const auto found = std::find_if(ordered.begin(), ordered.end(), fits);
+    if (found == ordered.end()) return std::nullopt;
+    return useUp(ordered, found - ordered.begin()).fault;
+  });
+}
+
+bool replacesService(Fault::Kind kind) {
+  switch (kind) {
+  case Fault::Kind::Status:
+  case Fault::Kind::EmptyBody:
+  case Fault::Kind::MalformedBody:
+  case Fault::Kind::Body:
+  case Fault::Kind::DroppedConnection:
+  case Fault::Kind::NoAnswer:
+    return true;
+  case Fault::Kind::Delay:
+  case Fault::Kind::TruncatedBody:
+  case Fault::Kind::SlowBody:
+    return false;
+  }
+  Q_UNREACHABLE();
+}
+
+HttpAnswer spoiled(const Fault &fault, Endpoint endpoint, HttpAnswer right) {
+  if (replacesService(fault.kind)) return replacement(fault, endpoint);
+  if (fault.kind == Fault::Kind::Delay) right.delay = fault.delay;
+  if (fault.kind == Fault::Kind::TruncatedBody) right.delivery = Delivery::Truncated;
+  if (fault.kind == Fault::Kind::SlowBody) right.delivery = Delivery::Slow;
+  return right;
+}
+
+} // namespace sandbox

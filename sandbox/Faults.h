@@ -1,0 +1,42 @@
+#pragma once
+
+#include "sandbox/Endpoint.h"
+#include "sandbox/Fault.h"
+#include "sandbox/Guarded.h"
+#include "sandbox/HttpMessage.h"
+
+#include <QHash>
+#include <QList>
+
+#include <optional>
+#include <span>
+
+namespace sandbox {
+
+/// The odd answers on order. Any thread.
+class Faults {
+public:
+  void order(Endpoint endpoint, const Fault &fault);
+  void order(TokenFault fault, int times);
+  void clear();
+
+  /// The fault that a request meets, which uses it up by one.
+  [[nodiscard]] std::optional<Fault> take(Endpoint endpoint, const QByteArray &target);
+  /// The first waiting token fault that is among @p applicable.
+  [[nodiscard]] std::optional<TokenFault> take(std::span<const TokenFault> applicable);
+
+private:
+  struct OrderedTokenFault {
+    TokenFault fault{};
+    int times = 1;
+  };
+  Guarded<QHash<Endpoint, QList<Fault>>> answers;
+  Guarded<QList<OrderedTokenFault>> tokens;
+};
+
+/// Whether the fault takes the place of the service, so that there is no right answer to ask for.
+[[nodiscard]] bool replacesService(Fault::Kind kind);
+/// The answer that a fault makes of @p right, which is unused where the fault replaces the service.
+[[nodiscard]] HttpAnswer spoiled(const Fault &fault, Endpoint endpoint, HttpAnswer right);
+
+} // namespace sandbox

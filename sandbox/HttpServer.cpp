@@ -1,0 +1,321 @@
+#include "sandbox/HttpServer.h"
+
+#include "sandbox/Guarded.h"
+#include "sandbox/OpenSsl.h"
+#include "sandbox/Pem.h"
+
+#include <QSet>
+
+#include <httplib.h>
+
+#include <algorithm>
+#include <array>
+#include <atomic>
+#include <optional>
+#include <poll.h>
+#include <sys/eventfd.h>
+#include <sys/socket.h>
+#include <thread>
+#include <unistd.h>
+
+namespace sandbox {
+
+namespace {
+
+using namespace std::chrono_literals;
+
+// Held connections each keep a thread, and a test holds several.
+constexpr size_t kThreadCount = 32;
+// The library's own backlog of 5 would make several clients at once wait for retransmitted SYNs.
+constexpr int kBacklog = 256;
+constexpr size_t kWriteSlice = 256 * 1024;
+
+/// Wakes every thread that polls its descriptor, for good.
+class WakeUp {
+public:
+  WakeUp() : handle(eventfd(0, EFD_CLOEXEC | EFD_NONBLOCK)) {
+    if (handle < 0) throw std::runtime_error("eventfd failed");
+  }
+  ~WakeUp() { ::close(handle); }
+  WakeUp(const WakeUp &) = delete;
+  WakeUp &operator=(const WakeUp &) = delete;
+
+  void raise() const {
+    const uint64_t one = 1;
+    // Fails only when it is raised already.
+    [[maybe_unused]] const auto written = ::write(handle, &one, sizeof one);
+  }
+  [[nodiscard]] int descriptor() const { return handle; }
+
+private:
+  const int handle;
+};
+
+enum class Waited { TimeUp, Woken, ClientLeft };
+
+/// @param timeout  nullopt: no limit.
+Waited waitBeside(int client, const WakeUp &wakeUp, std::optional<std::chrono::milliseconds> timeout) {
+  // The request has been read whole, so anything that arrives now is the client's goodbye.
+  std::array<pollfd, 2> watched{pollfd{client, POLLIN | POLLRDHUP, 0}, pollfd{wakeUp.descriptor(), POLLIN, 0}};
+  const int milliseconds = timeout ? int(timeout->count()) : -1;
+  int ready = 0;
+  do
+    ready = ::poll(watched.data(), watched.size(), milliseconds);
+  while (ready < 0 && errno == EINTR);
+  if (ready == 0) return Waited::TimeUp;
+  return watched[1].revents != 0 ? Waited::Woken : Waited::ClientLeft;
+}
+
+/// The client of one request, and what ends waiting for it.
+struct Client {
+  int socket = -1;
+  std::shared_ptr<const WakeUp> wakeUp{};
+
+  [[nodiscard]] Waited wait(std::optional<std::chrono::milliseconds> timeout) const {
+    return waitBeside(socket, *wakeUp, timeout);
+  }
+};
+
+void cut(int socket) {
+  // Fails when the client was first, which is as good.
+  ::shutdown(socket, SHUT_RDWR);
+}
+
+int socketOf(const httplib::Request &request) {
+  return SSL_get_fd(request.ssl);
+}
+
+/// The descriptors of all connections from handshake to end, so that they can be cut.
+class Connections {
+public:
+  void add(int socket) {
+    open.with([&](State &state) {
+      state.sockets.insert(socket);
+      if (state.closing) cut(socket);
+    });
+  }
+  void remove(int socket) {
+    open.with([&](State &state) { state.sockets.remove(socket); });
+  }
+  void cutAll() {
+    open.with([](State &state) {
+      state.closing = true;
+      for (const int socket : state.sockets)
+        cut(socket);
+    });
+  }
+
+private:
+  struct State {
+    QSet<int> sockets{};
+    bool closing = false;
+  };
+  Guarded<State> open;
+};
+
+void connectionEnded(void *, void *connections, CRYPTO_EX_DATA *data, int, long, void *);
+
+/// The place in a session where its Connections stand.
+int connectionsIndex() {
+  static const int index = SSL_get_ex_new_index(0, nullptr, nullptr, nullptr, &connectionEnded);
+  return index;
+}
+
+/// The same in the context that sessions are made from.
+int contextIndex() {
+  static const int index = SSL_CTX_get_ex_new_index(0, nullptr, nullptr, nullptr, nullptr);
+  return index;
+}
+
+// The library frees a session before it closes its socket, so the number cannot belong to another connection yet.
+void connectionEnded(void *session, void *connections, CRYPTO_EX_DATA *, int, long, void *) {
+  if (connections) static_cast<Connections *>(connections)->remove(SSL_get_fd(static_cast<SSL *>(session)));
+}
+
+void connectionProgress(const SSL *session, int where, int) {
+  if ((where & SSL_CB_HANDSHAKE_START) == 0) return;
+  if (SSL_get_ex_data(session, connectionsIndex())) return;
+  auto *connections = static_cast<Connections *>(SSL_CTX_get_ex_data(SSL_get_SSL_CTX(session), contextIndex()));
+  SSL_set_ex_data(const_cast<SSL *>(session), connectionsIndex(), connections);
+  connections->add(SSL_get_fd(session));
+}
+
+void setUp(SSL_CTX &context, const CertifiedKey &certified, Connections &connections) {
+  requireSsl(SSL_CTX_use_certificate(&context, certificateFromPem(certified.certificate).get()) == 1, "certificate");
+  requireSsl(SSL_CTX_use_PrivateKey(&context, keyFromPem(certified.key).get()) == 1, "key");
+  requireSsl(SSL_CTX_set_min_proto_version(&context, TLS1_2_VERSION) == 1, "protocol");
+  // Nobody comes back for a session here, and tickets cost a round of encryption.
+  SSL_CTX_set_session_cache_mode(&context, SSL_SESS_CACHE_OFF);
+  SSL_CTX_set_options(&context, SSL_OP_NO_TICKET);
+  requireSsl(SSL_CTX_set_num_tickets(&context, 0) == 1, "tickets");
+  requireSsl(SSL_CTX_set_ex_data(&context, contextIndex(), &connections) == 1, "context data");
+  SSL_CTX_set_info_callback(&context, &connectionProgress);
+}
+
+/// The library's server with a longer queue.
+class TlsServer final : public httplib::SSLServer {
+public:
+  using SSLServer::SSLServer;
+  void lengthenQueue() { ::listen(svr_sock_, kBacklog); }
+};
+
+HttpRequest requestOf(const httplib::Request &request) {
+  HttpRequest result{.method = QByteArray::fromStdString(request.method),
+                     .hostHeader = QByteArray::fromStdString(request.get_header_value("Host")),
+                     .target = QByteArray::fromStdString(request.target),
+                     .body = QByteArray::fromStdString(request.body)};
+  for (const auto &[name, value] : request.headers) {
+    // The library adds these four itself.
+    static const std::array kOwn{"REMOTE_ADDR", "REMOTE_PORT", "LOCAL_ADDR", "LOCAL_PORT"};
+    if (std::find(kOwn.begin(), kOwn.end(), name) != kOwn.end()) continue;
+    result.headers.append({QByteArray::fromStdString(name), QByteArray::fromStdString(value)});
+  }
+  return result;
+}
+
+bool writeSlice(httplib::DataSink &sink, const QByteArray &body, size_t offset, size_t end) {
+  const size_t size = std::min(kWriteSlice, end - offset);
+  return sink.write(body.constData() + offset, size);
+}
+
+} // namespace
+
+class HttpServer::Private {
+public:
+  Private(const CertifiedKey &certificate, quint16 port, Handler handler);
+  ~Private();
+
+  quint16 boundPort = 0;
+  void start();
+  void releaseWaiting();
+
+private:
+  void setUpServer();
+  void bind(quint16 port);
+  void answer(const httplib::Request &request, httplib::Response &response);
+  void setBody(const HttpAnswer &answer, const Client &client, httplib::Response &response);
+
+  const Handler handle;
+  Guarded<std::shared_ptr<const WakeUp>> wakeUp{std::make_shared<const WakeUp>()};
+  std::atomic<bool> stopping = false;
+  Connections connections;
+  TlsServer server;
+  std::thread listener;
+};
+
+HttpServer::Private::Private(const CertifiedKey &certificate, quint16 port, Handler handler)
+    : handle(std::move(handler)), server([this, &certificate](SSL_CTX &context) {
+        setUp(context, certificate, connections);
+        return true;
+      }) {
+  setUpServer();
+  bind(port);
+}
+
+void HttpServer::Private::start() {
+  listener = std::thread([this] { server.listen_after_bind(); });
+  // stop() does nothing before the listener runs, so the destructor must not come first.
+  while (!server.is_running())
+    std::this_thread::sleep_for(1ms);
+}
+
+void HttpServer::Private::setUpServer() {
+  server.new_task_queue = [] { return new httplib::ThreadPool(kThreadCount); };
+  server.set_keep_alive_max_count(1);
+  server.set_read_timeout(30s);
+  server.set_write_timeout(60s);
+  server.set_tcp_nodelay(true);
+  // The library's default would let two services share a port.
+  server.set_socket_options([](socket_t socket) {
+    const int on = 1;
+    ::setsockopt(socket, SOL_SOCKET, SO_REUSEADDR, &on, sizeof on);
+  });
+  const auto answerIt = [this](const httplib::Request &request, httplib::Response &response) {
+    answer(request, response);
+  };
+  // Requests without a body are answered before the library matches the path against patterns.
+  server.set_pre_routing_handler([answerIt](const httplib::Request &request, httplib::Response &response) {
+    if (request.method != "GET" && request.method != "HEAD") return httplib::Server::HandlerResponse::Unhandled;
+    answerIt(request, response);
+    return httplib::Server::HandlerResponse::Handled;
+  });
+  server.Post(".*", answerIt);
+}
+
+void HttpServer::Private::bind(quint16 port) {
+  const int bound = port == 0                                ? server.bind_to_any_port("127.0.0.1")
+                    : server.bind_to_port("127.0.0.1", port) ? port
+                                                             : 0;
+  if (bound <= 0) throw std::runtime_error("cannot listen on port " + std::to_string(port));
+  boundPort = quint16(bound);
+  server.lengthenQueue();
+}
+
+HttpServer::Private::~Private() {
+  stopping = true;
+  wakeUp.with([](const auto &current) { current->raise(); });
+  connections.cutAll();
+  server.stop();
+  if (listener.joinable()) listener.join();
+}
+
+void HttpServer::Private::releaseWaiting() {
+  wakeUp.with([this](std::shared_ptr<const WakeUp> &current) {
+    current->raise();
+    if (!stopping) current = std::make_shared<const WakeUp>();
+  });
+}
+
+void HttpServer::Private::answer(const httplib::Request &request, httplib::Response &response) {
+  // Taken before the handler decides to wait, so that a release in between is not missed.
+  const Client client{socketOf(request), wakeUp.with([](const auto &current) { return current; })};
+  const HttpAnswer answer = handle(requestOf(request));
+  if (answer.delay > 0ms) (void)client.wait(answer.delay);
+  if (answer.delivery == Delivery::Held) (void)client.wait(std::nullopt);
+  if (answer.delivery == Delivery::Held || answer.delivery == Delivery::Dropped) {
+    cut(client.socket);
+    return;
+  }
+  response.status = answer.status;
+  for (const auto &[name, value] : answer.headers)
+    response.set_header(name.toStdString(), value.toStdString());
+  setBody(answer, client, response);
+}
+
+void HttpServer::Private::setBody(const HttpAnswer &answer, const Client &client, httplib::Response &response) {
+  const std::string type = answer.contentType.toStdString();
+  if (answer.body.isEmpty()) {
+    response.set_content(std::string(), type);
+    return;
+  }
+  const size_t half = size_t(answer.body.size()) / 2;
+  const auto provide = [this, half, client, body = answer.body,
+                        delivery = answer.delivery](size_t offset, size_t length, httplib::DataSink &sink) {
+    if (delivery == Delivery::Whole || offset > half) return writeSlice(sink, body, offset, offset + length);
+    if (offset < half) return writeSlice(sink, body, offset, half);
+    if (delivery == Delivery::Truncated) return false;
+    if (client.wait(std::nullopt) != Waited::Woken || stopping) return false;
+    return writeSlice(sink, body, offset, offset + length);
+  };
+  response.set_content_provider(size_t(answer.body.size()), type, provide);
+}
+
+HttpServer::HttpServer(const CertifiedKey &certificate, quint16 port, Handler handler)
+    : d(std::make_unique<Private>(certificate, port, std::move(handler))) {
+}
+
+HttpServer::~HttpServer() = default;
+
+void HttpServer::start() {
+  d->start();
+}
+
+quint16 HttpServer::port() const {
+  return d->boundPort;
+}
+
+void HttpServer::releaseWaiting() {
+  d->releaseWaiting();
+}
+
+} // namespace sandbox

@@ -1,0 +1,37 @@
+#pragma once
+
+#include "sandbox/Certificates.h"
+#include "sandbox/HttpMessage.h"
+
+#include <QtGlobal>
+
+#include <functional>
+#include <memory>
+
+namespace sandbox {
+
+/// An HTTPS server on 127.0.0.1, one request per connection. It delivers answers whole or in the odd ways of Delivery.
+class HttpServer {
+public:
+  /// Called on the server's threads, many at a time.
+  using Handler = std::function<HttpAnswer(const HttpRequest &)>;
+
+  /// Has its port once constructed. Throws std::runtime_error when that cannot be had.
+  HttpServer(const CertifiedKey &certificate, quint16 port, Handler handler);
+  /// Cuts every connection and returns when the last handler has.
+  ~HttpServer();
+  HttpServer(const HttpServer &) = delete;
+  HttpServer &operator=(const HttpServer &) = delete;
+
+  /// Begins to answer; once.
+  void start();
+  [[nodiscard]] quint16 port() const;
+  /// Lets go of delayed, held and slow answers that wait now.
+  void releaseWaiting();
+
+private:
+  class Private;
+  std::unique_ptr<Private> d;
+};
+
+} // namespace sandbox

@@ -1,0 +1,227 @@
+#include "sandbox/SampleLibrary.h"
+
+#include "sandbox/Tokens.h"
+
+#include <QBuffer>
+#include <QImage>
+#include <QJsonArray>
+#include <QJsonObject>
+#include <QPainter>
+#include <QRandomGenerator>
+
+#include <stdexcept>
+
+using namespace Qt::StringLiterals;
+
+namespace sandbox {
+
+namespace {
+
+constexpr QSize kSmall(640, 480);
+constexpr QSize kLarge(1600, 1200);
+
+QColor anyColor(QRandomGenerator &random) {
+  return QColor::fromHsv(random.bounded(360), 80 + random.bounded(150), 90 + random.bounded(160));
+}
+
+/// A hill or a sun or two under a sky: different for each seed, the same for the same one.
+QImage paintedPicture(quint32 seed, QSize size) {
+  QRandomGenerator random(seed);
+  QImage picture(size, QImage::Format_RGB32);
+  QPainter painter(&picture);
+  painter.setRenderHint(QPainter::Antialiasing);
+  painter.setPen(Qt::NoPen);
+  QLinearGradient sky(0, 0, 0, size.height());
+  sky.setColorAt(0, anyColor(random));
+  sky.setColorAt(1, anyColor(random));
+  painter.fillRect(picture.rect(), sky);
+  for (int shape = 0; shape < 24; ++shape) {
+    painter.setBrush(anyColor(random));
+    painter.setOpacity(0.3 + random.generateDouble() * 0.7);
+    const int radius = 8 + random.bounded(size.height() / 4);
+    painter.drawEllipse(QPoint(random.bounded(size.width()), random.bounded(size.height())), radius, radius);
+  }
+  return picture;
+}
+
+QByteArray jpeg(quint32 seed, QSize size) {
+  QBuffer buffer;
+  buffer.open(QBuffer::WriteOnly);
+  if (!paintedPicture(seed, size).save(&buffer, "JPG", 88)) throw std::runtime_error("no JPEG writer");
+  return buffer.data();
+}
+
+QByteArray metadataDocument(const QString &captureTime, const QStringList &rules = {}) {
+  QJsonObject document{{u"camera"_s, QJsonObject{{u"maker"_s, u"Norvale"_s}, {u"iso"_s, 200}}}};
+  if (!captureTime.isEmpty()) document.insert(u"captureTime"_s, captureTime);
+  if (!rules.isEmpty())
+    document.insert(u"sortation"_s, QJsonObject{{u"matchedRules"_s, QJsonArray::fromStringList(rules)}});
+  return compactJson(document);
+}
+
+/// Gathers the sample, giving each object a key and a picture of its own.
+class Sampler {
+public:
+  QList<LibraryObject> objects;
+
+  /// Where the objects that follow were uploaded to.
+  void at(const QString &device, const QString &date, const QString &hour) {
+    place = {.deviceId = device, .date = date, .hour = hour};
+  }
+  /// One object with a name and plain metadata, to be changed by the caller.
+  LibraryObject &add(const QString &name, const QString &captureTime, QSize size = kSmall) {
+    LibraryObject object = place;
+    const int number = int(objects.size()) + 1;
+    object.fileName = u"%1-%2.JPG"_s.arg(object.deviceId.right(2)).arg(number, 6, 10, QLatin1Char('0'));
+    object.body = jpeg(quint32(number), size);
+    object.fileNameMetadata = fileNameHeader(name);
+    object.metadataDocument = metadataDocument(captureTime);
+    object.tags = {{u"x-strata-storage-period"_s, u"30"_s}};
+    objects.append(object);
+    return objects.last();
+  }
+  /// One object that matches sort rules, which only the expand metadata tells.
+  LibraryObject &addSorted(const QString &name, const QString &captureTime, const QStringList &rules) {
+    LibraryObject &object = add(name, captureTime);
+    object.expandMetadataDocument = metadataDocument(captureTime, rules);
+    return object;
+  }
+  /// One object with an expand variant.
+  LibraryObject &addExpanded(const QString &name, const QString &captureTime) {
+    LibraryObject &object = add(name, captureTime);
+    object.expandBody = jpeg(quint32(objects.size()) + 1000, kLarge);
+    return object;
+  }
+  /// Pictures a minute apart, named by a running number.
+  void addSeries(int first, int count, const QString &dateAndHour, const QString &offset, QSize size = kSmall) {
+    for (int index = 0; index < count; ++index)
+      add(u"IMG_%1.JPG"_s.arg(first + index, 4, 10, QLatin1Char('0')),
+          u"%1:%2:07.000%3"_s.arg(dateAndHour).arg(index, 2, 10, QLatin1Char('0')).arg(offset), size);
+  }
+
+private:
+  LibraryObject place;
+};
+
+void addNames(Sampler &sample) {
+  sample.at(u"camera-02"_s, u"20240502"_s, u"06"_s);
+  const QString day = u"2024-05-02T"_s;
+  sample.add(u"  Evening at the lake .JPG "_s, day + u"06:00:00.000+00:00"_s);
+  sample.add(u"roll 3/frame 12.JPG"_s, day + u"06:01:00.000+00:00"_s);
+  sample.add(u"a/b.JPG"_s, day + u"06:02:00.000+00:00"_s);
+  sample.add(u"写真 春.JPG"_s, day + u"06:03:00.000+00:00"_s);
+  sample.add(u"Фотография.JPG"_s, day + u"06:04:00.000+00:00"_s);
+  sample.add(u"صورة.jpg"_s, day + u"06:05:00.000+00:00"_s);
+  sample.add(u"Grüße & Küsse #1 100%.JPG"_s, day + u"06:06:00.000+00:00"_s);
+  sample.add(u"no extension"_s, day + u"06:07:00.000+00:00"_s);
+  sample.add(u"two.dots.in.it.JPG"_s, day + u"06:08:00.000+00:00"_s);
+  // A name that says nothing is none, but the object counts as named.
+  sample.add(u"."_s, day + u"06:09:00.000+00:00"_s);
+  sample.at(u"camera-02"_s, u"20240502"_s, u"07"_s);
+  const QString longStem = u"Panorama over the whole valley "_s.repeated(10);
+  sample.add(longStem + u".JPG"_s, day + u"07:00:00.000+00:00"_s);
+  sample.add(longStem + u".JPG"_s, day + u"07:01:00.000+00:00"_s);
+  sample.add(longStem + u"with another end.JPG"_s, day + u"07:02:00.000+00:00"_s);
+}
+
+void addEqualNames(Sampler &sample) {
+  const QString day = u"2024-05-03T"_s;
+  sample.at(u"camera-01"_s, u"20240503"_s, u"09"_s);
+  for (const QString &minute : {u"00"_s, u"01"_s, u"02"_s})
+    sample.add(u"DSC00001.JPG"_s, day + u"09:"_s + minute + u":00.000+00:00"_s);
+  // The counters go by date and hour over all devices, not device by device.
+  sample.at(u"camera-03"_s, u"20240503"_s, u"08"_s);
+  sample.add(u"DSC00001.JPG"_s, day + u"08:00:00.000+00:00"_s);
+  sample.add(u"DSC00001_1.JPG"_s, day + u"08:01:00.000+00:00"_s);
+}
+
+void addTimes(Sampler &sample) {
+  sample.at(u"camera-01"_s, u"20240504"_s, u"00"_s);
+  sample.add(u"before midnight.JPG"_s, u"2024-05-03T23:59:59.000+00:00"_s);
+  sample.add(u"after midnight.JPG"_s, u"2024-05-04T00:00:01.000+00:00"_s);
+  sample.add(u"far east.JPG"_s, u"2024-05-04T08:30:00.500+09:00"_s);
+  sample.add(u"far west.JPG"_s, u"2024-05-03T16:45:00.000-07:00"_s);
+  sample.add(u"half hour zone.JPG"_s, u"2024-05-04T05:45:00.000+05:45"_s);
+  sample.add(u"winter.JPG"_s, u"2023-12-31T23:30:00.000+01:00"_s);
+  sample.add(u"zulu.JPG"_s, u"2024-02-29T12:00:00.000Z"_s);
+  sample.at(u"camera-03"_s, u"20240504"_s, u"23"_s);
+  sample.add(u"no capture time.JPG"_s, {});
+  sample.add(u"no metadata.JPG"_s, {}).metadataDocument.reset();
+  sample.add(u"metadata is no JSON.JPG"_s, {}).metadataDocument = "not a document";
+}
+
+void addNameless(Sampler &sample) {
+  // Only in hours that a finished run leaves behind: in the newest one every run would fetch them anew.
+  sample.at(u"camera-01"_s, u"20240505"_s, u"10"_s);
+  sample.add({}, u"2024-05-05T10:00:00.000+00:00"_s).fileNameMetadata.reset();
+  sample.add({}, u"2024-05-05T10:05:00.000+00:00"_s).fileNameMetadata.reset();
+  sample.at(u"camera-03"_s, u"20240505"_s, u"11"_s);
+  sample.add({}, {}).fileNameMetadata.reset();
+}
+
+void addSorted(Sampler &sample) {
+  const QString day = u"2024-05-06T"_s;
+  sample.at(u"camera-02"_s, u"20240506"_s, u"12"_s);
+  sample.addSorted(u"BIRD_0001.JPG"_s, day + u"12:00:00.000+00:00"_s, {u"Birds"_s});
+  sample.addSorted(u"BIRD_0002.JPG"_s, day + u"12:01:00.000+00:00"_s, {u"Birds"_s, u"Best of 2024"_s});
+  sample.addSorted(u"OWL_0001.JPG"_s, day + u"12:02:00.000+00:00"_s, {u"Birds/Owls"_s});
+  sample.addSorted(u"family.JPG"_s, day + u"12:03:00.000+00:00"_s, {u"家族"_s});
+  sample.addSorted(u"BIRD_0001.JPG"_s, day + u"12:04:00.000+00:00"_s, {u"Birds"_s});
+  sample.addSorted(u"sorted by upload hour.JPG"_s, {}, {u"Best of 2024"_s});
+}
+
+void addExpanded(Sampler &sample) {
+  const QString day = u"2024-05-07T"_s;
+  sample.at(u"camera-03"_s, u"20240507"_s, u"15"_s);
+  sample.addExpanded(u"WIDE_0001.JPG"_s, day + u"15:00:00.000+00:00"_s);
+  sample.addExpanded(u"WIDE_0002.JPG"_s, day + u"15:01:00.000+00:00"_s).expandMetadataDocument =
+      metadataDocument(day + u"15:01:30.000+00:00"_s, {u"Landscapes"_s});
+  sample.addExpanded(u"WIDE_0003.JPG"_s, {}).metadataDocument.reset();
+}
+
+QList<LibraryObject> gatheredSample() {
+  Sampler sample;
+  sample.at(u"camera-01"_s, u"20240501"_s, u"10"_s);
+  sample.addSeries(1, 6, u"2024-05-01T10"_s, u"+00:00"_s);
+  sample.at(u"camera-01"_s, u"20240501"_s, u"13"_s);
+  sample.addSeries(7, 3, u"2024-05-01T13"_s, u"+00:00"_s, kLarge);
+  sample.at(u"camera-03"_s, u"20240501"_s, u"10"_s);
+  sample.addSeries(501, 4, u"2024-05-01T10"_s, u"+02:00"_s);
+  addNames(sample);
+  addEqualNames(sample);
+  addTimes(sample);
+  addNameless(sample);
+  addSorted(sample);
+  addExpanded(sample);
+  sample.at(u"camera-02"_s, u"20240508"_s, u"18"_s);
+  sample.addSeries(900, 5, u"2024-05-08T18"_s, u"+00:00"_s);
+  sample.at(u"camera-01"_s, u"20240508"_s, u"18"_s);
+  sample.addSeries(10, 3, u"2024-05-08T18"_s, u"+00:00"_s);
+  sample.at(sampleAliasDevice(), u"20240508"_s, u"19"_s);
+  sample.addSeries(1, 2, u"2024-05-08T19"_s, u"+00:00"_s);
+  return sample.objects;
+}
+
+} // namespace
+
+const QList<LibraryObject> &sampleObjects() {
+  static const QList<LibraryObject> objects = gatheredSample();
+  return objects;
+}
+
+QString sampleAliasDevice() {
+  return u"other-app-99"_s;
+}
+
+void fillSampleLibrary(Library &library) {
+  for (const LibraryObject &object : sampleObjects())
+    library.add(object);
+  const QString root = u"images/original/"_s + library.userId() + u'/';
+  for (const QString &marker : {root, root + u"camera-01/"_s, root + u"camera-01/20240501/"_s})
+    library.addRaw(contentBucket(), marker, {.contentType = "application/x-directory"});
+  library.setSettingsObject(compactJson({{u"applicationAliasIds"_s, QJsonArray{sampleAliasDevice()}},
+                                         {u"kaLatestVersion"_s, u"1.0.0"_s},
+                                         {u"isEnableDownload10GStorage"_s, true}}));
+}
+
+} // namespace sandbox

@@ -1,0 +1,41 @@
+#pragma once
+
+#include "sandbox/Credentials.h"
+#include "sandbox/HttpMessage.h"
+
+#include <QByteArray>
+#include <QDateTime>
+#include <QString>
+
+#include <optional>
+
+namespace sandbox {
+
+/// How the storage service words a "no".
+struct Refusal {
+  int status = 403;
+  QByteArray code{};
+  QByteArray message{};
+};
+
+struct SignatureVerdict {
+  std::optional<Refusal> refusal{};
+  QString userId{}; ///< whose credential it was; empty when refused
+};
+
+/// Base64 of HMAC-SHA1 over @p stringToSign.
+[[nodiscard]] QByteArray presignedSignature(const QByteArray &stringToSign, const QByteArray &secretAccessKey);
+/// What a presigned GET signs. @p resource is "/BUCKET/KEY".
+[[nodiscard]] QByteArray presignedStringToSign(const QByteArray &expires, const QByteArray &sessionToken,
+                                               const QByteArray &resource);
+
+/// Whether the query carries a presigned signature.
+[[nodiscard]] bool isPresigned(const HttpRequest &request);
+/// Checks a presigned GET of something in @p bucket.
+[[nodiscard]] SignatureVerdict checkPresigned(const HttpRequest &request, const QByteArray &bucket,
+                                              const Credentials &credentials, const QDateTime &now);
+/// Checks an Authorization header of Signature Version 4 for @p service ("s3" or "logs") in region eu-west-1.
+[[nodiscard]] SignatureVerdict checkSignatureV4(const HttpRequest &request, const QByteArray &service,
+                                                const Credentials &credentials, const QDateTime &now);
+
+} // namespace sandbox

@@ -1,0 +1,31 @@
+#pragma once
+
+#include "sandbox/AccountApi.h"
+#include "sandbox/HttpMessage.h"
+#include "sandbox/LogsApi.h"
+#include "sandbox/RequestLog.h"
+
+#include <QDateTime>
+
+namespace sandbox {
+
+/// The web site that a person sees: login and logout pages, and a front page that shows what was asked of the service.
+class SiteApi {
+public:
+  SiteApi(AccountApi &accounts, const RequestLog &log, const LogsApi &reports)
+      : account(accounts), requests(log), logs(reports) {}
+
+  [[nodiscard]] HttpAnswer answer(const HttpRequest &request, const QDateTime &now);
+
+private:
+  [[nodiscard]] HttpAnswer loginPage(const HttpRequest &request) const;
+  [[nodiscard]] HttpAnswer signIn(const HttpRequest &request, const QDateTime &now);
+  [[nodiscard]] HttpAnswer frontPage() const;
+  [[nodiscard]] HttpAnswer requestsJson() const;
+
+  AccountApi &account;
+  const RequestLog &requests;
+  const LogsApi &logs;
+};
+
+} // namespace sandbox
