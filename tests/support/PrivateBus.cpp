@@ -1,0 +1,28 @@
+#include "tests/support/PrivateBus.h"
+
+#include <QFile>
+
+#include <stdexcept>
+
+using namespace Qt::StringLiterals;
+
+PrivateBus::PrivateBus() {
+  const QString configPath = folder.filePath(u"bus.conf"_s);
+  QFile config(configPath);
+  if (!config.open(QFile::WriteOnly)) throw std::runtime_error("cannot configure a bus");
+  config.write("<busconfig><type>session</type><listen>unix:path=" + QFile::encodeName(folder.filePath(u"bus"_s))
+               + "</listen><policy context=\"default\"><allow send_destination=\"*\" eavesdrop=\"true\"/>"
+                 "<allow eavesdrop=\"true\"/><allow own=\"*\"/></policy></busconfig>");
+  config.close();
+  daemon.setProcessChannelMode(QProcess::ForwardedErrorChannel);
+  daemon.start(u"dbus-daemon"_s, {u"--config-file="_s + configPath, u"--nofork"_s, u"--print-address=1"_s});
+  // The address appears once the bus takes connections.
+  if (!daemon.waitForReadyRead(20'000)) throw std::runtime_error("no bus");
+  qputenv("DBUS_SESSION_BUS_ADDRESS", daemon.readLine().trimmed());
+}
+
+PrivateBus::~PrivateBus() {
+  daemon.kill();
+  daemon.waitForFinished();
+  qunsetenv("DBUS_SESSION_BUS_ADDRESS");
+}

@@ -1,0 +1,19 @@
+#pragma once
+
+#include <QProcess>
+#include <QTemporaryDir>
+
+/// A session bus of a test's own, on which nothing can be started by itself. Make it before anything connects.
+class PrivateBus {
+public:
+  PrivateBus();
+  ~PrivateBus();
+  PrivateBus(const PrivateBus &) = delete;
+  PrivateBus &operator=(const PrivateBus &) = delete;
+
+  [[nodiscard]] qint64 processId() const { return daemon.processId(); }
+
+private:
+  QTemporaryDir folder;
+  QProcess daemon;
+};
