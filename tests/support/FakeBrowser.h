@@ -1,0 +1,22 @@
+#pragma once
+
+#include "tests/support/TestProfile.h"
+
+#include <QString>
+
+#include <optional>
+
+/// Stands first in PATH as what opens URLs and notes what it was asked to open.
+class FakeBrowser {
+public:
+  explicit FakeBrowser(const TestProfile &profile);
+
+  /// The URL that it was asked to open since the last call; waits for one.
+  [[nodiscard]] std::optional<QString> takeUrl() const;
+  /// From now on there is nothing on this desktop that could open a URL.
+  void uninstall() const;
+
+private:
+  const QString folder;
+  const QString notePath;
+};
