@@ -8,7 +8,6 @@
 #include "platform/ThreadAnnotations.h"
 
 #include <QHash>
-#include <QObject>
 #include <QString>
 
 #include <atomic>
@@ -111,8 +110,7 @@ private:
   std::optional<QString> nonce;                       ///< main thread
   std::atomic<bool> loggedIn = false;
   std::atomic<KaDownloadDelegate *> dlDelegate = nullptr;
-  QObject mainThread; ///< where the mailbox delivers
-  platform::Mailbox mailbox{&mainThread};
+  platform::Mailbox mailbox;
   /// Main thread. The last one may be current; dropped ones stay until their thread has ended. All end before the
   /// processor.
   std::vector<std::unique_ptr<LoginVerification>> logins;
