@@ -59,7 +59,9 @@ HttpAnswer LogsApi::answer(const HttpRequest &request, const QDateTime &now) {
   const auto events = parsedEvents(request.body);
   if (!events) return refusal(400, u"SerializationException"_s, u"The document is no list of log events"_s);
   kept.with([&](auto &all) { all.append(*events); });
-  return {.contentType = kContentType, .body = R"({"nextSequenceToken":"49590302583951374385"})"};
+  return {.contentType = kContentType,
+          .body = compactJson(
+              {{u"nextSequenceToken"_s, QString::number(kept.with([](const auto &all) { return all.size(); }))}})};
 }
 
 QList<LogEvent> LogsApi::events() const {

@@ -3,6 +3,9 @@
 #include "sandbox/Library.h"
 #include "sandbox/SignatureCheck.h"
 
+#include <QLocale>
+#include <QUuid>
+
 #include <algorithm>
 
 using namespace Qt::StringLiterals;
@@ -35,13 +38,18 @@ HttpAnswer xml(const QByteArray &document) {
 HttpAnswer refusalAnswer(const Refusal &refusal, const HttpRequest &request) {
   HttpAnswer answer =
       xml("<Error>" + element("Code", refusal.code) + element("Message", refusal.message)
-          + element("Resource", request.path()) + element("RequestId", "4442587FB7D0A2F9") + "</Error>");
+          + element("Resource", request.path())
+          + element("RequestId", QUuid::createUuid().toByteArray(QUuid::Id128).left(16).toUpper()) + "</Error>");
   answer.status = refusal.status;
   return answer;
 }
 
 QByteArray isoTime(const QDateTime &moment) {
   return moment.toUTC().toString(u"yyyy-MM-dd'T'HH:mm:ss.zzz'Z'"_s).toLatin1();
+}
+
+QByteArray httpTime(const QDateTime &moment) {
+  return QLocale::c().toString(moment.toUTC(), u"ddd, dd MMM yyyy HH:mm:ss 'GMT'"_s).toLatin1();
 }
 
 QByteArray tokenAfter(const QByteArray &key) {
@@ -105,8 +113,7 @@ HttpAnswer tagging(const RawObject &object) {
 
 HttpAnswer content(const RawObject &object) {
   HttpAnswer answer{.contentType = object.contentType, .body = object.body};
-  answer.headers = {{"ETag", object.etag},
-                    {"Last-Modified", object.lastModified.toUTC().toString(Qt::RFC2822Date).toLatin1()}};
+  answer.headers = {{"ETag", object.etag}, {"Last-Modified", httpTime(object.lastModified)}};
   if (object.fileNameMetadata) answer.headers.append({"x-amz-meta-file-name", *object.fileNameMetadata});
   return answer;
 }

@@ -62,6 +62,22 @@ QString madeFolder(const QString &folder) {
   return folder;
 }
 
+/// A server on the port asked for, or else on the one used here before, or else on any.
+std::unique_ptr<HttpServer> serverFor(const QDir &folder, const ServiceOptions &options,
+                                      const CertifiedKey &certificate, const HttpServer::Handler &handler) {
+  const QString portFile = folder.filePath(u"port"_s);
+  const quint16 before = options.port == 0 ? contentOf(portFile).toUShort() : options.port;
+  std::unique_ptr<HttpServer> server;
+  try {
+    server = std::make_unique<HttpServer>(certificate, before, handler);
+  } catch (const std::runtime_error &) {
+    if (options.port != 0 || before == 0) throw;
+    server = std::make_unique<HttpServer>(certificate, 0, handler);
+  }
+  writePrivately(portFile, QByteArray::number(server->port()));
+  return server;
+}
+
 /// What is asked for, by host and path.
 Endpoint endpointOf(const HttpRequest &request) {
   const QByteArray host = request.host();
@@ -207,7 +223,7 @@ CertifiedKey Service::Private::badCertificate(BadCertificate kind) const {
 
 Service::Service(const ServiceOptions &options) : d(std::make_unique<Private>(options)) {
   const auto answerIt = [this](const HttpRequest &request) { return d->answer(request); };
-  d->server = std::make_unique<HttpServer>(makeServerCertificate(d->authority, kNames), options.port, answerIt);
+  d->server = serverFor(QDir(d->folder), options, makeServerCertificate(d->authority, kNames), answerIt);
   const bool kept = d->temporary == nullptr;
   d->tokens = std::make_unique<Tokens>(kept ? d->filePath(u"token.key.pem"_s) : QString(), issuer(), d->clientId);
   d->account =

@@ -16,9 +16,9 @@ namespace sandbox {
 class Library;
 
 struct ServiceOptions {
-  quint16 port = 0; ///< 0: a free one
-  /// Keeps ca.pem, the authority's and the token key and the links, so that a later service with the same folder is the
-  /// same service. Empty: a temporary folder, gone with the service.
+  quint16 port = 0; ///< 0: the one that the folder remembers if it is free, else any free one
+  /// Keeps ca.pem, the authority's and the token key, the port and the links, so that a later service with the same
+  /// folder is the same service. Empty: a temporary folder, gone with the service.
   QString folder{};
 };
 

@@ -1,6 +1,7 @@
 #include "sandbox/StsApi.h"
 
 #include <QRegularExpression>
+#include <QUuid>
 
 using namespace Qt::StringLiterals;
 
@@ -9,12 +10,15 @@ namespace sandbox {
 namespace {
 
 constexpr char kNamespace[] = " xmlns=\"https://sts.amazonaws.com/doc/2011-06-15/\"";
-constexpr char kRequestId[] = "ad4156e9-bce1-11e2-82e6-6b6efEXAMPLE";
+
+QByteArray requestId() {
+  return QUuid::createUuid().toByteArray(QUuid::WithoutBraces);
+}
 
 HttpAnswer refusal(int status, const QByteArray &code, const QByteArray &message) {
   const QByteArray document = QByteArray("<ErrorResponse") + kNamespace + ">\n  <Error>\n    <Type>Sender</Type>\n"
                               + "    <Code>" + code + "</Code>\n    <Message>" + escaped(message)
-                              + "</Message>\n  </Error>\n  <RequestId>" + kRequestId
+                              + "</Message>\n  </Error>\n  <RequestId>" + requestId()
                               + "</RequestId>\n</ErrorResponse>\n";
   return {.status = status, .contentType = "text/xml", .body = document};
 }
@@ -71,7 +75,7 @@ QByteArray resultXml(const TemporaryCredential &credential, const QJsonObject &p
          + "</Audience>\n    <AssumedRoleUser>\n" + field("Arn", QString::fromUtf8(role))
          + field("AssumedRoleId", u"AROASANDBOX:downloaderpictora"_s) + "    </AssumedRoleUser>\n"
          + credentialsXml(credential) + "    <Provider>" + escaped(payload[u"iss"_s].toString().toUtf8())
-         + "</Provider>\n  </AssumeRoleWithWebIdentityResult>\n  <ResponseMetadata>\n    <RequestId>" + kRequestId
+         + "</Provider>\n  </AssumeRoleWithWebIdentityResult>\n  <ResponseMetadata>\n    <RequestId>" + requestId()
          + "</RequestId>\n  </ResponseMetadata>\n</AssumeRoleWithWebIdentityResponse>\n";
 }
 
