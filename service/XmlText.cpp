@@ -54,7 +54,7 @@ bool walkXmlText(const QByteArray &document, const XmlTextEvents &events) {
       walk.addText(reader.text());
       break;
     case QXmlStreamReader::EntityReference:
-      return false; // only an external entity stays unresolved, and those are never fetched
+      return false; // a text that is not in the document; nothing is ever fetched
     case QXmlStreamReader::NoToken:
     case QXmlStreamReader::Invalid:
     case QXmlStreamReader::StartDocument:
