@@ -3,12 +3,14 @@
 #include "sandbox/Tokens.h"
 
 #include <QBuffer>
+#include <QColor>
 #include <QImage>
 #include <QJsonArray>
 #include <QJsonObject>
-#include <QPainter>
 #include <QRandomGenerator>
 
+#include <algorithm>
+#include <cmath>
 #include <stdexcept>
 
 using namespace Qt::StringLiterals;
@@ -20,26 +22,48 @@ namespace {
 constexpr QSize kSmall(640, 480);
 constexpr QSize kLarge(1600, 1200);
 
-QColor anyColor(QRandomGenerator &random) {
-  return QColor::fromHsv(random.bounded(360), 80 + random.bounded(150), 90 + random.bounded(160));
+QRgb anyColor(QRandomGenerator &random) {
+  return QColor::fromHsv(random.bounded(360), 80 + random.bounded(150), 90 + random.bounded(160)).rgb();
 }
 
-/// A hill or a sun or two under a sky: different for each seed, the same for the same one.
+/// @param share  of @p over, out of 256.
+QRgb mixed(QRgb under, QRgb over, int share) {
+  const auto channel = [share](int below, int above) { return below + (above - below) * share / 256; };
+  return qRgb(channel(qRed(under), qRed(over)), channel(qGreen(under), qGreen(over)),
+              channel(qBlue(under), qBlue(over)));
+}
+
+void paintSky(QImage &picture, QRgb top, QRgb bottom) {
+  for (int y = 0; y < picture.height(); ++y) {
+    auto *line = reinterpret_cast<QRgb *>(picture.scanLine(y));
+    std::fill_n(line, picture.width(), mixed(top, bottom, 256 * y / picture.height()));
+  }
+}
+
+void paintDisc(QImage &picture, QPoint centre, int radius, QRgb color, int share) {
+  const int last = qMin(picture.height() - 1, centre.y() + radius);
+  for (int y = qMax(0, centre.y() - radius); y <= last; ++y) {
+    const int half = int(std::sqrt(radius * radius - (y - centre.y()) * (y - centre.y())));
+    auto *line = reinterpret_cast<QRgb *>(picture.scanLine(y));
+    const int right = qMin(picture.width() - 1, centre.x() + half);
+    for (int x = qMax(0, centre.x() - half); x <= right; ++x)
+      line[x] = mixed(line[x], color, share);
+  }
+}
+
+/// A sky with discs: different for each seed, the same for the same one. Painted by hand because QPainter shares large
+/// fills out to a thread pool that the thread sanitizer cannot see into.
 QImage paintedPicture(quint32 seed, QSize size) {
   QRandomGenerator random(seed);
   QImage picture(size, QImage::Format_RGB32);
-  QPainter painter(&picture);
-  painter.setRenderHint(QPainter::Antialiasing);
-  painter.setPen(Qt::NoPen);
-  QLinearGradient sky(0, 0, 0, size.height());
-  sky.setColorAt(0, anyColor(random));
-  sky.setColorAt(1, anyColor(random));
-  painter.fillRect(picture.rect(), sky);
-  for (int shape = 0; shape < 24; ++shape) {
-    painter.setBrush(anyColor(random));
-    painter.setOpacity(0.3 + random.generateDouble() * 0.7);
+  const QRgb top = anyColor(random);
+  paintSky(picture, top, anyColor(random));
+  for (int disc = 0; disc < 24; ++disc) {
+    const QRgb color = anyColor(random);
     const int radius = 8 + random.bounded(size.height() / 4);
-    painter.drawEllipse(QPoint(random.bounded(size.width()), random.bounded(size.height())), radius, radius);
+    const int x = random.bounded(size.width());
+    const int y = random.bounded(size.height());
+    paintDisc(picture, {x, y}, radius, color, 80 + random.bounded(176));
   }
   return picture;
 }
