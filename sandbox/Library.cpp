@@ -165,23 +165,30 @@ void Library::add(const LibraryObject &object) {
 
 void Library::addMany(const ManyObjects &many) {
   const QByteArray body(many.size, 'p');
-  const QByteArray etag = etagOf(body);
-  const QByteArray document = R"({"captureTime":"2024-05-01T10:15:30.000+00:00"})";
+  const RawObject image{.body = body,
+                        .contentType = "image/jpeg",
+                        .tags = {{u"x-strata-storage-period"_s, u"30"_s}},
+                        .listedSize = body.size(),
+                        .etag = etagOf(body)};
+  const RawObject metadata = metadataObject(R"({"captureTime":"2024-05-01T10:15:30.000+00:00"})", {});
   const QString device = joinedKey({u"images"_s, u"original"_s, userId(), many.deviceId});
   d->account.with([&](Account &account) {
     Bucket &bucket = account.content();
+    QDateTime hour;
+    QString folder;
     for (int index = 0; index < many.count; ++index) {
-      const QDateTime hour = hourOf(many, index);
+      if (index % many.perHour == 0) {
+        hour = hourOf(many, index);
+        folder = joinedKey({device, hour.toString(u"yyyyMMdd"_s), hour.toString(u"HH"_s)});
+      }
       const QString name = u"M%1.JPG"_s.arg(index, 8, 10, QLatin1Char('0'));
-      const QString key = joinedKey({device, hour.toString(u"yyyyMMdd"_s), hour.toString(u"HH"_s), name});
-      bucket[key.toUtf8()] = {.body = body,
-                              .contentType = "image/jpeg",
-                              .fileNameMetadata = fileNameHeader(name),
-                              .tags = {{u"x-strata-storage-period"_s, u"30"_s}},
-                              .listedSize = body.size(),
-                              .etag = etag,
-                              .lastModified = hour};
-      if (many.withMetadata) bucket[metadataKey(key, false).toUtf8()] = metadataObject(document, hour);
+      const QString key = folder + u'/' + name;
+      const auto put = [&](const QString &at, RawObject object) -> RawObject & {
+        object.lastModified = hour;
+        return bucket.insert_or_assign(at.toUtf8(), std::move(object)).first->second;
+      };
+      put(key, image).fileNameMetadata = fileNameHeader(name);
+      if (many.withMetadata) put(metadataKey(key, false), metadata);
     }
   });
 }
