@@ -1,0 +1,182 @@
+#include "engine/KaContentDownload.h"
+
+#include "app/log/KaLogUtility.h"
+#include "engine/DiskSpace.h"
+#include "engine/KaDownloadProcessorDelegate.h"
+#include "engine/KaDownloadSession.h"
+#include "engine/KaDownloadState.h"
+#include "engine/KaImageMetadata.h"
+#include "engine/ObjectKey.h"
+#include "engine/OutputFolder.h"
+#include "platform/FileDates.h"
+#include "service/KaServerRequest.h"
+
+#include <QDir>
+#include <QFile>
+
+using namespace Qt::StringLiterals;
+
+namespace {
+
+constexpr int kLastAttempt = 3;
+constexpr qint64 kOk = 200;
+constexpr qint64 kNotFound = 404;
+
+QString contentIdLine(const QString &key) {
+  return u"ContentId="_s + contentIdFromPath(key);
+}
+
+void writeRetryFailure(const KaContentOrder &order, const SavedObject &saved) {
+  KaLogUtility::writeConnectionResultLog(KaLogStep::Download, false,
+                                         {contentIdLine(order.objectKey),
+                                          u"ReferenceFileSize=%1"_s.arg(order.refFileSize),
+                                          u"FileSize=%1"_s.arg(saved.outputFileSize)});
+}
+
+[[nodiscard]] bool makeFolder(const QString &folder, const QString &parentFolder) {
+  return staysInParentFolder(folder, parentFolder) && QDir().mkpath(folder);
+}
+
+} // namespace
+
+KaResultCode KaContentDownload::getContentsProcess(const KaContentsDictionary &contents,
+                                                   const KaContentTarget &target) {
+  const QStringList keys = sortImageList(contents.keys());
+  Carried carried{KaResultCode::Success, delegate.loadLinkageSetting()};
+  session.exchangeCodeVerifier(carried.linkage);
+  successCount = 0;
+  for (const QString &key : keys)
+    if (getOne({key, contents.value(key)}, target, carried) == Loop::Stop) break;
+  return carried.rc;
+}
+
+KaContentDownload::Loop KaContentDownload::getOne(const Variant &listed, const KaContentTarget &target,
+                                                  Carried &carried) {
+  KaResultCode &rc = carried.rc;
+  KaLogUtility::writeInfoLog(u"GetContentLoop Start"_s, {contentIdLine(listed.key)});
+  if (rc == KaResultCode::Success) rc = session.renewIfExpiring(carried.linkage);
+  if (state.endAppFlag) return Loop::Stop;
+  if (!belongsToStorage(listed.key, target, rc)) return Loop::GoOn;
+  if (state.endAppFlag) return Loop::Stop;
+
+  const Variant variant = target.bExpandContent ? expandVariant(listed, rc) : listed;
+  if (state.endAppFlag) return Loop::Stop;
+  // The failure carries over, on purpose, until a check above succeeds for a later image.
+  if (rc != KaResultCode::Success) return Loop::GoOn;
+
+  if (delegate.verifyDownloadOptionParentFolder(target.parentFolder) != KaResultCode::Success) {
+    rc = KaResultCode::FileNotSaved;
+    return Loop::Stop;
+  }
+  if (!checkDiskSpace(static_cast<float>(variant.size), target.parentFolder)) {
+    KaLogUtility::writeErrorLog(u"ERR_DISK_FULL : No diskspace for save image"_s);
+    rc = KaResultCode::DiskFull;
+    return state.endAppFlag ? Loop::Stop : Loop::GoOn;
+  }
+  return saveVariant(variant, listed.key, target, rc);
+}
+
+bool KaContentDownload::belongsToStorage(const QString &key, const KaContentTarget &target, KaResultCode &rc) {
+  if (target.targetStorage != KaTargetStorage::LongTerm10G) return true;
+  const TagVerdict verdict = request.checkObjectTagIs10GStorage(session.access().credential, key);
+  rc = verdict.result;
+  if (!verdict.bDownloadContent) KaLogUtility::writeInfoLog(u"Skip Download"_s, {u"bDownloadContent:false"_s});
+  return verdict.bDownloadContent;
+}
+
+KaContentDownload::Variant KaContentDownload::expandVariant(const Variant &listed, KaResultCode &rc) {
+  const QString expandKey = expandImagePathFromImagePath(listed.key);
+  const ObjectHead head = request.headAWSS3Object(session.access().credential, expandKey);
+  rc = head.result;
+  return head.statusCode == kOk ? Variant{expandKey, head.contentLength} : listed;
+}
+
+KaContentDownload::Loop KaContentDownload::saveVariant(const Variant &variant, const QString &listedKey,
+                                                       const KaContentTarget &target, KaResultCode &rc) {
+  const KaMetadata read = target.bExpandExif ? metadata.getExpandExif(variant.key) : metadata.getExif(variant.key);
+  rc = read.result;
+  const KaContentOrder order{.objectKey = variant.key,
+                             .listedKey = listedKey,
+                             .refFileSize = variant.size,
+                             .utcCaptureTime = captureDate(read, listedKey),
+                             .targetSotrage = target.targetStorage};
+  if (rc == KaResultCode::CaptureTimeMissing) rc = KaResultCode::Success;
+
+  QStringList ruleFolders;
+  if (target.bExpandExif && rc == KaResultCode::Success)
+    ruleFolders = getOutputRuleFolderArray(matchedRules(read.document));
+  if (ruleFolders.isEmpty()) ruleFolders << QString();
+  if (state.endAppFlag) return Loop::Stop;
+
+  saveIntoFolders(ruleFolders, order, target, rc);
+  return state.endAppFlag ? Loop::Stop : Loop::GoOn;
+}
+
+/// The first folder receives the file; the others are tried only while the object is reported missing.
+void KaContentDownload::saveIntoFolders(const QStringList &folders, KaContentOrder order, const KaContentTarget &target,
+                                        KaResultCode &rc) {
+  const QString dateFolder = getOutputDateFolderString(order.utcCaptureTime, target.childFolder);
+  for (const QString &ruleFolder : folders) {
+    order.outputFilePath = target.parentFolder + ruleFolder + dateFolder;
+    if (!makeFolder(order.outputFilePath, target.parentFolder)) {
+      KaLogUtility::writeErrorLog(u"ERR_DOWNLOAD : Create outputFolder failed"_s,
+                                  QStringList{u"outputFolderPath: "_s + order.outputFilePath});
+      rc = KaResultCode::FileNotSaved;
+      return;
+    }
+    rc = getContent(order);
+    if (rc != KaResultCode::ObjectMissing) return;
+    rc = KaResultCode::Success;
+  }
+}
+
+KaResultCode KaContentDownload::getContent(const KaContentOrder &order) {
+  const QString url = session.contentURL(order.objectKey);
+  const QString defaultPath = defaultFilePath(order.outputFilePath, order.utcCaptureTime, order.objectKey);
+  for (int attempt = 0;; ++attempt) {
+    if (attempt > 0) KaLogUtility::writeInfoLog(u"Retry DownloadFile"_s, {u"RetryCount=%1"_s.arg(attempt)});
+    const SavedObject saved = request.getAwsS3Object(url, session.access().credential, defaultPath);
+    const bool named = saved.result == KaResultCode::Success;
+    if (!named && saved.result != KaResultCode::DefaultFileName) return refused(order, saved);
+
+    if (named && saved.outputFileSize == order.refFileSize) {
+      settle(order, saved);
+      listing.saveImageInfo(contentIdFromPath(order.objectKey), getFolderNameFromPath(order.objectKey, 2),
+                            getFolderNameFromPath(order.objectKey, 1), order.targetSotrage);
+      ++successCount;
+      return KaResultCode::Success;
+    }
+    if (attempt == kLastAttempt) {
+      keptCopies.keep(order.listedKey, settle(order, saved));
+      return KaResultCode::Success;
+    }
+    QFile::remove(saved.outputFilePath);
+    writeRetryFailure(order, saved);
+    if (state.endAppFlag) return saved.result;
+  }
+}
+
+KaResultCode KaContentDownload::refused(const KaContentOrder &order, const SavedObject &saved) const {
+  KaLogUtility::writeConnectionResultLog(KaLogStep::Download, false,
+                                         {contentIdLine(order.objectKey), u"HTTP=%1"_s.arg(saved.statusCode)});
+  if (saved.statusCode != kNotFound) return saved.result;
+  KaLogUtility::writeInfoLog(u"Skip DownloadFile"_s,
+                             {contentIdFromPath(order.objectKey) + u" : Skip download because file not found."_s});
+  return KaResultCode::ObjectMissing;
+}
+
+/// Gives a file that stays its dates and its final place. @return its path.
+QString KaContentDownload::settle(const KaContentOrder &order, const SavedObject &saved) {
+  platform::setFileDates(saved.outputFilePath, order.utcCaptureTime);
+  const QString path = keptCopies.replaceKept(order.listedKey, saved.outputFilePath);
+  KaLogUtility::writeConnectionResultLog(
+      KaLogStep::Download, true,
+      {contentIdLine(order.objectKey), u"FilePath="_s + path, u"FileSize=%1"_s.arg(saved.outputFileSize)});
+  return path;
+}
+
+QString defaultFilePath(const QString &folder, const QDateTime &captureDate, const QString &objectKey) {
+  const QString path = folder + u'/' + captureDate.toLocalTime().toString(u"yyyy-MM-dd"_s);
+  const QString extension = extensionFromPath(objectKey);
+  return extension.isEmpty() ? path : path + u'.' + extension;
+}

@@ -1,0 +1,171 @@
+#include "engine/KaDownloadRun.h"
+
+#include "app/log/KaLogUtility.h"
+#include "engine/KaContentDownload.h"
+#include "engine/KaContentListing.h"
+#include "engine/KaDownloadProcessorDelegate.h"
+#include "engine/KaDownloadSession.h"
+#include "engine/KaDownloadState.h"
+
+#include <chrono>
+
+using namespace Qt::StringLiterals;
+
+namespace {
+
+/// So many empty listings in a row mean that all is there.
+constexpr int kEmptyListings = 3;
+
+bool isOn(const QString &checkBox) {
+  return checkBox == u"true";
+}
+
+QString secondsText(std::chrono::milliseconds duration) {
+  return QString::number(std::chrono::duration_cast<std::chrono::seconds>(duration).count());
+}
+
+} // namespace
+
+KaResultCode KaDownloadRun::perform(bool notifyUserOfUpdate) {
+  option = delegate.downloadOption();
+  if (isOn(option.checkBoxCreateSubfolder)) KaLogUtility::writeInfoLog(u"Download CreateSubFolder Enabled"_s);
+  if (isOn(option.checkBoxDownloadMetadata)) KaLogUtility::writeInfoLog(u"Download Metadata Enabled"_s);
+  content.beginRun();
+
+  KaResultCode result = KaResultCode::Success;
+  const Opening opening = openPass(u"Start 30days Storage Download"_s, result);
+  if (opening == Opening::Stopped) return result;
+  if (opening == Opening::Ready) result = downloadUntilNothingIsNew(notifyUserOfUpdate);
+  saveRecord(KaTargetStorage::Days30, u"Save GetImageInfo"_s);
+  return result;
+}
+
+KaDownloadRun::Opening KaDownloadRun::openPass(const QString &title, KaResultCode &result) {
+  KaLogUtility::writeInfoLog(title);
+  std::optional<QString> idToken = delegate.loadLinkageSetting();
+  session.exchangeCodeVerifier(idToken);
+  if (idToken) KaLogUtility::writeInfoLog(u"Load PairingInfo"_s);
+
+  result = session.refreshIdToken(idToken);
+  if (result != KaResultCode::Success) {
+    state.bLinkSetup = true;
+    delegate.setProcessingResult(KaResultCode::ValidationFailed, state.bUserTrigger);
+    return Opening::Stopped;
+  }
+  if (state.endAppFlag) return Opening::Stopped;
+
+  result = session.getCredential(*idToken);
+  if (result == KaResultCode::Success) return Opening::Ready;
+  if (result == KaResultCode::NoHttpStatus) {
+    delegate.setAppStatus(KaAppStatus::Downloading);
+  } else {
+    delegate.setProcessingResult(result, state.bUserTrigger);
+  }
+  return Opening::Refused;
+}
+
+KaResultCode KaDownloadRun::downloadUntilNothingIsNew(bool notifyUserOfUpdate) {
+  ReCheck reCheck;
+  while (!state.endAppFlag && reCheck.emptyCount < kEmptyListings)
+    if (checkOnce(reCheck, notifyUserOfUpdate) == Round::Leave) break;
+  return reCheck.result;
+}
+
+KaDownloadRun::Round KaDownloadRun::checkOnce(ReCheck &reCheck, bool notifyUserOfUpdate) {
+  if (reCheck.retryCount > 0)
+    KaLogUtility::writeInfoLog(u"Retry CheckImage"_s, {u"RetryCount=%1"_s.arg(reCheck.retryCount)});
+  reCheck.result = listing.getContentsList(KaTargetStorage::Days30, notifyUserOfUpdate);
+  option = delegate.downloadOption();
+  if (reCheck.result == KaResultCode::Success) {
+    reportInitialAccess();
+    if (state.endAppFlag) return Round::Leave;
+    if (takeContents(reCheck) == Round::Leave) return Round::Leave;
+  }
+  return state.endAppFlag ? Round::Leave : judge(reCheck);
+}
+
+KaDownloadRun::Round KaDownloadRun::takeContents(ReCheck &reCheck) {
+  // A copy that stayed unconfirmed is for a later run: fetching it again and again would never end this one.
+  listing.withhold(content.keptInThisRun());
+  if (!listing.contentsDictionary().isEmpty()) {
+    downloadContents();
+    reCheck.emptyCount = 0;
+  } else if (reCheck.retryCount == 0) {
+    reportNoTarget();
+    return Round::Leave;
+  } else {
+    ++reCheck.emptyCount;
+  }
+  ++reCheck.retryCount;
+  return Round::Again;
+}
+
+KaDownloadRun::Round KaDownloadRun::judge(const ReCheck &reCheck) {
+  if (reCheck.result == KaResultCode::Success && reCheck.emptyCount < kEmptyListings) {
+    KaLogUtility::writeInfoLog(u"reCheck Wait"_s, {u"reCheckWaitTime="_s + secondsText(state.waitTimes.reCheck)});
+    state.waitcnd.wait(state.waitTimes.reCheck);
+    return Round::Again;
+  }
+  if (reCheck.result == KaResultCode::Success) {
+    delegate.setProcessingResult(KaResultCode::DownloadComplete, /*userTrigger=*/false);
+    KaLogUtility::writeInfoLog(u"Download Complete"_s);
+    delegate.setAppStatus(KaAppStatus::Normal);
+  } else if (reCheck.result == KaResultCode::NothingToDownload) {
+    if (state.bUserTrigger) delegate.setProcessingResult(reCheck.result, /*userTrigger=*/true);
+    KaLogUtility::writeInfoLog(u"No Download Target"_s);
+    delegate.setAppStatus(KaAppStatus::Normal);
+  } else if (reCheck.result == KaResultCode::NoHttpStatus) {
+    delegate.setAppStatus(KaAppStatus::Downloading);
+  } else {
+    delegate.setProcessingResult(reCheck.result, state.bUserTrigger);
+  }
+  return Round::Leave;
+}
+
+void KaDownloadRun::downloadContents() {
+  delegate.setAppStatus(KaAppStatus::Downloading);
+  const KaResultCode result =
+      content.getContentsProcess(listing.contentsDictionary(), {.parentFolder = option.parentFolder,
+                                                                .childFolder = option.childFolder,
+                                                                .targetStorage = KaTargetStorage::Days30,
+                                                                .bExpandContent = isOn(option.checkBoxDownloadMetadata),
+                                                                .bExpandExif = isOn(option.checkBoxCreateSubfolder)});
+  KaLogUtility::writeConnectionResultLog(KaLogStep::Complete, result == KaResultCode::Success);
+}
+
+void KaDownloadRun::reportInitialAccess() {
+  if (!state.bInitialAccess.exchange(false)) return;
+  delegate.setProcessingResult(KaResultCode::InitialAccessComplete, /*userTrigger=*/false);
+  KaLogUtility::writeInfoLog(u"Initial Access Complete"_s);
+}
+
+void KaDownloadRun::reportNoTarget() {
+  KaLogUtility::writeInfoLog(u"No Download Target"_s);
+  if (state.bUserTrigger) {
+    delegate.setProcessingResult(KaResultCode::NothingToDownload, /*userTrigger=*/true);
+  } else {
+    delegate.setAppStatus(KaAppStatus::Normal);
+  }
+}
+
+void KaDownloadRun::saveRecord(KaTargetStorage targetStorage, const QString &logTitle) {
+  // Without a user there is nothing new to keep, and an empty record would replace what an earlier process kept.
+  if (!session.userUUID()) return;
+  if (delegate.saveGetImageInfo(recordName(targetStorage), uuidKey(*session.userUUID(), targetStorage))) {
+    KaLogUtility::writeInfoLog(logTitle);
+  } else {
+    delegate.setProcessingResult(KaResultCode::Unexpected, state.bUserTrigger);
+  }
+}
+
+void KaDownloadRun::saveAllRecords() {
+  if (!session.userUUID()) return;
+  bool saved = true;
+  for (const auto storage : {KaTargetStorage::Days30, KaTargetStorage::LongTerm10G, KaTargetStorage::Preview2K})
+    if (!delegate.saveGetImageInfo(recordName(storage), uuidKey(*session.userUUID(), storage))) saved = false;
+  if (saved) {
+    KaLogUtility::writeInfoLog(u"Save GetImageInfo"_s);
+  } else {
+    delegate.setProcessingResult(KaResultCode::Unexpected, /*userTrigger=*/false);
+  }
+}

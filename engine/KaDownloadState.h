@@ -1,0 +1,19 @@
+#pragma once
+
+#include "app/settings/KaWaitTimes.h"
+#include "engine/KaWaitCondition.h"
+
+#include <atomic>
+
+/// What the pieces of the download thread share.
+struct KaDownloadState {
+  // Any thread.
+  std::atomic<bool> endAppFlag = false;     ///< set once: the program quits
+  std::atomic<bool> bUserTrigger = false;   ///< the current run was asked for by the user
+  std::atomic<bool> bInitialAccess = false; ///< the next successful listing is the first after linking
+  KaWaitCondition waitcnd{endAppFlag};      ///< between runs, re-checks and metadata attempts
+
+  // Download thread.
+  bool bLinkSetup = true; ///< the link is broken and must be set up again
+  KaWaitTimes waitTimes;
+};

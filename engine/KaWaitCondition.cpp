@@ -1,0 +1,49 @@
+#include "engine/KaWaitCondition.h"
+
+#include <algorithm>
+
+namespace {
+
+/// Longer ones would overflow the clock.
+constexpr std::chrono::hours kLongestWait(24 * 365);
+
+} // namespace
+
+void KaWaitCondition::wait() {
+  const platform::MutexLock scope(lock);
+  const quint64 before = beginWait();
+  while (!ended && signalCount == before)
+    changed.wait(lock);
+}
+
+void KaWaitCondition::wait(std::chrono::milliseconds duration) {
+  const auto deadline = std::chrono::steady_clock::now() + std::min<std::chrono::milliseconds>(duration, kLongestWait);
+  const platform::MutexLock scope(lock);
+  const quint64 before = beginWait();
+  while (!ended && signalCount == before)
+    if (changed.wait_until(lock, deadline) == std::cv_status::timeout) return;
+}
+
+void KaWaitCondition::signal() {
+  const platform::MutexLock scope(lock);
+  ++signalCount;
+  changed.notify_all();
+}
+
+void KaWaitCondition::awaitWaiter() {
+  const platform::MutexLock scope(lock);
+  while (!waitedOn)
+    changed.wait(lock);
+}
+
+void KaWaitCondition::retire() {
+  const platform::MutexLock scope(lock);
+  waitedOn = true;
+  changed.notify_all();
+}
+
+quint64 KaWaitCondition::beginWait() {
+  waitedOn = true;
+  changed.notify_all();
+  return signalCount;
+}

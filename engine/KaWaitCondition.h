@@ -1,0 +1,41 @@
+#pragma once
+
+#include "platform/Mutex.h"
+#include "platform/ThreadAnnotations.h"
+
+#include <QtGlobal>
+
+#include <atomic>
+#include <chrono>
+#include <condition_variable>
+
+/// What one thread sleeps on until another one signals it. A signal without a waiter is lost; the end of the program
+/// never is.
+class KaWaitCondition {
+public:
+  /// @param endAppFlag  outlives this object; whoever sets it signals afterwards.
+  explicit KaWaitCondition(const std::atomic<bool> &endAppFlag) : ended(endAppFlag) {}
+  KaWaitCondition(const KaWaitCondition &) = delete;
+  KaWaitCondition &operator=(const KaWaitCondition &) = delete;
+
+  /// Until signalled or the end.
+  void wait() KA_EXCLUDES(lock);
+  /// The same, for at most @p duration.
+  void wait(std::chrono::milliseconds duration) KA_EXCLUDES(lock);
+  void signal() KA_EXCLUDES(lock);
+
+  /// Returns once some thread has begun to wait here, or retire() was called.
+  void awaitWaiter() KA_EXCLUDES(lock);
+  /// No thread will wait here any more.
+  void retire() KA_EXCLUDES(lock);
+
+private:
+  /// @return the number of signals before this wait.
+  quint64 beginWait() KA_REQUIRES(lock);
+
+  const std::atomic<bool> &ended;
+  platform::Mutex lock;
+  std::condition_variable_any changed;
+  quint64 signalCount KA_GUARDED_BY(lock) = 0;
+  bool waitedOn KA_GUARDED_BY(lock) = false;
+};

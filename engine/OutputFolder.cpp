@@ -1,0 +1,47 @@
+#include "engine/OutputFolder.h"
+
+#include <QDir>
+
+#include <algorithm>
+
+using namespace Qt::StringLiterals;
+
+QString getOutputDateFolderString(const QDateTime &captureDate, qint64 childFolder) {
+  const QDateTime local = captureDate.toLocalTime();
+  const QString day = u'/' + local.toString(u"yyyy_MM_dd"_s);
+  const QString year = u'/' + local.toString(u"yyyy"_s);
+  const QString month = u'/' + local.toString(u"MM"_s);
+  switch (childFolder) {
+  case 0:
+    return day;
+  case 1:
+    return year + month;
+  case 2:
+    return year + day;
+  case 3:
+    return year + month + day;
+  default:
+    return {};
+  }
+}
+
+QStringList getOutputRuleFolderArray(const QStringList &ruleNames) {
+  QStringList folders;
+  for (const QString &name : ruleNames)
+    folders << u'/' + name;
+  return folders;
+}
+
+bool staysInParentFolder(const QString &destination, const QString &parentFolder) {
+  const QString parent = QDir::cleanPath(parentFolder);
+  const QString cleaned = QDir::cleanPath(destination);
+  return cleaned == parent || cleaned.startsWith(parent.endsWith(u'/') ? parent : parent + u'/');
+}
+
+QString getFolderNameFromPath(const QString &path, qint64 level) {
+  const QList<QStringView> components = QStringView(path).split(u'/', Qt::SkipEmptyParts);
+  const qsizetype left = components.size() - std::max<qint64>(level, 0);
+  if (left > 0) return components[left - 1].toString();
+  if (path.startsWith(u'/')) return u"/"_s;
+  return components.isEmpty() ? QString() : components.first().toString();
+}

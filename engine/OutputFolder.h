@@ -1,0 +1,21 @@
+#pragma once
+
+#include <QDateTime>
+#include <QString>
+#include <QStringList>
+
+/// Where below the user's folder a file lands. Everything here is text; nothing touches the disk.
+
+/// The folder of a capture date, in local time, with a leading "/" and none at its end.
+/// @param childFolder  0 day, 1 year and month, 2 year and day, 3 year, month and day; any other: empty.
+[[nodiscard]] QString getOutputDateFolderString(const QDateTime &captureDate, qint64 childFolder);
+
+/// A folder per sort rule, each its name, verbatim, behind a "/".
+[[nodiscard]] QStringList getOutputRuleFolderArray(const QStringList &ruleNames);
+
+/// Whether @p destination, joined from @p parentFolder and more, still lies in or below it.
+[[nodiscard]] bool staysInParentFolder(const QString &destination, const QString &parentFolder);
+
+/// The last component of @p path once @p level components were taken off its end. Of an object key: 0 the file name,
+/// 1 the hour folder, 2 the date folder.
+[[nodiscard]] QString getFolderNameFromPath(const QString &path, qint64 level);

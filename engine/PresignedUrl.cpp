@@ -1,0 +1,67 @@
+#include "engine/PresignedUrl.h"
+
+#include <QUrl>
+
+#include <openssl/evp.h>
+#include <openssl/hmac.h>
+
+#include <stdexcept>
+
+using namespace Qt::StringLiterals;
+
+namespace {
+
+constexpr int kSha1Size = 20;
+
+/// Percent-encodes all but letters and digits.
+QString percentEncoded(const QByteArray &text) {
+  return QString::fromLatin1(QUrl::toPercentEncoding(QString::fromUtf8(text), {}, "-._~"));
+}
+
+QString parameter(const QString &name, const QString &value) {
+  return value.isEmpty() ? QString() : u'&' + name + u'=' + value;
+}
+
+} // namespace
+
+QString SignatureString(const QString &expireUnixTime, const QString &bucket, const QString &secretKey,
+                        const QString &sessionToken, const QString &additionalPath) {
+  const QString stringToSign = u"GET\n\n\n"_s + expireUnixTime + u"\nx-amz-security-token:"_s + sessionToken + u"\n/"_s
+                               + bucket + u'/' + additionalPath;
+  return percentEncoded(toHMACSHA1(stringToSign, secretKey).toBase64());
+}
+
+QString baseURLString(const QString &scheme, const QString &bucket, const QString &host, const QString &additionalPath,
+                      const QString &optionPath) {
+  const QString path = additionalPath.isEmpty() ? QString() : u'/' + additionalPath;
+  return scheme + u"://"_s + bucket + u'.' + host + path + u'?' + optionPath;
+}
+
+QString optionURLString(const QString &accessKeyId, const QString &expireUnixTime, const QString &signature) {
+  return u"&AWSAccessKeyId="_s + accessKeyId + u"&Expires="_s + expireUnixTime + u"&Signature="_s + signature;
+}
+
+QString createS3URLString(const QString &baseURL, const QString &optionURL, const ListParameters &parameters) {
+  return baseURL + parameter(u"prefix"_s, parameters.prefix) + parameter(u"start-after"_s, parameters.startAfter)
+         + parameter(u"delimiter"_s, parameters.delimiter)
+         + parameter(u"continuation-token"_s, percentEncoded(parameters.continuationToken.toUtf8())) + optionURL;
+}
+
+QString presignedObjectURL(const PresigningKeys &keys, const QString &bucket, const QString &host,
+                           const QString &objectKey) {
+  const QString signature = SignatureString(keys.expireUnixTime, bucket, keys.secretKey, keys.sessionToken, objectKey);
+  return createS3URLString(baseURLString(u"https"_s, bucket, host, objectKey, {}),
+                           optionURLString(keys.accessKeyId, keys.expireUnixTime, signature));
+}
+
+QByteArray toHMACSHA1(const QString &text, const QString &key) {
+  const QByteArray message = text.toUtf8();
+  const QByteArray secret = key.toUtf8();
+  QByteArray code(kSha1Size, '\0');
+  unsigned int size = 0;
+  if (!HMAC(EVP_sha1(), secret.constData(), static_cast<int>(secret.size()),
+            reinterpret_cast<const unsigned char *>(message.constData()), static_cast<std::size_t>(message.size()),
+            reinterpret_cast<unsigned char *>(code.data()), &size))
+    throw std::runtime_error("HMAC is not available");
+  return code;
+}
