@@ -1,0 +1,140 @@
+<?xml version="1.0" encoding="utf-8"?>
+<!DOCTYPE TS>
+<TS version="2.1" language="en" sourcelanguage="en">
+<context>
+  <name></name>
+  <!-- Names -->
+  <message id="APP_SHORT_NAME">
+    <source></source>
+    <translation>Downloaderpictora</translation>
+  </message>
+  <!-- Start-up -->
+  <message id="MSG_FIRST_LAUNCH">
+    <source></source>
+    <translation>Should Downloaderpictora start whenever you log in? New pictures then arrive without you having to think of it. You can change this in its menu at any time.</translation>
+  </message>
+  <message id="DLG_COMMON_BUTTON_OK_MAC">
+    <source></source>
+    <translation>OK</translation>
+  </message>
+  <message id="DLG_COMMON_BUTTON_CANCEL">
+    <source></source>
+    <translation>Cancel</translation>
+  </message>
+  <!-- Menu -->
+  <message id="MENU_DOWNLOAD">
+    <source></source>
+    <translation>Download Now</translation>
+  </message>
+  <message id="MENU_LOGIN">
+    <source></source>
+    <translation>Log In…</translation>
+  </message>
+  <message id="MENU_LOGOUT">
+    <source></source>
+    <translation>Log Out</translation>
+  </message>
+  <message id="MENU_LAUNCH_SETTING">
+    <source></source>
+    <translation>Start at Login</translation>
+  </message>
+  <message id="MENU_EXIT_MAC">
+    <source></source>
+    <translation>Quit Downloaderpictora</translation>
+  </message>
+  <!-- Tooltips -->
+  <message id="TOOL_TIP_STATUS_NORMAL">
+    <source></source>
+    <translation>Downloaderpictora: waiting for new pictures</translation>
+  </message>
+  <message id="TOOL_TIP_STATUS_DOWNLOADING">
+    <source></source>
+    <translation>Downloaderpictora: downloading pictures</translation>
+  </message>
+  <message id="TOOL_TIP_STATUS_OFFLINE">
+    <source></source>
+    <translation>Downloaderpictora: no connection to the photo service</translation>
+  </message>
+  <message id="TOOL_TIP_STATUS_MAINTENANCE">
+    <source></source>
+    <translation>Downloaderpictora: the photo service cannot be used at the moment</translation>
+  </message>
+  <message id="TOOL_TIP_STATUS_DISK_FULL">
+    <source></source>
+    <translation>Downloaderpictora: the disk is full</translation>
+  </message>
+  <message id="TOOL_TIP_STATUS_ERR_DOWNLOAD">
+    <source></source>
+    <translation>Downloaderpictora: pictures could not be saved</translation>
+  </message>
+  <message id="TOOL_TIP_STATUS_UNLINK">
+    <source></source>
+    <translation>Downloaderpictora: not logged in</translation>
+  </message>
+  <!-- Results -->
+  <message id="MSG_DOWNLOAD_COMPLETE">
+    <source></source>
+    <translation>All new pictures have been downloaded. Click here to open the folder.</translation>
+  </message>
+  <message id="MSG_10G_DOWNLOAD_COMPLETE">
+    <source></source>
+    <translation>All new pictures from the long-term storage have been downloaded. Click here to open the folder.</translation>
+  </message>
+  <message id="MSG_DOWNLOAD_ZERO">
+    <source></source>
+    <translation>There are no new pictures to download.</translation>
+  </message>
+  <message id="MSG_INITIAL_ACCESS_COMPLETE">
+    <source></source>
+    <translation>You are logged in. Your pictures will now be downloaded.</translation>
+  </message>
+  <message id="MSG_ERR_CERTIFICATE">
+    <source></source>
+    <translation>No secure connection to the photo service could be made. Check that the date and time of this computer are right, and whether your network lets secure connections through.</translation>
+  </message>
+  <message id="MSG_ERR_COMMUNICATION">
+    <source></source>
+    <translation>The photo service sent an answer that could not be understood. The download will be tried again later.</translation>
+  </message>
+  <message id="MSG_ERR_DISK_FULL">
+    <source></source>
+    <translation>The disk of your download folder is full. Free some space; the download will then go on by itself.</translation>
+  </message>
+  <message id="MSG_ERR_OFFLINE">
+    <source></source>
+    <translation>The photo service could not be reached. Check your internet connection; the download will be tried again later.</translation>
+  </message>
+  <message id="MSG_ERR_UNLINK">
+    <source></source>
+    <translation>You are not logged in to the photo service. Choose “Log In…” from the menu, or click here, to receive your pictures.</translation>
+  </message>
+  <message id="MSG_ERR_RETRY">
+    <source></source>
+    <translation>The photo service is busy. The download will be tried again later.</translation>
+  </message>
+  <message id="MSG_ERR_SERVER">
+    <source></source>
+    <translation>The photo service reported a problem. The download will be tried again later.</translation>
+  </message>
+  <message id="MSG_ERR_DOWNLOAD">
+    <source></source>
+    <translation>Pictures could not be saved. Check that your download folder exists and that you may write to it.</translation>
+  </message>
+  <message id="MSG_ERR_UNEXPECTED">
+    <source></source>
+    <translation>Something unexpected went wrong. If it happens again, quit Downloaderpictora and start it anew.</translation>
+  </message>
+  <message id="MSG_ERR_LINK_INVALID">
+    <source></source>
+    <translation>The photo service did not accept your login. Choose “Log In…” from the menu to log in again.</translation>
+  </message>
+  <message id="MSG_ERR_VALIDATION">
+    <source></source>
+    <translation>Your login is no longer valid. Choose “Log In…” from the menu, or click here, to log in again.</translation>
+  </message>
+  <message id="MSG_NEW_VERSION_RELEASED">
+    <source></source>
+    <translation>A new version of Downloaderpictora is available. Get it where you got this one.</translation>
+  </message>
+</context>
+</TS>

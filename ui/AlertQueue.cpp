@@ -1,0 +1,36 @@
+#include "ui/AlertQueue.h"
+
+#include "ui/Texts.h"
+
+#include <QMessageBox>
+
+using namespace Qt::StringLiterals;
+
+AlertQueue::~AlertQueue() {
+  delete current;
+}
+
+void AlertQueue::show(const QString &text) {
+  if (!current) return open(text);
+  if (current->text() == text) return current->raise();
+  if (!waiting.contains(text)) waiting << text;
+}
+
+void AlertQueue::open(const QString &text) {
+  current = new QMessageBox(QMessageBox::Warning, localised("APP_SHORT_NAME"_L1), text);
+  current->addButton(localised("DLG_COMMON_BUTTON_OK_MAC"_L1), QMessageBox::AcceptRole);
+  current->setTextFormat(Qt::PlainText);
+  current->setAttribute(Qt::WA_DeleteOnClose);
+  // A modal window would take the menu of the status item away on some desktops, and with it the way to quit.
+  current->setModal(false);
+  connect(current, &QMessageBox::finished, this, &AlertQueue::openNext);
+  current->show();
+  current->raise();
+  current->activateWindow();
+}
+
+void AlertQueue::openNext() {
+  // The closed window goes away later; from here on it is no longer the one that is open.
+  current = nullptr;
+  if (!waiting.isEmpty()) open(waiting.takeFirst());
+}

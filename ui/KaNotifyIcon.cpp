@@ -1,0 +1,195 @@
+#include "ui/KaNotifyIcon.h"
+
+#include "app/KaModelFacade.h"
+#include "app/log/ExceptionGuard.h"
+#include "app/log/KaLogUtility.h"
+#include "platform/LoginItem.h"
+#include "platform/Opening.h"
+#include "platform/UserDefaults.h"
+#include "ui/Texts.h"
+
+#include <QCoreApplication>
+
+using namespace Qt::StringLiterals;
+
+namespace {
+
+const QString kLaunchAtLogin = u"LaunchAtLogin"_s;
+
+} // namespace
+
+KaNotifyIcon::KaNotifyIcon(KaModelFacade &facade, StatusItemView &view, const KaNotifyIconTimes &waits)
+    : model(facade), statusItem(view), times(waits) {
+  connect(&statusItem, &StatusItemView::entryTriggered, this, &KaNotifyIcon::perform);
+  connect(&statusItem, &StatusItemView::notificationActivated, this, &KaNotifyIcon::notificationActivated);
+  connect(&iconDrawTimer, &QTimer::timeout, this, &KaNotifyIcon::iconDraw);
+  iconDrawTimer.start(times.tick);
+
+  model.setDlDelegate(this);
+  attachment.reset(&model);
+  model.loadDownloadFolderSetting();
+  model.initializeLinkageSetting();
+  // After the status that was just reported, so that a linked agent never shows the broken link.
+  mailbox.post([this] { iconDraw(); });
+}
+
+void KaNotifyIcon::Detach::operator()(KaModelFacade *facade) const {
+  facade->setDlDelegate(nullptr);
+}
+
+void KaNotifyIcon::onChangeStatus(KaModelFacade & /*facade*/, KaAppStatus statusMode) {
+  mailbox.post([this, statusMode] { appStatus = statusMode; });
+}
+
+void KaNotifyIcon::onProcessingResult(KaModelFacade & /*facade*/, KaResultCode result, bool userTrigger) {
+  mailbox.post([this, result, userTrigger] { applyResult(result, userTrigger); });
+}
+
+void KaNotifyIcon::onCompleteLinkageSetting() {
+  QTimer::singleShot(times.startDelay, this, [this] { guarded([this] { startInitialRun(); }); });
+}
+
+void KaNotifyIcon::onSetEnableLogginMenu(bool enable) {
+  bLogginEnabled = enable;
+}
+
+void KaNotifyIcon::onFinishDownloadProcess() {
+  const platform::MutexLock scope(finishLock);
+  hasFinished = true;
+  // Under the lock: the waiting side may destroy the condition as soon as it has seen the flag.
+  appcnd.notify_all();
+}
+
+void KaNotifyIcon::onChangeLinkage(bool linked) {
+  bLinkage = linked;
+}
+
+void KaNotifyIcon::setIdCode(const QString &token) {
+  model.setIdCode(token);
+}
+
+void KaNotifyIcon::startInitialRun() {
+  onChangeStatus(model, KaAppStatus::Normal);
+  model.downloadNow(/*initialAccess=*/true);
+}
+
+void KaNotifyIcon::iconDraw() {
+  const TickEffect effect = tickEffect(appStatus, animationCount);
+  if (effect.restatesMenu) startMenu(*effect.restatesMenu);
+  animationCount = effect.animationCount;
+  shown.frame = effect.frame;
+  shown.tooltipKey = tooltipKey(appStatus, errSubStatus);
+  // Unlike the other entries this one is asked for its state whenever the menu opens.
+  shown.isDownloadEnabled = bLinkage;
+  statusItem.show(shown);
+}
+
+void KaNotifyIcon::startMenu(bool linked) {
+  shown = {.frame = StatusFrame::Unlink,
+           .tooltipKey = {},
+           .isLinked = linked,
+           .isDownloadEnabled = bLinkage,
+           .isLogginEnabled = bLogginEnabled,
+           .isLaunchedAtLogin = platform::standardUserDefaults().boolValue(kLaunchAtLogin)};
+}
+
+void KaNotifyIcon::applyResult(KaResultCode result, bool userTrigger) {
+  const ResultEffect effect = resultEffect(result);
+  if (effect.appStatus) appStatus = *effect.appStatus;
+  if (effect.errSubStatus) errSubStatus = *effect.errSubStatus;
+  if (effect.clearsLinkage) bLinkage = false;
+  reportResult(result, effect.messageKey, userTrigger);
+}
+
+void KaNotifyIcon::reportResult(KaResultCode result, QLatin1StringView messageKey, bool userTrigger) {
+  const QString message = messageKey.isEmpty() ? QString() : localised(messageKey);
+  if (userTrigger) return statusItem.alert(message);
+  if (message.isEmpty()) return;
+  statusItem.notify(localised("APP_SHORT_NAME"_L1), message, QString::number(static_cast<qint64>(result)));
+}
+
+void KaNotifyIcon::perform(StatusEntry entry) {
+  switch (entry) {
+  case StatusEntry::Download:
+    return menuAction_Download();
+  case StatusEntry::Link:
+    return menuAction_Link();
+  case StatusEntry::Logout:
+    return menuAction_Logout();
+  case StatusEntry::LaunchSetting:
+    return menuAction_LaunchSetting();
+  case StatusEntry::Exit:
+    return menuAction_ExitApp();
+  }
+}
+
+void KaNotifyIcon::menuAction_Download() {
+  guarded([this] { model.downloadNow(/*initialAccess=*/false); });
+}
+
+void KaNotifyIcon::menuAction_Link() {
+  guarded([this] { model.setupLinkage(); });
+}
+
+void KaNotifyIcon::menuAction_Logout() {
+  guarded([this] {
+    model.closeLinkage();
+    startMenu(/*linked=*/false);
+    statusItem.show(shown);
+    model.cancelPollingWait();
+  });
+}
+
+void KaNotifyIcon::menuAction_LaunchSetting() {
+  guarded([this] {
+    auto &defaults = platform::standardUserDefaults();
+    const bool enable = !defaults.boolValue(kLaunchAtLogin);
+    if (platform::setLoginItemEnabled(enable)) {
+      defaults.setBool(kLaunchAtLogin, enable);
+      defaults.synchronize();
+      shown.isLaunchedAtLogin = enable;
+    }
+    // Shown in either case: the entry has changed its own check mark already.
+    statusItem.show(shown);
+  });
+}
+
+void KaNotifyIcon::menuAction_ExitApp() {
+  guarded([] { QCoreApplication::quit(); });
+}
+
+void KaNotifyIcon::notificationActivated(const QString &processingResult) {
+  guarded([&] {
+    switch (clickEffect(static_cast<KaResultCode>(processingResult.toLongLong()))) {
+    case ClickEffect::OpenParentFolder:
+      return openFolder(model.downloadOption().parentFolder);
+    case ClickEffect::OpenParent10GFolder:
+      return openFolder(model.downloadOption().parent10GFolder);
+    case ClickEffect::Link:
+      return model.setupLinkage();
+    case ClickEffect::None:
+      return;
+    }
+  });
+}
+
+void KaNotifyIcon::openFolder(const QString &path) {
+  if (!platform::openFolder(path)) KaLogUtility::writeErrorLog(u"the folder cannot be shown: %1"_s.arg(path));
+}
+
+void KaNotifyIcon::guarded(const std::function<void()> &action) {
+  if (!runGuarded(action)) onProcessingResult(model, KaResultCode::Unexpected, /*userTrigger=*/true);
+}
+
+bool KaNotifyIcon::appFinalize() {
+  iconDrawTimer.stop();
+  model.saveDownloadFolderSetting();
+  model.endDownloadProcess();
+
+  const auto deadline = std::chrono::steady_clock::now() + times.finishWait;
+  const platform::MutexLock scope(finishLock);
+  while (!hasFinished) {
+    if (appcnd.wait_until(finishLock, deadline) == std::cv_status::timeout) break;
+  }
+  return hasFinished;
+}

@@ -1,0 +1,96 @@
+#pragma once
+
+#include "app/KaDownloadDelegate.h"
+#include "platform/Mailbox.h"
+#include "platform/Mutex.h"
+#include "platform/ThreadAnnotations.h"
+#include "ui/StatusItemState.h"
+#include "ui/StatusItemView.h"
+
+#include <QObject>
+#include <QString>
+#include <QTimer>
+
+#include <atomic>
+#include <chrono>
+#include <condition_variable>
+#include <functional>
+#include <memory>
+
+struct KaNotifyIconTimes {
+  std::chrono::milliseconds tick{800};
+  std::chrono::milliseconds startDelay{1000};   ///< from a completed login to its first run
+  std::chrono::milliseconds finishWait{10'000}; ///< at most this long for the download thread's end
+};
+
+/// The controller of the status item: turns what the facade reports into icon, tooltip, menu, notifications and alerts,
+/// and what the user chooses into calls of the facade. Made and used on the main thread; only the delegate's operations
+/// come from any thread.
+class KaNotifyIcon final : public QObject, public KaDownloadDelegate {
+  Q_OBJECT
+
+public:
+  /// Becomes the facade's delegate, loads the settings and the link, so the first run may begin. @p model and
+  /// @p statusItem outlive this object; destroy it only after appFinalize.
+  KaNotifyIcon(KaModelFacade &model, StatusItemView &statusItem, const KaNotifyIconTimes &times = {});
+
+  void onChangeStatus(KaModelFacade &facade, KaAppStatus statusMode) override;
+  void onProcessingResult(KaModelFacade &facade, KaResultCode result, bool userTrigger) override;
+  void onCompleteLinkageSetting() override;
+  void onSetEnableLogginMenu(bool enable) override;
+  void onFinishDownloadProcess() override;
+  void onChangeLinkage(bool linked) override;
+
+  /// The token of a login that came back from the browser.
+  void setIdCode(const QString &token);
+
+  /// @name What the menu's entries do. None lets an exception out.
+  /// @{
+  void perform(StatusEntry entry);
+  void menuAction_Download();
+  void menuAction_Link();
+  void menuAction_Logout();
+  void menuAction_LaunchSetting();
+  void menuAction_ExitApp();
+  /// @}
+
+  /// Saves the folder settings, ends the download thread and waits for its end; no wait when it has ended before.
+  /// @return false when the thread still runs after the longest wait.
+  [[nodiscard]] bool appFinalize();
+
+private:
+  struct Detach {
+    void operator()(KaModelFacade *facade) const;
+  };
+
+  void iconDraw();
+  void startMenu(bool linked);
+  void applyResult(KaResultCode result, bool userTrigger);
+  void reportResult(KaResultCode result, QLatin1StringView messageKey, bool userTrigger);
+  void startInitialRun();
+  void notificationActivated(const QString &processingResult);
+  void openFolder(const QString &path);
+  void guarded(const std::function<void()> &action);
+
+  KaModelFacade &model;
+  StatusItemView &statusItem;
+  const KaNotifyIconTimes times;
+
+  // Main thread.
+  KaAppStatus appStatus = KaAppStatus::NotLinked;
+  KaErrorStatus errSubStatus = KaErrorStatus::Offline;
+  QTimer iconDrawTimer;
+  qint32 animationCount = 0;
+  bool bLinkage = false;
+  StatusItemState shown;
+
+  std::atomic<bool> bLogginEnabled = true;
+
+  platform::Mutex finishLock;
+  std::condition_variable_any appcnd; ///< with finishLock: the download thread has ended
+  bool hasFinished KA_GUARDED_BY(finishLock) = false;
+
+  platform::Mailbox mailbox;
+  /// Takes this back from the facade in the end, and also when a constructor that throws has given it away.
+  std::unique_ptr<KaModelFacade, Detach> attachment;
+};

@@ -1,0 +1,9 @@
+#pragma once
+
+#include <QString>
+
+/// The text of a localisation key in the user's language. @p key is a literal.
+[[nodiscard]] QString localised(QLatin1StringView key);
+
+/// Makes the string tables known to the application object: English whole, the user's language over it.
+void installTexts();
