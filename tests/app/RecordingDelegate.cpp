@@ -38,7 +38,8 @@ void RecordingDelegate::onChangeLinkage(bool linked) {
 
 QStringList RecordingDelegate::reports() const {
   const platform::MutexLock scope(lock);
-  return noted;
+  // Copied for good: a list that is shared and let go of outside the lock may still be appended to in place inside.
+  return {noted.begin(), noted.end()};
 }
 
 QStringList RecordingDelegate::ownReports() const {

@@ -16,6 +16,8 @@ namespace {
 
 class IdentityRequests : public ServiceFixture {
 protected:
+  using ServiceFixture::ServiceFixture;
+
   KaResultCode exchangeCode() { return request.getTokenCode(login.codeVerifier, login.idToken); }
   ServerAnswer refresh() { return request.refreshIdToken(refreshUrl, login.idToken, u"NEW-NONCE"_s); }
 
@@ -70,7 +72,10 @@ struct BadAnswer {
   KaResultCode result;
 };
 
-class BadAnswerToIdentityRequests : public IdentityRequests, public testing::WithParamInterface<BadAnswer> {};
+class BadAnswerToIdentityRequests : public IdentityRequests, public testing::WithParamInterface<BadAnswer> {
+protected:
+  BadAnswerToIdentityRequests() : IdentityRequests(silenceLimitFor(GetParam().fault)) {}
+};
 
 TEST_P(BadAnswerToIdentityRequests, givesItsResultAndKeepsTheTokenCode) {
   ASSERT_TRUE(KaLinkageUtility::saveTokenCode(u"the last good one"_s));

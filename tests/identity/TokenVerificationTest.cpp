@@ -22,6 +22,8 @@ const QString kNonce = u"3F2504E0-4F89-11D3-9A0C-0305E82C3301"_s;
 
 class TokenVerification : public ServiceFixture {
 protected:
+  using ServiceFixture::ServiceFixture;
+
   KaResultCode verdictOn(const std::optional<QString> &token, bool checkNonce = true,
                          const std::optional<QString> &nonce = kNonce) {
     return KaIdVerificationUtility::validateJWT(request, token, checkNonce, nonce);
@@ -121,6 +123,8 @@ struct BadAnswer {
 
 class BadAnswerVerification : public TokenVerification, public testing::WithParamInterface<BadAnswer> {
 protected:
+  BadAnswerVerification() : TokenVerification(silenceLimitFor(GetParam().fault)) {}
+
   [[nodiscard]] QString log() const {
     QString text;
     const QDir folder(profile.appFolder() + u"/Log"_s);
