@@ -1,10 +1,22 @@
 #include "platform/linux/DesktopEntry.h"
 
+#include <QRegularExpression>
+
 using namespace Qt::StringLiterals;
 
 namespace platform {
+namespace {
+
+/// Small openers split an Exec line at its blanks and take quotes for a part of the name: they go only where needed.
+bool needsQuotes(const QString &argument) {
+  static const QRegularExpression kReserved(uR"([\s"'\\><~|&;$*?#()`])"_s);
+  return argument.isEmpty() || kReserved.match(argument).hasMatch();
+}
+
+} // namespace
 
 QString execArgument(const QString &argument) {
+  if (!needsQuotes(argument)) return QString(argument).replace(u'%', u"%%"_s);
   QString quoted;
   for (const QChar character : argument) {
     // Read twice: as a string of the entry, then as a quoted argument.

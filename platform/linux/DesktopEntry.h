@@ -4,7 +4,7 @@
 
 namespace platform {
 
-/// One argument of an Exec line: quoted, with what a desktop entry's own syntax would read escaped.
+/// One argument of an Exec line, with what a desktop entry's own syntax would read escaped; in quotes where it must be.
 [[nodiscard]] QString execArgument(const QString &argument);
 
 } // namespace platform

@@ -129,7 +129,29 @@ TEST(UrlScheme, isRegisteredForTheUserUnlessInstalled) {
   EXPECT_FALSE(QFile::exists(entry));
 }
 
+TEST(UrlScheme, leadsTheDesktopsOpenerToTheProgram) {
+  const TestProfile profile;
+  int noArguments = 0;
+  const QCoreApplication application(noArguments, nullptr);
+  qputenv("DISPLAY", ":0"); // the opener only asks whether it is set
+  for (const char *variable : {"XDG_CURRENT_DESKTOP", "KDE_FULL_SESSION", "DESKTOP_SESSION", "XDG_DATA_DIRS"})
+    qunsetenv(variable);
+  const QString program = profile.path(u"agent"_s);
+  writeFile(program, "#!/bin/sh\nprintf '%s' \"$1\" >\"$HOME/url.new\" && mv \"$HOME/url.new\" \"$HOME/url\"\n");
+  QFile::setPermissions(program, QFile::ReadOwner | QFile::WriteOwner | QFile::ExeOwner);
+  ASSERT_TRUE(platform::registerUrlScheme(program));
+  // The desktop's tools work on by themselves after the call.
+  ASSERT_TRUE(waitFor([&] { return QFile::exists(profile.configFolder() + u"/mimeapps.list"_s); }));
+
+  const QString url = u"downloaderpictora://authenticate?idToken=a.b-c_d&x=%20%25"_s;
+  ASSERT_EQ(QProcess::execute(u"xdg-open"_s, {url}), 0);
+  QFile seen(profile.path(u"url"_s));
+  ASSERT_TRUE(seen.open(QFile::ReadOnly));
+  EXPECT_EQ(seen.readAll(), url.toUtf8());
+}
+
 TEST(ExecArgument, isQuotedAndEscapedForADesktopEntry) {
+  EXPECT_EQ(platform::execArgument(u"/opt/a-b_c/100%"_s), u"/opt/a-b_c/100%%"_s);
   EXPECT_EQ(platform::execArgument(u"/opt/a b/100%"_s), u"\"/opt/a b/100%%\""_s);
   EXPECT_EQ(platform::execArgument(uR"(a"$`\)"_s), uR"("a\\"\\$\\`\\\\")"_s);
 }
