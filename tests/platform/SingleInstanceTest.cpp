@@ -7,8 +7,11 @@
 #include <QCoreApplication>
 #include <QDBusConnection>
 #include <QDBusMessage>
+#include <QEventLoop>
+#include <QThread>
 
 #include <future>
+#include <utility>
 
 using namespace Qt::StringLiterals;
 using platform::SingleInstance;
@@ -52,6 +55,37 @@ TEST_F(SingleInstanceTest, deliversUrlsActivationsAndActions) {
   QDBusConnection::sessionBus().send(call);
   ASSERT_TRUE(waitFor([&] { return seen.size() == 3; }));
   EXPECT_EQ(seen, (QStringList{url, u"activated"_s, u"quit"_s}));
+}
+
+TEST_F(SingleInstanceTest, answersBeforeTheDialogThatACallOpensIsClosed) {
+  SingleInstance instance;
+  QEventLoop dialog;
+  QObject::connect(&instance, &SingleInstance::activated, &dialog, [&] {
+    // As a dialog's painting does: in a nested loop Qt's GLib dispatcher leaves older events until one more is posted.
+    QMetaObject::invokeMethod(
+        &dialog, [] {}, Qt::QueuedConnection);
+    dialog.exec();
+  });
+  QObject::connect(&instance, &SingleInstance::urlReceived, &dialog, &QEventLoop::quit);
+  ASSERT_TRUE(instance.becomePrimary());
+  // The URL closes the dialog, which is open when it comes.
+  auto outcomes = std::async(std::launch::async, [] {
+    const auto ofActivation = SingleInstance::handOver(std::nullopt);
+    return std::pair(ofActivation, SingleInstance::handOver(u"downloaderpictora://a"_s));
+  });
+  ASSERT_TRUE(waitFor([&] { return outcomes.wait_for(std::chrono::seconds(0)) == std::future_status::ready; }));
+  EXPECT_EQ(outcomes.get(), std::pair(SingleInstance::HandOver::Delivered, SingleInstance::HandOver::Delivered));
+}
+
+TEST_F(SingleInstanceTest, givesUpOnAnAgentThatIsFrozen) {
+  QObject frozen;
+  QThread neverStarted;
+  frozen.moveToThread(&neverStarted);
+  auto elsewhere = QDBusConnection::connectToBus(QDBusConnection::SessionBus, u"other"_s);
+  elsewhere.registerObject(u"/com/norvale/Downloaderpictora"_s, &frozen, QDBusConnection::ExportAllContents);
+  ASSERT_TRUE(elsewhere.registerService(u"com.norvale.Downloaderpictora"_s));
+  EXPECT_EQ(SingleInstance::handOver(u"downloaderpictora://a"_s), SingleInstance::HandOver::Failed);
+  QDBusConnection::disconnectFromBus(u"other"_s);
 }
 
 TEST_F(SingleInstanceTest, letsOnlyOneBePrimary) {
