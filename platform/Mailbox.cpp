@@ -8,23 +8,23 @@ Mailbox::Mailbox(QObject *parent) : QObject(parent) {
 }
 
 void Mailbox::post(std::function<void()> job) {
-  bool first = false;
   {
     const MutexLock scope(lock);
-    first = jobs.empty();
     jobs.push_back(std::move(job));
   }
-  if (first) QMetaObject::invokeMethod(this, "drain", Qt::QueuedConnection);
+  QMetaObject::invokeMethod(this, "drain", Qt::QueuedConnection);
 }
 
+// One job a call: while one shows a dialog, its event loop takes the next ones, still in order.
 void Mailbox::drain() {
-  std::deque<std::function<void()>> batch;
+  std::function<void()> job;
   {
     const MutexLock scope(lock);
-    batch.swap(jobs);
+    if (jobs.empty()) return;
+    job = std::move(jobs.front());
+    jobs.pop_front();
   }
-  for (const auto &job : batch)
-    job();
+  job();
 }
 
 } // namespace platform

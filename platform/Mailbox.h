@@ -10,8 +10,8 @@
 
 namespace platform {
 
-/// Runs jobs that any thread posts, in order, on the thread that made it, from that thread's event loop. Jobs that are
-/// left when it is destroyed never run.
+/// Runs jobs that any thread posts, in order, on the thread that made it, from that thread's event loop; the loop of a
+/// dialog that a job opens goes on with those behind it. Jobs that are left when it is destroyed never run.
 class Mailbox : public QObject {
   Q_OBJECT
 

@@ -1,5 +1,6 @@
 #include "platform/TerminationSignals.h"
 
+#include <QDebug>
 #include <QSocketNotifier>
 
 #include <fcntl.h>
@@ -7,6 +8,7 @@
 #include <unistd.h>
 
 #include <array>
+#include <cerrno>
 #include <csignal>
 
 namespace platform {
@@ -18,8 +20,16 @@ constexpr std::array kSignals = {SIGTERM, SIGINT, SIGHUP};
 int writeEnd = -1;
 
 extern "C" void tellMainThread(int) {
+  const int interrupted = errno;
   const char byte = 1;
-  [[maybe_unused]] const auto written = ::write(writeEnd, &byte, 1);
+  [[maybe_unused]] const auto written = ::write(writeEnd, &byte, 1); // full: the message is there already
+  errno = interrupted;
+}
+
+/// A program started with nohup shall survive its terminal.
+bool isIgnored(int signal) {
+  struct sigaction current = {};
+  return ::sigaction(signal, nullptr, &current) == 0 && current.sa_handler == SIG_IGN;
 }
 
 } // namespace
@@ -39,13 +49,16 @@ public:
     struct sigaction action = {};
     action.sa_handler = tellMainThread;
     action.sa_flags = SA_RESTART;
-    for (const int signal : kSignals)
-      ::sigaction(signal, &action, nullptr);
+    for (const int signal : kSignals) {
+      if (isIgnored(signal)) continue;
+      if (::sigaction(signal, &action, nullptr) != 0) qWarning("signal %d cannot be caught", signal);
+    }
   }
 
   ~Private() {
-    for (const int signal : kSignals)
-      std::signal(signal, SIG_DFL);
+    for (const int signal : kSignals) {
+      if (!isIgnored(signal)) std::signal(signal, SIG_DFL);
+    }
     notifier.reset();
     for (const int end : ends) {
       if (end >= 0) ::close(end);

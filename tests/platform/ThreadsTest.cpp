@@ -5,6 +5,7 @@
 #include <gmock/gmock.h>
 
 #include <QCoreApplication>
+#include <QEventLoop>
 #include <QThread>
 
 #include <csignal>
@@ -42,6 +43,23 @@ TEST(Mailbox, runsEveryJobOnItsOwnThreadInThePostersOrder) {
     EXPECT_TRUE(std::is_sorted(own.begin(), own.end()));
 }
 
+TEST(Mailbox, goesOnInOrderWhileAJobShowsADialog) {
+  const QCoreApplication application(noArguments, nullptr);
+  platform::Mailbox mailbox;
+  std::vector<int> seen;
+  QEventLoop dialog;
+  mailbox.post([&] {
+    seen.push_back(1);
+    mailbox.post([&] { seen.push_back(3); });
+    mailbox.post([&] { dialog.quit(); });
+    dialog.exec();
+    seen.push_back(4);
+  });
+  mailbox.post([&] { seen.push_back(2); });
+  ASSERT_TRUE(waitFor([&] { return seen.size() == 4; }));
+  EXPECT_EQ(seen, (std::vector{1, 2, 3, 4}));
+}
+
 TEST(Mailbox, dropsWhatIsLeftWhenItGoes) {
   const QCoreApplication application(noArguments, nullptr);
   bool ran = false;
@@ -63,6 +81,19 @@ TEST(TerminationSignals, becomeAnEventOfTheMainThread) {
     ASSERT_EQ(std::raise(signal), 0);
     EXPECT_TRUE(waitFor([&] { return told == before + 1; }));
   }
+}
+
+TEST(TerminationSignals, leaveOneAloneThatTheStarterIgnores) {
+  const QCoreApplication application(noArguments, nullptr);
+  ASSERT_NE(std::signal(SIGHUP, SIG_IGN), SIG_ERR);
+  platform::TerminationSignals signals;
+  int told = 0;
+  QObject::connect(&signals, &platform::TerminationSignals::terminationRequested, [&] { ++told; });
+  ASSERT_EQ(std::raise(SIGHUP), 0);
+  QCoreApplication::processEvents();
+  EXPECT_EQ(told, 0);
+  ASSERT_EQ(std::raise(SIGTERM), 0);
+  EXPECT_TRUE(waitFor([&] { return told == 1; }));
 }
 
 } // namespace
