@@ -71,9 +71,4 @@ bool isUnmountablePlace(const QByteArray &mountPoint) {
          || kGvfs.match(QString::fromUtf8(mountPoint)).hasMatch();
 }
 
-bool isHotPluggable(const QString &sysfsPath) {
-  static const QRegularExpression kBuses(u"/(usb|mmc|firewire|fw|pcmcia|thunderbolt)[0-9]"_s);
-  return kBuses.match(sysfsPath).hasMatch();
-}
-
 } // namespace platform

@@ -32,7 +32,4 @@ struct Mount {
 /// Whether desktops mount there what users may take away: /media, /run/media and the user's gvfs folder.
 [[nodiscard]] bool isUnmountablePlace(const QByteArray &mountPoint);
 
-/// Whether the device at @p sysfsPath hangs on a bus that devices leave at run time.
-[[nodiscard]] bool isHotPluggable(const QString &sysfsPath);
-
 } // namespace platform

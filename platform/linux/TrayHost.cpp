@@ -28,9 +28,8 @@ template <class Reply> using XcbReply = std::unique_ptr<Reply, Freed>;
 
 /// Asks without starting a watcher service that is not there: it would be there without a host.
 QDBusPendingCall askForNotifierHost() {
-  auto question =
-      QDBusMessage::createMethodCall(u"org.kde.StatusNotifierWatcher"_s, u"/StatusNotifierWatcher"_s,
-                                     u"org.freedesktop.DBus.Properties"_s, u"Get"_s);
+  auto question = QDBusMessage::createMethodCall(u"org.kde.StatusNotifierWatcher"_s, u"/StatusNotifierWatcher"_s,
+                                                 u"org.freedesktop.DBus.Properties"_s, u"Get"_s);
   question << u"org.kde.StatusNotifierWatcher"_s << u"IsStatusNotifierHostRegistered"_s;
   question.setAutoStartService(false);
   return QDBusConnection::sessionBus().asyncCall(question);

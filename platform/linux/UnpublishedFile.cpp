@@ -21,6 +21,9 @@ namespace {
 
 constexpr char kHiddenPattern[] = ".downloaderpictora-*.part";
 
+/// Another process's sweep may take a new file away before it is locked, hardly more often than once.
+constexpr int kHiddenAttempts = 5;
+
 /// What a killed process left: nobody holds its lock any more.
 void sweepHiddenFiles(const QString &folder) {
   const QDir directory(folder);
@@ -32,7 +35,7 @@ void sweepHiddenFiles(const QString &folder) {
   }
 }
 
-/// A rename is on disk when its folder is.
+/// A rename is on disk when its folder is. Some file systems know no such thing: the name counts all the same.
 void syncFolderOf(const QByteArray &path) {
   const QByteArray folder = path.left(path.lastIndexOf('/') + 1);
   const FileDescriptor directory(::open(folder.constData(), O_RDONLY | O_DIRECTORY | O_CLOEXEC));
@@ -57,13 +60,21 @@ public:
 
   static std::unique_ptr<Private> createHidden(const QString &folder) {
     sweepHiddenFiles(folder);
+    for (int attempt = 0; attempt < kHiddenAttempts; ++attempt) {
+      auto made = openHidden(folder);
+      if (!made || ::access(made->hiddenPath.constData(), F_OK) == 0) return made;
+    }
+    return nullptr;
+  }
+
+  static std::unique_ptr<Private> openHidden(const QString &folder) {
     const QByteArray path =
         QFile::encodeName(u"%1/.downloaderpictora-%2.part"_s.arg(folder, QUuid::createUuid().toString(QUuid::Id128)));
     FileDescriptor file(::open(path.constData(), O_CREAT | O_EXCL | O_WRONLY | O_CLOEXEC, 0666));
     if (!file) return nullptr;
     auto made = std::make_unique<Private>(std::move(file), path);
     // Without locks on this file system the sweep cannot lock either, and then leaves the file alone.
-    [[maybe_unused]] const int locked = ::flock(made->file.get(), LOCK_EX | LOCK_NB);
+    [[maybe_unused]] const int locked = ::flock(made->file.get(), LOCK_EX);
     return made;
   }
 

@@ -1,29 +1,46 @@
 #include "platform/VolumeFacts.h"
 
+#include "platform/linux/BlockDevice.h"
 #include "platform/linux/MountTable.h"
 
 #include <QFile>
 #include <QFileInfo>
-#include <QStorageInfo>
+
+#include <sys/stat.h>
+#include <sys/statvfs.h>
+#include <sys/sysmacros.h>
+
+#include <algorithm>
 
 using namespace Qt::StringLiterals;
 
 namespace platform {
 namespace {
 
-QByteArray readAll(const QString &path) {
-  QFile file(path);
+QByteArray mountTable() {
+  QFile file(u"/proc/self/mountinfo"_s);
   return file.open(QFile::ReadOnly) ? file.readAll() : QByteArray();
 }
 
-bool isRemovableDevice(const Mount &mount) {
-  const QString device = QFileInfo(u"/sys/dev/block/%1:%2"_s.arg(mount.major).arg(mount.minor)).canonicalFilePath();
-  if (device.isEmpty()) return false;
-  // A partition has no such flag; its disk, the folder above, has.
-  for (const QString &flag : {device + u"/removable"_s, device + u"/../removable"_s}) {
-    if (readAll(flag).trimmed() == "1") return true;
-  }
-  return isHotPluggable(device);
+QString deviceFolder(unsigned major, unsigned minor) {
+  return QFileInfo(u"/sys/dev/block/%1:%2"_s.arg(major).arg(minor)).canonicalFilePath();
+}
+
+/// Btrfs and its like mount under a number that is no device's: there the source names the device.
+QString deviceOf(const Mount &mount) {
+  const QString folder = deviceFolder(mount.major, mount.minor);
+  if (!folder.isEmpty() || !mount.source.startsWith(u"/dev/")) return folder;
+  struct stat facts = {};
+  if (::stat(QFile::encodeName(mount.source).constData(), &facts) != 0 || !S_ISBLK(facts.st_mode)) return {};
+  return deviceFolder(major(facts.st_rdev), minor(facts.st_rdev));
+}
+
+/// The disk that the system runs from stays, even where it sits in a card slot or on a cable.
+bool isRemovable(const Mount &mount, const std::optional<Mount> &root) {
+  const QStringList systemDisks = root ? disksOf(deviceOf(*root)) : QStringList();
+  const QStringList disks = disksOf(deviceOf(mount));
+  return std::any_of(disks.cbegin(), disks.cend(),
+                     [&](const QString &disk) { return !systemDisks.contains(disk) && isRemovableDisk(disk); });
 }
 
 } // namespace
@@ -31,9 +48,10 @@ bool isRemovableDevice(const Mount &mount) {
 std::optional<VolumeFacts> fileSystemInfo(const QString &path) {
   const QString canonical = QFileInfo(path).canonicalFilePath();
   if (canonical.isEmpty()) return std::nullopt;
-  const auto mount = mountOf(parseMountTable(readAll(u"/proc/self/mountinfo"_s)), QFile::encodeName(canonical));
+  const auto mounts = parseMountTable(mountTable());
+  const auto mount = mountOf(mounts, QFile::encodeName(canonical));
   if (!mount) return std::nullopt;
-  return VolumeFacts{.removable = isRemovableDevice(*mount),
+  return VolumeFacts{.removable = isRemovable(*mount, mountOf(mounts, "/")),
                      .writable = !mount->readOnly,
                      .unmountable = isUnmountablePlace(mount->mountPoint),
                      .network = isNetworkFileSystem(mount->type),
@@ -42,10 +60,9 @@ std::optional<VolumeFacts> fileSystemInfo(const QString &path) {
 }
 
 std::optional<qint64> freeSpace(const QString &path) {
-  if (!QFileInfo::exists(path)) return std::nullopt;
-  const QStorageInfo storage(path);
-  if (!storage.isValid()) return std::nullopt;
-  return storage.bytesAvailable();
+  struct statvfs facts = {};
+  if (::statvfs(QFile::encodeName(path).constData(), &facts) != 0) return std::nullopt;
+  return static_cast<qint64>(facts.f_bavail) * static_cast<qint64>(facts.f_frsize);
 }
 
 } // namespace platform

@@ -1,6 +1,7 @@
 #include "platform/FileDates.h"
 #include "platform/UnpublishedFile.h"
 #include "platform/VolumeFacts.h"
+#include "platform/linux/BlockDevice.h"
 #include "platform/linux/MountTable.h"
 
 #include <gmock/gmock.h>
@@ -13,6 +14,7 @@
 
 #include <fcntl.h>
 #include <sys/file.h>
+#include <sys/stat.h>
 
 #include <cerrno>
 
@@ -63,6 +65,25 @@ TEST_P(UnpublishedFileTest, neverOverwritesAndCanTakeAnotherName) {
 TEST_P(UnpublishedFileTest, leavesNothingWhenDiscarded) {
   { const auto file = written("half a picture"); }
   EXPECT_THAT(entries(), testing::IsEmpty());
+}
+
+TEST_P(UnpublishedFileTest, mayBeEmptyAndFollowsTheUsersMask) {
+  const auto usersMask = ::umask(027);
+  auto file = written("");
+  const QString path = folder.filePath(u"empty"_s);
+  EXPECT_EQ(file.publish(path), UnpublishedFile::Publish::Published);
+  ::umask(usersMask);
+  struct stat facts = {};
+  ASSERT_EQ(::stat(QFile::encodeName(path).constData(), &facts), 0);
+  EXPECT_EQ(facts.st_mode & 0777U, 0640U);
+  EXPECT_EQ(facts.st_size, 0);
+  EXPECT_EQ(facts.st_nlink, 1U);
+}
+
+TEST_P(UnpublishedFileTest, takesNoNameThatALinkToNowhereHas) {
+  ASSERT_TRUE(QFile::link(folder.filePath(u"nowhere"_s), folder.filePath(u"a.jpg"_s)));
+  auto file = written("x");
+  EXPECT_EQ(file.publish(folder.filePath(u"a.jpg"_s)), UnpublishedFile::Publish::NameTaken);
 }
 
 TEST_P(UnpublishedFileTest, saysWhyItCannotBePublished) {
@@ -147,9 +168,52 @@ TEST(MountTable, knowsWhatCanBeTakenAway) {
   EXPECT_FALSE(platform::isNetworkFileSystem(u"ext4"_s));
 }
 
+/// A folder tree in the form of sysfs: a stick, an encrypted volume on its partition and a fixed disk.
+class BlockDevices : public testing::Test {
+protected:
+  BlockDevices() {
+    add("usb1/sdb/removable", "1\n");
+    add("usb1/sdb/sdb1/partition", "1\n");
+    add("ata1/sda/removable", "0\n");
+    add("ata1/sda/sda2/partition", "2\n");
+    QDir().mkpath(at("virtual/dm-0/slaves"));
+    QFile::link(at("usb1/sdb/sdb1"), at("virtual/dm-0/slaves/sdb1"));
+    QFile::link(at("ata1/sda/sda2"), at("virtual/dm-0/slaves/sda2"));
+  }
+  [[nodiscard]] QString at(const char *name) const {
+    return QFileInfo(tree.path()).canonicalFilePath() + u'/' + QString::fromLatin1(name);
+  }
+  void add(const char *name, const char *text) const {
+    QDir().mkpath(QFileInfo(at(name)).path());
+    QFile file(at(name));
+    ASSERT_TRUE(file.open(QFile::WriteOnly) && file.write(text) > 0);
+  }
+
+  QTemporaryDir tree;
+};
+
+TEST_F(BlockDevices, lieOnTheDisksBelowThem) {
+  const QString stick = at("usb1/sdb");
+  const QString fixed = at("ata1/sda");
+  EXPECT_EQ(platform::disksOf(fixed), QStringList{fixed});
+  EXPECT_EQ(platform::disksOf(at("ata1/sda/sda2")), QStringList{fixed});
+  EXPECT_EQ(platform::disksOf(at("virtual/dm-0")), (QStringList{fixed, stick}));
+  EXPECT_EQ(platform::disksOf(QString()), QStringList());
+}
+
+TEST_F(BlockDevices, areRemovableByTheirFlagOrTheirBus) {
+  EXPECT_TRUE(platform::isRemovableDisk(at("usb1/sdb")));
+  EXPECT_FALSE(platform::isRemovableDisk(at("ata1/sda")));
+  add("ata1/sda/removable", "1\n");
+  EXPECT_TRUE(platform::isRemovableDisk(at("ata1/sda")));
+}
+
 TEST(VolumeFacts, knowThePlacesThatExist) {
   const QTemporaryDir folder;
-  EXPECT_TRUE(platform::fileSystemInfo(folder.path())->writable);
+  const auto facts = platform::fileSystemInfo(folder.path());
+  ASSERT_TRUE(facts);
+  EXPECT_TRUE(facts->writable);
+  EXPECT_FALSE(platform::fileSystemInfo(u"/"_s)->removable) << "the disk that the system runs from";
   EXPECT_FALSE(platform::fileSystemInfo(folder.filePath(u"missing"_s)));
   EXPECT_GT(platform::freeSpace(folder.path()).value_or(0), 0);
   EXPECT_FALSE(platform::freeSpace(folder.filePath(u"missing"_s)));
