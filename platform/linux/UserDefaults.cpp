@@ -15,7 +15,16 @@ namespace platform {
 
 class UserDefaults::Private {
 public:
-  explicit Private(const QString &path) : settings(path, QSettings::IniFormat) {}
+  explicit Private(const QString &path) : settings(path, QSettings::IniFormat) {
+    // Each change would post it an event that another thread may handle, past the lock; all are written at once anyway.
+    settings.moveToThread(nullptr);
+  }
+
+  /// An empty file of the right mode before there is anything to read in it.
+  void makeFile() KA_REQUIRES(lock) {
+    QFile file(settings.fileName());
+    if (!file.exists()) file.open(QFile::WriteOnly | QFile::NewOnly, QFile::ReadOwner | QFile::WriteOwner);
+  }
 
   bool writeOut() KA_REQUIRES(lock) {
     settings.sync();
@@ -71,6 +80,7 @@ bool UserDefaults::contains(const QString &key) const {
 
 void UserDefaults::setString(const QString &key, const QString &value) {
   const MutexLock scope(d->lock);
+  d->makeFile();
   d->settings.setValue(key, value);
   // A process that is killed must not lose an answer that the user gave.
   d->writeOut();
