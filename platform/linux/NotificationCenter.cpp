@@ -10,6 +10,8 @@
 #include <QDBusServiceWatcher>
 #include <QHash>
 
+#include <optional>
+
 using namespace Qt::StringLiterals;
 
 namespace platform {
@@ -17,6 +19,11 @@ namespace {
 
 const QString kService = u"org.freedesktop.Notifications"_s;
 constexpr int kCallWaitMs = 5000;
+
+/// Without a bus, one that ended too, calls would never end, not even in an error.
+bool hasBus() {
+  return QDBusConnection::sessionBus().isConnected();
+}
 
 } // namespace
 
@@ -79,14 +86,13 @@ private:
 };
 
 NotificationCenter::NotificationCenter(QObject *parent) : QObject(parent) {
-  // Without a bus the calls would never end, not even in an error.
-  if (QDBusConnection::sessionBus().isConnected()) d = std::make_unique<Private>(*this);
+  if (hasBus()) d = std::make_unique<Private>(*this);
 }
 
 NotificationCenter::~NotificationCenter() = default;
 
 void NotificationCenter::post(const QString &title, const QString &text, const QString &processingResult) {
-  if (d) d->post(title, text, processingResult);
+  if (d && hasBus()) d->post(title, text, processingResult);
 }
 
 } // namespace platform

@@ -9,13 +9,12 @@
 #include <QStandardPaths>
 #include <QUrl>
 
-#include <poll.h>
 #include <spawn.h>
-#include <sys/syscall.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
 #include <chrono>
+#include <csignal>
 #include <thread>
 
 using namespace Qt::StringLiterals;
@@ -42,6 +41,31 @@ int waitForExit(pid_t child, std::chrono::steady_clock::duration wait) {
   }
 }
 
+/// What a child starts with: a session of its own, which ends with no terminal, and no signal ignored on our account.
+class SpawnAttributes {
+public:
+  SpawnAttributes() : made(::posix_spawnattr_init(&attributes) == 0), complete(made && fill()) {}
+  ~SpawnAttributes() {
+    if (made) ::posix_spawnattr_destroy(&attributes);
+  }
+  SpawnAttributes(const SpawnAttributes &) = delete;
+  SpawnAttributes &operator=(const SpawnAttributes &) = delete;
+
+  [[nodiscard]] const posix_spawnattr_t *get() const { return complete ? &attributes : nullptr; }
+
+private:
+  bool fill() {
+    sigset_t defaults;
+    return ::sigemptyset(&defaults) == 0 && ::sigaddset(&defaults, SIGPIPE) == 0
+           && ::posix_spawnattr_setsigdefault(&attributes, &defaults) == 0
+           && ::posix_spawnattr_setflags(&attributes, POSIX_SPAWN_SETSID | POSIX_SPAWN_SETSIGDEF) == 0;
+  }
+
+  posix_spawnattr_t attributes{};
+  const bool made;
+  const bool complete;
+};
+
 } // namespace
 
 bool runXdgOpen(const QString &argument) {
@@ -49,8 +73,9 @@ bool runXdgOpen(const QString &argument) {
   if (program.isEmpty()) return false;
   QByteArray bytes = argument.toUtf8();
   char *const arguments[] = {program.data(), bytes.data(), nullptr};
+  const SpawnAttributes attributes;
   pid_t child = 0;
-  if (::posix_spawn(&child, program.constData(), nullptr, nullptr, arguments, environ) != 0) return false;
+  if (::posix_spawn(&child, program.constData(), nullptr, attributes.get(), arguments, environ) != 0) return false;
   const int status = waitForExit(child, kVerdictWait);
   // Somebody must take the exit status of one that goes on, or it stays behind as a zombie.
   if (status < 0) std::thread([child] { ::waitpid(child, nullptr, 0); }).detach();
