@@ -13,6 +13,7 @@
 #include <QDir>
 #include <QElapsedTimer>
 #include <QFileInfo>
+#include <QSemaphore>
 
 #include <thread>
 
@@ -24,14 +25,35 @@ namespace {
 
 constexpr KaNotifyIconTimes kQuick{.tick = 5ms, .startDelay = 50ms, .finishWait = 10s};
 
-/// The controller over the real facade and its download thread, with a status item that only remembers.
+/// Hears of nothing but the download thread's end.
+class ThreadEnd final : public KaDownloadDelegate {
+public:
+  void onChangeStatus(KaModelFacade &, KaAppStatus) override {}
+  void onProcessingResult(KaModelFacade &, KaResultCode, bool) override {}
+  void onCompleteLinkageSetting() override {}
+  void onSetEnableLogginMenu(bool) override {}
+  void onFinishDownloadProcess() override { reached.release(); }
+  void onChangeLinkage(bool) override {}
+
+  QSemaphore reached;
+};
+
+/// The controller over the real facade, with a status item that only remembers. The download thread has ended, so that
+/// nothing is reported but what the test reports in its place.
 class NotifyIcon : public testing::Test {
 protected:
-  NotifyIcon() { installTexts(); }
+  NotifyIcon() {
+    installTexts();
+    ThreadEnd threadEnd;
+    facade.setDlDelegate(&threadEnd);
+    facade.endDownloadProcess();
+    threadEnd.reached.acquire();
+    facade.setDlDelegate(nullptr);
+  }
   ~NotifyIcon() override {
-    if (icon) {
-      EXPECT_TRUE(icon->appFinalize());
-    }
+    if (!icon) return;
+    icon->onFinishDownloadProcess();
+    EXPECT_TRUE(icon->appFinalize());
   }
 
   void start(const KaNotifyIconTimes &times = kQuick) {
@@ -217,9 +239,11 @@ INSTANTIATE_TEST_SUITE_P(Results, NotificationClick,
                                          ClickRow{"newVersion", "24", ""}, ClickRow{"noNumber", "one", ""}),
                          [](const auto &row) { return row.param.name; });
 
-TEST_F(NotifyIcon, endsWithTheDownloadThread) {
-  start();
-  EXPECT_TRUE(icon->appFinalize());
+TEST(NotifyIconEnd, comesWithTheEndOfTheDownloadThread) {
+  const UiProfile profile;
+  FakeStatusItem view;
+  KaNotifyIcon icon(KaModelFacade::sharedInstance(), view, {.finishWait = 1h});
+  EXPECT_TRUE(icon.appFinalize());
 }
 
 TEST_F(NotifyIcon, aThreadThatEndedBeforeCostsNoWait) {
@@ -230,7 +254,6 @@ TEST_F(NotifyIcon, aThreadThatEndedBeforeCostsNoWait) {
 
 TEST_F(NotifyIcon, givesUpOnAThreadThatDoesNotEnd) {
   start({.finishWait = 50ms});
-  facade.setDlDelegate(nullptr);
   QElapsedTimer sinceQuit;
   sinceQuit.start();
   EXPECT_FALSE(icon->appFinalize());
