@@ -13,7 +13,7 @@ namespace {
 constexpr long kVersion3 = 2;
 
 PrivateKey makeP256Key() {
-  PrivateKey key(EVP_EC_gen("P-256"));
+  PrivateKey key(EVP_PKEY_Q_keygen(nullptr, nullptr, "EC", "P-256"));
   requireSsl(key != nullptr, "EC key");
   return key;
 }

@@ -21,10 +21,10 @@ namespace sandbox {
 
 namespace {
 
-constexpr unsigned kKeyBits = 2048;
+constexpr size_t kKeyBits = 2048;
 
 PrivateKey makeRsaKey() {
-  PrivateKey key(EVP_RSA_gen(kKeyBits));
+  PrivateKey key(EVP_PKEY_Q_keygen(nullptr, nullptr, "RSA", kKeyBits));
   requireSsl(key != nullptr, "RSA key");
   return key;
 }
