@@ -1,6 +1,7 @@
 #include "app/log/KaLogUtility.h"
 
 #include "platform/Folders.h"
+#include "platform/Mutex.h"
 #include "platform/UserDefaults.h"
 
 #include <QDateTime>
@@ -41,6 +42,13 @@ QString stepTitle(KaLogStep step) {
 void writeBlock(const QString &title, QChar symbol, const QStringList &message) {
   if (!KaLogUtility::outputLog()) return;
   KaLogUtility::writeLog(KaLogUtility::createTitleLine(title, symbol, kTitleLineLength, kTitleStartIndex), message);
+}
+
+/// The C library guards its time zone with a lock that thread sanitizers do not see; this one they do.
+QDateTime currentLocalTime() {
+  static platform::Mutex zone;
+  const platform::MutexLock lock(zone);
+  return QDateTime::currentDateTime();
 }
 
 void storeSwitch() {
@@ -117,7 +125,7 @@ void KaLogUtility::writeLog(const QString &titleLine, const QStringList &message
   const std::optional<QString> folder = outputLogFilePath();
   if (!folder) return;
 
-  const QDateTime now = QDateTime::currentDateTime();
+  const QDateTime now = currentLocalTime();
   QString block = u"[%1] %2\n"_s.arg(now.toString(u"yyyy/MM/dd HH:mm:ss"), titleLine);
   for (const QString &detail : message)
     block += u"    "_s + detail + u'\n';
