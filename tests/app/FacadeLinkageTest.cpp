@@ -159,8 +159,6 @@ TEST_F(FacadeLinkage, runsAtOnceAfterALoginWhenAsked) {
   facade().setupLinkage();
   facade().setIdCode(signIn());
   ASSERT_TRUE(waitForOwnReports({u"result 10 false"_s, u"login complete"_s, u"linkage true"_s}));
-  facade().downloadNow(/*initialAccess=*/false);
-  EXPECT_EQ(service.requestCount(Endpoint::RefreshToken), 0);
   facade().downloadNow(/*initialAccess=*/true);
   EXPECT_TRUE(waitFor([this] { return delegate.reports().contains(u"(thread) result 4 false"_s); }));
 }
