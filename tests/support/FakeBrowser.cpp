@@ -8,7 +8,7 @@
 using namespace Qt::StringLiterals;
 
 FakeBrowser::FakeBrowser(const TestProfile &profile)
-    : folder(profile.path(u"browser"_s)), notePath(profile.path(u"opened-url"_s)) {
+    : folder(profile.path(u"browser"_s)), notePath(profile.path(u"opened-url"_s)), pathBefore(qgetenv("PATH")) {
   QDir().mkpath(folder);
   QFile script(folder + u"/xdg-open"_s);
   if (!script.open(QFile::WriteOnly)) throw std::runtime_error("cannot write the browser");
@@ -17,8 +17,12 @@ FakeBrowser::FakeBrowser(const TestProfile &profile)
   script.write("#!/bin/sh\nprintf '%s' \"$1\" >'" + note + ".new' && mv '" + note + ".new' '" + note + "'\n");
   script.setPermissions(QFile::ReadOwner | QFile::WriteOwner | QFile::ExeOwner);
   script.close();
-  qputenv("PATH", QFile::encodeName(folder) + ':' + qgetenv("PATH"));
+  qputenv("PATH", QFile::encodeName(folder) + ':' + pathBefore);
   qunsetenv("BROWSER");
+}
+
+FakeBrowser::~FakeBrowser() {
+  qputenv("PATH", pathBefore);
 }
 
 std::optional<QString> FakeBrowser::takeUrl() const {

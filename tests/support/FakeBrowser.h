@@ -2,14 +2,18 @@
 
 #include "tests/support/TestProfile.h"
 
+#include <QByteArray>
 #include <QString>
 
 #include <optional>
 
-/// Stands first in PATH as what opens URLs and notes what it was asked to open.
+/// Stands first in PATH, as long as it lives, as what opens URLs and notes what it was asked to open.
 class FakeBrowser {
 public:
   explicit FakeBrowser(const TestProfile &profile);
+  ~FakeBrowser();
+  FakeBrowser(const FakeBrowser &) = delete;
+  FakeBrowser &operator=(const FakeBrowser &) = delete;
 
   /// The URL that it was asked to open since the last call; waits for one.
   [[nodiscard]] std::optional<QString> takeUrl() const;
@@ -19,4 +23,5 @@ public:
 private:
   const QString folder;
   const QString notePath;
+  const QByteArray pathBefore;
 };
