@@ -78,11 +78,11 @@ TEST_F(SingleInstanceTest, answersBeforeTheDialogThatACallOpensIsClosed) {
 }
 
 TEST_F(SingleInstanceTest, givesUpOnAnAgentThatIsFrozen) {
-  QObject frozen;
   QThread neverStarted;
-  frozen.moveToThread(&neverStarted);
+  QObject frozen;
   auto elsewhere = QDBusConnection::connectToBus(QDBusConnection::SessionBus, u"other"_s);
   elsewhere.registerObject(u"/com/norvale/Downloaderpictora"_s, &frozen, QDBusConnection::ExportAllContents);
+  frozen.moveToThread(&neverStarted);
   ASSERT_TRUE(elsewhere.registerService(u"com.norvale.Downloaderpictora"_s));
   EXPECT_EQ(SingleInstance::handOver(u"downloaderpictora://a"_s), SingleInstance::HandOver::Failed);
   QDBusConnection::disconnectFromBus(u"other"_s);
