@@ -33,7 +33,7 @@ QString defaultsText(const sandbox::Service &service) {
 
 /// What the agent asks for per object: its metadata, then the object itself.
 QString curlConfig(sandbox::Service &service, const sandbox::TemporaryCredential &credential, const QString &folder) {
-  const auto bucket = QString::fromUtf16(sandbox::kContentBucket);
+  const auto bucket = sandbox::contentBucket();
   QString text =
       u"silent\nfail\ncacert = \"%1\"\nheader = \"x-amz-security-token: %2\"\nheader = \"Connection: close\"\n"_s.arg(
           service.trustAnchorsFile(), credential.sessionToken);
