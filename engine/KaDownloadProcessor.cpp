@@ -10,6 +10,7 @@
 #include "engine/KaDownloadState.h"
 #include "engine/KaImageMetadata.h"
 #include "platform/AppInfo.h"
+#include "platform/ThreadName.h"
 #include "service/KaServerRequest.h"
 
 #include <chrono>
@@ -80,6 +81,7 @@ void KaDownloadProcessor::deleteCredential() {
 }
 
 void KaDownloadProcessor::Private::downloadThread() {
+  platform::nameThisThread("download");
   const bool ended = runGuarded([this] { runUntilEnd(); });
   pairingcnd.retire();
   if (!ended) delegate.setProcessingResult(KaResultCode::Unexpected, /*userTrigger=*/true);

@@ -1,0 +1,108 @@
+#include "tests/engine/EngineFixture.h"
+
+#include "app/log/KaLogUtility.h"
+#include "identity/KaLinkageUtility.h"
+#include "tests/log/LogFile.h"
+
+#include <QDirIterator>
+
+using namespace Qt::StringLiterals;
+
+EngineParts::EngineParts(FakeDelegate &toAsk) : delegate(toAsk) {
+  state.bLinkSetup = false;
+  delegate.loadWaitTimeInfo(state.waitTimes);
+}
+
+KaResultCode EngineParts::open() {
+  auto token = delegate.loadLinkageSetting();
+  const KaResultCode result = session.refreshIdToken(token);
+  return result == KaResultCode::Success ? session.getCredential(*token) : result;
+}
+
+KaResultCode EngineParts::list(KaTargetStorage storage) {
+  return listing.getContentsList(storage, /*notifyUserOfUpdate=*/false);
+}
+
+KaResultCode EngineParts::pass(const KaContentTarget &target) {
+  KaResultCode result = open();
+  if (result == KaResultCode::Success) result = list(target.targetStorage);
+  return result == KaResultCode::Success ? content.getContentsProcess(listing.contentsDictionary(), target) : result;
+}
+
+EngineTest::EngineTest(const Defaults &defaults) {
+  QHash<QString, QString> values = service.userDefaults();
+  if (defaults) values.insert(defaults(service));
+  profile.writeUserDefaults(values);
+  const sandbox::LinkedToken linked = service.issueLinkedToken();
+  KaLinkageUtility::saveTokenCode(linked.tokenCode);
+  delegate.change([&](FakeDelegate::Answers &answers) {
+    answers.token = linked.idToken;
+    answers.option.parentFolder = profile.picturesFolder();
+    answers.option.checkBoxCreateSubfolder = u"false"_s;
+    answers.option.checkBoxDownloadMetadata = u"false"_s;
+  });
+  service.library().setSettingsObject(R"({"applicationAliasIds":[],"isEnableDownload10GStorage":false})");
+  KaLogUtility::switchLogStatus();
+}
+
+sandbox::LibraryObject EngineTest::image(const QString &hour, const QString &fileName, const QByteArray &body) {
+  return {.deviceId = u"dev1"_s,
+          .date = u"20240501"_s,
+          .hour = hour,
+          .fileName = fileName,
+          .body = body,
+          .fileNameMetadata = sandbox::fileNameHeader(fileName),
+          .metadataDocument = R"({"captureTime":"2024-04-30T12:00:00.000Z"})"};
+}
+
+KaContentTarget EngineTest::target() const {
+  return {.parentFolder = profile.picturesFolder(), .childFolder = 4};
+}
+
+QStringList EngineTest::files() const {
+  const QDir folder(profile.picturesFolder());
+  QStringList found;
+  for (QDirIterator it(folder.path(), QDir::Files | QDir::Hidden | QDir::System, QDirIterator::Subdirectories);
+       it.hasNext();)
+    found << folder.relativeFilePath(it.next());
+  found.sort();
+  return found;
+}
+
+QByteArray EngineTest::contentOf(const QString &relativePath) const {
+  QFile file(profile.picturesFolder() + u'/' + relativePath);
+  return file.open(QFile::ReadOnly) ? file.readAll() : QByteArray();
+}
+
+KaDownloadData EngineTest::record() {
+  return delegate.answers().records.value(service.library().userId());
+}
+
+QStringList EngineTest::logBlocks() const {
+  static const QRegularExpression titleLine(uR"(^\[TIME\] ([*=#-])\1\1 (.*?) ?\1*$)"_s);
+  QStringList blocks;
+  for (const QString &line : loggedLines(profile)) {
+    const auto match = titleLine.match(line);
+    if (match.hasMatch()) {
+      blocks << match.captured(2);
+    } else if (!blocks.isEmpty()) {
+      blocks.last() += u'|' + line.mid(4);
+    }
+  }
+  return blocks;
+}
+
+QStringList EngineTest::logged(const QString &title) const {
+  QStringList found;
+  for (const QString &block : logBlocks())
+    if (block == title || block.startsWith(title + u'|')) found << block;
+  return found;
+}
+
+QStringList EngineTest::fetched() const {
+  QStringList names;
+  for (const sandbox::RequestRecord &request : service.requests())
+    if (request.endpoint == sandbox::Endpoint::ObjectGet)
+      names << QString::fromUtf8(QByteArray::fromPercentEncoding(request.target.split('?').first().split('/').last()));
+  return names;
+}

@@ -1,0 +1,79 @@
+#pragma once
+
+#include "engine/KaContentDownload.h"
+#include "engine/KaContentListing.h"
+#include "engine/KaDownloadSession.h"
+#include "engine/KaDownloadState.h"
+#include "engine/KaImageMetadata.h"
+#include "sandbox/Library.h"
+#include "sandbox/Service.h"
+#include "service/KaServerRequest.h"
+#include "tests/engine/FakeDelegate.h"
+#include "tests/support/TestProfile.h"
+
+#include <gmock/gmock.h>
+
+/// The pieces of the download thread, for a test to drive.
+struct EngineParts {
+  explicit EngineParts(FakeDelegate &toAsk);
+
+  /// Refreshes the token and gets credentials. @return the first code that is no success.
+  [[nodiscard]] KaResultCode open();
+  [[nodiscard]] KaResultCode list(KaTargetStorage storage = KaTargetStorage::Days30);
+  /// Opens, lists and downloads what was found. @return the first code that is no success.
+  [[nodiscard]] KaResultCode pass(const KaContentTarget &target);
+
+  FakeDelegate &delegate;
+  KaDownloadState state;
+  KaServerRequest request{&state.endAppFlag};
+  KaDownloadSession session{delegate, request};
+  KaContentListing listing{delegate, request, session, state};
+  KaImageMetadata metadata{request, session, state};
+  KaContentDownload content{delegate, request, session, listing, metadata, state};
+};
+
+/// The service on this machine, a linked account in a home of its own, logging on.
+class EngineTest : public testing::Test {
+protected:
+  /// The user defaults that lead to the service, and others besides or instead.
+  using Defaults = std::function<QHash<QString, QString>(sandbox::Service &)>;
+
+  explicit EngineTest(const Defaults &defaults = {});
+
+  /// An image with its name and a capture time.
+  [[nodiscard]] static sandbox::LibraryObject image(const QString &hour, const QString &fileName,
+                                                    const QByteArray &body = QByteArray(5000, 'p'));
+  void add(const sandbox::LibraryObject &object) { service.library().add(object); }
+  [[nodiscard]] KaContentTarget target() const;
+
+  /// Below the pictures folder, hidden ones too, sorted.
+  [[nodiscard]] QStringList files() const;
+  [[nodiscard]] QByteArray contentOf(const QString &relativePath) const;
+  /// The record of the ordinary storage.
+  [[nodiscard]] KaDownloadData record();
+  /// The log so far, a block each: its title and lines joined by "|".
+  [[nodiscard]] QStringList logBlocks() const;
+  /// Those of them with @p title.
+  [[nodiscard]] QStringList logged(const QString &title) const;
+  /// The file names of the objects that were asked for, in order.
+  [[nodiscard]] QStringList fetched() const;
+
+  const TestProfile profile;
+  sandbox::Service service;
+  FakeDelegate delegate;
+};
+
+/// How much longer things may take under a sanitizer.
+#if defined(__SANITIZE_ADDRESS__) || defined(__SANITIZE_THREAD__)
+inline constexpr int kSlowness = 5;
+#else
+inline constexpr int kSlowness = 1;
+#endif
+
+inline void PrintTo(KaResultCode code, std::ostream *out) {
+  *out << "result " << static_cast<qint64>(code);
+}
+
+inline void PrintTo(const QString &text, std::ostream *out) {
+  *out << text.toStdString();
+}
