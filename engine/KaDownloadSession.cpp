@@ -12,7 +12,6 @@
 
 #include <QDateTime>
 #include <QJsonObject>
-#include <QTimeZone>
 #include <QUuid>
 
 #include <chrono>
@@ -36,10 +35,12 @@ void writeRefreshFailure(const ServerAnswer &answer) {
 
 /// Whole seconds since 1970, cut to 32 bits; 0 for what is no date.
 QString unixTime(const QString &expiration) {
-  QDateTime instant = QDateTime::fromString(expiration, u"yyyy-MM-dd'T'HH:mm:ss'Z'"_s);
-  if (!instant.isValid()) return u"0"_s;
-  instant.setTimeSpec(Qt::UTC);
-  return QString::number(static_cast<qint32>(instant.toSecsSinceEpoch()));
+  // Not in one piece: that would be read as local time, which lacks the hour that a change to summer time skips.
+  constexpr qsizetype kDaySize = 10;
+  const QDate day = QDate::fromString(expiration.left(kDaySize), u"yyyy-MM-dd"_s);
+  const QTime time = QTime::fromString(expiration.mid(kDaySize), u"'T'HH:mm:ss'Z'"_s);
+  if (!day.isValid() || !time.isValid()) return u"0"_s;
+  return QString::number(static_cast<qint32>(QDateTime(day, time, Qt::UTC).toSecsSinceEpoch()));
 }
 
 } // namespace
