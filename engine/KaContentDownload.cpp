@@ -26,6 +26,12 @@ QString contentIdLine(const QString &key) {
   return u"ContentId="_s + contentIdFromPath(key);
 }
 
+/// What a kept copy is known by: two storages may hold the same object, each in a folder of its own.
+QString copyKey(const KaContentOrder &order) {
+  const bool ordinary = order.targetSotrage == KaTargetStorage::Days30;
+  return ordinary ? order.listedKey : recordName(order.targetSotrage) + u'/' + order.listedKey;
+}
+
 void writeRetryFailure(const KaContentOrder &order, const SavedObject &saved) {
   KaLogUtility::writeConnectionResultLog(KaLogStep::Download, false,
                                          {contentIdLine(order.objectKey),
@@ -147,7 +153,7 @@ KaResultCode KaContentDownload::getContent(const KaContentOrder &order) {
       return KaResultCode::Success;
     }
     if (attempt == kLastAttempt) {
-      keptCopies.keep(order.listedKey, settle(order, saved));
+      keptCopies.keep(copyKey(order), settle(order, saved));
       return KaResultCode::Success;
     }
     QFile::remove(saved.outputFilePath);
@@ -168,7 +174,7 @@ KaResultCode KaContentDownload::refused(const KaContentOrder &order, const Saved
 /// Gives a file that stays its dates and its final place. @return its path.
 QString KaContentDownload::settle(const KaContentOrder &order, const SavedObject &saved) {
   platform::setFileDates(saved.outputFilePath, order.utcCaptureTime);
-  const QString path = keptCopies.replaceKept(order.listedKey, saved.outputFilePath);
+  const QString path = keptCopies.replaceKept(copyKey(order), saved.outputFilePath);
   KaLogUtility::writeConnectionResultLog(
       KaLogStep::Download, true,
       {contentIdLine(order.objectKey), u"FilePath="_s + path, u"FileSize=%1"_s.arg(saved.outputFileSize)});
