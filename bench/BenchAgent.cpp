@@ -135,7 +135,7 @@ void benchPass(int count, qint64 size) {
 QStringList takenIds(int count) {
   QStringList ids;
   for (int number = 0; number < count; ++number)
-    ids << u"IMG_%1"_s.arg(number, 7, 10, QChar(u'0'));
+    ids << u"M%1"_s.arg(number, 8, 10, QChar(u'0'));
   return ids;
 }
 

@@ -44,9 +44,8 @@ QString curlConfig(sandbox::Service &service, const sandbox::TemporaryCredential
     for (const auto &object : page.objects) {
       const QString key = QString::fromUtf8(object.key);
       for (const QString &wanted : {sandbox::metadataKey(key, false), key}) {
-        text += u"url = \"%1\"\noutput = \"%2/%3\"\n"_s
-                    .arg(service.presignedUrl(credential, bucket, wanted), folder + u"/curl"_s)
-                    .arg(number++);
+        text += u"url = \""_s + service.presignedUrl(credential, bucket, wanted) + u"\"\noutput = \""_s + folder
+                + u"/curl/"_s + QString::number(number++) + u"\"\n"_s;
       }
     }
     if (!page.truncated) return text;
