@@ -50,7 +50,8 @@ std::optional<VolumeFacts> fileSystemInfo(const QString &path) {
   if (canonical.isEmpty()) return std::nullopt;
   const auto mounts = parseMountTable(mountTable());
   const auto mount = mountOf(mounts, QFile::encodeName(canonical));
-  if (!mount) return std::nullopt;
+  // Inside a changed root the table lacks the mount that holds it; nothing speaks against such a folder.
+  if (!mount) return VolumeFacts{};
   return VolumeFacts{.removable = isRemovable(*mount, mountOf(mounts, "/")),
                      .writable = !mount->readOnly,
                      .unmountable = isUnmountablePlace(mount->mountPoint),
