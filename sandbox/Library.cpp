@@ -27,8 +27,7 @@ QByteArray etagOf(const QByteArray &body) {
 }
 
 QDateTime uploadMoment(const QString &date, const QString &hour) {
-  const QDateTime moment = QDateTime::fromString(date + hour, u"yyyyMMddHH"_s);
-  return QDateTime(moment.date(), moment.time(), Qt::UTC);
+  return QDateTime(QDate::fromString(date, u"yyyyMMdd"_s), QTime(hour.toInt(), 0), Qt::UTC);
 }
 
 RawObject completed(RawObject object) {

@@ -431,6 +431,15 @@ TEST_F(KeptCopy, givesWayToOneOfAnotherName) {
   EXPECT_EQ(files(), QStringList{u"Holiday.JPG"_s});
 }
 
+TEST_F(KeptCopy, staysBesideThatOfAnotherStorage) {
+  KaContentTarget longTerm = target();
+  longTerm.parentFolder = path(u"10G"_s);
+  longTerm.targetStorage = KaTargetStorage::LongTerm10G;
+  ASSERT_TRUE(QDir().mkpath(longTerm.parentFolder));
+  EXPECT_EQ(parts.pass(longTerm), KaResultCode::Success);
+  EXPECT_EQ(files(), (QStringList{u"10G/A.JPG"_s, u"A.JPG"_s}));
+}
+
 TEST_F(KeptCopy, staysWhenTheUserChangedIt) {
   QFile file(path(u"A.JPG"_s));
   ASSERT_TRUE(file.open(QFile::Append));

@@ -3,6 +3,8 @@
 
 #include <QDateTime>
 
+#include <ctime>
+
 using namespace Qt::StringLiterals;
 using sandbox::Endpoint;
 using sandbox::Fault;
@@ -135,7 +137,15 @@ struct Expiration {
   QString expected;
 };
 
-class Expirations : public EngineTest, public testing::WithParamInterface<Expiration> {};
+class Expirations : public EngineTest, public testing::WithParamInterface<Expiration> {
+protected:
+  // A zone that skips an hour in spring.
+  const bool zoned = [] {
+    qputenv("TZ", "CET-1CEST,M3.5.0,M10.5.0/3");
+    tzset();
+    return true;
+  }();
+};
 
 TEST_P(Expirations, becomeUnixTime) {
   service.order(Endpoint::Sts, {.kind = Fault::Kind::Body, .body = stsAnswer(GetParam().element)});
@@ -147,6 +157,7 @@ TEST_P(Expirations, becomeUnixTime) {
 INSTANTIATE_TEST_SUITE_P(
     Session, Expirations,
     testing::Values(Expiration{"usual", "<Expiration>2024-05-01T12:00:00Z</Expiration>", u"1714564800"_s},
+                    Expiration{"inASkippedHour", "<Expiration>2024-03-31T02:30:00Z</Expiration>", u"1711852200"_s},
                     Expiration{"missing", "", u"0"_s}, Expiration{"noDate", "<Expiration>soon</Expiration>", u"0"_s},
                     Expiration{"lastSecondOf32Bits", "<Expiration>2038-01-19T03:14:07Z</Expiration>", u"2147483647"_s},
                     Expiration{"cutTo32Bits", "<Expiration>2038-01-19T03:14:08Z</Expiration>", u"-2147483648"_s}),
