@@ -99,7 +99,7 @@ private:
   class LoginVerification;
 
   void dropLogins();
-  void endLogin(const LoginVerification &ended, KaResultCode verdict);
+  void endLogin(LoginVerification &ended, KaResultCode verdict);
   void finishLogin(const QString &token, KaResultCode verdict);
 
   mutable platform::Mutex optionLock;
@@ -111,7 +111,7 @@ private:
   std::atomic<bool> loggedIn = false;
   std::atomic<KaDownloadDelegate *> dlDelegate = nullptr;
   platform::Mailbox mailbox;
-  /// Main thread. The last one may be current; dropped ones stay until their thread has ended. All end before the
+  /// Main thread, in the order of the callbacks; dropped ones stay until their thread has ended. All end before the
   /// processor.
   std::vector<std::unique_ptr<LoginVerification>> logins;
   std::unique_ptr<KaDownloadProcessor> dlProc;

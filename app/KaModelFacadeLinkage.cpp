@@ -9,7 +9,6 @@
 
 #include <QUuid>
 
-#include <algorithm>
 #include <utility>
 
 using namespace Qt::StringLiterals;
@@ -44,10 +43,10 @@ void KaModelFacade::setupLinkage() {
 }
 
 void KaModelFacade::setIdCode(const QString &token) {
-  dropLogins();
+  // One that is still being verified goes on: browsers may call twice for a login, and the second finds no nonce.
   const auto expectedNonce = std::exchange(nonce, std::nullopt);
-  logins.push_back(std::make_unique<LoginVerification>(
-      token, expectedNonce, [this](const LoginVerification &ended, KaResultCode verdict) {
+  logins.push_back(
+      std::make_unique<LoginVerification>(token, expectedNonce, [this](LoginVerification &ended, KaResultCode verdict) {
         mailbox.post([this, &ended, verdict] {
           if (!runGuarded([&] { endLogin(ended, verdict); }))
             setProcessingResult(KaResultCode::Unexpected, /*userTrigger=*/false);
@@ -60,11 +59,14 @@ void KaModelFacade::dropLogins() {
     login->drop();
 }
 
-void KaModelFacade::endLogin(const LoginVerification &ended, KaResultCode verdict) {
-  const bool dropped = ended.isDropped();
-  const QString token = ended.idToken();
-  std::erase_if(logins, [&ended](const auto &login) { return login.get() == &ended; });
-  if (!dropped) finishLogin(token, verdict);
+void KaModelFacade::endLogin(LoginVerification &ended, KaResultCode verdict) {
+  ended.setVerdict(verdict);
+  // The effects keep the order of the callbacks, whichever verdict came first.
+  while (!logins.empty() && logins.front()->verdict()) {
+    const std::unique_ptr<LoginVerification> login = std::move(logins.front());
+    logins.erase(logins.begin());
+    if (!login->isDropped()) finishLogin(login->idToken(), *login->verdict());
+  }
 }
 
 void KaModelFacade::finishLogin(const QString &token, KaResultCode verdict) {

@@ -5,13 +5,14 @@
 
 #include <atomic>
 #include <functional>
+#include <optional>
 #include <thread>
 
 /// One login's token being verified on a thread of its own. Made and destroyed on the main thread; the destructor
 /// stops what is under way and joins.
 class KaModelFacade::LoginVerification {
 public:
-  using Report = std::function<void(const LoginVerification &ended, KaResultCode verdict)>;
+  using Report = std::function<void(LoginVerification &ended, KaResultCode verdict)>;
 
   /// @param report  called once, on the verifying thread, as its last act.
   LoginVerification(const QString &idToken, const std::optional<QString> &expectedNonce, Report report);
@@ -24,10 +25,15 @@ public:
   [[nodiscard]] bool isDropped() const { return endFlag; }
   [[nodiscard]] const QString &idToken() const { return token; }
 
+  /// What was reported, once the main thread has taken note of it. Main thread.
+  void setVerdict(KaResultCode verdict) { noted = verdict; }
+  [[nodiscard]] std::optional<KaResultCode> verdict() const { return noted; }
+
 private:
   void verify(const std::optional<QString> &expectedNonce, const Report &report);
 
   const QString token;
+  std::optional<KaResultCode> noted; ///< main thread
   std::atomic<bool> endFlag = false;
   KaServerRequest request;
   std::thread thread;
