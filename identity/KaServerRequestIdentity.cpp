@@ -24,7 +24,7 @@ KaResultCode storeTokenCode(const QByteArray &body) {
   const auto tokenCode = jsonString(document.object(), "tokenCode"_L1);
   if (!tokenCode) return KaResultCode::NoBody;
 
-  if (KaLinkageUtility::saveTokenCode(*tokenCode)) KaLogUtility::writeInfoLog(u"saveTokenCode_complete"_s);
+  if (!KaLinkageUtility::saveTokenCode(*tokenCode)) KaLogUtility::writeErrorLog(u"the token code cannot be saved"_s);
   return KaResultCode::Success;
 }
 
@@ -39,7 +39,9 @@ KaResultCode KaServerRequest::getTokenCode(const QString &codeVerifier, const QS
   request.body = compactJson({{u"codeVerifier"_s, codeVerifier}});
 
   const ServerAnswer answer = exchange(request);
-  return answer.result == KaResultCode::Success ? storeTokenCode(answer.data) : answer.result;
+  const KaResultCode result = answer.result == KaResultCode::Success ? storeTokenCode(answer.data) : answer.result;
+  if (result == KaResultCode::Success) KaLogUtility::writeInfoLog(u"saveTokenCode_complete"_s);
+  return result;
 }
 
 ServerAnswer KaServerRequest::refreshIdToken(const QString &url, const QString &oldIdToken, const QString &nonce) {

@@ -1,7 +1,9 @@
+#include "app/log/KaLogUtility.h"
 #include "identity/KaLinkageUtility.h"
 #include "sandbox/Service.h"
 #include "service/KaServerRequest.h"
 #include "tests/identity/ServiceFixture.h"
+#include "tests/log/LogFile.h"
 
 #include <QJsonDocument>
 #include <QJsonObject>
@@ -58,6 +60,15 @@ TEST_F(IdentityRequests, refreshWithTheStoredTokenCodeAndKeepTheNext) {
             QJsonObject({{u"idToken"_s, login.idToken},
                          {u"nonce"_s, u"NEW-NONCE"_s},
                          {u"tokenCode"_s, firstCode.value_or(QString())}}));
+}
+
+TEST_F(IdentityRequests, logTheTokenCodeOfALoginAlone) {
+  KaLogUtility::switchLogStatus();
+  ASSERT_EQ(exchangeCode(), KaResultCode::Success);
+  ASSERT_EQ(refresh().result, KaResultCode::Success);
+  const QStringList log = loggedLines(profile);
+  ASSERT_EQ(log.size(), 1);
+  EXPECT_TRUE(log[0].contains(u"= saveTokenCode_complete ="_s)) << qPrintable(log[0]);
 }
 
 TEST_F(IdentityRequests, refreshIsRefusedForALoginWithoutTokenCode) {
