@@ -157,6 +157,7 @@ SavedObject KaServerRequest::saveObject(const QString &url, const KaCredential &
   SavedObject saved = {.result = resultOf(answer), .statusCode = answer.status};
   if (answer.sinkRefused) {
     saved.result = object.failure(defaultFilePath);
+    saved.statusCode = 200; // the sink sees no other answer's body
     return saved;
   }
   if (answer.status == 0) saved.result = KaResultCode::NoHttpStatus;
