@@ -56,6 +56,7 @@ KaDownloadProcessor::~KaDownloadProcessor() {
 
 void KaDownloadProcessor::startReceiving(bool initialAccess) {
   d->state.bInitialAccess = initialAccess;
+  d->state.bStartAsked = true;
   d->pairingcnd.signal();
 }
 
@@ -95,7 +96,7 @@ void KaDownloadProcessor::Private::runUntilEnd() {
   KaLogUtility::writeInfoLog(u"DownloadThread Start"_s);
   bool notifyUserOfUpdate = true;
   while (!state.endAppFlag) {
-    pairingcnd.wait();
+    pairingcnd.wait(state.bStartAsked);
     if (state.endAppFlag) break;
     prepareRuns();
     while (!state.endAppFlag && !state.bLinkSetup && delegate.bLoggedIn()) {
@@ -107,6 +108,7 @@ void KaDownloadProcessor::Private::runUntilEnd() {
 }
 
 void KaDownloadProcessor::Private::prepareRuns() {
+  state.bStartAsked = false;
   state.bUserTrigger = false;
   bool loaded = true;
   for (const auto storage : {KaTargetStorage::Days30, KaTargetStorage::LongTerm10G, KaTargetStorage::Preview2K})
@@ -121,7 +123,9 @@ void KaDownloadProcessor::Private::runOnce(bool notifyUserOfUpdate) {
   delegate.setEnableLoggin(false);
   const KaResultCode result = run.perform(notifyUserOfUpdate);
   delegate.setEnableLoggin(true);
-  if (!state.endAppFlag && !state.bLinkSetup) waitForNextRun(result);
+  if (state.endAppFlag || state.bLinkSetup || !delegate.bLoggedIn()) return;
+  // A link that was made while the run of an earlier one ended has its first run at once.
+  if (!state.bStartAsked.exchange(false)) waitForNextRun(result);
 }
 
 void KaDownloadProcessor::Private::waitForNextRun(KaResultCode lastResult) {

@@ -49,18 +49,14 @@ KaDownloadRun::Opening KaDownloadRun::openPass(const QString &title, KaResultCod
   result = session.refreshIdToken(idToken);
   if (result != KaResultCode::Success) {
     state.bLinkSetup = true;
-    delegate.setProcessingResult(KaResultCode::ValidationFailed, state.bUserTrigger);
+    reportFailure(KaResultCode::ValidationFailed);
     return Opening::Stopped;
   }
   if (state.endAppFlag) return Opening::Stopped;
 
   result = session.getCredential(*idToken);
   if (result == KaResultCode::Success) return Opening::Ready;
-  if (result == KaResultCode::NoHttpStatus) {
-    delegate.setAppStatus(KaAppStatus::Downloading);
-  } else {
-    delegate.setProcessingResult(result, state.bUserTrigger);
-  }
+  reportFailure(result);
   return Opening::Refused;
 }
 
@@ -114,12 +110,20 @@ KaDownloadRun::Round KaDownloadRun::judge(const ReCheck &reCheck) {
     if (state.bUserTrigger) delegate.setProcessingResult(reCheck.result, /*userTrigger=*/true);
     KaLogUtility::writeInfoLog(u"No Download Target"_s);
     delegate.setAppStatus(KaAppStatus::Normal);
-  } else if (reCheck.result == KaResultCode::NoHttpStatus) {
-    delegate.setAppStatus(KaAppStatus::Downloading);
   } else {
-    delegate.setProcessingResult(reCheck.result, state.bUserTrigger);
+    reportFailure(reCheck.result);
   }
   return Round::Leave;
+}
+
+void KaDownloadRun::reportFailure(KaResultCode result) {
+  // What a run meets once the user has closed the link under it is no news.
+  if (!delegate.bLoggedIn()) return;
+  if (result == KaResultCode::NoHttpStatus) {
+    delegate.setAppStatus(KaAppStatus::Downloading);
+  } else {
+    delegate.setProcessingResult(result, state.bUserTrigger);
+  }
 }
 
 void KaDownloadRun::downloadContents() {

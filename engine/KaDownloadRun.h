@@ -50,6 +50,7 @@ private:
   [[nodiscard]] Round judge(const ReCheck &reCheck);
   void downloadContents();
   void reportInitialAccess();
+  void reportFailure(KaResultCode result);
   void reportNoTarget();
   void saveRecord(KaTargetStorage targetStorage, const QString &logTitle);
 

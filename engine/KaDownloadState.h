@@ -11,6 +11,7 @@ struct KaDownloadState {
   std::atomic<bool> endAppFlag = false;     ///< set once: the program quits
   std::atomic<bool> bUserTrigger = false;   ///< the current run was asked for by the user
   std::atomic<bool> bInitialAccess = false; ///< the next successful listing is the first after linking
+  std::atomic<bool> bStartAsked = false;    ///< a link is there that no run has begun for
   KaWaitCondition waitcnd{endAppFlag};      ///< between runs, re-checks and metadata attempts
 
   // Download thread.

@@ -9,10 +9,10 @@ constexpr std::chrono::hours kLongestWait(24 * 365);
 
 } // namespace
 
-void KaWaitCondition::wait() {
+void KaWaitCondition::wait(const std::atomic<bool> &kept) {
   const platform::MutexLock scope(lock);
   const quint64 before = beginWait();
-  while (!ended && signalCount == before)
+  while (!ended && !kept && signalCount == before)
     changed.wait(lock);
 }
 

@@ -18,9 +18,9 @@ public:
   KaWaitCondition(const KaWaitCondition &) = delete;
   KaWaitCondition &operator=(const KaWaitCondition &) = delete;
 
-  /// Until signalled or the end.
-  void wait() KA_EXCLUDES(lock);
-  /// The same, for at most @p duration.
+  /// Until signalled or the end. Whoever sets @p kept signals afterwards; while it is set there is nothing to wait for.
+  void wait(const std::atomic<bool> &kept) KA_EXCLUDES(lock);
+  /// Until signalled or the end, for at most @p duration.
   void wait(std::chrono::milliseconds duration) KA_EXCLUDES(lock);
   void signal() KA_EXCLUDES(lock);
 

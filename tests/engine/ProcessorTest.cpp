@@ -280,6 +280,39 @@ TEST_F(Processor, stopsAskingTheStorageOnceLoggedOut) {
   EXPECT_EQ(service.requestCount(Endpoint::RefreshToken), 1);
 }
 
+TEST_F(Processor, startsANewLinkAtOnceThatWasMadeWhileTheRunOfAnOldOneEnded) {
+  service.order(Endpoint::ListDevices, {.kind = Fault::Kind::NoAnswer});
+  KaDownloadProcessor processor(delegate);
+  processor.startReceiving(/*initialAccess=*/false);
+  ASSERT_TRUE(service.waitForRequests(Endpoint::ListDevices, 1, std::chrono::seconds(20)));
+  processor.deleteCredential();
+  processor.startReceiving(/*initialAccess=*/true);
+  service.clearFaults();
+  EXPECT_TRUE(delegate.waitForEvent(u"result 4"_s));
+}
+
+/// What a run meets when the user closes the link under it.
+class Closed : public EngineTest, public testing::WithParamInterface<Endpoint> {};
+
+TEST_P(Closed, endsTheRunWithoutAWordAndWaitsForANewLink) {
+  service.order(GetParam(), {.kind = Fault::Kind::NoAnswer});
+  KaDownloadProcessor processor(delegate);
+  processor.startReceiving(/*initialAccess=*/false);
+  ASSERT_TRUE(service.waitForRequests(GetParam(), 1, std::chrono::seconds(20)));
+  delegate.change([](auto &answers) { answers.loggedIn = false; });
+  processor.deleteCredential();
+  service.clearFaults();
+  ASSERT_TRUE(delegate.waitForEvent(u"enableLoggin 1"_s));
+  EXPECT_TRUE(delegate.events().filter(u"result "_s).isEmpty());
+  delegate.change([](auto &answers) { answers.loggedIn = true; });
+  processor.startReceiving(/*initialAccess=*/true);
+  EXPECT_TRUE(delegate.waitForEvent(u"result 4"_s));
+}
+
+INSTANTIATE_TEST_SUITE_P(Processor, Closed,
+                         testing::Values(Endpoint::RefreshToken, Endpoint::Sts, Endpoint::ListDevices),
+                         [](const auto &row) { return sandbox::endpointName(row.param).toStdString(); });
+
 /// Where the thread stands when the program quits.
 struct Quitting {
   const char *name;

@@ -17,7 +17,14 @@ TEST(WaitCondition, endsAWaitBySignal) {
     condition.awaitWaiter();
     condition.signal();
   });
-  condition.wait();
+  condition.wait(/*kept=*/ended);
+}
+
+TEST(WaitCondition, doesNotWaitForWhatIsKept) {
+  const std::atomic<bool> ended = false;
+  KaWaitCondition condition(ended);
+  const std::atomic<bool> kept = true;
+  condition.wait(kept);
 }
 
 TEST(WaitCondition, losesASignalWithoutAWaiter) {
@@ -34,7 +41,8 @@ TEST(WaitCondition, neverLosesTheEnd) {
   KaWaitCondition condition(ended);
   ended = true;
   condition.signal();
-  condition.wait();
+  const std::atomic<bool> kept = false;
+  condition.wait(kept);
   condition.wait(std::chrono::hours(1));
 }
 
