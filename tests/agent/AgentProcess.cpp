@@ -3,12 +3,9 @@
 #include <QDBusConnection>
 #include <QDBusConnectionInterface>
 #include <QDBusMessage>
-#include <QDir>
-#include <QFile>
 #include <QProcessEnvironment>
 
 #include <csignal>
-#include <stdexcept>
 
 using namespace Qt::StringLiterals;
 
@@ -54,25 +51,4 @@ std::optional<int> AgentProcess::waitForEnd(std::chrono::milliseconds deadline) 
   }
   if (process.exitStatus() != QProcess::NormalExit) return std::nullopt;
   return process.exitCode();
-}
-
-NotingBrowser::NotingBrowser(const TestProfile &profile) : notePath(profile.path(u"opened-url"_s)) {
-  const QString folder = profile.path(u"bin"_s);
-  QDir().mkpath(folder);
-  QFile script(folder + u"/xdg-open"_s);
-  if (!script.open(QFile::WriteOnly)) throw std::runtime_error("cannot write the browser");
-  script.write("#!/bin/sh\nprintf '%s' \"$1\" >\"" + QFile::encodeName(notePath) + ".new\" && mv \""
-               + QFile::encodeName(notePath) + ".new\" \"" + QFile::encodeName(notePath) + "\"\n");
-  script.setPermissions(QFile::ReadOwner | QFile::WriteOwner | QFile::ExeOwner);
-  script.close();
-  qputenv("PATH", QFile::encodeName(folder) + ':' + qgetenv("PATH"));
-}
-
-std::optional<QString> NotingBrowser::waitForUrl() const {
-  if (!waitFor([this] { return QFile::exists(notePath); })) return std::nullopt;
-  QFile note(notePath);
-  if (!note.open(QFile::ReadOnly)) return std::nullopt;
-  const QString url = QString::fromUtf8(note.readAll());
-  note.remove();
-  return url;
 }

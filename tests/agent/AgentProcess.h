@@ -32,14 +32,3 @@ public:
 private:
   QProcess process;
 };
-
-/// A browser that only notes what it was asked to open: put first in PATH as what opens URLs.
-class NotingBrowser {
-public:
-  explicit NotingBrowser(const TestProfile &profile);
-  /// The last URL that it was asked to open; waits for one.
-  [[nodiscard]] std::optional<QString> waitForUrl() const;
-
-private:
-  QString notePath;
-};

@@ -2,6 +2,7 @@
 #include "sandbox/SampleLibrary.h"
 #include "sandbox/Service.h"
 #include "tests/agent/AgentProcess.h"
+#include "tests/support/FakeBrowser.h"
 #include "tests/support/PrivateBus.h"
 #include "tests/support/TestProfile.h"
 
@@ -66,7 +67,7 @@ protected:
   void link(AgentProcess &agent) {
     ASSERT_TRUE(agent.waitUntilServing());
     ASSERT_TRUE(AgentProcess::requestAction(u"link"_s));
-    const auto loginUrl = browser.waitForUrl();
+    const auto loginUrl = browser.takeUrl();
     ASSERT_TRUE(loginUrl);
     const QString callback = service.signIn(*loginUrl);
     ASSERT_THAT(callback.toStdString(), testing::StartsWith("downloaderpictora://authenticate?"));
@@ -97,7 +98,7 @@ protected:
   PrivateBus bus;
   QCoreApplication application{noArguments, nullptr};
   sandbox::Service service;
-  NotingBrowser browser{profile};
+  FakeBrowser browser{profile};
 };
 
 TEST_F(Agent, linksAndFillsTheFolderAndFetchesNothingTwice) {
@@ -175,9 +176,9 @@ TEST_F(Agent, asksForNothingMoreOnceLoggedOut) {
   link(agent);
   ASSERT_TRUE(waitForFiles(1));
   ASSERT_TRUE(AgentProcess::requestAction(u"logout"_s));
-  ASSERT_THAT(browser.waitForUrl().value_or(QString()).toStdString(), testing::HasSubstr("/logout"));
-  EXPECT_FALSE(
-      QFileInfo::exists(profile.dataFolder() + u"/NORVALE INC/Downloaderpictora Shared/PairingInfo/PairingInfo"_s));
+  ASSERT_THAT(browser.takeUrl().value_or(QString()).toStdString(), testing::HasSubstr("/logout"));
+  const QString link = profile.dataFolder() + u"/NORVALE INC/Downloaderpictora Shared/PairingInfo/PairingInfo"_s;
+  EXPECT_TRUE(waitFor([&] { return !QFileInfo::exists(link); }));
   quitWithinASecond(agent);
   service.resetRequestCounts();
   AgentProcess again;
