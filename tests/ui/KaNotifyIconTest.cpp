@@ -13,8 +13,8 @@
 #include <QDir>
 #include <QElapsedTimer>
 #include <QFileInfo>
-#include <QSemaphore>
 
+#include <semaphore>
 #include <thread>
 
 using namespace Qt::StringLiterals;
@@ -35,7 +35,7 @@ public:
   void onFinishDownloadProcess() override { reached.release(); }
   void onChangeLinkage(bool) override {}
 
-  QSemaphore reached;
+  std::binary_semaphore reached{0};
 };
 
 /// The controller over the real facade, with a status item that only remembers. The download thread has ended, so that
@@ -44,7 +44,6 @@ class NotifyIcon : public testing::Test {
 protected:
   NotifyIcon() {
     installTexts();
-    ThreadEnd threadEnd;
     facade.setDlDelegate(&threadEnd);
     facade.endDownloadProcess();
     threadEnd.reached.acquire();
@@ -71,6 +70,7 @@ protected:
   const UiProfile profile;
   FakeBrowser browser{profile};
   FakeStatusItem view;
+  ThreadEnd threadEnd;
   KaModelFacade &facade = KaModelFacade::sharedInstance();
   std::unique_ptr<KaNotifyIcon> icon;
 };
