@@ -1,2 +1,4 @@
 // That this links is the test; see CMakeLists.txt.
-int main() { return 0; }
+int main() {
+  return 0;
+}
