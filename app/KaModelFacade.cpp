@@ -168,6 +168,8 @@ void KaModelFacade::cancelPollingWait() {
 }
 
 void KaModelFacade::endDownloadProcess() {
+  // A login under verification would outlive what it uses.
+  logins.clear();
   dlProc->endDownloadProcess();
 }
 

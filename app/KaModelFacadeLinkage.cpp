@@ -9,6 +9,7 @@
 
 #include <QUuid>
 
+#include <algorithm>
 #include <utility>
 
 using namespace Qt::StringLiterals;
@@ -60,6 +61,9 @@ void KaModelFacade::dropLogins() {
 }
 
 void KaModelFacade::endLogin(LoginVerification &ended, KaResultCode verdict) {
+  const bool isAwaited =
+      std::any_of(logins.begin(), logins.end(), [&ended](const auto &login) { return login.get() == &ended; });
+  if (!isAwaited) return;
   ended.setVerdict(verdict);
   // The effects keep the order of the callbacks, whichever verdict came first.
   while (!logins.empty() && logins.front()->verdict()) {
@@ -86,6 +90,7 @@ void KaModelFacade::closeLinkage() {
   dlProc->deleteCredential();
   setAppStatus(KaAppStatus::NotLinked);
   setProcessingResult(KaResultCode::Unlinked, /*userTrigger=*/false);
-  KaLinkageUtility::deletePairingInfo();
+  // First the flag: a run that is just storing a refreshed token looks at it.
   loggedIn = false;
+  KaLinkageUtility::deletePairingInfo();
 }
