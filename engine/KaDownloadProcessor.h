@@ -15,7 +15,7 @@ public:
   KaDownloadProcessor(const KaDownloadProcessor &) = delete;
   KaDownloadProcessor &operator=(const KaDownloadProcessor &) = delete;
 
-  /// Wakes the thread that waits for a link. Lost when it does not wait for one.
+  /// Tells of a link: wakes the thread that waits for one, or has it run again as soon as the present run has ended.
   /// @param initialAccess  the coming run is the first of a new link.
   void startReceiving(bool initialAccess);
   /// Asks for a run now: marks it as the user's and cuts a wait between runs or re-checks short.

@@ -1,10 +1,11 @@
-#include "engine/ObjectKey.h"
+#include "engine/KeptCopies.h"
 #include "identity/KaLinkageUtility.h"
 #include "tests/engine/EngineFixture.h"
 
 #include <QDir>
 #include <QFile>
 #include <QFileInfo>
+#include <QTemporaryDir>
 
 using namespace Qt::StringLiterals;
 using sandbox::Endpoint;
@@ -463,6 +464,19 @@ TEST_F(KeptCopy, isFetchedAnewOnceTheUserRemovedIt) {
   EXPECT_EQ(files(), QStringList{u"A.JPG"_s});
   again(object);
   EXPECT_EQ(files(), QStringList{u"A.JPG"_s});
+}
+
+TEST(KeptCopies, leaveAFileAloneThatLooksLikeTheOldOne) {
+  // With its name and inode reused and its dates set, a new file cannot be told from the copy that is gone.
+  const QTemporaryDir folder;
+  const QString path = folder.filePath(u"A.JPG"_s);
+  QFile file(path);
+  ASSERT_TRUE(file.open(QFile::WriteOnly));
+  file.close();
+  KeptCopies copies;
+  copies.keep(u"key"_s, path);
+  EXPECT_EQ(copies.replaceKept(u"key"_s, path), path);
+  EXPECT_TRUE(QFile::exists(path));
 }
 
 } // namespace
