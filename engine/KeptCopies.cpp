@@ -41,14 +41,15 @@ QString KeptCopies::replaceKept(const QString &key, const QString &path) {
   copies.erase(found);
 
   const auto now = identityOf(copy.path);
-  // A new file may have got the name and, with a reused inode, the very identity of a copy that is gone.
-  if (!now || *now != copy.identity || *now == identityOf(path)) return path;
+  if (!now || *now != copy.identity) return path;
 
   std::error_code error;
   if (!differByCounter(copy.path, path)) {
     std::filesystem::remove(filePath(copy.path), error);
     return path;
   }
+  // A new file may have got the name and, with a reused inode, the very identity of a copy that is gone: then this
+  // renames it to itself.
   std::filesystem::rename(filePath(path), filePath(copy.path), error);
   return error ? path : copy.path;
 }
