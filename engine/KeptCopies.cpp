@@ -35,10 +35,8 @@ void KeptCopies::keep(const QString &key, const QString &path) {
 }
 
 QString KeptCopies::replaceKept(const QString &key, const QString &path) {
-  const auto found = copies.constFind(key);
-  if (found == copies.cend()) return path;
-  const Copy copy = *found;
-  copies.erase(found);
+  if (!copies.contains(key)) return path;
+  const Copy copy = copies.take(key);
 
   const auto now = identityOf(copy.path);
   if (!now || *now != copy.identity) return path;
