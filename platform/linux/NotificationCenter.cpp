@@ -70,10 +70,8 @@ private:
   }
 
   void onAction(uint id, const QString &action) {
-    const auto found = shown.constFind(id);
-    if (found == shown.cend() || action != u"default") return;
-    const QString processingResult = *found;
-    shown.remove(id);
+    if (!shown.contains(id) || action != u"default") return;
+    const QString processingResult = shown.take(id);
     proxy.CloseNotification(id);
     Q_EMIT owner.activated(processingResult);
   }
