@@ -54,13 +54,14 @@ void describe() {
 int runAgent(int &argc, char **argv, const CommandLine &commandLine) {
   const QApplication application(argc, argv);
   describe();
+  // Before anyone can see the agent on the bus: from then on it ends in order.
+  const platform::TerminationSignals terminationSignals;
   SingleInstance instance;
   // Another start may have won since the first look.
   if (!instance.becomePrimary()) return statusOf(SingleInstance::handOver(commandLine.url));
 
   installTexts();
   AppDelegate delegate;
-  const platform::TerminationSignals terminationSignals;
   QObject::connect(&terminationSignals, &platform::TerminationSignals::terminationRequested, &delegate,
                    &AppDelegate::terminate);
   QObject::connect(&instance, &SingleInstance::urlReceived, &delegate, &AppDelegate::handleUrl);
