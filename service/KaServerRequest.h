@@ -79,6 +79,9 @@ public:
   /// The STS answer (XML) for a URL that holds the whole query.
   [[nodiscard]] ServerAnswer getAwsTemporaryCredential(const QString &url);
 
+  /// Posts one report, a whole PutLogEvents document, to the log service. An answer without a body is a success.
+  ServerAnswer notifyDownloadCompletion(const KaCredential &credential, const QString &logMessage);
+
   /// @name Identity: defined in the identity room.
   /// @{
   /// Exchanges the login's code verifier for a token code and stores that. @p linkage is the stored ID token.

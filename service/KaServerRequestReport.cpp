@@ -1,0 +1,56 @@
+#include "app/log/KaLogUtility.h"
+#include "service/KaApplicationConstants.h"
+#include "service/KaServerRequest.h"
+#include "service/SignatureV4.h"
+
+#include <QDateTime>
+#include <QJsonDocument>
+#include <QJsonObject>
+
+using namespace Qt::StringLiterals;
+
+namespace {
+
+const QString kContentType = u"application/x-amz-json-1.1"_s;
+const QString kTarget = u"Logs_20140328.PutLogEvents"_s;
+
+QString authorizationFor(const KaCredential &credential, const QString &timestamp, const QString &host,
+                         const QString &logMessage) {
+  return signRequests(credential,
+                      {.timestamp = timestamp,
+                       .service = u"logs"_s,
+                       .method = u"POST"_s,
+                       .canonicalUri = u"/"_s,
+                       .canonicalQuery = {},
+                       .canonicalHeaders = u"content-type:"_s + kContentType + u"\nhost:"_s + host + u"\nx-amz-date:"_s
+                                           + timestamp + u"\nx-amz-security-token:"_s + credential.sessionToken
+                                           + u"\nx-amz-target:"_s + kTarget + u'\n',
+                       .signedHeaders = u"content-type;host;x-amz-date;x-amz-security-token;x-amz-target"_s,
+                       .payload = logMessage});
+}
+
+void writeFailureLog(const ServerAnswer &answer) {
+  QStringList lines{u"HTTP="_s + QString::number(answer.statusCode)};
+  const QJsonValue error = QJsonDocument::fromJson(answer.data).object().value("error"_L1);
+  if (!error.isUndefined()) lines << u"ErrorCode="_s + error.toVariant().toString();
+  KaLogUtility::writeInfoLog(u"notifyDownloadCompletion"_s, lines);
+}
+
+} // namespace
+
+ServerAnswer KaServerRequest::notifyDownloadCompletion(const KaCredential &credential, const QString &logMessage) {
+  const QString host = KaApplicationConstants::awsLogsHostName();
+  const QString timestamp = getCurrentTimeStampUTCFormat(QDateTime::currentDateTimeUtc());
+  ServerAnswer answer =
+      exchange({.method = "POST",
+                .url = u"https://"_s + host,
+                .headers = {{"x-amz-date", timestamp.toUtf8()},
+                            {"x-amz-security-token", credential.sessionToken.toUtf8()},
+                            {"x-amz-target", kTarget.toUtf8()},
+                            {"content-type", kContentType.toUtf8()},
+                            {"Authorization", authorizationFor(credential, timestamp, host, logMessage).toUtf8()}},
+                .body = logMessage.toUtf8()},
+               EmptyBody::IsSuccess);
+  if (answer.result != KaResultCode::Success) writeFailureLog(answer);
+  return answer;
+}

@@ -1,0 +1,106 @@
+#include "app/log/KaLogUtility.h"
+#include "service/KaServerRequest.h"
+#include "tests/log/LogFile.h"
+#include "tests/service/ServiceFixture.h"
+
+#include <curl/curl.h>
+
+using namespace Qt::StringLiterals;
+using sandbox::Endpoint;
+using sandbox::Fault;
+
+namespace {
+
+const QString kDocument =
+    uR"({"logGroupName":"g", "logStreamName":"s", "logEvents":[{"timestamp":1,"message":"{\"UUID\":\"Grüße\"}"}]})"_s;
+
+class Report : public ServiceTest {
+protected:
+  Report() { KaLogUtility::switchLogStatus(); }
+
+  /// Sends the request that arrived as @p model once more, signed by libcurl. @return what that signed it with.
+  [[nodiscard]] std::string signedByCurl(const sandbox::RequestRecord &model, const KaCredential &by,
+                                         const QByteArray &awsService) {
+    const std::unique_ptr<CURL, decltype(&curl_easy_cleanup)> curl(curl_easy_init(), &curl_easy_cleanup);
+    curl_slist *headers = nullptr;
+    for (const char *name :
+         {"host", "content-type", "x-amz-content-sha256", "x-amz-date", "x-amz-security-token", "x-amz-target"})
+      if (const QByteArray value = model.header(name); !value.isEmpty())
+        headers = curl_slist_append(headers, (QByteArray(name) + ": " + value).constData());
+    const auto set = [&](CURLoption option, auto value) { curl_easy_setopt(curl.get(), option, value); };
+    const QByteArray target = url(model.host.section(u'.', 0, -2), QString::fromLatin1(model.target)).toLatin1();
+    const QByteArray user = (by.accessKeyId + u':' + by.secretAccessKey).toLatin1();
+    const QByteArray provider = "aws:amz:eu-west-1:" + awsService;
+    set(CURLOPT_URL, target.constData());
+    set(CURLOPT_CAINFO, service.trustAnchorsFile().toUtf8().constData());
+    set(CURLOPT_PROXY, "");
+    set(
+        CURLOPT_WRITEFUNCTION, +[](char *, std::size_t size, std::size_t count, void *) { return size * count; });
+    set(CURLOPT_AWS_SIGV4, provider.constData());
+    set(CURLOPT_USERPWD, user.constData());
+    set(CURLOPT_HTTPHEADER, headers);
+    if (model.method == "POST") set(CURLOPT_POSTFIELDS, model.body.constData());
+    if (model.method == "HEAD") set(CURLOPT_NOBODY, 1L);
+    curl_easy_perform(curl.get());
+    curl_slist_free_all(headers);
+    const sandbox::RequestRecord sent = service.requests().last();
+    EXPECT_EQ(sent.target, model.target);
+    EXPECT_EQ(sent.status, 200);
+    return signatureOf(sent);
+  }
+  [[nodiscard]] static std::string signatureOf(const sandbox::RequestRecord &sent) {
+    return sent.header("authorization").toStdString();
+  }
+
+  KaServerRequest request;
+};
+
+TEST_F(Report, isSignedAsAnotherImplementationDoes) {
+  const KaCredential by = credential();
+  EXPECT_EQ(request.notifyDownloadCompletion(by, kDocument).result, KaResultCode::Success);
+  const sandbox::RequestRecord sent = service.requests().last();
+  EXPECT_EQ(sent.body, kDocument.toUtf8());
+  EXPECT_EQ(service.logEvents().size(), 1);
+  EXPECT_EQ(signatureOf(sent), signedByCurl(sent, by, "logs"));
+}
+
+TEST_F(Report, hasCompanyInObjectTagsAndHeads) {
+  const KaCredential by = credential();
+  EXPECT_EQ(request.getAWSS3ObjectTag(by, imageKey).result, KaResultCode::Success);
+  const sandbox::RequestRecord tagging = service.requests().last();
+  EXPECT_EQ(signatureOf(tagging), signedByCurl(tagging, by, "s3"));
+  EXPECT_EQ(request.headAWSS3Object(by, imageKey).contentLength, image.body.size());
+  const sandbox::RequestRecord head = service.requests().last();
+  EXPECT_EQ(signatureOf(head), signedByCurl(head, by, "s3"));
+}
+
+struct Refusal {
+  const char *name;
+  Fault fault;
+  KaResultCode result;
+  QStringList lines; ///< in the log
+};
+
+class Refusals : public Report, public testing::WithParamInterface<Refusal> {};
+
+TEST_P(Refusals, areDiagnosed) {
+  service.order(Endpoint::LogEvents, GetParam().fault);
+  EXPECT_EQ(request.notifyDownloadCompletion(credential(), kDocument).result, GetParam().result);
+  QStringList details; // below the title
+  for (const QString &line : loggedLines(profile).mid(1))
+    details << line.trimmed();
+  EXPECT_EQ(details, GetParam().lines);
+}
+
+INSTANTIATE_TEST_SUITE_P(
+    Service, Refusals,
+    testing::Values(Refusal{"withAnError",
+                            {.status = 400, .body = R"({"error":"E","errorDescription":"private"})"},
+                            KaResultCode::LinkInvalid,
+                            {u"HTTP=400"_s, u"ErrorCode=E"_s}},
+                    Refusal{"withoutJson", {.status = 503, .body = "<no>"}, KaResultCode::RetryLater, {u"HTTP=503"_s}},
+                    Refusal{"dropped", {.kind = Fault::Kind::DroppedConnection}, KaResultCode::Offline, {u"HTTP=0"_s}},
+                    Refusal{"emptyIsSuccess", {.kind = Fault::Kind::EmptyBody}, KaResultCode::Success, {}}),
+    [](const auto &row) { return row.param.name; });
+
+} // namespace
