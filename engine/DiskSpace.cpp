@@ -1,5 +1,6 @@
 #include "engine/DiskSpace.h"
 
+#include "app/log/KaLogUtility.h"
 #include "platform/Folders.h"
 #include "platform/VolumeFacts.h"
 
@@ -7,9 +8,17 @@
 
 #include <algorithm>
 
+using namespace Qt::StringLiterals;
+
 bool checkDiskSpace(float fileSize, const QString &saveFolderPath) {
   const auto freeSize = static_cast<float>(platform::freeSpace(saveFolderPath).value_or(0));
   return leavesMargin(freeSize, fileSize, checkDriveIsBoot(saveFolderPath));
+}
+
+bool hasRoomFor(qint64 fileSize, const QString &saveFolderPath) {
+  const bool room = checkDiskSpace(static_cast<float>(fileSize), saveFolderPath);
+  if (!room) KaLogUtility::writeErrorLog(u"ERR_DISK_FULL : No diskspace for save image"_s);
+  return room;
 }
 
 bool checkDriveIsBoot(const QString &path) {

@@ -6,6 +6,9 @@
 /// free space cannot be told has none.
 [[nodiscard]] bool checkDiskSpace(float fileSize, const QString &saveFolderPath);
 
+/// The same for a picture about to be saved; the log tells when there is none.
+[[nodiscard]] bool hasRoomFor(qint64 fileSize, const QString &saveFolderPath);
+
 /// Whether @p path, which is absolute, lies on the start-up volume.
 [[nodiscard]] bool checkDriveIsBoot(const QString &path);
 

@@ -2,6 +2,7 @@
 
 #include "app/log/KaLogUtility.h"
 #include "engine/DiskSpace.h"
+#include "engine/FileFetch.h"
 #include "engine/KaDownloadProcessorDelegate.h"
 #include "engine/KaDownloadSession.h"
 #include "engine/KaDownloadState.h"
@@ -11,16 +12,11 @@
 #include "platform/FileDates.h"
 #include "service/KaServerRequest.h"
 
-#include <QDir>
-#include <QFile>
-
 using namespace Qt::StringLiterals;
 
 namespace {
 
-constexpr int kLastAttempt = 3;
 constexpr qint64 kOk = 200;
-constexpr qint64 kNotFound = 404;
 
 QString contentIdLine(const QString &key) {
   return u"ContentId="_s + contentIdFromPath(key);
@@ -30,17 +26,6 @@ QString contentIdLine(const QString &key) {
 QString copyKey(const KaContentOrder &order) {
   const bool ordinary = order.targetSotrage == KaTargetStorage::Days30;
   return ordinary ? order.listedKey : recordName(order.targetSotrage) + u'/' + order.listedKey;
-}
-
-void writeRetryFailure(const KaContentOrder &order, const SavedObject &saved) {
-  KaLogUtility::writeConnectionResultLog(KaLogStep::Download, false,
-                                         {contentIdLine(order.objectKey),
-                                          u"ReferenceFileSize=%1"_s.arg(order.refFileSize),
-                                          u"FileSize=%1"_s.arg(saved.outputFileSize)});
-}
-
-[[nodiscard]] bool makeFolder(const QString &folder, const QString &parentFolder) {
-  return staysInParentFolder(folder, parentFolder) && QDir().mkpath(folder);
 }
 
 } // namespace
@@ -74,8 +59,7 @@ KaContentDownload::Loop KaContentDownload::getOne(const Variant &listed, const K
     rc = KaResultCode::FileNotSaved;
     return Loop::Stop;
   }
-  if (!checkDiskSpace(static_cast<float>(variant.size), target.parentFolder)) {
-    KaLogUtility::writeErrorLog(u"ERR_DISK_FULL : No diskspace for save image"_s);
+  if (!hasRoomFor(variant.size, target.parentFolder)) {
     rc = KaResultCode::DiskFull;
     return state.endAppFlag ? Loop::Stop : Loop::GoOn;
   }
@@ -124,7 +108,7 @@ void KaContentDownload::saveIntoFolders(const QStringList &folders, KaContentOrd
   const QString dateFolder = getOutputDateFolderString(order.utcCaptureTime, target.childFolder);
   for (const QString &ruleFolder : folders) {
     order.outputFilePath = target.parentFolder + ruleFolder + dateFolder;
-    if (!makeFolder(order.outputFilePath, target.parentFolder)) {
+    if (!makeOutputFolder(order.outputFilePath, target.parentFolder)) {
       KaLogUtility::writeErrorLog(u"ERR_DOWNLOAD : Create outputFolder failed"_s,
                                   QStringList{u"outputFolderPath: "_s + order.outputFilePath});
       rc = KaResultCode::FileNotSaved;
@@ -137,52 +121,38 @@ void KaContentDownload::saveIntoFolders(const QStringList &folders, KaContentOrd
 }
 
 KaResultCode KaContentDownload::getContent(const KaContentOrder &order) {
+  const QString contentId = contentIdFromPath(order.objectKey);
   const QString url = session.contentURL(order.objectKey);
   const QString defaultPath = defaultFilePath(order.outputFilePath, order.utcCaptureTime, order.objectKey);
-  for (int attempt = 0;; ++attempt) {
-    if (attempt > 0) KaLogUtility::writeInfoLog(u"Retry DownloadFile"_s, {u"RetryCount=%1"_s.arg(attempt)});
-    const SavedObject saved = request.getAwsS3Object(url, session.access().credential, defaultPath);
-    const bool named = saved.result == KaResultCode::Success;
-    if (!named && saved.result != KaResultCode::DefaultFileName) return refused(order, saved);
-
-    if (named && saved.outputFileSize == order.refFileSize) {
-      settle(order, saved);
-      listing.saveImageInfo(contentIdFromPath(order.objectKey), getFolderNameFromPath(order.objectKey, 2),
-                            getFolderNameFromPath(order.objectKey, 1), order.targetSotrage);
-      ++successCount;
-      return KaResultCode::Success;
-    }
-    if (attempt == kLastAttempt) {
-      keptCopies.keep(copyKey(order), settle(order, saved));
-      return KaResultCode::Success;
-    }
-    QFile::remove(saved.outputFilePath);
-    writeRetryFailure(order, saved);
-    if (state.endAppFlag) return saved.result;
+  const FileOrder file{
+      .logLine = contentIdLine(order.objectKey),
+      .missingName = contentId,
+      .refFileSize = order.refFileSize,
+      .request = [&] { return request.getAwsS3Object(url, session.access().credential, defaultPath); }};
+  const auto [outcome, saved] = fetchFile(file, state);
+  switch (outcome) {
+  case FileOutcome::Confirmed:
+    settle(order, file, saved);
+    listing.saveImageInfo(contentId, getFolderNameFromPath(order.objectKey, 2),
+                          getFolderNameFromPath(order.objectKey, 1), order.targetSotrage);
+    ++successCount;
+    return KaResultCode::Success;
+  case FileOutcome::Unconfirmed:
+    keptCopies.keep(copyKey(order), settle(order, file, saved));
+    return KaResultCode::Success;
+  case FileOutcome::Missing:
+    return KaResultCode::ObjectMissing;
+  case FileOutcome::Failed:
+  case FileOutcome::Stopped:
+    return saved.result;
   }
-}
-
-KaResultCode KaContentDownload::refused(const KaContentOrder &order, const SavedObject &saved) const {
-  KaLogUtility::writeConnectionResultLog(KaLogStep::Download, false,
-                                         {contentIdLine(order.objectKey), u"HTTP=%1"_s.arg(saved.statusCode)});
-  if (saved.statusCode != kNotFound) return saved.result;
-  KaLogUtility::writeInfoLog(u"Skip DownloadFile"_s,
-                             {contentIdFromPath(order.objectKey) + u" : Skip download because file not found."_s});
-  return KaResultCode::ObjectMissing;
+  Q_UNREACHABLE();
 }
 
 /// Gives a file that stays its dates and its final place. @return its path.
-QString KaContentDownload::settle(const KaContentOrder &order, const SavedObject &saved) {
+QString KaContentDownload::settle(const KaContentOrder &order, const FileOrder &file, const SavedObject &saved) {
   platform::setFileDates(saved.outputFilePath, order.utcCaptureTime);
   const QString path = keptCopies.replaceKept(copyKey(order), saved.outputFilePath);
-  KaLogUtility::writeConnectionResultLog(
-      KaLogStep::Download, true,
-      {contentIdLine(order.objectKey), u"FilePath="_s + path, u"FileSize=%1"_s.arg(saved.outputFileSize)});
+  writeSavedLog(file, saved, path);
   return path;
-}
-
-QString defaultFilePath(const QString &folder, const QDateTime &captureDate, const QString &objectKey) {
-  const QString path = folder + u'/' + captureDate.toLocalTime().toString(u"yyyy-MM-dd"_s);
-  const QString extension = extensionFromPath(objectKey);
-  return extension.isEmpty() ? path : path + u'.' + extension;
 }

@@ -14,6 +14,7 @@ class KaDownloadProcessorDelegate;
 class KaDownloadSession;
 class KaImageMetadata;
 class KaServerRequest;
+struct FileOrder;
 struct KaDownloadState;
 struct SavedObject;
 
@@ -79,8 +80,7 @@ private:
                                  KaResultCode &rc);
   void saveIntoFolders(const QStringList &folders, KaContentOrder order, const KaContentTarget &target,
                        KaResultCode &rc);
-  [[nodiscard]] KaResultCode refused(const KaContentOrder &order, const SavedObject &saved) const;
-  QString settle(const KaContentOrder &order, const SavedObject &saved);
+  QString settle(const KaContentOrder &order, const FileOrder &file, const SavedObject &saved);
 
   KaDownloadProcessorDelegate &delegate;
   KaServerRequest &request;
@@ -91,6 +91,3 @@ private:
   KeptCopies keptCopies;
   quint64 successCount = 0;
 };
-
-/// Where a file lands whose object carries no usable name: the capture date in @p folder, with the key's extension.
-[[nodiscard]] QString defaultFilePath(const QString &folder, const QDateTime &captureDate, const QString &objectKey);

@@ -9,6 +9,7 @@
 #include "engine/KaDownloadSession.h"
 #include "engine/KaDownloadState.h"
 #include "engine/KaImageMetadata.h"
+#include "engine/KaPreviewDownload.h"
 #include "platform/AppInfo.h"
 #include "platform/ThreadName.h"
 #include "service/KaServerRequest.h"
@@ -32,7 +33,8 @@ public:
   KaContentListing listing{delegate, serverRequest, session, state};
   KaImageMetadata metadata{serverRequest, session, state};
   KaContentDownload content{delegate, serverRequest, session, listing, metadata, state};
-  KaDownloadRun run{delegate, session, listing, content, state};
+  KaPreviewDownload preview{delegate, serverRequest, session, state};
+  KaDownloadRun run{delegate, serverRequest, session, listing, content, preview, state};
   std::thread thread; ///< joined before anything above goes away
 
 private:

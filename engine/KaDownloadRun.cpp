@@ -6,6 +6,9 @@
 #include "engine/KaDownloadProcessorDelegate.h"
 #include "engine/KaDownloadSession.h"
 #include "engine/KaDownloadState.h"
+#include "engine/KaPreviewDownload.h"
+#include "service/KaApplicationConstants.h"
+#include "service/KaServerRequest.h"
 
 #include <chrono>
 
@@ -37,7 +40,9 @@ KaResultCode KaDownloadRun::perform(bool notifyUserOfUpdate) {
   if (opening == Opening::Stopped) return result;
   if (opening == Opening::Ready) result = downloadUntilNothingIsNew(notifyUserOfUpdate);
   saveRecord(KaTargetStorage::Days30, u"Save GetImageInfo"_s);
-  return result;
+  // The end of the program, and of the link, must not pass for a login that fails.
+  if (!isOn(option.checkBox10GDownload) || state.endAppFlag || !delegate.bLoggedIn()) return result;
+  return takeLongTermStorage(notifyUserOfUpdate);
 }
 
 KaDownloadRun::Opening KaDownloadRun::openPass(const QString &title, KaResultCode &result) {
@@ -128,13 +133,93 @@ void KaDownloadRun::reportFailure(KaResultCode result) {
 
 void KaDownloadRun::downloadContents() {
   delegate.setAppStatus(KaAppStatus::Downloading);
+  const bool expand = isOn(option.checkBoxDownloadMetadata);
+  const auto start = std::chrono::system_clock::now();
   const KaResultCode result =
       content.getContentsProcess(listing.contentsDictionary(), {.parentFolder = option.parentFolder,
                                                                 .childFolder = option.childFolder,
                                                                 .targetStorage = KaTargetStorage::Days30,
-                                                                .bExpandContent = isOn(option.checkBoxDownloadMetadata),
+                                                                .bExpandContent = expand,
                                                                 .bExpandExif = isOn(option.checkBoxCreateSubfolder)});
+  // What was saved is told even when the pass failed afterwards.
+  if (content.downloadSuccessCount() != 0)
+    sendReport({KaApplicationConstants::awsLogsStreamName(), expand ? u"recent"_s : u"original"_s}, start,
+               content.downloadSuccessCount());
   KaLogUtility::writeConnectionResultLog(KaLogStep::Complete, result == KaResultCode::Success);
+}
+
+/// The 10G storage and the previews, which belong together. @return the result of the last pass that ran.
+KaResultCode KaDownloadRun::takeLongTermStorage(bool notifyUserOfUpdate) {
+  KaResultCode result = KaResultCode::Success;
+  const Opening opening = openPass(u"Start 10G Storage Download"_s, result);
+  if (opening == Opening::Stopped) return result;
+  if (opening == Opening::Ready) {
+    quint64 savedCount = 0;
+    result = takeLongTermContents(notifyUserOfUpdate, savedCount);
+    if (result == KaResultCode::Success && !state.endAppFlag) result = takePreviews(savedCount);
+    if (!state.endAppFlag) concludeLongTerm(result, savedCount);
+  }
+  saveRecord(KaTargetStorage::LongTerm10G, u"Save 10G GetImageInfo"_s);
+  saveRecord(KaTargetStorage::Preview2K, u"Save 2K GetImageInfo"_s);
+  return result;
+}
+
+KaResultCode KaDownloadRun::takeLongTermContents(bool notifyUserOfUpdate, quint64 &savedCount) {
+  KaResultCode result = listing.getContentsList(KaTargetStorage::LongTerm10G, notifyUserOfUpdate);
+  if (result != KaResultCode::Success) return result;
+  reportInitialAccess();
+  if (state.endAppFlag) return result;
+  if (listing.contentsDictionary().isEmpty()) {
+    KaLogUtility::writeInfoLog(u"No Download Target"_s);
+    return result;
+  }
+  delegate.setAppStatus(KaAppStatus::Downloading);
+  const auto start = std::chrono::system_clock::now();
+  result = content.getContentsProcess(listing.contentsDictionary(), {.parentFolder = option.parent10GFolder,
+                                                                     .childFolder = option.childFolder,
+                                                                     .targetStorage = KaTargetStorage::LongTerm10G});
+  savedCount = content.downloadSuccessCount();
+  if (result == KaResultCode::Success && savedCount != 0)
+    sendReport({awsLogs10GStreamName(), u"10G"_s}, start, savedCount);
+  KaLogUtility::writeConnectionResultLog(KaLogStep::Complete, result == KaResultCode::Success);
+  return result;
+}
+
+KaResultCode KaDownloadRun::takePreviews(quint64 &savedCount) {
+  KaResultCode result = preview.getPreviewList();
+  if (result != KaResultCode::Success || preview.previewList().empty()) return result;
+  delegate.setAppStatus(KaAppStatus::Downloading);
+  const auto start = std::chrono::system_clock::now();
+  result = preview.getPreview(option.parent10GFolder, option.childFolder);
+  savedCount += preview.downloadSuccessCount();
+  // Both passes decide whether a report is due, but it tells of this one alone: its count may be 0.
+  if (result == KaResultCode::Success && savedCount != 0)
+    sendReport({awsLogs10GStreamName(), u"2K"_s}, start, preview.downloadSuccessCount());
+  return result;
+}
+
+void KaDownloadRun::concludeLongTerm(KaResultCode result, quint64 savedCount) {
+  if (result != KaResultCode::Success) return reportFailure(result);
+  if (savedCount == 0) {
+    KaLogUtility::writeInfoLog(u"No Download Target"_s);
+  } else {
+    delegate.setProcessingResult(KaResultCode::Download10GComplete, /*userTrigger=*/false);
+    KaLogUtility::writeInfoLog(u"Download Complete"_s);
+  }
+  delegate.setAppStatus(KaAppStatus::Normal);
+}
+
+void KaDownloadRun::sendReport(const PassReport &pass, KaDownloadReport::Moment start, quint64 successCount) {
+  const auto now = std::chrono::system_clock::now();
+  const KaDownloadReport report{.userId = session.userUUID().value_or(QString()),
+                                .logGroup = KaApplicationConstants::awsLogsGroupName(),
+                                .logStream = pass.logStream,
+                                .startDate = start,
+                                .endDate = now,
+                                .successCount = successCount,
+                                .information = pass.information};
+  // Best effort: a report that fails changes nothing.
+  request.notifyDownloadCompletion(session.access().credential, createLogMessage(report, now));
 }
 
 void KaDownloadRun::reportInitialAccess() {

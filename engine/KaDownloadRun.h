@@ -1,6 +1,7 @@
 #pragma once
 
 #include "app/settings/KaDownloadOption.h"
+#include "engine/KaDownloadReport.h"
 #include "engine/KaTargetStorage.h"
 #include "service/KaResultCode.h"
 
@@ -10,14 +11,18 @@ class KaContentDownload;
 class KaContentListing;
 class KaDownloadProcessorDelegate;
 class KaDownloadSession;
+class KaPreviewDownload;
+class KaServerRequest;
 struct KaDownloadState;
 
 /// One run over the account's storage: its passes, their reports, and the saving of the bookkeeping. Download thread.
 class KaDownloadRun {
 public:
-  KaDownloadRun(KaDownloadProcessorDelegate &toTell, KaDownloadSession &current, KaContentListing &contentListing,
-                KaContentDownload &contentDownload, KaDownloadState &shared)
-      : delegate(toTell), session(current), listing(contentListing), content(contentDownload), state(shared) {}
+  KaDownloadRun(KaDownloadProcessorDelegate &toTell, KaServerRequest &toReport, KaDownloadSession &current,
+                KaContentListing &contentListing, KaContentDownload &contentDownload,
+                KaPreviewDownload &previewDownload, KaDownloadState &shared)
+      : delegate(toTell), request(toReport), session(current), listing(contentListing), content(contentDownload),
+        preview(previewDownload), state(shared) {}
   KaDownloadRun(const KaDownloadRun &) = delete;
   KaDownloadRun &operator=(const KaDownloadRun &) = delete;
 
@@ -43,21 +48,34 @@ private:
     KaResultCode result = KaResultCode::Success;
   };
 
+  /// What the report of a pass says besides its times.
+  struct PassReport {
+    QString logStream;
+    QString information;
+  };
+
   [[nodiscard]] Opening openPass(const QString &title, KaResultCode &result);
   [[nodiscard]] KaResultCode downloadUntilNothingIsNew(bool notifyUserOfUpdate);
   [[nodiscard]] Round checkOnce(ReCheck &reCheck, bool notifyUserOfUpdate);
   [[nodiscard]] Round takeContents(ReCheck &reCheck);
   [[nodiscard]] Round judge(const ReCheck &reCheck);
   void downloadContents();
+  [[nodiscard]] KaResultCode takeLongTermStorage(bool notifyUserOfUpdate);
+  [[nodiscard]] KaResultCode takeLongTermContents(bool notifyUserOfUpdate, quint64 &savedCount);
+  [[nodiscard]] KaResultCode takePreviews(quint64 &savedCount);
+  void concludeLongTerm(KaResultCode result, quint64 savedCount);
+  void sendReport(const PassReport &pass, KaDownloadReport::Moment start, quint64 successCount);
   void reportInitialAccess();
   void reportFailure(KaResultCode result);
   void reportNoTarget();
   void saveRecord(KaTargetStorage targetStorage, const QString &logTitle);
 
   KaDownloadProcessorDelegate &delegate;
+  KaServerRequest &request;
   KaDownloadSession &session;
   KaContentListing &listing;
   KaContentDownload &content;
+  KaPreviewDownload &preview;
   KaDownloadState &state;
   KaDownloadOption option; ///< read anew with every listing: the service may have changed it
 };

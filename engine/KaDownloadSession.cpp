@@ -135,6 +135,11 @@ QString KaDownloadSession::contentURL(const QString &objectKey) const {
                             KaApplicationConstants::awsS3AccelerateHostName(), objectKey);
 }
 
+QString KaDownloadSession::previewListURL() const {
+  return presignedObjectURL(access().presigning, KaApplicationConstants::awsS3PreviewListBucketName(),
+                            KaApplicationConstants::awsS3AccelerateHostName(), user.value_or(QString()) + u".json"_s);
+}
+
 QString KaDownloadSession::createGetCredentialString(const QString &idToken) {
   return u"https://"_s + KaApplicationConstants::awsStsHostName() + u"/?Action=AssumeRoleWithWebIdentity"_s
          + u"&Version=2011-06-15"_s + u"&RoleSessionName=downloaderpictora"_s + u"&RoleArn="_s

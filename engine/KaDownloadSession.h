@@ -43,6 +43,8 @@ public:
   [[nodiscard]] KaStorageAccess access() const { return storageAccess.get(); }
   /// A presigned GET of an object in the content bucket.
   [[nodiscard]] QString contentURL(const QString &objectKey) const;
+  /// A presigned GET of the user's list of previews.
+  [[nodiscard]] QString previewListURL() const;
 
   /// Absent until credentials were got for the first time.
   [[nodiscard]] const std::optional<QString> &userUUID() const { return user; }

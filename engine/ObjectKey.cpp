@@ -35,8 +35,10 @@ QString extensionFromPath(const QString &imagePath) {
 }
 
 QDateTime uploadHourFromPath(const QString &imagePath) {
-  const QString date = getFolderNameFromPath(imagePath, 2);
-  const QString hour = getFolderNameFromPath(imagePath, 1);
+  return uploadHour(getFolderNameFromPath(imagePath, 2), getFolderNameFromPath(imagePath, 1));
+}
+
+QDateTime uploadHour(const QString &date, const QString &hour) {
   if (!isNumber(date, 8) || !isNumber(hour, 2)) return {};
   // Not by a format: every listed object comes through here.
   const QDate day(date.left(4).toInt(), date.mid(4, 2).toInt(), date.mid(6, 2).toInt());

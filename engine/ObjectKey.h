@@ -12,6 +12,8 @@
 [[nodiscard]] QString extensionFromPath(const QString &imagePath);
 /// Invalid when the date and hour components tell none.
 [[nodiscard]] QDateTime uploadHourFromPath(const QString &imagePath);
+/// The same of a date "yyyyMMdd" and an hour "HH".
+[[nodiscard]] QDateTime uploadHour(const QString &date, const QString &hour);
 
 /// The key of the "expand" variant.
 [[nodiscard]] QString expandImagePathFromImagePath(const QString &imagePath);

@@ -1,5 +1,7 @@
 #include "engine/OutputFolder.h"
 
+#include "engine/ObjectKey.h"
+
 #include <QDir>
 
 #include <algorithm>
@@ -36,6 +38,16 @@ bool staysInParentFolder(const QString &destination, const QString &parentFolder
   const QString parent = QDir::cleanPath(parentFolder);
   const QString cleaned = QDir::cleanPath(destination);
   return cleaned == parent || cleaned.startsWith(parent.endsWith(u'/') ? parent : parent + u'/');
+}
+
+bool makeOutputFolder(const QString &folder, const QString &parentFolder) {
+  return staysInParentFolder(folder, parentFolder) && QDir().mkpath(folder);
+}
+
+QString defaultFilePath(const QString &folder, const QDateTime &date, const QString &objectKey) {
+  const QString path = folder + u'/' + date.toLocalTime().toString(u"yyyy-MM-dd"_s);
+  const QString extension = extensionFromPath(objectKey);
+  return extension.isEmpty() ? path : path + u'.' + extension;
 }
 
 QString getFolderNameFromPath(const QString &path, qint64 level) {

@@ -53,12 +53,8 @@ QString randomText() {
   return QString::fromLatin1(base64Url(randomBytes(32)));
 }
 
-HttpAnswer json(const QJsonObject &object) {
-  return {.contentType = "application/json", .body = compactJson(object)};
-}
-
 HttpAnswer refusal(int status, const QString &error, const QString &description) {
-  HttpAnswer answer = json({{u"error"_s, error}, {u"errorDescription"_s, description}});
+  HttpAnswer answer = jsonAnswer(compactJson({{u"error"_s, error}, {u"errorDescription"_s, description}}));
   answer.status = status;
   return answer;
 }
@@ -84,7 +80,7 @@ HttpAnswer spoiledMembers(QJsonObject members, std::optional<TokenFault> fault) 
   if (fault == TokenFault::IdTokenOfWrongType) members[u"idToken"_s] = QJsonArray{members[u"idToken"_s]};
   if (fault == TokenFault::MissingTokenCode) members.remove(u"tokenCode"_s);
   if (fault == TokenFault::TokenCodeOfWrongType) members[u"tokenCode"_s] = QJsonObject{{u"value"_s, 1}};
-  HttpAnswer answer = json(members);
+  HttpAnswer answer = jsonAnswer(compactJson(members));
   if (fault == TokenFault::AnswerIsArray) answer.body = '[' + answer.body + ']';
   return answer;
 }
@@ -98,7 +94,7 @@ AccountApi::AccountApi(const Tokens &idTokens, Faults &orderedFaults, const Libr
 }
 
 HttpAnswer AccountApi::configuration() const {
-  return json({{u"clientId"_s, settings.clientId}});
+  return jsonAnswer(compactJson({{u"clientId"_s, settings.clientId}}));
 }
 
 HttpAnswer AccountApi::getLogin(const HttpRequest &request) {

@@ -91,45 +91,82 @@ QString fileName(const LibraryObject &object, const QDateTime &local) {
   return name.isEmpty() || name == u"." ? fallback : name;
 }
 
-QString freeName(const QString &folder, const QString &name, const QSet<QString> &taken) {
-  const NameParts parts(name);
-  for (int counter = 0;; ++counter) {
-    const QString candidate = folder + parts.joined(counter == 0 ? QString() : u"_%1"_s.arg(counter));
-    if (!taken.contains(candidate)) return candidate;
+/// Collects files the way they land: a name that is taken gets a counter.
+class Landing {
+public:
+  void add(const QString &folder, const QString &name, const QByteArray &body, const QDateTime &moment) {
+    const QString path = freeName(folder, name);
+    taken.insert(path);
+    files.append({.relativePath = path,
+                  .sha256 = QCryptographicHash::hash(body, QCryptographicHash::Sha256).toHex(),
+                  .size = body.size(),
+                  .modificationTime = moment.toSecsSinceEpoch()});
+  }
+
+  QList<ExpectedFile> files;
+
+private:
+  [[nodiscard]] QString freeName(const QString &folder, const QString &name) const {
+    const NameParts parts(name);
+    for (int counter = 0;; ++counter) {
+      const QString candidate = folder + parts.joined(counter == 0 ? QString() : u"_%1"_s.arg(counter));
+      if (!taken.contains(candidate)) return candidate;
+    }
+  }
+
+  QSet<QString> taken;
+};
+
+void addObjects(Landing &landing, QList<LibraryObject> objects, const ExpectedOptions &options) {
+  const auto order = [](const LibraryObject &object) {
+    return object.date + u'/' + object.hour + u'/' + object.fileName;
+  };
+  std::sort(objects.begin(), objects.end(),
+            [&](const LibraryObject &left, const LibraryObject &right) { return order(left) < order(right); });
+  for (const LibraryObject &object : objects) {
+    const QJsonObject metadata = metadataOf(object, options);
+    const QDateTime captured = captureMoment(object, metadata, options.zone);
+    const QDateTime local = captured.toTimeZone(options.zone);
+    landing.add(ruleFolder(metadata, options) + dateFolder(local, options.childFolder), fileName(object, local),
+                options.downloadMetadata && object.expandBody ? *object.expandBody : object.body, captured);
+  }
+}
+
+void addPreviews(Landing &landing, const ExpectedOptions &options) {
+  for (const SamplePreview &preview : samplePreviews()) {
+    const QDateTime shot = QDateTime::fromString(preview.shootingTime, Qt::ISODate);
+    const QDateTime uploaded = QDateTime::fromString(preview.uploadTime, u"yyyyMMdd/HH"_s);
+    const QDateTime moment = shot.isValid() ? QDateTime(shot.date(), shot.time(), options.zone)
+                                            : QDateTime(uploaded.date(), uploaded.time(), Qt::UTC);
+    landing.add(dateFolder(moment.toTimeZone(options.zone), options.childFolder),
+                QString(preview.fileName).replace(u'/', u'-'), preview.body, moment);
   }
 }
 
 } // namespace
 
 QList<ExpectedFile> expectedFiles(const QList<LibraryObject> &objects, const ExpectedOptions &options) {
-  QList<LibraryObject> inOrder = objects;
-  const auto order = [](const LibraryObject &object) {
-    return object.date + u'/' + object.hour + u'/' + object.fileName;
-  };
-  std::sort(inOrder.begin(), inOrder.end(),
-            [&](const LibraryObject &left, const LibraryObject &right) { return order(left) < order(right); });
-  QList<ExpectedFile> files;
-  QSet<QString> taken;
-  for (const LibraryObject &object : inOrder) {
-    const QJsonObject metadata = metadataOf(object, options);
-    const QDateTime captured = captureMoment(object, metadata, options.zone);
-    const QDateTime local = captured.toTimeZone(options.zone);
-    const QString folder = ruleFolder(metadata, options) + dateFolder(local, options.childFolder);
-    const QString path = freeName(folder, fileName(object, local), taken);
-    const QByteArray &body = options.downloadMetadata && object.expandBody ? *object.expandBody : object.body;
-    taken.insert(path);
-    files.append({.relativePath = path,
-                  .sha256 = QCryptographicHash::hash(body, QCryptographicHash::Sha256).toHex(),
-                  .size = body.size(),
-                  .modificationTime = captured.toSecsSinceEpoch()});
-  }
-  return files;
+  Landing landing;
+  addObjects(landing, objects, options);
+  return landing.files;
 }
 
 QList<ExpectedFile> expectedSampleFiles(const ExpectedOptions &options) {
   QList<LibraryObject> objects = sampleObjects();
   objects.removeIf([](const LibraryObject &object) { return object.deviceId == sampleAliasDevice(); });
   return expectedFiles(objects, options);
+}
+
+QList<ExpectedFile> expectedLongTermSampleFiles(const ExpectedOptions &options) {
+  ExpectedOptions plain = options;
+  plain.createSubfolder = false;
+  plain.downloadMetadata = false;
+  QList<LibraryObject> objects = sampleObjects();
+  objects.removeIf([](const LibraryObject &object) { return object.tags.value(storagePeriodTag()) == u"30"; });
+  Landing landing;
+  addObjects(landing, objects, plain);
+  addPreviews(landing, plain);
+  return landing.files;
 }
 
 } // namespace sandbox

@@ -61,6 +61,10 @@ HttpAnswer redirectTo(const QByteArray &location) {
           .headers = {{"Location", location}, {"Cache-Control", "no-store"}}};
 }
 
+HttpAnswer jsonAnswer(const QByteArray &document) {
+  return {.contentType = "application/json", .body = document};
+}
+
 QByteArray escaped(const QByteArray &text) {
   QByteArray result;
   result.reserve(text.size());

@@ -59,6 +59,7 @@ struct HttpAnswer {
 };
 
 [[nodiscard]] HttpAnswer redirectTo(const QByteArray &location);
+[[nodiscard]] HttpAnswer jsonAnswer(const QByteArray &document);
 
 /// @p text with the characters escaped that XML and HTML give a meaning.
 [[nodiscard]] QByteArray escaped(const QByteArray &text);

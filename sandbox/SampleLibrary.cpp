@@ -100,7 +100,7 @@ public:
     object.body = jpeg(quint32(number), size);
     object.fileNameMetadata = fileNameHeader(name);
     object.metadataDocument = metadataDocument(captureTime);
-    object.tags = {{u"x-strata-storage-period"_s, u"30"_s}};
+    object.tags = {{storagePeriodTag(), u"30"_s}};
     objects.append(object);
     return objects.last();
   }
@@ -115,6 +115,11 @@ public:
     LibraryObject &object = add(name, captureTime);
     object.expandBody = jpeg(quint32(objects.size()) + 1000, kLarge);
     return object;
+  }
+  /// The latest @p count objects belong to the 10G storage, too.
+  void keepLong(int count, const QHash<QString, QString> &tags) {
+    for (auto object = objects.end() - count; object != objects.end(); ++object)
+      object->tags = tags;
   }
   /// Pictures a minute apart, named by a running number.
   void addSeries(int first, int count, const QString &dateAndHour, const QString &offset, QSize size = kSmall) {
@@ -209,6 +214,7 @@ QList<LibraryObject> gatheredSample() {
   sample.addSeries(1, 6, u"2024-05-01T10"_s, u"+00:00"_s);
   sample.at(u"camera-01"_s, u"20240501"_s, u"13"_s);
   sample.addSeries(7, 3, u"2024-05-01T13"_s, u"+00:00"_s, kLarge);
+  sample.keepLong(3, {{storagePeriodTag(), u"365"_s}, {u"rating"_s, u"5"_s}});
   sample.at(u"camera-03"_s, u"20240501"_s, u"10"_s);
   sample.addSeries(501, 4, u"2024-05-01T10"_s, u"+02:00"_s);
   addNames(sample);
@@ -221,9 +227,51 @@ QList<LibraryObject> gatheredSample() {
   sample.addSeries(900, 5, u"2024-05-08T18"_s, u"+00:00"_s);
   sample.at(u"camera-01"_s, u"20240508"_s, u"18"_s);
   sample.addSeries(10, 3, u"2024-05-08T18"_s, u"+00:00"_s);
+  sample.keepLong(2, {}); // no tag at all does as well
   sample.at(sampleAliasDevice(), u"20240508"_s, u"19"_s);
   sample.addSeries(1, 2, u"2024-05-08T19"_s, u"+00:00"_s);
+  sample.keepLong(1, {{storagePeriodTag(), u"3650"_s}});
   return sample.objects;
+}
+
+QList<SamplePreview> paintedPreviews() {
+  constexpr QSize kReduced(320, 240);
+  QList<SamplePreview> previews;
+  const auto add = [&](const QString &fileName, const QString &shootingTime) {
+    const int index = int(previews.size()) + 1;
+    previews.append({.index = index,
+                     .objectName = u"%1.JPG"_s.arg(index, 4, 10, QLatin1Char('0')),
+                     .body = jpeg(quint32(index) + 2000, kReduced),
+                     .fileName = fileName,
+                     .shootingTime = shootingTime,
+                     .uploadTime = u"20240508/18"_s});
+  };
+  add(u"IMG_0007.JPG"_s, u"2024-05-01T13:00:07"_s); // the name of a 10G image
+  add(u"IMG_0008.JPG"_s, u"2024-05-02T23:59:59"_s);
+  add(u"without a time.JPG"_s, {});
+  add(u"写真 春.JPG"_s, u"2024-05-03T00:00:00"_s);
+  add(u"roll 3/frame 12.JPG"_s, u"2023-12-31T23:30:00"_s);
+  return previews;
+}
+
+QString previewKey(const QString &userId, const SamplePreview &preview) {
+  return u"images/preview/"_s + userId + u'/' + preview.objectName;
+}
+
+void addPreviews(Library &library) {
+  QJsonArray data;
+  for (const SamplePreview &preview : samplePreviews()) {
+    const QString key = previewKey(library.userId(), preview);
+    library.addRaw(contentBucket(), key, {.body = preview.body, .contentType = "image/jpeg"});
+    data.append(QJsonObject{{u"index"_s, preview.index},
+                            {u"preview_object_key"_s, key},
+                            {u"file_size"_s, preview.body.size()},
+                            {u"original_file_name"_s, preview.fileName},
+                            {u"shooting_time"_s, preview.shootingTime},
+                            {u"upload_time"_s, preview.uploadTime}});
+  }
+  library.addRaw(previewListBucket(), library.userId() + u".json"_s,
+                 {.body = compactJson({{u"data"_s, data}}), .contentType = "application/json"});
 }
 
 } // namespace
@@ -237,6 +285,15 @@ QString sampleAliasDevice() {
   return u"other-app-99"_s;
 }
 
+const QList<SamplePreview> &samplePreviews() {
+  static const QList<SamplePreview> previews = paintedPreviews();
+  return previews;
+}
+
+QString storagePeriodTag() {
+  return u"x-strata-storage-period"_s;
+}
+
 void fillSampleLibrary(Library &library) {
   for (const LibraryObject &object : sampleObjects())
     library.add(object);
@@ -246,6 +303,7 @@ void fillSampleLibrary(Library &library) {
   library.setSettingsObject(compactJson({{u"applicationAliasIds"_s, QJsonArray{sampleAliasDevice()}},
                                          {u"kaLatestVersion"_s, u"1.0.0"_s},
                                          {u"isEnableDownload10GStorage"_s, true}}));
+  addPreviews(library);
 }
 
 } // namespace sandbox

@@ -25,13 +25,26 @@ struct ExpectedOptions {
   QTimeZone zone = QTimeZone::systemTimeZone(); ///< the zone the agent runs in
 };
 
-/// The sample account: three devices and an alias device, about 60 JPEG pictures. Painted once per process, always the
-/// same, and every image tagged for the ordinary storage.
-[[nodiscard]] const QList<LibraryObject> &sampleObjects();
-/// The device of sampleObjects() that the sample settings object excludes.
-[[nodiscard]] QString sampleAliasDevice();
+/// A reduced picture that the service made of an image.
+struct SamplePreview {
+  int index = 0;
+  QString objectName{}; ///< the key's last component
+  QByteArray body{};
+  QString fileName{};
+  QString shootingTime{}; ///< "yyyy-MM-ddTHH:mm:ss", may be empty
+  QString uploadTime{};   ///< "yyyyMMdd/HH", UTC
+};
 
-/// Adds the sample objects, folder markers and the settings object.
+/// The sample account: three devices and an alias device, about 60 JPEG pictures. Painted once per process, always the
+/// same. Most images are tagged for the ordinary storage; the others belong to the 10G storage, too.
+[[nodiscard]] const QList<LibraryObject> &sampleObjects();
+/// The device of sampleObjects() that the sample settings object excludes, but for the 10G storage.
+[[nodiscard]] QString sampleAliasDevice();
+[[nodiscard]] const QList<SamplePreview> &samplePreviews();
+/// The tag that tells an image's storage: "30" is the ordinary one.
+[[nodiscard]] QString storagePeriodTag();
+
+/// Adds the sample objects, folder markers, the settings object, the previews and their list.
 void fillSampleLibrary(Library &library);
 
 /// Where the files of @p objects land, in download order. Bodies must not be empty, names on disk not above 255 bytes.
@@ -39,5 +52,8 @@ void fillSampleLibrary(Library &library);
                                                 const ExpectedOptions &options = {});
 /// The same for the sample account, the alias device left out.
 [[nodiscard]] QList<ExpectedFile> expectedSampleFiles(const ExpectedOptions &options = {});
+/// What the folder of the 10G storage holds: originals by date alone, and the previews. Of @p options the date scheme
+/// and the zone count.
+[[nodiscard]] QList<ExpectedFile> expectedLongTermSampleFiles(const ExpectedOptions &options = {});
 
 } // namespace sandbox

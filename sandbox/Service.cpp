@@ -101,10 +101,6 @@ HttpAnswer plain(int status, const QByteArray &text) {
   return {.status = status, .contentType = "text/plain", .body = text + '\n'};
 }
 
-HttpAnswer json(const QByteArray &document) {
-  return {.contentType = "application/json", .body = document};
-}
-
 } // namespace
 
 class Service::Private {
@@ -181,9 +177,9 @@ HttpAnswer Service::Private::rightAnswer(const HttpRequest &request, Endpoint en
   case Endpoint::RefreshToken:
     return request.method == "POST" ? account->refresh(request, now) : plain(405, "POST only");
   case Endpoint::Discovery:
-    return json(compactJson({{u"issuer"_s, url(u"idp"_s)}, {u"jwks_uri"_s, url(u"idp"_s) + u"/keys"_s}}));
+    return jsonAnswer(compactJson({{u"issuer"_s, url(u"idp"_s)}, {u"jwks_uri"_s, url(u"idp"_s) + u"/keys"_s}}));
   case Endpoint::Keys:
-    return json(tokens->keySet());
+    return jsonAnswer(tokens->keySet());
   case Endpoint::Sts:
     return sts->answer(request, now);
   case Endpoint::LogEvents:

@@ -48,6 +48,7 @@ HttpAnswer SiteApi::answer(const HttpRequest &request, const QDateTime &now) {
   if (path == "/st/downloader-logout.html")
     return page("You are logged out", "<p>The downloader no longer fetches pictures from this account.</p>\n");
   if (path == "/requests.json") return requestsJson();
+  if (path == "/reports.json") return reportsJson();
   if (path == "/") return frontPage();
   return page("There is no such page", {}, 404);
 }
@@ -80,7 +81,8 @@ HttpAnswer SiteApi::frontPage() const {
   return page("What was asked of this service",
               "<table><tr><th>Request</th><th>Count</th></tr>\n" + rows
                   + "</table>\n<h1>Reports received</h1>\n<table><tr><th>Stream</th><th>Message</th></tr>\n" + reports
-                  + "</table>\n<p><a href=\"/requests.json\">The latest requests as JSON</a></p>\n");
+                  + "</table>\n<p>As JSON: <a href=\"/requests.json\">the latest requests</a>, "
+                    "<a href=\"/reports.json\">the reports</a></p>\n");
 }
 
 HttpAnswer SiteApi::requestsJson() const {
@@ -95,14 +97,17 @@ HttpAnswer SiteApi::requestsJson() const {
                               {u"host"_s, record.host},
                               {u"target"_s, QString::fromLatin1(record.target)},
                               {u"status"_s, record.status}});
-  QJsonArray reports;
+  return jsonAnswer(compactJson({{u"counts"_s, counts}, {u"requests"_s, latest}}) + '\n');
+}
+
+HttpAnswer SiteApi::reportsJson() const {
+  QByteArrayList lines;
   for (const LogEvent &event : logs.events())
-    reports.append(QJsonObject{{u"group"_s, event.group},
-                               {u"stream"_s, event.stream},
-                               {u"timestamp"_s, event.timestamp},
-                               {u"message"_s, event.message}});
-  return {.contentType = "application/json",
-          .body = compactJson({{u"counts"_s, counts}, {u"requests"_s, latest}, {u"reports"_s, reports}})};
+    lines << compactJson({{u"group"_s, event.group},
+                          {u"stream"_s, event.stream},
+                          {u"timestamp"_s, event.timestamp},
+                          {u"message"_s, event.message}});
+  return jsonAnswer(lines.isEmpty() ? QByteArray("[]\n") : "[\n" + lines.join(",\n") + "\n]\n");
 }
 
 } // namespace sandbox

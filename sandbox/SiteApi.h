@@ -22,6 +22,7 @@ private:
   [[nodiscard]] HttpAnswer signIn(const HttpRequest &request, const QDateTime &now);
   [[nodiscard]] HttpAnswer frontPage() const;
   [[nodiscard]] HttpAnswer requestsJson() const;
+  [[nodiscard]] HttpAnswer reportsJson() const; ///< a line per report
 
   AccountApi &account;
   const RequestLog &requests;

@@ -108,11 +108,8 @@ QStringList unexpectedFiles(const QDir &folder, const QList<sandbox::ExpectedFil
   return found;
 }
 
-int verify(const QCommandLineParser &options) {
-  const QDir folder(required(options, u"folder"_s));
-  const auto expected = sandbox::expectedSampleFiles({.childFolder = number(options, u"child-folder"_s),
-                                                      .createSubfolder = !options.isSet(u"no-sort-folders"_s),
-                                                      .downloadMetadata = !options.isSet(u"no-expand"_s)});
+/// Compares what lies in @p folder with @p expected. @return whether all is there and nothing else.
+bool verifyFolder(const QDir &folder, const QList<sandbox::ExpectedFile> &expected) {
   int right = 0;
   for (const sandbox::ExpectedFile &file : expected) {
     const QString path = folder.filePath(file.relativePath);
@@ -127,9 +124,19 @@ int verify(const QCommandLineParser &options) {
   const QStringList unexpected = unexpectedFiles(folder, expected);
   for (const QString &path : unexpected)
     output() << "UNEXPECTED " << path << '\n';
-  output() << right << " of " << expected.size() << " files as expected, " << unexpected.size() << " unexpected"
-           << Qt::endl;
-  return right == expected.size() && unexpected.isEmpty() ? 0 : 1;
+  output() << folder.dirName() << ": " << right << " of " << expected.size() << " files as expected, "
+           << unexpected.size() << " unexpected" << Qt::endl;
+  return right == expected.size() && unexpected.isEmpty();
+}
+
+int verify(const QCommandLineParser &options) {
+  const sandbox::ExpectedOptions expected{.childFolder = number(options, u"child-folder"_s),
+                                          .createSubfolder = !options.isSet(u"no-sort-folders"_s),
+                                          .downloadMetadata = !options.isSet(u"no-expand"_s)};
+  bool right = verifyFolder(QDir(required(options, u"folder"_s)), sandbox::expectedSampleFiles(expected));
+  if (options.isSet(u"10g-folder"_s))
+    right &= verifyFolder(QDir(options.value(u"10g-folder"_s)), sandbox::expectedLongTermSampleFiles(expected));
+  return right ? 0 : 1;
 }
 
 int run(const QStringList &arguments) {
@@ -140,6 +147,7 @@ int run(const QStringList &arguments) {
                       {u"port"_s, u"serve: the port; 0 takes a free one."_s, u"number"_s, u"0"_s},
                       {u"sample"_s, u"serve: fill the account with the sample pictures."_s},
                       {u"folder"_s, u"verify: the download folder."_s, u"folder"_s},
+                      {u"10g-folder"_s, u"verify: the folder of the 10G storage and the previews."_s, u"folder"_s},
                       {u"child-folder"_s, u"verify: the date folder scheme."_s, u"0-4"_s, u"0"_s},
                       {u"no-sort-folders"_s, u"verify: the agent makes no sort-rule folders."_s},
                       {u"no-expand"_s, u"verify: the agent takes the originals."_s}});

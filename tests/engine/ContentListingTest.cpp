@@ -117,7 +117,6 @@ TEST_F(ContentListing, listsThe10GStorageFromTheBeginningWithoutSettings) {
   addIn(u"dev1"_s, u"11"_s, u"A.JPG"_s);
   EXPECT_EQ(found(KaTargetStorage::LongTerm10G), QStringList{u"dev1/20240501/10/OLD.JPG"_s});
   EXPECT_EQ(service.requestCount(Endpoint::SettingsObject), 0);
-  EXPECT_EQ(delegate.answers().option.checkBox10GDownload, u"true"_s);
 }
 
 TEST_F(ContentListing, isEmptyWithoutDevices) {
@@ -172,6 +171,7 @@ TEST_P(SettingsObjects, decideAboutThe10GStorageAndNewVersions) {
   service.library().setSettingsObject(GetParam().document);
   EngineParts parts(delegate);
   ASSERT_EQ(parts.open(), KaResultCode::Success);
+  delegate.change([](auto &answers) { answers.option.checkBox10GDownload = u"true"_s; });
   const KaDownloadOption before = delegate.answers().option;
   ASSERT_EQ(parts.listing.getContentsList(KaTargetStorage::Days30, /*notifyUserOfUpdate=*/false),
             KaResultCode::Success);

@@ -38,6 +38,7 @@ EngineTest::EngineTest(const Defaults &defaults) {
   delegate.change([&](FakeDelegate::Answers &answers) {
     answers.token = linked.idToken;
     answers.option.parentFolder = profile.picturesFolder();
+    answers.option.checkBox10GDownload = u"false"_s;
     answers.option.checkBoxCreateSubfolder = u"false"_s;
     answers.option.checkBoxDownloadMetadata = u"false"_s;
   });

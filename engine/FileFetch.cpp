@@ -1,0 +1,49 @@
+#include "engine/FileFetch.h"
+
+#include "app/log/KaLogUtility.h"
+#include "engine/KaDownloadState.h"
+
+#include <QFile>
+
+using namespace Qt::StringLiterals;
+
+namespace {
+
+constexpr int kLastAttempt = 3;
+constexpr qint64 kNotFound = 404;
+
+FetchedFile refused(const FileOrder &order, const SavedObject &saved) {
+  KaLogUtility::writeConnectionResultLog(KaLogStep::Download, false,
+                                         {order.logLine, u"HTTP=%1"_s.arg(saved.statusCode)});
+  if (saved.statusCode != kNotFound) return {FileOutcome::Failed, saved};
+  KaLogUtility::writeInfoLog(u"Skip DownloadFile"_s,
+                             {order.missingName + u" : Skip download because file not found."_s});
+  return {FileOutcome::Missing, saved};
+}
+
+void discard(const FileOrder &order, const SavedObject &saved) {
+  QFile::remove(saved.outputFilePath);
+  KaLogUtility::writeConnectionResultLog(
+      KaLogStep::Download, false,
+      {order.logLine, u"ReferenceFileSize=%1"_s.arg(order.refFileSize), u"FileSize=%1"_s.arg(saved.outputFileSize)});
+}
+
+} // namespace
+
+FetchedFile fetchFile(const FileOrder &order, const KaDownloadState &state) {
+  for (int attempt = 0;; ++attempt) {
+    if (attempt > 0) KaLogUtility::writeInfoLog(u"Retry DownloadFile"_s, {u"RetryCount=%1"_s.arg(attempt)});
+    const SavedObject saved = order.request();
+    const bool named = saved.result == KaResultCode::Success;
+    if (!named && saved.result != KaResultCode::DefaultFileName) return refused(order, saved);
+    if (named && saved.outputFileSize == order.refFileSize) return {FileOutcome::Confirmed, saved};
+    if (attempt == kLastAttempt) return {FileOutcome::Unconfirmed, saved};
+    discard(order, saved);
+    if (state.endAppFlag) return {FileOutcome::Stopped, saved};
+  }
+}
+
+void writeSavedLog(const FileOrder &order, const SavedObject &saved, const QString &path) {
+  KaLogUtility::writeConnectionResultLog(
+      KaLogStep::Download, true, {order.logLine, u"FilePath="_s + path, u"FileSize=%1"_s.arg(saved.outputFileSize)});
+}

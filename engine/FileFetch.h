@@ -1,0 +1,37 @@
+#pragma once
+
+#include "service/KaServerRequest.h"
+
+#include <QDateTime>
+#include <QString>
+
+#include <functional>
+
+struct KaDownloadState;
+
+/// One file that a pass fetches, and how its log entries call it.
+struct FileOrder {
+  QString logLine{};      ///< "ContentId=…" or "Index=…"
+  QString missingName{};  ///< what the entry about a missing object names
+  qint64 refFileSize = 0; ///< bytes that the service told
+  std::function<SavedObject()> request;
+};
+
+enum class FileOutcome {
+  Confirmed,   ///< on disk, under its own name, of the right size
+  Unconfirmed, ///< the fourth copy: it stays although its size or name is not the right one
+  Missing,     ///< there is no such object (any more)
+  Failed,      ///< the request's result tells; nothing is on disk
+  Stopped,     ///< the program ends; nothing is on disk
+};
+
+struct FetchedFile {
+  FileOutcome outcome = FileOutcome::Failed;
+  SavedObject saved{};
+};
+
+/// Asks up to four times, without a pause, until the size is right. Download thread.
+[[nodiscard]] FetchedFile fetchFile(const FileOrder &order, const KaDownloadState &state);
+
+/// The log entry of a file that stays, at @p path.
+void writeSavedLog(const FileOrder &order, const SavedObject &saved, const QString &path);

@@ -1,0 +1,55 @@
+#include "engine/PreviewList.h"
+
+#include "app/log/KaLogUtility.h"
+#include "identity/JsonValue.h"
+
+#include <QJsonArray>
+
+#include <algorithm>
+
+using namespace Qt::StringLiterals;
+
+namespace {
+
+/// Absent when the member is missing or no whole number.
+std::optional<qint64> jsonInteger(const QJsonObject &object, QLatin1StringView name) {
+  const QJsonValue value = object.value(name);
+  // Only what is no whole number takes both fallbacks.
+  if (value.toInteger(0) != value.toInteger(1)) return std::nullopt;
+  return value.toInteger();
+}
+
+std::optional<KaPreview> previewIn(const QJsonValue &value) {
+  const QJsonObject entry = value.toObject();
+  const auto index = jsonInteger(entry, "index"_L1);
+  const auto size = jsonInteger(entry, "file_size"_L1);
+  const auto key = jsonString(entry, "preview_object_key"_L1);
+  const auto name = jsonString(entry, "original_file_name"_L1);
+  const auto shot = jsonString(entry, "shooting_time"_L1);
+  const auto uploaded = jsonString(entry, "upload_time"_L1);
+  if (!index || !size || !key || !name || !shot || !uploaded) return std::nullopt;
+  return KaPreview{*index, *key, *size, *name, *shot, *uploaded};
+}
+
+} // namespace
+
+std::vector<KaPreview> previewsIn(const QByteArray &document) {
+  const QJsonArray data = parseJsonObject(document).value_or(QJsonObject()).value("data"_L1).toArray();
+  std::vector<KaPreview> previews;
+  previews.reserve(static_cast<std::size_t>(data.size()));
+  for (qsizetype position = 0; position < data.size(); ++position) {
+    if (auto preview = previewIn(data.at(position))) {
+      previews.push_back(std::move(*preview));
+    } else {
+      KaLogUtility::writeInfoLog(u"GetPreviewList"_s,
+                                 {u"Entry %1 is not complete and is passed over."_s.arg(position)});
+    }
+  }
+  return previews;
+}
+
+void dropTaken(std::vector<KaPreview> &previews, qint64 threshold) {
+  const auto firstNew = std::find_if(previews.begin(), previews.end(),
+                                     [threshold](const KaPreview &preview) { return preview.index > threshold; });
+  previews.erase(previews.begin(), firstNew);
+}
