@@ -8,6 +8,10 @@
     <source></source>
     <translation>Downloaderpictora</translation>
   </message>
+  <message id="APP_LONG_NAME">
+    <source></source>
+    <translation>Downloaderpictora Photo Download</translation>
+  </message>
   <!-- Start-up -->
   <message id="MSG_FIRST_LAUNCH">
     <source></source>
@@ -26,6 +30,10 @@
     <source></source>
     <translation>Download Now</translation>
   </message>
+  <message id="MENU_DISP_SETTING">
+    <source></source>
+    <translation>Download Folders…</translation>
+  </message>
   <message id="MENU_LOGIN">
     <source></source>
     <translation>Log In…</translation>
@@ -33,6 +41,14 @@
   <message id="MENU_LOGOUT">
     <source></source>
     <translation>Log Out</translation>
+  </message>
+  <message id="MENU_HELP">
+    <source></source>
+    <translation>Help</translation>
+  </message>
+  <message id="MENU_ABOUT">
+    <source></source>
+    <translation>About Downloaderpictora</translation>
   </message>
   <message id="MENU_LAUNCH_SETTING">
     <source></source>
@@ -70,6 +86,76 @@
   <message id="TOOL_TIP_STATUS_UNLINK">
     <source></source>
     <translation>Downloaderpictora: not logged in</translation>
+  </message>
+  <!-- Download folders -->
+  <message id="DLG_SETTING_SAVE_FOLDER_TITLE">
+    <source></source>
+    <translation>Where to Save Your Pictures</translation>
+  </message>
+  <message id="DLG_COMMON_BUTTON_SELECT_MAC">
+    <source></source>
+    <translation>Choose…</translation>
+  </message>
+  <message id="CHK_SETTING_SUB_10G_DOWNLOAD">
+    <source></source>
+    <translation>Also download the &amp;long-term storage (10G) and the previews to this folder:</translation>
+  </message>
+  <message id="DLG_SETTING_SAVE_SUB_FOLDER">
+    <source></source>
+    <translation>Folders by the date a picture was taken</translation>
+  </message>
+  <message id="CHK_SETTING_SUB_10G_DOWNLOAD_SUPPLEMENT">
+    <source></source>
+    <translation> (in both places)</translation>
+  </message>
+  <message id="DLG_SETTING_SAVE_SUB_FOLDER_YYYYMMDD_MAC">
+    <source></source>
+    <translation>YYYY_MM_DD</translation>
+  </message>
+  <message id="DLG_SETTING_SAVE_SUB_FOLDER_YYYY_MM_MAC">
+    <source></source>
+    <translation>YYYY/MM</translation>
+  </message>
+  <message id="DLG_SETTING_SAVE_SUB_FOLDER_YYYY_YYYYMMDD_MAC">
+    <source></source>
+    <translation>YYYY/YYYY_MM_DD</translation>
+  </message>
+  <message id="DLG_SETTING_SAVE_SUB_FOLDER_YYYY_MM_YYYYMMDD_MAC">
+    <source></source>
+    <translation>YYYY/MM/YYYY_MM_DD</translation>
+  </message>
+  <message id="DLG_SETTING_SAVE_SUB_FOLDER_NONE">
+    <source></source>
+    <translation>No folders by date</translation>
+  </message>
+  <message id="DLG_SETTING_SORTING_RULE_NAME">
+    <source></source>
+    <translation>Sorting rule</translation>
+  </message>
+  <message id="DLG_SETTING_CREATE_SUBFOLDER">
+    <source></source>
+    <translation>&amp;Sort pictures into folders by the sorting rules of your account</translation>
+  </message>
+  <message id="DLG_SETTING_DOWNLOAD_METADATA">
+    <source></source>
+    <translation>Download pictures with their &amp;metadata, where the photo service has them that way</translation>
+  </message>
+  <message id="MSG_TRANS_FOLDER_NOT_ACCESS">
+    <source></source>
+    <translation>This folder cannot be used: it is not there, or you may not write to it. Choose another folder, or create this one first.</translation>
+  </message>
+  <message id="MSG_TRANS_FOLDER_NOT_SUPPORT">
+    <source></source>
+    <translation>Pictures cannot be saved in this folder, because it lies on a removable or network disk or belongs to the system. Choose a folder on this computer’s own disk.</translation>
+  </message>
+  <message id="MSG_TRANS_FOLDER_TOO_LONG">
+    <source></source>
+    <translation>The path of this folder is too long. Choose a folder with a shorter path.</translation>
+  </message>
+  <!-- About -->
+  <message id="DLG_ABOUT_TITLE">
+    <source></source>
+    <translation>About Downloaderpictora</translation>
   </message>
   <!-- Results -->
   <message id="MSG_DOWNLOAD_COMPLETE">
