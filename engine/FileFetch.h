@@ -2,7 +2,6 @@
 
 #include "service/KaServerRequest.h"
 
-#include <QDateTime>
 #include <QString>
 
 #include <functional>

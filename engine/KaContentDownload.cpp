@@ -46,7 +46,8 @@ KaContentDownload::Loop KaContentDownload::getOne(const Variant &listed, const K
   KaResultCode &rc = carried.rc;
   KaLogUtility::writeInfoLog(u"GetContentLoop Start"_s, {contentIdLine(listed.key)});
   if (rc == KaResultCode::Success) rc = session.renewIfExpiring(carried.linkage);
-  if (state.endAppFlag) return Loop::Stop;
+  // A link that the user has closed brings no more: every check of every image that is left would be refused.
+  if (state.endAppFlag || !delegate.bLoggedIn()) return Loop::Stop;
   if (!belongsToStorage(listed.key, target, rc)) return Loop::GoOn;
   if (state.endAppFlag) return Loop::Stop;
 

@@ -57,7 +57,8 @@ public:
   /// @return ObjectMissing when there is no such object, else the request's code.
   [[nodiscard]] KaResultCode getContent(const KaContentOrder &order);
 
-  /// A new run begins: copies of the ordinary storage that stay unrecorded from now on are in keptInThisRun().
+  /// A new run begins: copies that stay unrecorded from now on are in keptInThisRun(), those of the ordinary storage by
+  /// their listed key.
   void beginRun() { keptCopies.beginRun(); }
   [[nodiscard]] const QSet<QString> &keptInThisRun() const { return keptCopies.keysOfThisRun(); }
 

@@ -23,7 +23,8 @@ QString contentIdLine(const KaPreview &preview) {
   return u"ContentId="_s + preview.preview_object_key;
 }
 
-/// When the picture was taken, else the hour it was uploaded in; invalid when neither can be read.
+/// When the picture was taken, else (untold, unreadable, or a time that a change of the clock left out) the hour it was
+/// uploaded in; invalid when neither tells.
 QDateTime dateOf(const KaPreview &preview) {
   if (const auto shot = getDateTimeFromString(preview.shooting_time, KaDateFormat::ShootingTime)) {
     KaLogUtility::writeConnectionResultLog(KaLogStep::GetExif, true,
@@ -68,7 +69,7 @@ KaPreviewDownload::Loop KaPreviewDownload::getOne(const KaPreview &preview, cons
   KaResultCode &rc = carried.rc;
   KaLogUtility::writeInfoLog(u"GetPreview Start"_s, {contentIdLine(preview)});
   if (rc == KaResultCode::Success) rc = session.renewIfExpiring(carried.linkage);
-  if (state.endAppFlag) return Loop::Stop;
+  if (state.endAppFlag || !delegate.bLoggedIn()) return Loop::Stop;
   // The failure carries over, on purpose, to all that follow.
   if (rc != KaResultCode::Success) return Loop::GoOn;
 
@@ -78,7 +79,7 @@ KaPreviewDownload::Loop KaPreviewDownload::getOne(const KaPreview &preview, cons
   }
   if (!hasRoomFor(preview.file_size, target.parentFolder)) {
     rc = KaResultCode::DiskFull;
-    return Loop::GoOn;
+    return state.endAppFlag ? Loop::Stop : Loop::GoOn;
   }
   const QDateTime date = dateOf(preview);
   if (state.endAppFlag) return Loop::Stop;

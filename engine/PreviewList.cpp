@@ -4,8 +4,10 @@
 #include "identity/JsonValue.h"
 
 #include <QJsonArray>
+#include <QJsonObject>
 
 #include <algorithm>
+#include <optional>
 
 using namespace Qt::StringLiterals;
 
@@ -25,7 +27,9 @@ std::optional<KaPreview> previewIn(const QJsonValue &value) {
   const auto size = jsonInteger(entry, "file_size"_L1);
   const auto key = jsonString(entry, "preview_object_key"_L1);
   const auto name = jsonString(entry, "original_file_name"_L1);
-  const auto shot = jsonString(entry, "shooting_time"_L1);
+  // Nothing known is as good as nothing said.
+  const bool unknown = entry.contains("shooting_time"_L1) && entry.value("shooting_time"_L1).isNull();
+  const auto shot = unknown ? QString() : jsonString(entry, "shooting_time"_L1);
   const auto uploaded = jsonString(entry, "upload_time"_L1);
   if (!index || !size || !key || !name || !shot || !uploaded) return std::nullopt;
   return KaPreview{*index, *key, *size, *name, *shot, *uploaded};
@@ -37,14 +41,10 @@ std::vector<KaPreview> previewsIn(const QByteArray &document) {
   const QJsonArray data = parseJsonObject(document).value_or(QJsonObject()).value("data"_L1).toArray();
   std::vector<KaPreview> previews;
   previews.reserve(static_cast<std::size_t>(data.size()));
-  for (qsizetype position = 0; position < data.size(); ++position) {
-    if (auto preview = previewIn(data.at(position))) {
-      previews.push_back(std::move(*preview));
-    } else {
-      KaLogUtility::writeInfoLog(u"GetPreviewList"_s,
-                                 {u"Entry %1 is not complete and is passed over."_s.arg(position)});
-    }
-  }
+  for (const QJsonValue &value : data)
+    if (auto preview = previewIn(value)) previews.push_back(std::move(*preview));
+  if (const qsizetype passedOver = data.size() - qsizetype(previews.size()); passedOver > 0)
+    KaLogUtility::writeInfoLog(u"GetPreviewList"_s, {u"Incomplete entries passed over: %1"_s.arg(passedOver)});
   return previews;
 }
 

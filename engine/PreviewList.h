@@ -1,10 +1,8 @@
 #pragma once
 
 #include <QByteArray>
-#include <QJsonObject>
 #include <QString>
 
-#include <optional>
 #include <vector>
 
 /// One entry of the service's list of previews.
@@ -15,11 +13,9 @@ struct KaPreview {
   QString original_file_name; ///< the name to save under
   QString shooting_time;      ///< "yyyy-MM-dd'T'HH:mm:ss", system time zone; may be empty
   QString upload_time;        ///< "yyyyMMdd/HH", UTC
-
-  friend bool operator==(const KaPreview &, const KaPreview &) = default;
 };
 
-/// The entries of a list document, in its order. What is no whole entry is passed over with a log line; a document
+/// The entries of a list document, in its order. What is no whole entry is passed over, which the log tells; a document
 /// without a "data" array has none.
 [[nodiscard]] std::vector<KaPreview> previewsIn(const QByteArray &document);
 

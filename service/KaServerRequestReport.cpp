@@ -12,6 +12,7 @@ using namespace Qt::StringLiterals;
 namespace {
 
 const QString kContentType = u"application/x-amz-json-1.1"_s;
+constexpr qsizetype kLongestErrorCode = 200;
 const QString kTarget = u"Logs_20140328.PutLogEvents"_s;
 
 QString authorizationFor(const KaCredential &credential, const QString &timestamp, const QString &host,
@@ -32,7 +33,8 @@ QString authorizationFor(const KaCredential &credential, const QString &timestam
 void writeFailureLog(const ServerAnswer &answer) {
   QStringList lines{u"HTTP="_s + QString::number(answer.statusCode)};
   const QJsonValue error = QJsonDocument::fromJson(answer.data).object().value("error"_L1);
-  if (!error.isUndefined()) lines << u"ErrorCode="_s + error.toVariant().toString();
+  // One line, whatever the service sends.
+  if (error.isString()) lines << u"ErrorCode="_s + error.toString().left(kLongestErrorCode).simplified();
   KaLogUtility::writeInfoLog(u"notifyDownloadCompletion"_s, lines);
 }
 
