@@ -7,6 +7,8 @@ namespace platform {
 
 [[nodiscard]] QString applicationSupportFolder();
 [[nodiscard]] QString picturesFolder();
+/// The program's own files, as they were installed with it.
+[[nodiscard]] QString installedDataFolder();
 /// Where programs are installed, for all users and for this one.
 [[nodiscard]] QStringList applicationFolders();
 /// The system's own places.

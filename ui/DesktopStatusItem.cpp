@@ -24,9 +24,12 @@ QString tooltipOf(const StatusItemState &state) {
 DesktopStatusItem::DesktopStatusItem(QObject *parent)
     : StatusItemView(parent), download(addEntry(StatusEntry::Download, "MENU_DOWNLOAD"_L1)) {
   menu.addSeparator();
+  addEntry(StatusEntry::DispSetting, "MENU_DISP_SETTING"_L1);
   link = addEntry(StatusEntry::Link, "MENU_LOGIN"_L1);
   logout = addEntry(StatusEntry::Logout, "MENU_LOGOUT"_L1);
   menu.addSeparator();
+  addEntry(StatusEntry::Help, "MENU_HELP"_L1);
+  addEntry(StatusEntry::About, "MENU_ABOUT"_L1);
   launchSetting = addEntry(StatusEntry::LaunchSetting, "MENU_LAUNCH_SETTING"_L1);
   launchSetting->setCheckable(true);
   menu.addSeparator();

@@ -6,6 +6,9 @@
 #include "platform/LoginItem.h"
 #include "platform/Opening.h"
 #include "platform/UserDefaults.h"
+#include "ui/HelpPages.h"
+#include "ui/KaDownloadFolderSettingView.h"
+#include "ui/KaVersionInformationView.h"
 #include "ui/Texts.h"
 
 #include <QCoreApplication>
@@ -33,6 +36,12 @@ KaNotifyIcon::KaNotifyIcon(KaModelFacade &facade, StatusItemView &view, const Ka
   mailbox.post([this] { iconDraw(); });
 }
 
+KaNotifyIcon::~KaNotifyIcon() {
+  if (!dialog) return;
+  dialog->disconnect(this);
+  delete dialog;
+}
+
 void KaNotifyIcon::Detach::operator()(KaModelFacade *facade) const {
   facade->setDlDelegate(nullptr);
 }
@@ -46,7 +55,7 @@ void KaNotifyIcon::onProcessingResult(KaModelFacade & /*facade*/, KaResultCode r
 }
 
 void KaNotifyIcon::onCompleteLinkageSetting() {
-  QTimer::singleShot(times.startDelay, this, [this] { guarded([this] { startInitialRun(); }); });
+  guarded([this] { confirmFolders(); });
 }
 
 void KaNotifyIcon::onSetEnableLogginMenu(bool enable) {
@@ -66,6 +75,30 @@ void KaNotifyIcon::onChangeLinkage(bool linked) {
 
 void KaNotifyIcon::setIdCode(const QString &token) {
   model.setIdCode(token);
+}
+
+template <class Dialog, class... Arguments> void KaNotifyIcon::openDialog(Arguments &...arguments) {
+  if (!dialog) {
+    dialog = new Dialog(arguments...);
+    dialog->setAttribute(Qt::WA_DeleteOnClose);
+    // A modal window would take the menu of the status item away on some desktops, and with it the way to quit.
+    dialog->setModal(false);
+    dialog->show();
+  }
+  dialog->raise();
+  dialog->activateWindow();
+}
+
+/// Once the user has seen where the pictures go, whatever the answer, the first run begins.
+void KaNotifyIcon::confirmFolders() {
+  const bool otherWindowOpen = dialog && !qobject_cast<KaDownloadFolderSettingView *>(dialog);
+  openDialog<KaDownloadFolderSettingView>(model);
+  if (otherWindowOpen) {
+    connect(dialog, &QObject::destroyed, this, &KaNotifyIcon::onCompleteLinkageSetting, Qt::UniqueConnection);
+    return;
+  }
+  connect(dialog, &QDialog::finished, this,
+          [this] { QTimer::singleShot(times.startDelay, this, [this] { guarded([this] { startInitialRun(); }); }); });
 }
 
 void KaNotifyIcon::startInitialRun() {
@@ -112,10 +145,16 @@ void KaNotifyIcon::perform(StatusEntry entry) {
   switch (entry) {
   case StatusEntry::Download:
     return menuAction_Download();
+  case StatusEntry::DispSetting:
+    return menuAction_DispSetting();
   case StatusEntry::Link:
     return menuAction_Link();
   case StatusEntry::Logout:
     return menuAction_Logout();
+  case StatusEntry::Help:
+    return menuAction_Help();
+  case StatusEntry::About:
+    return menuAction_About();
   case StatusEntry::LaunchSetting:
     return menuAction_LaunchSetting();
   case StatusEntry::Exit:
@@ -125,6 +164,20 @@ void KaNotifyIcon::perform(StatusEntry entry) {
 
 void KaNotifyIcon::menuAction_Download() {
   guarded([this] { model.downloadNow(/*initialAccess=*/false); });
+}
+
+void KaNotifyIcon::menuAction_DispSetting() {
+  guarded([this] { openDialog<KaDownloadFolderSettingView>(model); });
+}
+
+void KaNotifyIcon::menuAction_Help() {
+  guarded([] {
+    if (!platform::openUrl(helpPageUrl())) KaLogUtility::writeErrorLog(u"the help cannot be shown"_s);
+  });
+}
+
+void KaNotifyIcon::menuAction_About() {
+  guarded([this] { openDialog<KaVersionInformationView>(); });
 }
 
 void KaNotifyIcon::menuAction_Link() {

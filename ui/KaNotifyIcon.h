@@ -7,7 +7,9 @@
 #include "ui/StatusItemState.h"
 #include "ui/StatusItemView.h"
 
+#include <QDialog>
 #include <QObject>
+#include <QPointer>
 #include <QString>
 #include <QTimer>
 
@@ -33,6 +35,7 @@ public:
   /// Becomes the facade's delegate, loads the settings and the link, so the first run may begin. @p model and
   /// @p statusItem outlive this object; destroy it only after appFinalize.
   KaNotifyIcon(KaModelFacade &model, StatusItemView &statusItem, const KaNotifyIconTimes &times = {});
+  ~KaNotifyIcon() override;
 
   void onChangeStatus(KaModelFacade &facade, KaAppStatus statusMode) override;
   void onProcessingResult(KaModelFacade &facade, KaResultCode result, bool userTrigger) override;
@@ -48,8 +51,11 @@ public:
   /// @{
   void perform(StatusEntry entry);
   void menuAction_Download();
+  void menuAction_DispSetting();
   void menuAction_Link();
   void menuAction_Logout();
+  void menuAction_Help();
+  void menuAction_About();
   void menuAction_LaunchSetting();
   void menuAction_ExitApp();
   /// @}
@@ -67,6 +73,9 @@ private:
   void startMenu(bool linked);
   void applyResult(KaResultCode result, bool userTrigger);
   void reportResult(KaResultCode result, QLatin1StringView messageKey, bool userTrigger);
+  /// Opens a window of its own, or brings the one before the user that is open.
+  template <class Dialog, class... Arguments> void openDialog(Arguments &...arguments);
+  void confirmFolders();
   void startInitialRun();
   void notificationActivated(const QString &processingResult);
   void openFolder(const QString &path);
@@ -83,6 +92,7 @@ private:
   qint32 animationCount = 0;
   bool bLinkage = false;
   StatusItemState shown;
+  QPointer<QDialog> dialog; ///< the settings or the about window, one at a time; deletes itself
 
   std::atomic<bool> bLogginEnabled = true;
 

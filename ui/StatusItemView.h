@@ -6,7 +6,7 @@
 struct StatusItemState;
 
 /// The entries of the menu, in its order.
-enum class StatusEntry { Download, Link, Logout, LaunchSetting, Exit };
+enum class StatusEntry { Download, DispSetting, Link, Logout, Help, About, LaunchSetting, Exit };
 
 /// What the status item's controller shows and is told by the user. Main thread; no function blocks.
 class StatusItemView : public QObject {

@@ -99,6 +99,10 @@ void AppDelegate::handleUrl(const QString &url) {
   });
 }
 
+void AppDelegate::activate() {
+  whenStarted([](KaNotifyIcon &notify) { notify.perform(StatusEntry::DispSetting); });
+}
+
 void AppDelegate::performAction(const QString &action) {
   const auto entry = entryOfAction(action);
   if (!entry) return;
@@ -125,8 +129,11 @@ QString idTokenOf(const QString &url) {
 
 std::optional<StatusEntry> entryOfAction(const QString &action) {
   if (action == u"download") return StatusEntry::Download;
+  if (action == u"settings") return StatusEntry::DispSetting;
   if (action == u"link") return StatusEntry::Link;
   if (action == u"logout") return StatusEntry::Logout;
+  if (action == u"help") return StatusEntry::Help;
+  if (action == u"about") return StatusEntry::About;
   if (action == u"quit") return StatusEntry::Exit;
   return std::nullopt;
 }

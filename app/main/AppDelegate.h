@@ -30,6 +30,7 @@ public:
   /// @name What reaches the program from outside. Kept until the status item exists.
   /// @{
   void handleUrl(const QString &url);
+  void activate(); ///< a second start: shows the settings, which is all that the agent has to show
   void performAction(const QString &action);
   /// @}
 

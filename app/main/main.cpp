@@ -7,6 +7,7 @@
 #include "ui/Texts.h"
 
 #include <QApplication>
+#include <QIcon>
 #include <QTimer>
 
 #include <cstdio>
@@ -47,6 +48,7 @@ void describe() {
   QApplication::setApplicationName(app.name);
   QApplication::setApplicationVersion(app.version);
   QApplication::setDesktopFileName(QString::fromUtf16(platform::kApplicationId));
+  QApplication::setWindowIcon(QIcon::fromTheme(QApplication::desktopFileName(), QIcon(u":/images/img_app_info.svg"_s)));
   // The agent lives in the status bar: closing its last window ends nothing.
   QApplication::setQuitOnLastWindowClosed(false);
 }
@@ -65,6 +67,7 @@ int runAgent(int &argc, char **argv, const CommandLine &commandLine) {
   QObject::connect(&terminationSignals, &platform::TerminationSignals::terminationRequested, &delegate,
                    &AppDelegate::terminate);
   QObject::connect(&instance, &SingleInstance::urlReceived, &delegate, &AppDelegate::handleUrl);
+  QObject::connect(&instance, &SingleInstance::activated, &delegate, &AppDelegate::activate);
   QObject::connect(&instance, &SingleInstance::actionRequested, &delegate, &AppDelegate::performAction);
   if (commandLine.url) delegate.handleUrl(*commandLine.url);
   QTimer::singleShot(0, &delegate, &AppDelegate::applicationDidFinishLaunching);

@@ -1,5 +1,6 @@
 #include "platform/Folders.h"
 
+#include <QCoreApplication>
 #include <QDir>
 #include <QFileInfo>
 #include <QStandardPaths>
@@ -19,6 +20,10 @@ QString applicationSupportFolder() {
 
 QString picturesFolder() {
   return QStandardPaths::writableLocation(QStandardPaths::PicturesLocation);
+}
+
+QString installedDataFolder() {
+  return QDir::cleanPath(QCoreApplication::applicationDirPath() + u"/../share/downloaderpictora"_s);
 }
 
 QStringList applicationFolders() {

@@ -1,0 +1,51 @@
+#include "ui/KaCustomImageView.h"
+
+#include "app/KaModelFacade.h"
+#include "app/log/KaLogUtility.h"
+#include "platform/ModifierKeys.h"
+#include "platform/Opening.h"
+#include "ui/KaLogStateDelegate.h"
+
+#include <QKeyEvent>
+#include <QMouseEvent>
+
+using namespace Qt::StringLiterals;
+
+KaCustomImageView::KaCustomImageView(QWidget *parent) : QLabel(parent) {
+  setFocusPolicy(Qt::StrongFocus);
+}
+
+void KaCustomImageView::flagsChanged(const QKeyEvent &event) {
+  switch (platform::modifierKeyOf(event)) {
+  case platform::ModifierKey::LeftCommand:
+    clickingCommandKey = event.modifiers().testFlag(Qt::ControlModifier);
+    return;
+  case platform::ModifierKey::LeftShift:
+  case platform::ModifierKey::RightShift:
+    clickingShiftKey = event.modifiers().testFlag(Qt::ShiftModifier);
+    return;
+  case platform::ModifierKey::Other:
+    return;
+  }
+}
+
+void KaCustomImageView::keyPressEvent(QKeyEvent *event) {
+  flagsChanged(*event);
+  QLabel::keyPressEvent(event);
+}
+
+void KaCustomImageView::keyReleaseEvent(QKeyEvent *event) {
+  flagsChanged(*event);
+  QLabel::keyReleaseEvent(event);
+}
+
+void KaCustomImageView::mousePressEvent(QMouseEvent * /*event*/) {
+  KaModelFacade &facade = KaModelFacade::sharedInstance();
+  if (clickingCommandKey) {
+    facade.switchLogMode();
+    if (dLogDelegate) dLogDelegate->didSwitchStatus();
+  } else if (clickingShiftKey) {
+    const auto folder = facade.getOutputLogFilePath();
+    if (!folder || !platform::openFolder(*folder)) KaLogUtility::writeErrorLog(u"the log folder cannot be shown"_s);
+  }
+}
