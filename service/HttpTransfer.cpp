@@ -187,11 +187,11 @@ public:
       : endFlag(flag), idleLimit(secondsFromUserDefaults(u"timeoutIntervalForRequest"_s, 10)),
         wholeLimit(secondsFromUserDefaults(u"timeoutIntervalForResource"_s, 60)),
         anchors(platform::standardUserDefaults().string(u"trustedCertificatesFile"_s).value_or(QString())),
-        multi(isLibraryReady() ? curl_multi_init() : nullptr), easy(multi ? curl_easy_init() : nullptr) {}
+        multi(isLibraryReady() ? curl_multi_init() : nullptr) {}
 
-  [[nodiscard]] bool prepare(const HttpRequest &request, const QByteArray &url, const HeaderList &headers,
-                             Exchange &exchange);
-  [[nodiscard]] TransportOutcome run(std::chrono::milliseconds wait, const Exchange &exchange);
+  [[nodiscard]] bool prepare(const EasyHandle &easy, const HttpRequest &request, const QByteArray &url,
+                             const HeaderList &headers, Exchange &exchange) const;
+  [[nodiscard]] TransportOutcome run(const EasyHandle &easy, std::chrono::milliseconds wait, const Exchange &exchange);
   void cancel();
 
   /// None while no thread is in perform(); only cancel() makes it Cancelled.
@@ -204,7 +204,6 @@ public:
   const std::chrono::milliseconds wholeLimit;
   const TrustAnchors anchors;
   const MultiHandle multi;
-  const EasyHandle easy;
 
 private:
   [[nodiscard]] bool hasToEnd() const { return flight == Flight::Cancelled || (endFlag && *endFlag); }
@@ -216,13 +215,15 @@ HttpTransfer::HttpTransfer(const std::atomic<bool> *endFlag) : d(std::make_uniqu
 HttpTransfer::~HttpTransfer() = default;
 
 HttpAnswer HttpTransfer::perform(const HttpRequest &request, const BodySink &sink) {
-  Exchange exchange(d->easy.get(), sink);
+  // A handle that refused an exchange before it had a connection would refuse every later one, too.
+  const EasyHandle easy(d->multi ? curl_easy_init() : nullptr);
+  Exchange exchange(easy.get(), sink);
   const QByteArray url = wireUrl(request.url);
   const HeaderList headers = headerList(request.headers);
-  if (!d->prepare(request, url, headers, exchange)) return exchange.finished(TransportOutcome::Failed);
+  if (!d->prepare(easy, request, url, headers, exchange)) return exchange.finished(TransportOutcome::Failed);
 
   d->flight = Private::Flight::UnderWay;
-  const TransportOutcome outcome = d->run(request.wait, exchange);
+  const TransportOutcome outcome = d->run(easy, request.wait, exchange);
   d->flight = Private::Flight::None;
   return exchange.finished(outcome);
 }
@@ -237,10 +238,9 @@ void HttpTransfer::Private::cancel() {
   if (flight.compare_exchange_strong(expected, Flight::Cancelled)) static_cast<void>(curl_multi_wakeup(multi.get()));
 }
 
-bool HttpTransfer::Private::prepare(const HttpRequest &request, const QByteArray &url, const HeaderList &headers,
-                                    Exchange &exchange) {
+bool HttpTransfer::Private::prepare(const EasyHandle &easy, const HttpRequest &request, const QByteArray &url,
+                                    const HeaderList &headers, Exchange &exchange) const {
   if (!easy || !headers) return false;
-  curl_easy_reset(easy.get());
   Options options(easy.get());
   options.set(CURLOPT_URL, url.constData())
       .set(CURLOPT_PROTOCOLS_STR, "https")
@@ -274,7 +274,8 @@ bool HttpTransfer::Private::prepare(const HttpRequest &request, const QByteArray
   return options.allAccepted();
 }
 
-TransportOutcome HttpTransfer::Private::run(std::chrono::milliseconds wait, const Exchange &exchange) {
+TransportOutcome HttpTransfer::Private::run(const EasyHandle &easy, std::chrono::milliseconds wait,
+                                            const Exchange &exchange) {
   const Attachment attachment(multi.get(), easy.get());
   if (!attachment.holds()) return TransportOutcome::Failed;
 

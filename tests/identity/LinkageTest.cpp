@@ -1,159 +1,141 @@
+#include "app/log/KaLogUtility.h"
 #include "identity/KaCryptionUtility.h"
 #include "identity/KaLinkageUtility.h"
+#include "tests/identity/SigningVectors.h"
+#include "tests/log/LogFile.h"
+#include "tests/service/ServiceFixture.h"
 #include "tests/support/FakeBrowser.h"
-#include "tests/support/TestProfile.h"
 
-#include <QDir>
-#include <QFile>
-#include <QRegularExpression>
-
-#include <gtest/gtest.h>
+#include <QJsonArray>
 
 using namespace Qt::StringLiterals;
+using sandbox::Fault;
 
 namespace {
 
-class Linkage : public testing::Test {
-protected:
-  [[nodiscard]] QString folder() const {
-    return profile.dataFolder() + u"/NORVALE INC/Downloaderpictora Shared/PairingInfo"_s;
-  }
-  [[nodiscard]] QString file(const QString &name) const { return folder() + u'/' + name; }
-  [[nodiscard]] QByteArray contentOf(const QString &name) const {
-    QFile opened(file(name));
-    return opened.open(QFile::ReadOnly) ? opened.readAll() : QByteArray();
-  }
-  void put(const QString &name, const QByteArray &content) const {
-    QDir().mkpath(folder());
-    QFile opened(file(name));
-    ASSERT_TRUE(opened.open(QFile::WriteOnly));
-    opened.write(content);
-  }
+const QString kKey = u"d559c2254fbbf739fad7c6549f630c1b"_s;
 
-  const TestProfile profile;
-};
-
-TEST_F(Linkage, readsAsAbsentBeforeAnythingWasSaved) {
-  EXPECT_EQ(KaLinkageUtility::loadLinkageSetting(), std::nullopt);
-  EXPECT_EQ(KaLinkageUtility::loadCodeVerifier(), std::nullopt);
-  EXPECT_EQ(KaLinkageUtility::loadTokenCode(), std::nullopt);
-  EXPECT_FALSE(KaLinkageUtility::existCodeVerifier());
+TEST(Cryption, enciphersAndHashesAsOtherImplementationsDo) {
+  const QJsonArray vectors = signingVectors()["aes256ecb"_L1].toArray();
+  ASSERT_FALSE(vectors.isEmpty());
+  for (const auto &vector : vectors) {
+    const QString plain = vector["plain"_L1].toString();
+    auto enciphered = KaCryptionUtility::encrypt(plain, vector["keyText"_L1].toString() + u"more"_s).value();
+    EXPECT_EQ(KaCryptionUtility::decrypt(enciphered, vector["keyText"_L1].toString()), plain);
+    EXPECT_EQ(enciphered.remove(u"\r\n"_s), vector["base64Unbroken"_L1].toString());
+  }
+  // FIPS 180-2, appendix B.1.
+  EXPECT_EQ(KaCryptionUtility::toSHA256hash(u"abc"_s),
+            u"ba7816bf8f01cfea414140de5dae2223b00361a396177a9cb410ff61f20015ad"_s);
+  const QJsonValue pkce = signingVectors()["pkceS256"_L1][0];
+  EXPECT_EQ(KaCryptionUtility::GenerateCodeS256Challenge(pkce["verifier"_L1].toString()),
+            pkce["challenge"_L1].toString());
 }
 
-TEST_F(Linkage, keepsEachTextInItsOwnEncipheredFile) {
-  const QString token = u"eyJ"_s + QString(900, u'x');
-  EXPECT_TRUE(KaLinkageUtility::saveLinkageSetting(token));
+TEST(Cryption, breaksLinesAndReadsDamagedOrForeignTextsAsAbsent) {
+  EXPECT_EQ(KaCryptionUtility::encrypt(QString(47, u'x'), kKey)->size(), 64) << "no line follows";
+  EXPECT_EQ(KaCryptionUtility::encrypt(QString(96, u'x'), kKey)->split(u"\r\n"_s).value(1).size(), 64);
+  const QString text = u" 6XNf1it6\r\nIvEU\tkUaxmo0ppw==\n"_s;
+  EXPECT_EQ(KaCryptionUtility::decrypt(text, kKey), u"a"_s);
+  for (const QString &damaged : {u""_s, u"(hello, world)"_s, u"6XNf1it6IvEUkUaxmo0="_s, u"7YjHdEw3QScwGI9u4AHskA=="_s})
+    EXPECT_EQ(KaCryptionUtility::decrypt(damaged, kKey), std::nullopt) << qPrintable(damaged);
+  for (const QString &key : {QString(32, u'0'), kKey.left(31), QString()})
+    EXPECT_EQ(KaCryptionUtility::decrypt(text, key), std::nullopt) << qPrintable(key);
+  EXPECT_EQ(KaCryptionUtility::encrypt(text, kKey.left(31)), std::nullopt);
+}
+
+struct Linkage : ServiceTest {
+  void put(const QString &name, const QString &content) const {
+    QFile file(folder.filePath(name));
+    ASSERT_TRUE(folder.mkpath(u"."_s) && file.open(QFile::WriteOnly) && file.write(content.toUtf8()) >= 0);
+  }
+  KaResultCode exchangeCode() { return request.getTokenCode(login.codeVerifier, login.idToken); }
+  ServerAnswer refresh() { return request.refreshIdToken(url(u"api"_s, u"/refreshToken"_s), login.idToken, u"NEW"_s); }
+
+  QDir folder{profile.dataFolder() + u"/NORVALE INC/Downloaderpictora Shared/PairingInfo"_s};
+  const sandbox::LinkedToken login = service.issueUnlinkedToken();
+  KaServerRequest request;
+};
+
+TEST_F(Linkage, keepsEachTextEncipheredForTheUserAloneUntilItForgets) {
+  put(u"PairingInfo"_s, u"an old file that anybody may read"_s);
+  put(u"tmpFile"_s, u"damaged"_s);
+  EXPECT_EQ(KaLinkageUtility::loadCodeVerifier(), std::nullopt);
+  EXPECT_FALSE(KaLinkageUtility::existCodeVerifier()) << "what cannot be read goes too";
+  EXPECT_TRUE(KaLinkageUtility::saveLinkageSetting(login.idToken));
   EXPECT_TRUE(KaLinkageUtility::saveCodeVerifier(u"verifier"_s));
   EXPECT_TRUE(KaLinkageUtility::saveTokenCode(u"code"_s));
-  EXPECT_EQ(KaLinkageUtility::loadLinkageSetting(), token);
+  EXPECT_EQ(KaLinkageUtility::loadLinkageSetting(), login.idToken);
   EXPECT_EQ(KaLinkageUtility::loadTokenCode(), u"code"_s);
-  EXPECT_EQ(QDir(folder()).entryList(QDir::Files), QStringList({u"PairingCode"_s, u"PairingInfo"_s, u"tmpFile"_s}));
-  EXPECT_EQ(KaCryptionUtility::decrypt(QString::fromUtf8(contentOf(u"tmpFile"_s))), u"verifier"_s);
-  EXPECT_FALSE(contentOf(u"PairingInfo"_s).contains("eyJ"));
-}
-
-TEST_F(Linkage, letsOnlyTheUserRead) {
-  put(u"PairingInfo"_s, "an old file that anybody may read");
-  QFile::setPermissions(file(u"PairingInfo"_s), QFile::ReadOwner | QFile::WriteOwner | QFile::ReadOther);
-  ASSERT_TRUE(KaLinkageUtility::saveLinkageSetting(u"token"_s));
-  ASSERT_TRUE(KaLinkageUtility::saveTokenCode(u"code"_s));
-  const auto others = QFile::ReadGroup | QFile::WriteGroup | QFile::ReadOther | QFile::WriteOther | QFile::ExeOther;
-  EXPECT_FALSE(QFile::permissions(file(u"PairingInfo"_s)) & others);
-  EXPECT_FALSE(QFile::permissions(file(u"PairingCode"_s)) & others);
-}
-
-TEST_F(Linkage, makesItsFolderForTheUserAlone) {
-  ASSERT_TRUE(KaLinkageUtility::saveTokenCode(u"code"_s));
-  EXPECT_FALSE(QFile::permissions(folder())
-               & (QFile::ReadGroup | QFile::ExeGroup | QFile::ReadOther | QFile::ExeOther));
-}
-
-TEST_F(Linkage, handsTheCodeVerifierOutOnce) {
-  ASSERT_TRUE(KaLinkageUtility::saveCodeVerifier(u"verifier"_s));
   EXPECT_TRUE(KaLinkageUtility::existCodeVerifier());
+  EXPECT_EQ(folder.entryList(QDir::Files), QStringList({u"PairingCode"_s, u"PairingInfo"_s, u"tmpFile"_s}));
+  for (const QFileInfo &file : folder.entryInfoList(QDir::Files))
+    EXPECT_FALSE(file.permissions() & (QFile::ReadGroup | QFile::WriteGroup | QFile::ReadOther | QFile::WriteOther));
   EXPECT_EQ(KaLinkageUtility::loadCodeVerifier(), u"verifier"_s);
-  EXPECT_FALSE(KaLinkageUtility::existCodeVerifier());
-  EXPECT_EQ(KaLinkageUtility::loadCodeVerifier(), std::nullopt);
-}
-
-TEST_F(Linkage, dropsACodeVerifierThatCannotBeRead) {
-  put(u"tmpFile"_s, "damaged");
-  EXPECT_TRUE(KaLinkageUtility::existCodeVerifier());
-  EXPECT_EQ(KaLinkageUtility::loadCodeVerifier(), std::nullopt);
-  EXPECT_FALSE(KaLinkageUtility::existCodeVerifier());
-}
-
-TEST_F(Linkage, forgetsAllThreeTexts) {
-  ASSERT_TRUE(KaLinkageUtility::saveLinkageSetting(u"token"_s));
-  ASSERT_TRUE(KaLinkageUtility::saveCodeVerifier(u"verifier"_s));
-  ASSERT_TRUE(KaLinkageUtility::saveTokenCode(u"code"_s));
+  EXPECT_EQ(KaLinkageUtility::loadCodeVerifier(), std::nullopt) << "it is handed out once";
+  EXPECT_TRUE(KaLinkageUtility::saveCodeVerifier(u"verifier"_s));
   KaLinkageUtility::deletePairingInfo();
-  EXPECT_TRUE(QDir(folder()).entryList(QDir::Files | QDir::Hidden).isEmpty());
+  EXPECT_EQ(folder.entryList(QDir::Files | QDir::Hidden), QStringList());
 }
 
-TEST_F(Linkage, readsAForeignOrDamagedFileAsAbsent) {
-  ASSERT_TRUE(KaLinkageUtility::saveLinkageSetting(QString(200, u't')));
-  const QByteArray whole = contentOf(u"PairingInfo"_s);
-  const auto foreign = KaCryptionUtility::encrypt(QString(200, u't'), QString(64, u'f'));
-  ASSERT_TRUE(foreign);
-  for (const QByteArray &content : {foreign->toUtf8(), whole.left(whole.size() / 2), whole.mid(8), QByteArray(),
-                                    QByteArray("plain token"), QByteArray("\xff\xfe\0\x01", 4)}) {
+TEST_F(Linkage, readsAForeignOrDamagedFileAsAbsentAndSavesNothingWhereItsFolderIsAFile) {
+  const QString whole = KaCryptionUtility::encrypt(login.idToken, KaCryptionUtility::secretKey()).value();
+  const QString foreign = KaCryptionUtility::encrypt(login.idToken, QString(64, u'f')).value();
+  for (const QString &content : {foreign, whole.left(whole.size() / 2), u""_s, whole}) {
     put(u"PairingInfo"_s, content);
-    EXPECT_EQ(KaLinkageUtility::loadLinkageSetting(), std::nullopt) << content.constData();
+    EXPECT_EQ(KaLinkageUtility::loadLinkageSetting().has_value(), content == whole) << qPrintable(content);
   }
-}
-
-TEST_F(Linkage, cannotSaveWhereItsFolderIsAFile) {
-  ASSERT_TRUE(QDir().mkpath(QFileInfo(folder()).path()));
-  QFile inTheWay(folder());
-  ASSERT_TRUE(inTheWay.open(QFile::WriteOnly));
-  inTheWay.write("content");
-  inTheWay.close();
+  ASSERT_TRUE(folder.removeRecursively() && QFile(folder.path()).open(QFile::WriteOnly));
   EXPECT_FALSE(KaLinkageUtility::saveLinkageSetting(u"token"_s));
-  EXPECT_EQ(KaLinkageUtility::loadLinkageSetting(), std::nullopt);
-  EXPECT_EQ(inTheWay.size(), 7);
 }
 
-TEST_F(Linkage, makesNoncesThatDiffer) {
-  static const QRegularExpression form(u"^[A-Za-z0-9_-]{86}$"_s);
-  const QString first = KaLinkageUtility::GenerateNonce();
-  EXPECT_TRUE(form.match(first).hasMatch()) << qPrintable(first);
-  EXPECT_NE(first, KaLinkageUtility::GenerateNonce());
-}
-
-class LinkageInTheBrowser : public Linkage {
-protected:
-  LinkageInTheBrowser() {
-    profile.writeUserDefaults(
-        {{u"strataHostName"_s, u"api.example.test:1"_s}, {u"strataSiteTopHostName"_s, u"www.example.test:2"_s}});
-  }
-  const FakeBrowser browser{profile};
-};
-
-TEST_F(LinkageInTheBrowser, opensTheLoginPageForTheVerifierThatItKeeps) {
-  EXPECT_TRUE(KaLinkageUtility::setupLinkage(u"THE-NONCE"_s));
-  const auto verifier = KaLinkageUtility::loadCodeVerifier();
-  ASSERT_TRUE(verifier);
-  EXPECT_EQ(verifier->size(), 86);
-  EXPECT_EQ(browser.takeUrl(), u"https://api.example.test:1/getLogin"
-                               "?appRedirectUrl=https://www.example.test:2/st/downloader-login.html&nonce=THE-NONCE"
-                               "&codeChallenge="_s
-                                   + KaCryptionUtility::GenerateCodeS256Challenge(*verifier)
-                                   + u"&downloaderRedirectUrl=downloaderpictora://authenticate&strataClient=pc_2.0"
-                                     "&view=login"_s);
-}
-
-TEST_F(LinkageInTheBrowser, keepsNoVerifierWhenThereIsNoBrowser) {
-  browser.uninstall();
-  EXPECT_FALSE(KaLinkageUtility::setupLinkage(u"nonce"_s));
-  EXPECT_FALSE(KaLinkageUtility::existCodeVerifier());
-  EXPECT_FALSE(KaLinkageUtility::closeLinkage());
-}
-
-TEST_F(LinkageInTheBrowser, opensTheLogoutPage) {
+TEST_F(Linkage, opensThePagesOfTheServiceAndKeepsTheVerifier) {
+  const FakeBrowser browser(profile);
+  EXPECT_TRUE(KaLinkageUtility::setupLinkage(u"NONCE"_s));
+  const QString verifier = KaLinkageUtility::loadCodeVerifier().value_or(QString());
+  EXPECT_TRUE(QRegularExpression(u"^[A-Za-z0-9_-]{86}$"_s).match(verifier).hasMatch()) << qPrintable(verifier);
+  EXPECT_NE(verifier, KaLinkageUtility::GenerateNonce());
+  EXPECT_EQ(browser.takeUrl(),
+            url(u"api"_s, u"/getLogin?appRedirectUrl="_s) + url(u"www"_s, u"/st/downloader-login.html&nonce=NONCE"_s)
+                + u"&codeChallenge="_s + KaCryptionUtility::GenerateCodeS256Challenge(verifier)
+                + u"&downloaderRedirectUrl=downloaderpictora://authenticate&strataClient=pc_2.0&view=login"_s);
   EXPECT_TRUE(KaLinkageUtility::closeLinkage());
   EXPECT_EQ(browser.takeUrl(),
-            u"https://api.example.test:1/logout?appRedirectUrl=https://www.example.test:2/st/downloader-logout.html"_s);
+            url(u"api"_s, u"/logout?appRedirectUrl="_s) + url(u"www"_s, u"/st/downloader-logout.html"_s));
+  browser.uninstall();
+  EXPECT_FALSE(KaLinkageUtility::setupLinkage(u"NONCE"_s));
+  EXPECT_FALSE(KaLinkageUtility::existCodeVerifier());
+}
+
+TEST_F(Linkage, exchangesTheVerifierForATokenCodeAndThatForTokens) {
+  KaLogUtility::switchLogStatus();
+  EXPECT_EQ(exchangeCode(), KaResultCode::Success);
+  const QString firstCode = KaLinkageUtility::loadTokenCode().value();
+  EXPECT_EQ(service.requests().constLast().header("Content-Type"), "application/json");
+  const ServerAnswer answer = refresh();
+  EXPECT_EQ(answer.result, KaResultCode::Success);
+  EXPECT_EQ(service.requests().constLast().header("Content-Type"), "application/json");
+  EXPECT_TRUE(answer.data.contains("\"NEW\"")) << "the nonce that was asked for";
+  EXPECT_TRUE(answer.data.contains(KaLinkageUtility::loadTokenCode()->toUtf8()));
+  EXPECT_NE(KaLinkageUtility::loadTokenCode(), firstCode);
+  EXPECT_EQ(loggedLines(profile).filter(u" saveTokenCode_complete "_s).size(), 1);
+}
+
+TEST_F(Linkage, keepsTheTokenCodeWhenAnAnswerIsBad) {
+  ASSERT_TRUE(KaLinkageUtility::saveTokenCode(u"the last good one"_s));
+  const std::pair<Fault, KaResultCode> cases[] = {
+      {{.status = 403}, KaResultCode::LinkInvalid},
+      {{.kind = Fault::Kind::MalformedBody}, KaResultCode::Offline},
+      {{.kind = Fault::Kind::Body, .body = R"([{"tokenCode":"c"}])"}, KaResultCode::NoBody},
+      {{.kind = Fault::Kind::Body, .body = R"({"tokenCode":7})"}, KaResultCode::NoBody},
+  };
+  for (const auto &[fault, result] : cases) {
+    service.order(sandbox::Endpoint::TokenCode, fault);
+    service.order(sandbox::Endpoint::RefreshToken, fault);
+    EXPECT_EQ(exchangeCode(), result) << fault.status << ' ' << fault.body.constData();
+    EXPECT_EQ(refresh().result, result) << fault.status << ' ' << fault.body.constData();
+    EXPECT_EQ(KaLinkageUtility::loadTokenCode(), u"the last good one"_s);
+  }
 }
 
 } // namespace

@@ -1,128 +1,139 @@
+#include "app/log/KaLogUtility.h"
 #include "identity/KaIdVerificationUtility.h"
 #include "tests/identity/SigningVectors.h"
+#include "tests/log/LogFile.h"
+#include "tests/service/ServiceFixture.h"
 
-#include <QJsonArray>
-#include <QStringList>
-
-#include <gtest/gtest.h>
+#include <QDateTime>
 
 using namespace Qt::StringLiterals;
+using sandbox::Endpoint;
+using sandbox::Fault;
 
 namespace {
 
-QString encoded(const QByteArray &bytes) {
-  return QString::fromLatin1(bytes.toBase64(QByteArray::Base64UrlEncoding | QByteArray::OmitTrailingEquals));
+using enum KaResultCode;
+const QString kNonce = u"3F2504E0-4F89-11D3-9A0C-0305E82C3301"_s;
+
+/// Blanks after JSON spare it the padding.
+QString encoded(const QByteArray &json) {
+  const QByteArray whole = json.leftJustified((json.size() + 2) / 3 * 3, ' ');
+  return QString::fromLatin1(whole.toBase64(QByteArray::Base64UrlEncoding));
 }
 
-struct DecodeCase {
-  const char *name;
-  QString text;
-  std::optional<QByteArray> bytes;
-};
-
-class Base64UrlSafeDecode : public testing::TestWithParam<DecodeCase> {};
-
-TEST_P(Base64UrlSafeDecode, isStrict) {
-  EXPECT_EQ(KaIdVerificationUtility::base64UrlSafeDecode(GetParam().text), GetParam().bytes);
+TEST(Token, isDecodedStrictlyAndHasAHeaderThatNamesAlgorithmAndKey) {
+  EXPECT_EQ(KaIdVerificationUtility::base64UrlSafeDecode(u"-_-_YQ"_s), "\xfb\xff\xbf\x61");
+  for (const QString &bad : {u"YWI"_s, u"YWJjZ"_s, u"YW Jj"_s, u"YWJj\nYWJ"_s, u"YW写j"_s, u"YQ==YWJj"_s})
+    EXPECT_EQ(KaIdVerificationUtility::base64UrlSafeDecode(bad), std::nullopt) << qPrintable(bad);
+  const std::tuple<QByteArray, bool, QString> cases[] = {
+      {R"({"alg":"RS256","kid":"k"})", true, u"k"_s},
+      {R"({"alg":"rs256","kid":"k"})", false, u"k"_s},
+      {R"({"alg":"RS256","kid":7})", true, u""_s},
+      {R"(["RS256"])", false, u""_s},
+  };
+  for (const auto &[json, valid, expected] : cases) {
+    QString kid;
+    EXPECT_EQ(KaIdVerificationUtility::validateHeader(encoded(json), kid), valid) << json.constData();
+    EXPECT_EQ(kid, expected) << json.constData();
+  }
 }
 
-INSTANTIATE_TEST_SUITE_P(
-    Token, Base64UrlSafeDecode,
-    testing::Values(DecodeCase{"empty", u""_s, QByteArray("")}, DecodeCase{"remainder0", u"YWJj"_s, "abc"},
-                    DecodeCase{"remainder2", u"YQ"_s, "a"}, DecodeCase{"remainder3", u"YWI"_s, std::nullopt},
-                    DecodeCase{"remainder1", u"YWJjZ"_s, std::nullopt},
-                    DecodeCase{"urlAlphabet", u"-_-_"_s, QByteArray("\xfb\xff\xbf")},
-                    DecodeCase{"paddedAlready", u"YWI="_s, "ab"}, DecodeCase{"blank", u"YW Jj"_s, std::nullopt},
-                    DecodeCase{"lineBreak", u"YWJj\nYWJ"_s, std::nullopt},
-                    DecodeCase{"otherCharacter", u"YW*j"_s, std::nullopt},
-                    DecodeCase{"notLatin", u"YW写j"_s, std::nullopt},
-                    DecodeCase{"paddingInside", u"YQ==YWJj"_s, std::nullopt}),
-    [](const auto &row) { return row.param.name; });
-
-struct HeaderCase {
-  const char *name;
-  QByteArray json;
-  bool valid;
-  QString kid;
-};
-
-class TokenHeader : public testing::TestWithParam<HeaderCase> {};
-
-TEST_P(TokenHeader, isJudgedByItsAlgorithm) {
-  QByteArray json = GetParam().json;
-  while (encoded(json).size() % 4 == 3)
-    json += ' ';
-  QString kid;
-  EXPECT_EQ(KaIdVerificationUtility::validateHeader(encoded(json), kid), GetParam().valid);
-  EXPECT_EQ(kid, GetParam().kid);
-}
-
-INSTANTIATE_TEST_SUITE_P(
-    Token, TokenHeader,
-    testing::Values(HeaderCase{"rs256", R"({"alg":"RS256","kid":"k"})", true, u"k"_s},
-                    HeaderCase{"hs256StillTellsItsKid", R"({"alg":"HS256","kid":"k"})", false, u"k"_s},
-                    HeaderCase{"none", R"({"alg":"none"})", false, u""_s},
-                    HeaderCase{"otherCase", R"({"alg":"rs256","kid":"k"})", false, u"k"_s},
-                    HeaderCase{"noAlgorithm", R"({"kid":"k"})", false, u"k"_s},
-                    HeaderCase{"kidOfWrongType", R"({"alg":"RS256","kid":7})", true, u""_s},
-                    HeaderCase{"array", R"(["RS256"])", false, u""_s}, HeaderCase{"noJson", "RS256", false, u""_s}),
-    [](const auto &row) { return row.param.name; });
-
-class TokenSignature : public testing::Test {
-protected:
-  [[nodiscard]] bool verifiesWith(const QString &exponent, const QString &someModulus) const {
-    return KaIdVerificationUtility::verify(exponent, someModulus, parts[2], parts[0], parts[1]);
+struct Verification : ServiceTest {
+  KaResultCode verdictOn(const std::optional<QString> &token, bool checkNonce = true,
+                         const std::optional<QString> &nonce = kNonce) {
+    return KaIdVerificationUtility::validateJWT(request, token, checkNonce, nonce);
+  }
+  bool payloadHolds(const QString &payload) {
+    return KaIdVerificationUtility::validatePayload(request, payload, /*checkNonce=*/true, kNonce);
   }
 
-  const QJsonObject vectors = signingVectors()["idTokens"_L1].toObject();
-  const QJsonArray keys = vectors["jwks"_L1]["keys"_L1].toArray();
-  const QString otherModulus = keys[0]["n"_L1].toString();
-  const QString modulus = keys[1]["n"_L1].toString();
-  QStringList parts = vectors["valid"_L1].toString().split(u'.');
+  KaServerRequest request;
+  const QJsonValue vectors = signingVectors()["idTokens"_L1];
 };
 
-TEST_F(TokenSignature, holdsAsAnotherImplementationMadeIt) {
-  EXPECT_TRUE(verifiesWith(u"AQAB"_s, modulus));
-}
-
-TEST_F(TokenSignature, holdsForOneKeyOnly) {
-  EXPECT_FALSE(verifiesWith(u"AQAB"_s, otherModulus));
-  EXPECT_FALSE(verifiesWith(u"Aw"_s, modulus));
-}
-
-TEST_F(TokenSignature, coversHeaderAndPayload) {
-  const QStringList whole = parts;
+TEST_F(Verification, judgesTokensOfAnotherImplementation) {
+  const QStringList whole = vectors["valid"_L1].toString().split(u'.');
+  QStringList parts = whole;
+  const auto holdsFor = [&parts](const QString &exponent, const QString &modulus) {
+    return KaIdVerificationUtility::verify(exponent, modulus, parts[2], parts[0], parts[1]);
+  };
+  const QString modulus = vectors["jwks"_L1]["keys"_L1][1]["n"_L1].toString();
+  EXPECT_TRUE(holdsFor(u"AQAB"_s, modulus));
+  for (const QString &exponent : {u"Aw"_s, u""_s, u"AAAA"_s})
+    EXPECT_FALSE(holdsFor(exponent, modulus)) << qPrintable(exponent);
+  for (const QString &other :
+       {vectors["jwks"_L1]["keys"_L1][0]["n"_L1].toString(), u""_s, u"not base64"_s, encoded(QByteArray(255, '\0')),
+        encoded(QByteArray(2100, '\xff')), encoded(QByteArray(3'000'000, '\xff'))})
+    EXPECT_FALSE(holdsFor(u"AQAB"_s, other)) << other.size();
   for (const int part : {0, 1, 2}) {
     parts = whole;
     parts[part][5] = parts[part][5] == u'A' ? u'B' : u'A';
-    EXPECT_FALSE(verifiesWith(u"AQAB"_s, modulus)) << part;
+    EXPECT_FALSE(holdsFor(u"AQAB"_s, modulus)) << part;
   }
-  parts = whole;
-  parts[2].clear();
-  EXPECT_FALSE(verifiesWith(u"AQAB"_s, modulus));
+
+  platform::standardUserDefaults().setString(u"idTokenHostName"_s, vectors["issuerHost"_L1].toString());
+  const QByteArray configuration = R"({"clientId":")" + vectors["audience"_L1].toString().toUtf8() + R"("})";
+  service.order(Endpoint::Configuration, {.kind = Fault::Kind::Body, .body = configuration});
+  EXPECT_TRUE(payloadHolds(whole[1]));
+  for (const auto bad : {"expired"_L1, "audienceArray"_L1, "payloadLengthThreeModuloFour"_L1})
+    EXPECT_FALSE(payloadHolds(vectors[bad].toString().section(u'.', 1, 1))) << bad.data();
+
+  EXPECT_EQ(KaIdVerificationUtility::parseUserUUID(whole.join(u'.')), u"u-1"_s);
+  EXPECT_EQ(KaIdVerificationUtility::ParseNonce(whole.join(u'.')), kNonce);
+  for (const QString &none : {u"a.b"_s, u"a.b.c.d"_s, u"a.!!!.c"_s, u"a."_s + encoded(R"({"sub":7})") + u".c"_s})
+    EXPECT_EQ(KaIdVerificationUtility::parseUserUUID(none), std::nullopt) << qPrintable(none);
 }
 
-TEST_F(TokenSignature, needsNumbersThatCanBeAKey) {
-  const QByteArray zeros(256, '\0');
-  EXPECT_FALSE(verifiesWith(u"AQAB"_s, u""_s));
-  EXPECT_FALSE(verifiesWith(u"AQAB"_s, encoded(zeros)));
-  EXPECT_FALSE(verifiesWith(u""_s, modulus));
-  EXPECT_FALSE(verifiesWith(u"AAAA"_s, modulus));
-  EXPECT_FALSE(verifiesWith(u"AQAB"_s, u"not base64"_s));
-  EXPECT_FALSE(verifiesWith(u"AQAB"_s, encoded(QByteArray(2100, '\xff')))) << "over 16384 bits";
-  EXPECT_FALSE(verifiesWith(u"AQAB"_s, encoded(QByteArray(3 * 1000 * 1000, '\xff'))));
+TEST_F(Verification, refusesSpoiltTokensAndFetchesTheKeysForEach) {
+  const QString token = service.issueIdToken(kNonce);
+  for (const auto &none : {std::optional<QString>(), {u""_s}, {u"a.b"_s}, {token + u".x"_s}, {u"!.!.!"_s}})
+    EXPECT_EQ(verdictOn(none), LinkInvalid);
+  using enum sandbox::TokenFault;
+  const std::pair<sandbox::TokenFault, int> cases[] = {{AlgorithmHs256, 0}, {AlgorithmNone, 0}, {WrongAudience, 1},
+                                                       {WrongIssuer, 1},    {Expired, 1},       {WrongNonce, 1},
+                                                       {UnknownKeyId, 3},   {BadSignature, 5}};
+  for (const auto &[fault, requestsSoFar] : cases) {
+    service.setTokenFault(fault);
+    EXPECT_EQ(verdictOn(service.issueIdToken(kNonce)), LinkInvalid) << int(fault);
+    EXPECT_EQ(service.requests().size(), requestsSoFar) << int(fault);
+  }
+  EXPECT_EQ(verdictOn(token), Success);
+  EXPECT_EQ(verdictOn(token, /*checkNonce=*/true, u"another"_s), LinkInvalid);
+  EXPECT_EQ(verdictOn(token, /*checkNonce=*/true, std::nullopt), LinkInvalid);
+  EXPECT_EQ(verdictOn(token, /*checkNonce=*/false, u"another"_s), Success);
 }
 
-TEST(Token, tellsItsClaimsUnchecked) {
-  const QString token = signingVectors()["idTokens"_L1]["valid"_L1].toString();
-  EXPECT_EQ(KaIdVerificationUtility::parseUserUUID(token), u"u-1"_s);
-  EXPECT_EQ(KaIdVerificationUtility::ParseNonce(token), u"3F2504E0-4F89-11D3-9A0C-0305E82C3301"_s);
+TEST_F(Verification, refusesTokensUntilTheServiceRecovers) {
+  KaLogUtility::switchLogStatus();
+  const std::pair<Fault, QString> cases[] = {
+      {{.status = 403}, u"    HTTP=403"_s},
+      {{.kind = Fault::Kind::TruncatedBody}, u"    HTTP=0"_s},
+      {{.kind = Fault::Kind::MalformedBody}, {}},
+      {{.kind = Fault::Kind::Body, .body = R"({"clientId":{},"jwks_uri":7,"keys":{"kid":"k"}})"}, {}},
+      {{.kind = Fault::Kind::Body, .body = R"({"clientId":"","keys":[7,{},{"kid":7},{"kid":"k"}]})"}, {}},
+  };
+  for (const auto endpoint : {Endpoint::Configuration, Endpoint::Discovery, Endpoint::Keys})
+    for (const auto &[fault, logged] : cases) {
+      const qsizetype before = loggedLines(profile).size();
+      service.order(endpoint, fault);
+      EXPECT_EQ(verdictOn(service.issueIdToken(kNonce)), LinkInvalid) << int(endpoint) << ' ' << fault.status;
+      EXPECT_EQ(loggedLines(profile).value(before + 1), logged);
+    }
+  EXPECT_EQ(verdictOn(service.issueIdToken(kNonce)), Success);
+  EXPECT_EQ(loggedLines(profile).filter(u"[NG] 000: Get ClientId"_s).size(), 2);
+  EXPECT_EQ(loggedLines(profile).filter(u"[NG] 002: Get PublicKey"_s).size(), 4);
 }
 
-TEST(Token, tellsNoClaimWhenItIsNone) {
-  const QString noSubject = encoded(R"({"sub":7})");
-  for (const QString &token : {u""_s, u"a.b"_s, u"a.b.c.d"_s, u"a.!!!.c"_s, u"a."_s + noSubject + u".c"_s})
-    EXPECT_EQ(KaIdVerificationUtility::parseUserUUID(token), std::nullopt) << qPrintable(token);
+TEST_F(Verification, countsATokenValidInTheSecondOfItsExpiry) {
+  const QByteArray claims = R"({"iss":")" + service.issuer().toUtf8() + R"(","aud":")" + service.clientId().toUtf8()
+                            + R"(","nonce":")" + kNonce.toUtf8() + R"(","exp":)";
+  for (const char *bad : {"-1e300", R"("4102444800")", "null"})
+    EXPECT_FALSE(payloadHolds(encoded(claims + bad + '}'))) << bad;
+  // Read at the start of a second, so that the verdict falls into the same one.
+  const qint64 now = QDateTime::currentSecsSinceEpoch() + 1;
+  EXPECT_TRUE(waitFor([now] { return QDateTime::currentSecsSinceEpoch() == now; }));
+  EXPECT_TRUE(payloadHolds(encoded(claims + QByteArray::number(now) + '}')));
+  EXPECT_FALSE(payloadHolds(encoded(claims + QByteArray::number(now - 1) + '}')));
 }
 
 } // namespace

@@ -19,8 +19,7 @@ protected:
   Report() { KaLogUtility::switchLogStatus(); }
 
   /// Sends the request that arrived as @p model once more, signed by libcurl. @return what that signed it with.
-  [[nodiscard]] std::string signedByCurl(const sandbox::RequestRecord &model, const KaCredential &by,
-                                         const QByteArray &awsService) {
+  [[nodiscard]] std::string signedByCurl(const sandbox::RequestRecord &model, const QByteArray &awsService) {
     const std::unique_ptr<CURL, decltype(&curl_easy_cleanup)> curl(curl_easy_init(), &curl_easy_cleanup);
     curl_slist *headers = nullptr;
     for (const char *name :
@@ -58,23 +57,21 @@ protected:
 };
 
 TEST_F(Report, isSignedAsAnotherImplementationDoes) {
-  const KaCredential by = credential();
   EXPECT_EQ(request.notifyDownloadCompletion(by, kDocument).result, KaResultCode::Success);
   const sandbox::RequestRecord sent = service.requests().last();
   EXPECT_EQ(sent.body, kDocument.toUtf8());
   EXPECT_EQ(service.logEvents().size(), 1);
-  EXPECT_EQ(signatureOf(sent), signedByCurl(sent, by, "logs"));
+  EXPECT_EQ(signatureOf(sent), signedByCurl(sent, "logs"));
   EXPECT_EQ(service.logEvents().size(), 2);
 }
 
 TEST_F(Report, hasCompanyInObjectTagsAndHeads) {
-  const KaCredential by = credential();
   EXPECT_EQ(request.getAWSS3ObjectTag(by, imageKey).result, KaResultCode::Success);
   const sandbox::RequestRecord tagging = service.requests().last();
-  EXPECT_EQ(signatureOf(tagging), signedByCurl(tagging, by, "s3"));
+  EXPECT_EQ(signatureOf(tagging), signedByCurl(tagging, "s3"));
   EXPECT_EQ(request.headAWSS3Object(by, imageKey).contentLength, image.body.size());
   const sandbox::RequestRecord head = service.requests().last();
-  EXPECT_EQ(signatureOf(head), signedByCurl(head, by, "s3"));
+  EXPECT_EQ(signatureOf(head), signedByCurl(head, "s3"));
 }
 
 struct Refusal {
@@ -88,7 +85,7 @@ class Refusals : public Report, public testing::WithParamInterface<Refusal> {};
 
 TEST_P(Refusals, areDiagnosed) {
   service.order(Endpoint::LogEvents, GetParam().fault);
-  EXPECT_EQ(request.notifyDownloadCompletion(credential(), kDocument).result, GetParam().result);
+  EXPECT_EQ(request.notifyDownloadCompletion(by, kDocument).result, GetParam().result);
   QStringList details; // below the title
   for (const QString &line : loggedLines(profile).mid(1))
     details << line.trimmed();

@@ -1,11 +1,7 @@
 #include "app/log/KaLogUtility.h"
-#include "service/KaServerRequest.h"
+#include "service/SavedFileName.h"
 #include "tests/log/LogFile.h"
 #include "tests/service/ServiceFixture.h"
-
-#include <QFile>
-
-#include <gtest/gtest.h>
 
 #include <atomic>
 #include <cerrno>
@@ -13,9 +9,7 @@
 #include <thread>
 
 using namespace Qt::StringLiterals;
-using namespace std::chrono_literals;
 using sandbox::Endpoint;
-using sandbox::Fault;
 
 // NOLINTBEGIN(bugprone-reserved-identifier): the names that the linker's --wrap gives.
 static std::atomic<int> writeFailsWith = 0;
@@ -23,9 +17,8 @@ static std::atomic<int> writeFailsWith = 0;
 extern "C" ssize_t __real_write(int descriptor, const void *bytes, std::size_t count);
 extern "C" ssize_t __wrap_write(int descriptor, const void *bytes, std::size_t count);
 extern "C" ssize_t __wrap_write(int descriptor, const void *bytes, std::size_t count) {
-  const int error = writeFailsWith;
-  if (error == 0) return __real_write(descriptor, bytes, count);
-  errno = error;
+  if (writeFailsWith == 0) return __real_write(descriptor, bytes, count);
+  errno = writeFailsWith;
   return -1;
 }
 // NOLINTEND(bugprone-reserved-identifier)
@@ -34,168 +27,93 @@ namespace {
 
 using enum KaResultCode;
 
-class Saving : public ServiceTest {
-protected:
-  Saving() { KaLogUtility::switchLogStatus(); }
-
-  [[nodiscard]] SavedObject save() {
-    const KaCredential by = credential();
-    return request.getAwsS3Object(presigned(by, imageKey), by, defaultPath);
-  }
-
-  [[nodiscard]] QByteArray contentOf(const QString &name) const {
-    QFile file(picture(name));
-    return file.open(QFile::ReadOnly) ? file.readAll() : QByteArray("not there");
-  }
-
-  void write(const QString &name, const QByteArray &content) const {
-    QFile file(picture(name));
-    ASSERT_TRUE(file.open(QFile::WriteOnly));
-    file.write(content);
-  }
+struct Saving : ServiceTest {
+  [[nodiscard]] SavedObject save() { return request.getAwsS3Object(presigned(imageKey), by, defaultPath); }
 
   KaServerRequest request;
   const QString defaultPath = picture(u"default.JPG"_s);
 };
 
-TEST_F(Saving, usesTheObjectsOwnName) {
-  const SavedObject saved = save();
-  EXPECT_EQ(saved.result, Success);
-  EXPECT_EQ(saved.statusCode, 200);
-  EXPECT_EQ(saved.outputFileSize, image.body.size());
-  EXPECT_EQ(saved.outputFilePath, picture(u"IMG_1.JPG"_s));
-  EXPECT_EQ(savedFiles(), QStringList(u"IMG_1.JPG"_s));
-  EXPECT_EQ(contentOf(u"IMG_1.JPG"_s), image.body);
+TEST_F(Saving, usesTheNameThatCameWithTheObjectWhereItIsOne) {
+  // "ÿ?ÿ>" holds both characters that differ between the base64 alphabets.
+  const std::tuple<std::optional<QByteArray>, QString, KaResultCode> cases[] = {
+      {{}, u"default.JPG"_s, DefaultFileName},
+      {"YeWG", u"default.JPG"_s, DefaultFileName},  // half a character
+      {"YQBi", u"default.JPG"_s, DefaultFileName},  // NUL
+      {"YS5qc", u"default.JPG"_s, DefaultFileName}, // six bits too many
+      {sandbox::fileNameHeader(u".."_s), u"default.JPG"_s, Success},
+      {sandbox::fileNameHeader(u" 写真/é.JPG"_s), u"写真-é.JPG"_s, Success},
+      {"w7 8_w\"78-YS5qcGc=", u"ÿ?ÿ>a.jpg"_s, Success},
+  };
+  for (const auto &[header, name, result] : cases) {
+    image.fileNameMetadata = header;
+    service.library().add(image);
+    const SavedObject saved = save();
+    EXPECT_EQ(saved.result, result);
+    EXPECT_EQ(saved.outputFilePath, picture(name));
+    EXPECT_EQ(saved.outputFileSize, image.body.size());
+    QFile file(picture(name));
+    EXPECT_TRUE(file.open(QFile::ReadOnly));
+    EXPECT_EQ(file.readAll(), image.body);
+    EXPECT_TRUE(file.remove());
+  }
+  const QString key = presigned(imageKey);
+  EXPECT_EQ(request.getAwsS3Preview(key, by, defaultPath, u" ../x "_s).outputFilePath, picture(u"..-x"_s));
+  EXPECT_EQ(request.getAwsS3Preview(key, by, defaultPath, {}).result, DefaultFileName);
 }
 
-struct Name {
-  const char *name;
-  std::optional<QByteArray> metadata;
-  QString fileName;
-  KaResultCode result;
-};
-
-class Names : public Saving, public testing::WithParamInterface<Name> {};
-
-TEST_P(Names, becomeOneFileBesideTheDefaultPath) {
-  sandbox::LibraryObject named = image;
-  named.fileNameMetadata = GetParam().metadata;
-  service.library().add(named);
-  EXPECT_EQ(save().result, GetParam().result);
-  EXPECT_EQ(savedFiles(), QStringList(GetParam().fileName));
+TEST(SavedFileName, isCutBetweenCharactersToWhatFileSystemsTake) {
+  const auto n = [](int count) { return QString(count, u'n'); };
+  // Of 255 bytes ".JPG" leaves 251: 62 characters of four bytes, and three bytes that no other fits into.
+  const std::pair<QString, QString> cases[] = {
+      {n(251) + u".JPG"_s, n(251) + u".JPG"_s},
+      {n(252) + u".JPG"_s, n(251) + u".JPG"_s},
+      {u"a."_s + n(300), u"a."_s + n(252) + u'.'},
+      {u"😀"_s.repeated(80) + u".JPG"_s, u"😀"_s.repeated(62) + u".JPG"_s},
+  };
+  for (const auto &[given, expected] : cases)
+    EXPECT_EQ(targetFilePath(u"/d.1/default.JPG"_s, given), u"/d.1/"_s + expected);
+  EXPECT_EQ(targetFilePath(u'/' + n(252) + u".JPG"_s, {}), u'/' + n(251) + u".JPG"_s);
+  EXPECT_EQ(numberedFilePath(u"/d.1/a.b.JPG"_s, 10), u"/d.1/a.b_10.JPG"_s);
+  EXPECT_EQ(numberedFilePath(u'/' + n(250) + u".JPG"_s, 1), u'/' + n(249) + u"_1.JPG"_s);
+  EXPECT_EQ(numberedFilePath(u'/' + n(255), 4'000'000'000), u'/' + n(243) + u"_4000000000"_s);
 }
-
-INSTANTIATE_TEST_SUITE_P(
-    Service, Names,
-    testing::Values(Name{"none", {}, u"default.JPG"_s, DefaultFileName},
-                    Name{"undecodable", "!", u"default.JPG"_s, Success},
-                    Name{"notText", "_w", u"default.JPG"_s, DefaultFileName},
-                    Name{"nul", sandbox::fileNameHeader(u"a\0b"_s), u"default.JPG"_s, DefaultFileName},
-                    Name{"dotDot", sandbox::fileNameHeader(u".."_s), u"default.JPG"_s, Success},
-                    Name{"slash", sandbox::fileNameHeader(u"a/b.JPG"_s), u"a-b.JPG"_s, Success},
-                    Name{"scripts", sandbox::fileNameHeader(u"写真 é.JPG"_s), u"写真 é.JPG"_s, Success},
-                    Name{"long300", sandbox::fileNameHeader(QString(296, u'n') + u".JPG"_s),
-                         QString(251, u'n') + u".JPG"_s, Success}),
-    [](const auto &row) { return row.param.name; });
 
 TEST_F(Saving, countsUpForATakenNameAndTouchesNoOtherFile) {
-  write(u"IMG_1.JPG"_s, "older");
-  write(u"IMG_1_2.JPG"_s, "other");
+  ASSERT_TRUE(QFile::link(picture(u"elsewhere"_s), picture(u"IMG_1.JPG"_s)));
+  ASSERT_TRUE(QFile(picture(u"IMG_1_2.JPG"_s)).open(QFile::WriteOnly));
   EXPECT_EQ(save().outputFilePath, picture(u"IMG_1_1.JPG"_s));
   EXPECT_EQ(save().outputFilePath, picture(u"IMG_1_3.JPG"_s));
-  EXPECT_EQ(contentOf(u"IMG_1.JPG"_s), "older");
-  EXPECT_EQ(contentOf(u"IMG_1_2.JPG"_s), "other");
+  EXPECT_EQ(QFileInfo(picture(u"IMG_1_2.JPG"_s)).size(), 0);
+  EXPECT_FALSE(QFile::exists(picture(u"elsewhere"_s)));
   EXPECT_EQ(savedFiles().size(), 4);
 }
 
-TEST_F(Saving, doesNotFollowALinkThatTakesTheName) {
-  ASSERT_TRUE(QFile::link(picture(u"elsewhere"_s), picture(u"IMG_1.JPG"_s)));
-  EXPECT_EQ(save().outputFilePath, picture(u"IMG_1_1.JPG"_s));
-  EXPECT_FALSE(QFile::exists(picture(u"elsewhere"_s)));
-}
-
 TEST_F(Saving, showsNoFileBeforeItIsWhole) {
-  service.order(Endpoint::ObjectGet, {.kind = Fault::Kind::SlowBody});
+  service.order(Endpoint::ObjectGet, {.kind = sandbox::Fault::Kind::SlowBody});
   std::thread other([this] {
-    EXPECT_TRUE(service.waitForRequests(Endpoint::ObjectGet, 1, 20s));
+    EXPECT_TRUE(service.waitForRequests(Endpoint::ObjectGet, 1, std::chrono::seconds(20)));
     for (const QString &name : savedFiles())
       EXPECT_TRUE(name.startsWith(u'.')) << name.toStdString();
     request.stopServerRequest();
   });
-  const SavedObject saved = save();
+  EXPECT_EQ(save().result, NoHttpStatus);
   other.join();
-  EXPECT_EQ(saved.result, NoHttpStatus);
   EXPECT_EQ(savedFiles(), QStringList());
 }
 
-TEST_F(Saving, namesAPreviewAsTheCallerSays) {
-  const KaCredential by = credential();
-  const QString key = u"images/preview/"_s + service.library().userId() + u"/dev01/20240501/10/0001"_s;
-  service.library().addRaw(sandbox::contentBucket(), key,
-                           {.body = "2K", .fileNameMetadata = sandbox::fileNameHeader(u"ignored"_s)});
-  const auto preview = [&](const std::optional<QString> &name) {
-    return request.getAwsS3Preview(presigned(by, key), by, defaultPath, name);
-  };
-  EXPECT_EQ(preview(u" a b.JPG "_s).outputFilePath, picture(u"a b.JPG"_s));
-  EXPECT_EQ(preview(u"../x.JPG"_s).outputFilePath, picture(u"..-x.JPG"_s));
-  EXPECT_EQ(preview(u" "_s).result, Success);
-  const SavedObject unnamed = preview({});
-  EXPECT_EQ(unnamed.result, DefaultFileName);
-  EXPECT_EQ(unnamed.outputFilePath, picture(u"default_1.JPG"_s));
-}
-
-struct DiskFault {
-  const char *name;
-  int error;
-  KaResultCode expected;
-};
-
-class DiskFaults : public Saving, public testing::WithParamInterface<DiskFault> {};
-
-TEST_P(DiskFaults, endTheDownloadWithoutAFile) {
-  // From the first byte of the answer on: the log is written through another write.
-  std::thread other([this] {
-    EXPECT_TRUE(service.waitForRequests(Endpoint::ObjectGet, 1, 20s));
-    writeFailsWith = GetParam().error;
-  });
-  service.order(Endpoint::ObjectGet, {.kind = Fault::Kind::Delay, .delay = 300ms});
-  const SavedObject saved = save();
-  other.join();
-  writeFailsWith = 0;
-  EXPECT_EQ(saved.result, GetParam().expected);
-  EXPECT_EQ(saved.statusCode, 200);
-  EXPECT_EQ(saved.outputFilePath, QString());
-  EXPECT_EQ(savedFiles(), QStringList());
-  EXPECT_EQ(loggedLines(profile).contains(u"    FilePath="_s + defaultPath), GetParam().expected == FileNotSaved);
-}
-
-INSTANTIATE_TEST_SUITE_P(Service, DiskFaults,
-                         testing::Values(DiskFault{"diskFull", ENOSPC, DiskFull}, DiskFault{"quota", EDQUOT, DiskFull},
-                                         DiskFault{"brokenDisk", EIO, FileNotSaved}),
-                         [](const auto &row) { return row.param.name; });
-
-TEST_F(Saving, reportsAFolderThatIsNotThere) {
-  ASSERT_TRUE(QDir(profile.picturesFolder()).removeRecursively());
-  EXPECT_EQ(save().result, FileNotSaved);
-  EXPECT_TRUE(loggedLines(profile)[0].contains(u"Save File Error"_s));
-  EXPECT_EQ(loggedLines(profile)[1], u"    FilePath="_s + defaultPath);
-}
-
-TEST_F(Saving, reportsAFolderThatVanishesMeanwhile) {
-  service.order(Endpoint::ObjectGet, {.kind = Fault::Kind::SlowBody});
-  std::thread other([this] {
-    EXPECT_TRUE(service.waitForRequests(Endpoint::ObjectGet, 1, 20s));
-    EXPECT_TRUE(QDir(profile.picturesFolder()).removeRecursively());
-    service.clearFaults();
-  });
-  const SavedObject saved = save();
-  other.join();
-  EXPECT_EQ(saved.result, FileNotSaved);
-  EXPECT_EQ(saved.outputFilePath, QString());
-  // The folder vanishes before the first byte or after it.
-  const QStringList log = loggedLines(profile);
-  EXPECT_TRUE(log.contains(u"    FilePath="_s + defaultPath)
-              || log.contains(u"    FilePath="_s + picture(u"IMG_1.JPG"_s)));
+TEST_F(Saving, leavesNoFileWhenTheDiskFails) {
+  KaLogUtility::switchLogStatus();
+  for (const int error : {ENOSPC, EDQUOT, EIO, 0}) {
+    writeFailsWith = error;
+    if (error == 0) QDir(profile.picturesFolder()).removeRecursively();
+    const SavedObject saved = save();
+    EXPECT_EQ(saved.result, error == ENOSPC || error == EDQUOT ? DiskFull : FileNotSaved);
+    EXPECT_EQ(saved.statusCode, 200);
+    EXPECT_EQ(saved.outputFilePath, QString());
+    EXPECT_EQ(savedFiles(), QStringList());
+  }
+  EXPECT_EQ(loggedLines(profile).count(u"    FilePath="_s + defaultPath), 2);
 }
 
 } // namespace

@@ -1,0 +1,164 @@
+#include "app/log/KaLogUtility.h"
+#include "service/KaApplicationConstants.h"
+#include "service/KaXMLParser.h"
+#include "service/SignatureV4.h"
+#include "tests/identity/SigningVectors.h"
+#include "tests/log/LogFile.h"
+#include "tests/service/ServiceFixture.h"
+
+#include <QJsonArray>
+#include <QTimeZone>
+
+using namespace Qt::StringLiterals;
+using sandbox::Endpoint;
+using sandbox::Fault;
+
+namespace {
+
+using enum KaResultCode;
+
+struct ServerRequest : ServiceTest {
+  KaServerRequest request;
+};
+
+TEST_F(ServerRequest, tellsHowAStatusIsToBeTaken) {
+  const std::pair<int, KaResultCode> cases[] = {
+      {200, Success},    {404, Success},    {400, LinkInvalid}, {401, LinkInvalid}, {403, LinkInvalid},
+      {500, RetryLater}, {503, RetryLater}, {204, ServerError}, {302, ServerError}, {502, ServerError}};
+  for (const auto &[status, result] : cases)
+    EXPECT_EQ(KaServerRequest::checkHTTPResponse(status), result) << status;
+}
+
+TEST_F(ServerRequest, takesBadInputAsEachOperationHasToAndLeavesNoFile) {
+  using Outcome = std::pair<KaResultCode, qint64>;
+  const QString list = presigned({}) + u"&list-type=2&prefix=images/original/"_s + service.library().userId() + u'/';
+  const std::tuple<Fault, Outcome, Outcome, Outcome, Outcome> cases[] = {
+      {{.status = 403}, {LinkInvalid, 403}, {LinkInvalid, 403}, {LinkInvalid, 403}, {LinkInvalid, 403}},
+      {{.status = 404}, {Success, 404}, {Success, 404}, {NoBody, 404}, {Success, 404}},
+      {{.kind = Fault::Kind::EmptyBody}, {NoBody, 200}, {NoBody, 200}, {NoBody, 200}, {Success, 200}},
+      {{.kind = Fault::Kind::TruncatedBody}, {Offline, 0}, {NoHttpStatus, 0}, {NoHttpStatus, 0}, {ServerError, 0}},
+  };
+  const auto outcome = [](const auto &answer) { return Outcome(answer.result, answer.statusCode); };
+  for (const auto &[fault, plain, listed, saved, tagged] : cases) {
+    for (const auto endpoint :
+         {Endpoint::Configuration, Endpoint::Sts, Endpoint::ListItems, Endpoint::ObjectGet, Endpoint::ObjectTagging})
+      service.order(endpoint, fault);
+    EXPECT_EQ(outcome(request.getKaAppId()), plain);
+    EXPECT_EQ(outcome(request.getAwsTemporaryCredential(url(u"sts"_s, u"/?Action=None"_s))), plain);
+    EXPECT_EQ(outcome(request.getAwsS3KeyList(list, by)), listed);
+    EXPECT_EQ(outcome(request.getAwsS3Object(presigned(imageKey), by, picture(u"default.JPG"_s))), saved);
+    EXPECT_EQ(outcome(request.getAWSS3ObjectTag(by, imageKey)), tagged);
+    EXPECT_EQ(savedFiles(), QStringList());
+  }
+}
+
+TEST_F(ServerRequest, refusesBadCertificates) {
+  using enum sandbox::BadCertificate;
+  for (const auto kind : {UnknownAuthority, WrongName, Expired}) {
+    const QString bad = u"https://sts.localhost:%1/"_s.arg(service.badlyCertifiedPort(kind));
+    EXPECT_EQ(request.getAwsTemporaryCredential(bad).result, SecureConnectionFailed);
+    EXPECT_EQ(request.getAwsPreviewlList(bad, by).result, NoHttpStatus);
+  }
+  EXPECT_TRUE(service.requests().isEmpty());
+}
+
+TEST_F(ServerRequest, tellsTheLengthOfAnObjectAndLogsARefusal) {
+  KaLogUtility::switchLogStatus();
+  EXPECT_EQ(request.headAWSS3Object(by, imageKey).contentLength, image.body.size());
+  EXPECT_TRUE(loggedLines(profile).isEmpty());
+  service.order(Endpoint::ObjectHead, {.status = 503, .body = "12345"});
+  EXPECT_EQ(request.headAWSS3Object(by, imageKey).contentLength, 5);
+  service.order(Endpoint::ObjectTagging, {.status = 403, .body = "<no/>"});
+  EXPECT_EQ(request.getAWSS3ObjectTag(by, imageKey).data, "<no/>");
+  const QStringList log = loggedLines(profile);
+  ASSERT_EQ(log.size(), 18);
+  EXPECT_TRUE(log[0].contains(u" HeadAWSS3Object:Request "_s));
+  EXPECT_EQ(log[1], u"    url:"_s + url(u"strata-prd-content.s3"_s, u'/' + imageKey + u'?'));
+  EXPECT_EQ(log.mid(7, 2), QStringList({u"    statuscode:503"_s, u"    expectedFileSize:5"_s}));
+  EXPECT_EQ(log.mid(16), QStringList({u"    statuscode:403"_s, u"    <no/>"_s}));
+}
+
+TEST_F(ServerRequest, leavesOutObjectsOfTheThirtyDaysStorage) {
+  KaLogUtility::switchLogStatus();
+  const QString period = u"x-strata-storage-period"_s;
+  const QHash<QString, QString> cases[] = {{{period, u"30"_s}}, {{period, u"31"_s}}, {{u"other"_s, u"30"_s}}, {}};
+  for (const QHash<QString, QString> &tags : cases) {
+    image.tags = tags;
+    service.library().add(image);
+    EXPECT_EQ(request.checkObjectTagIs10GStorage(by, imageKey).bDownloadContent, tags != cases[0]);
+  }
+  EXPECT_EQ(loggedLines(profile).mid(1), QStringList({u"    targetKeys:"_s + period, u"    targetValues:30"_s}));
+}
+
+TEST(SignatureV4, signsAsOtherImplementationsDo) {
+  const QJsonObject vectors = signingVectors();
+  const QJsonValue by = vectors["credential"_L1];
+  const KaCredential credential = {by["AccessKeyId"_L1].toString(), by["SecretAccessKey"_L1].toString(), {}, {}};
+  const QJsonArray cases = vectors["signatureV4"_L1].toArray();
+  ASSERT_EQ(cases.size(), 3);
+  for (const auto &vector : cases) {
+    QVariantMap headers = vector["headers"_L1].toObject().toVariantMap();
+    headers[u"host"_s] = vector["host"_L1].toString();
+    QString canonicalHeaders;
+    for (auto header = headers.cbegin(); header != headers.cend(); ++header)
+      canonicalHeaders += header.key() + u':' + header->toString() + u'\n';
+    const QString path = vector["path"_L1].toString();
+    const SignatureV4Request request = {.timestamp = headers[u"x-amz-date"_s].toString(),
+                                        .service = vector["service"_L1].toString(),
+                                        .method = vector["method"_L1].toString(),
+                                        .canonicalUri = path.section(u'?', 0, 0),
+                                        .canonicalQuery = path.section(u'?', 1),
+                                        .canonicalHeaders = canonicalHeaders,
+                                        .signedHeaders = QStringList(headers.keys()).join(u';'),
+                                        .payload = vector["body"_L1].toString()};
+    EXPECT_EQ(signRequests(credential, request), vector["authorization"_L1].toString());
+  }
+}
+
+TEST(SignatureV4, hashesTextUpToTheFirstNulAndStampsTheTimeInUtc) {
+  EXPECT_EQ(toHex(toSHA256hash(u"abc\0def"_s)), u"ba7816bf8f01cfea414140de5dae2223b00361a396177a9cb410ff61f20015ad"_s);
+  // RFC 4231, test case 2.
+  EXPECT_EQ(toHex(toHmacSHA256hash("Jefe", u"what do ya want for nothing?"_s)),
+            u"5bdcc146bf60754e6a042426089575c75a003f089d2739839dec58b964ec3843"_s);
+  const QDateTime local(QDate(2024, 5, 1), QTime(1, 2, 3), QTimeZone("Asia/Tokyo"));
+  EXPECT_EQ(getCurrentTimeStampUTCFormat(local), u"20240430T160203Z"_s);
+}
+
+TEST(Xml, givesTheTextAfterATargetName) {
+  QByteArray bomb = "<!DOCTYPE T [<!ENTITY e0 \"boom\">";
+  for (int i = 1; i < 30; ++i)
+    bomb += u"<!ENTITY e%1 \"&e%2;&e%2;\">"_s.arg(i).arg(i - 1).toUtf8();
+  const QHash<QString, QString> thirty = {{u"period"_s, u"30"_s}};
+  const std::tuple<QByteArray, KaResultCode, QHash<QString, QString>> cases[] = {
+      {"<T><K>period</K><V>31</V><K>x</K><V>y</V><K>period</K><V>30</V></T>", Success, thirty},
+      {"<T><K>owner</K><V>period</V><K>30</K></T>", Success, {{u"owner"_s, u"period"_s}, {u"period"_s, u"30"_s}}},
+      {"<T><K>period</K>\n <V>30</V></T>", Success, {{u"period"_s, u"\n "_s}}},
+      {"<T>p&#101;r<![CDATA[io]]>d<V>写&amp;<!-- c --><![CDATA[<d>]]></V></T>", Success, {{u"period"_s, u"写&<d>"_s}}},
+      {"<!DOCTYPE T [<!ENTITY x SYSTEM \"file:///etc/passwd\">]><T>period<V>3&x;0</V></T>", Success, thirty},
+      {"<T><K>period</K><V>30</V><K>own", NoBody, thirty},
+      {bomb + "]><T>period<V>&e29;</V></T>", NoBody, {}},
+      {"<T><K>period</K><V>&what;</V></T>", NoBody, {}},
+  };
+  KaXMLParser parser;
+  parser.setTarget({u"period"_s, u"owner"_s});
+  for (const auto &[xml, result, values] : cases) {
+    EXPECT_EQ(parser.parseXML(xml, KaXMLParser::kKeyValueType), result) << xml.constData();
+    EXPECT_EQ(parser.result(), values) << xml.constData();
+    EXPECT_EQ(parser.result_length(), result == Success ? quint64(values.size()) : 0);
+  }
+  EXPECT_EQ(parser.parseXML("<T><K>period</K><V>30</V></T>", /*xmlType=*/1), Success);
+  EXPECT_TRUE(parser.result().isEmpty());
+}
+
+TEST(Constants, keepWhatTheyFirstReadUnderTheirOddKeys) {
+  const TestProfile profile;
+  profile.writeUserDefaults({{u"awsLogsGroupName"_s, u"ignored"_s}, {u"awsLogGroupName"_s, u"mine"_s}});
+  platform::UserDefaults &defaults = platform::standardUserDefaults();
+  EXPECT_EQ(KaApplicationConstants::awsLogsGroupName(), u"mine"_s);
+  defaults.setString(u"awsLogGroupName"_s, u"another"_s);
+  EXPECT_EQ(KaApplicationConstants::awsLogsGroupName(), u"mine"_s);
+  EXPECT_EQ(KaApplicationConstants::awsS3PreviewListBucketName(), u"strata-prd-ka-preview-list"_s);
+  EXPECT_EQ(defaults.string(u"awsS3PreviewListBucketName"_s), u"strata-prd-Ka-S3AccessLog"_s);
+}
+
+} // namespace
