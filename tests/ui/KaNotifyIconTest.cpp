@@ -146,20 +146,7 @@ TEST_F(NotifyIcon, showsAndTellsWhatAResultMeans) {
   }
 }
 
-TEST_F(NotifyIcon, animatesWhileDownloading) {
-  start();
-  report([this] { icon->onChangeStatus(facade, KaAppStatus::Downloading); });
-  ASSERT_TRUE(waitFor([&] { return last().frame == Receive1; }));
-  for (const StatusFrame frame : {Receive2, Receive3, Receive4, Receive1, Receive2}) {
-    const auto before = view.states.size();
-    ASSERT_TRUE(waitFor([&] { return view.states.size() > before; }));
-    EXPECT_EQ(view.states[before].frame, frame);
-  }
-  report([this] { icon->onChangeStatus(facade, static_cast<KaAppStatus>(4)); });
-  EXPECT_TRUE(!last().frame && last().tooltipKey.isEmpty());
-}
-
-TEST_F(NotifyIcon, linksWaitsBeforeTheFirstRunAndLogsOutAtOnce) {
+TEST_F(NotifyIcon, linksWaitsBeforeTheFirstRunAnimatesItAndLogsOutAtOnce) {
   start();
   report([] {});
   Q_EMIT view.entryTriggered(StatusEntry::Link);
@@ -171,10 +158,19 @@ TEST_F(NotifyIcon, linksWaitsBeforeTheFirstRunAndLogsOutAtOnce) {
   ASSERT_TRUE(waitFor([&] { return last().frame == Standby; }));
   EXPECT_GE(sinceLogin.elapsed(), 50);
   EXPECT_TRUE(facade.bLoggedIn() && last().isDownloadEnabled);
+  icon->onChangeStatus(facade, KaAppStatus::Downloading);
+  ASSERT_TRUE(waitFor([&] { return last().frame == Receive1; }));
+  for (const StatusFrame frame : {Receive2, Receive3, Receive4, Receive1, Receive2}) {
+    const auto before = view.states.size();
+    ASSERT_TRUE(waitFor([&] { return view.states.size() > before; }));
+    EXPECT_EQ(view.states[before].frame, frame);
+  }
   for (const bool enabled : {false, true}) {
     report([&] { icon->onSetEnableLogginMenu(enabled); });
     EXPECT_EQ(last().isLogginEnabled, enabled);
   }
+  report([this] { icon->onChangeStatus(facade, static_cast<KaAppStatus>(4)); });
+  EXPECT_TRUE(!last().frame && last().tooltipKey.isEmpty());
   Q_EMIT view.entryTriggered(StatusEntry::Logout);
   EXPECT_TRUE(last().frame == Unlink && !last().isLinked);
   EXPECT_THAT(opened(), HasSubstr("/logout?"));
@@ -204,18 +200,18 @@ TEST_F(NotifyIcon, switchesTheStartAtLoginAndAlertsOfAnActionThatFails) {
 }
 
 TEST_F(NotifyIcon, opensWhatBelongsToTheResultOfAClickedNotification) {
-  const QString ordinary = profile.path(u"ordinary"_s);
-  const QString longTerm = profile.path(u"long-term"_s);
-  ASSERT_TRUE(QDir().mkpath(ordinary) && QDir().mkpath(longTerm));
-  facade.setDownloadOption({.parentFolder = ordinary, .parent10GFolder = longTerm});
   start();
-  for (const auto &[result, expected] :
-       {std::pair(u"1"_s, ordinary), {u"2"_s, longTerm}, {u"10"_s, u"/getLogin?"_s}, {u"17"_s, u"/getLogin?"_s}}) {
-    for (const QString &other : {u"9"_s, u"24"_s, u"one"_s})
-      Q_EMIT view.notificationActivated(other);
-    EXPECT_FALSE(QFile::exists(profile.path(u"opened-url"_s))) << "the browser noted something";
+  const KaDownloadOption option = facade.downloadOption();
+  for (const auto &[result, folder] : {std::pair(u"1"_s, option.parentFolder), {u"2"_s, option.parent10GFolder}}) {
     Q_EMIT view.notificationActivated(result);
-    EXPECT_THAT(opened(), HasSubstr(expected.toStdString())) << qPrintable(result);
+    EXPECT_EQ(browser.takeUrl(), folder);
+  }
+  for (const QString &result : {u"9"_s, u"24"_s, u"one"_s})
+    Q_EMIT view.notificationActivated(result);
+  EXPECT_FALSE(QFile::exists(profile.path(u"opened-url"_s))) << "the browser noted something";
+  for (const QString &result : {u"10"_s, u"17"_s}) {
+    Q_EMIT view.notificationActivated(result);
+    EXPECT_THAT(opened(), HasSubstr("/getLogin?")) << qPrintable(result);
   }
 }
 
