@@ -1,125 +1,91 @@
-#include "platform/Folders.h"
-#include "platform/Opening.h"
-#include "tests/support/PrivateBus.h"
+#include "platform/UrlScheme.h"
+#include "platform/UserDefaults.h"
+#include "platform/UserId.h"
+#include "platform/linux/DesktopEntry.h"
 #include "tests/support/TestProfile.h"
 
-#include <gmock/gmock.h>
+#include <gtest/gtest.h>
 
 #include <QCoreApplication>
-#include <QDBusConnection>
 #include <QDir>
-#include <QElapsedTimer>
 #include <QFile>
 #include <QFileInfo>
-#include <QThread>
-
-#include <sys/stat.h>
+#include <QProcess>
 
 using namespace Qt::StringLiterals;
 
 namespace {
 
-int noArguments = 0;
+constexpr auto kOwnerOnly =
+    QFile::ReadOwner | QFile::WriteOwner | QFile::ReadUser | QFile::WriteUser; // Qt names the owner twice
 
-/// Puts an opener first in PATH that does as told with "$1".
-void installOpener(const TestProfile &profile, const QByteArray &script) {
-  QDir().mkpath(profile.path(u"bin"_s));
-  QFile file(profile.path(u"bin/xdg-open"_s));
-  ASSERT_TRUE(file.open(QFile::WriteOnly));
-  file.write("#!/bin/sh\n" + script + "\n");
-  file.setPermissions(QFile::ReadOwner | QFile::WriteOwner | QFile::ExeOwner);
-  qputenv("PATH", QFile::encodeName(profile.path(u"bin"_s)) + ":/usr/bin:/bin");
-}
-
-QByteArray openedIn(const TestProfile &profile) {
-  QFile file(profile.path(u"opened"_s));
-  return file.open(QFile::ReadOnly) ? file.readAll() : QByteArray();
-}
-
-const QByteArray kNote = "printf '%s' \"$1\" >\"$HOME/opened\"";
-
-TEST(OpenUrl, handsTheUrlOverUnchangedAndTellsOfFailure) {
+class Desktop : public testing::Test {
+protected:
+  void writeFile(const QString &name, const QByteArray &text) const {
+    QFile file(profile.path(name));
+    ASSERT_TRUE(QDir().mkpath(QFileInfo(file).path()) && file.open(QFile::WriteOnly)
+                && file.write(text) == text.size());
+  }
   const TestProfile profile;
-  installOpener(profile, kNote);
-  const QString url = u"https://host/a?b=%20c&d=$(e)`f`\"g'#h"_s;
-  EXPECT_TRUE(platform::openUrl(url));
-  EXPECT_EQ(openedIn(profile), url.toUtf8());
-
-  installOpener(profile, "exit 3");
-  EXPECT_FALSE(platform::openUrl(url));
-  qputenv("PATH", "");
-  EXPECT_FALSE(platform::openUrl(url));
-}
-
-TEST(OpenUrl, leavesAnOpenerThatTakesLongToItself) {
-  const TestProfile profile;
-  installOpener(profile, "read line <\"$HOME/wait\"; " + kNote);
-  ASSERT_EQ(::mkfifo(QFile::encodeName(profile.path(u"wait"_s)).constData(), 0600), 0);
-  QElapsedTimer timer;
-  timer.start();
-  EXPECT_TRUE(platform::openUrl(u"https://host/"_s));
-  EXPECT_LT(timer.elapsed(), 10'000);
-  QFile go(profile.path(u"wait"_s));
-  ASSERT_TRUE(go.open(QFile::WriteOnly) && go.write("go\n") > 0);
-  go.close();
-  EXPECT_TRUE(waitFor([&] { return openedIn(profile) == "https://host/"; }));
-}
-
-/// A file manager on the bus, answered from a thread of its own as another process would.
-class FileManager : public QObject {
-  Q_OBJECT
-  Q_CLASSINFO("D-Bus Interface", "org.freedesktop.FileManager1")
-
-public:
-  QStringList shown;
-
-public Q_SLOTS:
-  void ShowFolders(const QStringList &uris, const QString &) { shown = uris; }
+  int noArguments = 0;
+  const QCoreApplication application{noArguments, nullptr};
 };
 
-TEST(OpenFolder, asksTheFileManagerFirstAndThenTheOpener) {
-  const TestProfile profile;
-  const PrivateBus bus;
-  const QCoreApplication application(noArguments, nullptr);
-  installOpener(profile, kNote);
-  const QString folder = profile.path(u"Grün & 100%"_s);
-  QDir().mkpath(folder);
-  EXPECT_FALSE(platform::openFolder(profile.path(u"missing"_s)));
-
-  ASSERT_TRUE(platform::openFolder(folder));
-  EXPECT_EQ(openedIn(profile), folder.toUtf8()) << "without a file manager";
-
-  QThread thread;
-  FileManager manager;
-  manager.moveToThread(&thread);
-  thread.start();
-  auto connection = QDBusConnection::connectToBus(QDBusConnection::SessionBus, u"manager"_s);
-  connection.registerObject(u"/org/freedesktop/FileManager1"_s, &manager, QDBusConnection::ExportAllSlots);
-  ASSERT_TRUE(connection.registerService(u"org.freedesktop.FileManager1"_s));
-  QFile::remove(profile.path(u"opened"_s));
-  EXPECT_TRUE(platform::openFolder(folder));
-  thread.quit();
-  thread.wait();
-  QDBusConnection::disconnectFromBus(u"manager"_s);
-  EXPECT_THAT(manager.shown.value(0).toStdString(), testing::EndsWith("/Gr%C3%BCn%20&%20100%25"));
-  EXPECT_EQ(openedIn(profile), "");
+TEST_F(Desktop, readsUserDefaultsAsPreferencesAreRead) {
+  struct Row {
+    const char *stored;
+    bool asBool;
+    qint64 asInteger;
+    std::optional<double> asDouble;
+  };
+  auto &defaults = platform::standardUserDefaults();
+  for (const Row &row :
+       {Row{"YES", true, 0, {}}, Row{"true", true, 0, {}}, Row{"no", false, 0, {}}, Row{"1", true, 1, 1},
+        Row{"12 s", true, 12, {}}, Row{"-3", true, -3, -3}, Row{"0.25", false, 0, 0.25}, Row{"", false, 0, {}}}) {
+    defaults.setString(u"key"_s, QString::fromLatin1(row.stored));
+    EXPECT_EQ(defaults.boolValue(u"key"_s), row.asBool) << row.stored;
+    EXPECT_EQ(defaults.integerValue(u"key"_s), row.asInteger) << row.stored;
+    EXPECT_EQ(defaults.doubleValue(u"key"_s), row.asDouble) << row.stored;
+  }
+  defaults.setString(u"host"_s, u"a, b; c=d"_s);
+  const QString path = profile.configFolder() + u"/NORVALE INC/Downloaderpictora.conf"_s;
+  EXPECT_EQ(platform::UserDefaults(path).string(u"host"_s), u"a, b; c=d"_s) << "read again";
+  EXPECT_EQ(QFileInfo(path).permissions(), kOwnerOnly);
 }
 
-TEST(Folders, privateOnesAreTheUsersAloneAndExistingOnesKeepTheirMode) {
-  const TestProfile profile;
-  ASSERT_TRUE(platform::makePrivateFolder(profile.path(u"a/b/c"_s)));
-  EXPECT_EQ(QFileInfo(profile.path(u"a/b"_s)).permissions() & (QFile::ReadGroup | QFile::ExeGroup | QFile::ReadOther),
-            QFile::Permissions());
-  const auto before = QFileInfo(profile.picturesFolder()).permissions();
-  EXPECT_TRUE(platform::makePrivateFolder(profile.picturesFolder()));
-  EXPECT_EQ(QFileInfo(profile.picturesFolder()).permissions(), before);
+TEST_F(Desktop, keepsTheUsersIdWhichDiffersByMachine) {
+  const QString kept = profile.path(u"state/kept"_s);
+  const QString one = profile.path(u"one"_s);
+  writeFile(u"one"_s, "0123456789abcdef0123456789abcdef\n");
+  writeFile(u"two"_s, "fedcba9876543210fedcba9876543210\n");
+  EXPECT_EQ(platform::stableUserId({one}, kept), platform::stableUserId({profile.path(u"missing"_s), one}, kept));
+  EXPECT_NE(platform::stableUserId({one}, kept), platform::stableUserId({profile.path(u"two"_s)}, kept));
+  EXPECT_FALSE(QFile::exists(kept));
 
-  QFile plain(profile.path(u"plain"_s));
-  ASSERT_TRUE(plain.open(QFile::WriteOnly));
-  EXPECT_FALSE(platform::makePrivateFolder(profile.path(u"plain"_s)));
-  EXPECT_FALSE(platform::makePrivateFolder(profile.path(u"plain/x"_s)));
+  const QString made = platform::stableUserId({profile.path(u"missing"_s)}, kept);
+  EXPECT_FALSE(made.isEmpty());
+  EXPECT_EQ(made, platform::stableUserId({one}, kept)) << "what it enciphered must stay readable";
+  EXPECT_EQ(QFileInfo(kept).permissions(), kOwnerOnly);
+  EXPECT_EQ(platform::stableUserId({}, one + u"/cannot/be"_s), QString());
+}
+
+TEST_F(Desktop, opensTheAgentsUrlsWithTheProgram) {
+  qputenv("DISPLAY", ":0"); // the opener only asks whether it is set
+  for (const char *variable : {"XDG_CURRENT_DESKTOP", "KDE_FULL_SESSION", "DESKTOP_SESSION", "XDG_DATA_DIRS"})
+    qunsetenv(variable);
+  writeFile(u"agent"_s, "#!/bin/sh\nprintf '%s' \"$1\" >\"$HOME/url.new\" && mv \"$HOME/url.new\" \"$HOME/url\"\n");
+  QFile::setPermissions(profile.path(u"agent"_s), QFile::ReadOwner | QFile::WriteOwner | QFile::ExeOwner);
+  ASSERT_TRUE(platform::registerUrlScheme(profile.path(u"agent"_s)));
+  // The desktop's tools work on by themselves after the call.
+  ASSERT_TRUE(waitFor([&] { return QFile::exists(profile.configFolder() + u"/mimeapps.list"_s); }));
+  const QString url = u"downloaderpictora://authenticate?idToken=a.b-c_d&x=%20%25"_s;
+  ASSERT_EQ(QProcess::execute(u"xdg-open"_s, {url}), 0);
+  QFile seen(profile.path(u"url"_s));
+  ASSERT_TRUE(seen.open(QFile::ReadOnly));
+  EXPECT_EQ(seen.readAll(), url.toUtf8());
+
+  EXPECT_EQ(platform::execArgument(u"/opt/a-b_c/100%"_s), u"/opt/a-b_c/100%%"_s);
+  EXPECT_EQ(platform::execArgument(uR"(a"$`\)"_s), uR"("a\\"\\$\\`\\\\")"_s);
 }
 
 } // namespace
-
-#include "DesktopTest.moc"

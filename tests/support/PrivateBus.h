@@ -11,8 +11,6 @@ public:
   PrivateBus(const PrivateBus &) = delete;
   PrivateBus &operator=(const PrivateBus &) = delete;
 
-  [[nodiscard]] qint64 processId() const { return daemon.processId(); }
-
 private:
   QTemporaryDir folder;
   QProcess daemon;

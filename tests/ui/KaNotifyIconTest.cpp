@@ -4,17 +4,17 @@
 #include "app/log/ExceptionGuard.h"
 #include "platform/UserDefaults.h"
 #include "tests/support/FakeBrowser.h"
-#include "tests/ui/FakeStatusItem.h"
 #include "tests/ui/UiProfile.h"
+#include "ui/KaDownloadFolderSettingView.h"
+#include "ui/KaVersionInformationView.h"
 #include "ui/Texts.h"
 
 #include <gmock/gmock.h>
 
 #include <QDir>
 #include <QElapsedTimer>
-#include <QFileInfo>
+#include <QProcess>
 
-#include <semaphore>
 #include <thread>
 
 using namespace Qt::StringLiterals;
@@ -23,19 +23,27 @@ using testing::HasSubstr;
 
 namespace {
 
-constexpr KaNotifyIconTimes kQuick{.tick = 5ms, .startDelay = 50ms, .finishWait = 10s};
+using enum StatusFrame;
+constexpr auto kNormal = "TOOL_TIP_STATUS_NORMAL"_L1;
+constexpr auto kUnlinked = "TOOL_TIP_STATUS_UNLINK"_L1;
+constexpr auto kMaintenance = "TOOL_TIP_STATUS_MAINTENANCE"_L1;
 
-/// Hears of nothing but the download thread's end.
-class ThreadEnd final : public KaDownloadDelegate {
+/// Remembers what it was told to show.
+class FakeStatusItem final : public StatusItemView {
 public:
-  void onChangeStatus(KaModelFacade &, KaAppStatus) override {}
-  void onProcessingResult(KaModelFacade &, KaResultCode, bool) override {}
-  void onCompleteLinkageSetting() override {}
-  void onSetEnableLogginMenu(bool) override {}
-  void onFinishDownloadProcess() override { reached.release(); }
-  void onChangeLinkage(bool) override {}
+  void show(const StatusItemState &state) override {
+    states.push_back(state);
+    if (const auto fault = std::exchange(nextFault, {})) fault();
+  }
+  void alert(const QString &text) override { alerts << text; }
+  void notify(const QString &title, const QString &text, const QString &processingResult) override {
+    notifications << title + text + processingResult;
+  }
 
-  std::binary_semaphore reached{0};
+  std::vector<StatusItemState> states;
+  QStringList alerts;
+  QStringList notifications;
+  std::function<void()> nextFault; ///< happens once, at the next show
 };
 
 /// The controller over the real facade, with a status item that only remembers. The download thread has ended, so that
@@ -43,222 +51,200 @@ public:
 class NotifyIcon : public testing::Test {
 protected:
   NotifyIcon() {
+    QLocale::setDefault(QLocale(u"eo"_s)); // English has to do
     installTexts();
-    facade.setDlDelegate(&threadEnd);
-    facade.endDownloadProcess();
-    threadEnd.reached.acquire();
-    facade.setDlDelegate(nullptr);
+    FakeStatusItem earlier;
+    EXPECT_TRUE(KaNotifyIcon(facade, earlier, {.finishWait = 1h}).appFinalize()) << "comes with the thread's end";
   }
   ~NotifyIcon() override {
-    if (!icon) return;
     icon->onFinishDownloadProcess();
-    EXPECT_TRUE(icon->appFinalize());
+    EXPECT_TRUE(icon->appFinalize()) << "a thread that has ended costs no wait";
   }
 
-  void start(const KaNotifyIconTimes &times = kQuick) {
-    icon = std::make_unique<KaNotifyIcon>(KaModelFacade::sharedInstance(), view, times);
+  void start(const KaNotifyIconTimes &times = {.tick = 5ms, .startDelay = 50ms, .finishWait = 1h}) {
+    icon = std::make_unique<KaNotifyIcon>(facade, view, times);
   }
-  [[nodiscard]] bool waitForState(const std::function<bool(const StatusItemState &)> &matches) {
-    return waitFor([&] { return !view.states.empty() && matches(view.last()); });
+  /// Reports as the download thread does, and waits until it has shown in full.
+  void report(const std::function<void()> &reported) {
+    std::thread(reported).join();
+    const auto before = view.states.size();
+    ASSERT_TRUE(waitFor([&] { return view.states.size() > before + 5; }));
   }
-  [[nodiscard]] bool waitForFrame(StatusFrame frame) {
-    return waitForState([frame](const auto &state) { return state.frame == frame; });
+  /// Those that are open.
+  [[nodiscard]] static QList<QDialog *> windows() {
+    QList<QDialog *> found;
+    for (QWidget *const widget : QApplication::topLevelWidgets())
+      if (auto *const dialog = qobject_cast<QDialog *>(widget); dialog && dialog->isVisible()) found << dialog;
+    return found;
   }
-  /// From another thread, as the download thread reports.
-  static void elsewhere(const std::function<void()> &report) { std::thread(report).join(); }
+  [[nodiscard]] StatusItemState last() const { return view.states.empty() ? StatusItemState{} : view.states.back(); }
+  [[nodiscard]] std::string opened() const { return browser.takeUrl().value_or(QString()).toStdString(); }
 
   const UiProfile profile;
-  FakeBrowser browser{profile};
+  const FakeBrowser browser{profile};
   FakeStatusItem view;
-  ThreadEnd threadEnd;
   KaModelFacade &facade = KaModelFacade::sharedInstance();
   std::unique_ptr<KaNotifyIcon> icon;
 };
 
-TEST_F(NotifyIcon, startsUnlinkedAndSaysSo) {
-  start();
-  ASSERT_TRUE(waitFor([&] { return !view.notifications.empty(); }));
-  EXPECT_EQ(view.notifications.front().title, localised("APP_SHORT_NAME"_L1));
-  EXPECT_EQ(view.notifications.front().text, localised("MSG_ERR_UNLINK"_L1));
-  EXPECT_EQ(view.notifications.front().processingResult, u"10"_s);
-  ASSERT_TRUE(waitForFrame(StatusFrame::Unlink));
-  EXPECT_EQ(view.last(), (StatusItemState{.frame = StatusFrame::Unlink, .tooltipKey = "TOOL_TIP_STATUS_UNLINK"_L1}));
-}
-
-TEST_F(NotifyIcon, startsLinkedWithoutShowingABrokenLinkFirst) {
+TEST_F(NotifyIcon, startsLinkedWithoutShowingABrokenLinkFirstAndGivesUpOnAThreadThatDoesNotEnd) {
   ASSERT_TRUE(facade.saveLinkageSetting(u"token"_s));
-  start({.tick = 1h});
+  start({.tick = 1h, .finishWait = 50ms});
   ASSERT_TRUE(waitFor([&] { return !view.states.empty(); }));
-  EXPECT_EQ(view.states.front(), (StatusItemState{.frame = StatusFrame::Standby,
-                                                  .tooltipKey = "TOOL_TIP_STATUS_NORMAL"_L1,
-                                                  .isLinked = true,
-                                                  .isDownloadEnabled = true}));
-}
-
-TEST_F(NotifyIcon, animatesWhileDownloading) {
-  start();
-  elsewhere([this] { icon->onChangeStatus(facade, KaAppStatus::Downloading); });
-  ASSERT_TRUE(waitForFrame(StatusFrame::Receive1));
-  view.states.clear();
-  ASSERT_TRUE(waitFor([&] { return view.states.size() >= 5; }));
-  std::vector<std::optional<StatusFrame>> frames;
-  for (std::size_t i = 0; i < 5; ++i)
-    frames.push_back(view.states[i].frame);
-  EXPECT_THAT(frames, testing::ElementsAre(StatusFrame::Receive2, StatusFrame::Receive3, StatusFrame::Receive4,
-                                           StatusFrame::Receive1, StatusFrame::Receive2));
-  EXPECT_TRUE(view.last().isLinked);
-}
-
-TEST_F(NotifyIcon, anErrorOffersToLinkAgainAndADownloadNoMore) {
-  ASSERT_TRUE(facade.saveLinkageSetting(u"token"_s));
-  start();
-  ASSERT_TRUE(waitForState([](const auto &state) { return state.isDownloadEnabled; }));
-  elsewhere([this] { icon->onProcessingResult(facade, KaResultCode::DiskFull, /*userTrigger=*/false); });
-  ASSERT_TRUE(waitForFrame(StatusFrame::Error));
-  EXPECT_EQ(view.last(), (StatusItemState{.frame = StatusFrame::Error, .tooltipKey = "TOOL_TIP_STATUS_DISK_FULL"_L1}));
-}
-
-TEST_F(NotifyIcon, aNewVersionIsToldWithoutTouchingTheIcon) {
-  start();
-  elsewhere([this] {
-    icon->onChangeStatus(facade, KaAppStatus::Normal);
-    icon->onProcessingResult(facade, KaResultCode::NewVersionReleased, /*userTrigger=*/false);
-  });
-  ASSERT_TRUE(waitFor([&] { return view.notifications.size() == 2; }));
-  EXPECT_EQ(view.notifications.back().processingResult, u"24"_s);
-  EXPECT_TRUE(waitForFrame(StatusFrame::Standby));
-}
-
-TEST_F(NotifyIcon, whatTheUserAskedForIsAlertedEvenWithoutAMessage) {
-  start();
-  elsewhere([this] {
-    icon->onProcessingResult(facade, KaResultCode::NothingToDownload, /*userTrigger=*/true);
-    icon->onProcessingResult(facade, KaResultCode::NoHttpStatus, /*userTrigger=*/true);
-    icon->onProcessingResult(facade, KaResultCode::NoHttpStatus, /*userTrigger=*/false);
-  });
-  ASSERT_TRUE(waitForFrame(StatusFrame::Standby));
-  EXPECT_EQ(view.alerts, (QStringList{localised("MSG_DOWNLOAD_ZERO"_L1), QString()}));
-  EXPECT_EQ(view.notifications.size(), 1) << "only the missing link at start";
-}
-
-TEST_F(NotifyIcon, theLinkEntryFollowsTheRun) {
-  start();
-  elsewhere([this] { icon->onSetEnableLogginMenu(false); });
-  EXPECT_TRUE(waitForState([](const auto &state) { return !state.isLogginEnabled; }));
-  elsewhere([this] { icon->onSetEnableLogginMenu(true); });
-  EXPECT_TRUE(waitForState([](const auto &state) { return state.isLogginEnabled; }));
-}
-
-TEST_F(NotifyIcon, aCompletedLoginWaitsBeforeItsFirstRun) {
-  start();
-  QElapsedTimer sinceLogin;
-  sinceLogin.start();
-  icon->onCompleteLinkageSetting();
-  ASSERT_TRUE(waitForFrame(StatusFrame::Standby));
-  EXPECT_GE(sinceLogin.elapsed(), kQuick.startDelay.count());
-}
-
-TEST_F(NotifyIcon, linkingOpensTheLoginPage) {
-  start();
-  Q_EMIT view.entryTriggered(StatusEntry::Link);
-  EXPECT_THAT(browser.takeUrl().value_or(QString()).toStdString(), HasSubstr("/getLogin?"));
-  EXPECT_TRUE(facade.bLoggedIn());
-}
-
-TEST_F(NotifyIcon, loggingOutShowsAtOnceAndForgetsTheLink) {
-  ASSERT_TRUE(facade.saveLinkageSetting(u"token"_s));
-  start();
-  ASSERT_TRUE(waitForFrame(StatusFrame::Standby));
-  Q_EMIT view.entryTriggered(StatusEntry::Logout);
-  EXPECT_EQ(view.last().frame, StatusFrame::Unlink);
-  EXPECT_FALSE(view.last().isLinked);
-  EXPECT_THAT(browser.takeUrl().value_or(QString()).toStdString(), HasSubstr("/logout?"));
-  EXPECT_FALSE(facade.bLoggedIn());
-  EXPECT_TRUE(waitForState([](const auto &state) { return !state.isDownloadEnabled; }));
-  EXPECT_TRUE(view.notifications.empty());
-}
-
-TEST_F(NotifyIcon, launchAtLoginIsSwitchedOnAndOff) {
-  start({.tick = 1h});
-  for (const bool on : {true, false}) {
-    Q_EMIT view.entryTriggered(StatusEntry::LaunchSetting);
-    EXPECT_EQ(view.last().isLaunchedAtLogin, on);
-    EXPECT_EQ(QFileInfo::exists(profile.autostartEntry()), on);
-    EXPECT_EQ(platform::standardUserDefaults().boolValue(u"LaunchAtLogin"_s), on);
-  }
-}
-
-TEST_F(NotifyIcon, launchAtLoginThatFailsChangesNothingAndTakesTheCheckMarkBack) {
-  profile.blockAutostart();
-  start({.tick = 1h});
-  Q_EMIT view.entryTriggered(StatusEntry::LaunchSetting);
-  ASSERT_FALSE(view.states.empty());
-  EXPECT_FALSE(view.last().isLaunchedAtLogin);
-  EXPECT_FALSE(platform::standardUserDefaults().contains(u"LaunchAtLogin"_s));
-}
-
-TEST_F(NotifyIcon, anActionThatFailsIsAlerted) {
-  start();
-  view.nextFault = [] { throw KaException(u"ShowFault"_s, u"on purpose"_s); };
-  icon->menuAction_LaunchSetting();
-  ASSERT_TRUE(waitFor([&] { return !view.alerts.isEmpty(); }));
-  EXPECT_EQ(view.alerts, QStringList{localised("MSG_ERR_UNEXPECTED"_L1)});
-  EXPECT_TRUE(waitForFrame(StatusFrame::Error));
-}
-
-struct ClickRow {
-  const char *name;
-  const char *processingResult;
-  const char *opens; ///< part of what is opened; empty: nothing
-};
-
-class NotificationClick : public NotifyIcon, public testing::WithParamInterface<ClickRow> {};
-
-TEST_P(NotificationClick, opensWhatBelongsToTheResult) {
-  KaDownloadOption option;
-  option.parentFolder = profile.path(u"ordinary"_s);
-  option.parent10GFolder = profile.path(u"long-term"_s);
-  QDir().mkpath(option.parentFolder);
-  QDir().mkpath(option.parent10GFolder);
-  facade.setDownloadOption(option);
-  start();
-  const std::string expected = GetParam().opens;
-  Q_EMIT view.notificationActivated(QString::fromLatin1(GetParam().processingResult));
-  // The browser notes one thing; opening this afterwards shows that there was nothing before.
-  if (expected.empty()) Q_EMIT view.notificationActivated(u"2"_s);
-  const auto opened = browser.takeUrl().value_or(QString()).toStdString();
-  EXPECT_THAT(opened, HasSubstr(expected.empty() ? "long-term" : expected));
-  EXPECT_EQ(facade.bLoggedIn(), expected == "/getLogin");
-}
-
-INSTANTIATE_TEST_SUITE_P(Results, NotificationClick,
-                         testing::Values(ClickRow{"complete", "1", "/ordinary"},
-                                         ClickRow{"complete10G", "2", "/long-term"},
-                                         ClickRow{"unlinked", "10", "/getLogin"},
-                                         ClickRow{"validation", "17", "/getLogin"}, ClickRow{"offline", "9", ""},
-                                         ClickRow{"newVersion", "24", ""}, ClickRow{"noNumber", "one", ""}),
-                         [](const auto &row) { return row.param.name; });
-
-TEST(NotifyIconEnd, comesWithTheEndOfTheDownloadThread) {
-  const UiProfile profile;
-  FakeStatusItem view;
-  KaNotifyIcon icon(KaModelFacade::sharedInstance(), view, {.finishWait = 1h});
-  EXPECT_TRUE(icon.appFinalize());
-}
-
-TEST_F(NotifyIcon, aThreadThatEndedBeforeCostsNoWait) {
-  start({.finishWait = 1h});
-  elsewhere([this] { icon->onFinishDownloadProcess(); });
-  EXPECT_TRUE(icon->appFinalize());
-}
-
-TEST_F(NotifyIcon, givesUpOnAThreadThatDoesNotEnd) {
-  start({.finishWait = 50ms});
+  const StatusItemState expected{.frame = Standby, .tooltipKey = kNormal, .isLinked = true, .isDownloadEnabled = true};
+  EXPECT_EQ(view.states.front(), expected);
   QElapsedTimer sinceQuit;
   sinceQuit.start();
   EXPECT_FALSE(icon->appFinalize());
   EXPECT_GE(sinceQuit.elapsed(), 50);
-  icon.reset();
+}
+
+/// What a result says that comes in during a download, and what it leaves shown.
+struct Meaning {
+  QLatin1StringView message{};
+  QLatin1StringView tooltip = "TOOL_TIP_STATUS_DOWNLOADING"_L1;
+  std::optional<StatusFrame> frame{}; ///< absent: as before
+};
+
+const QMap<qint64, Meaning> kMeanings{
+    {1, {"MSG_DOWNLOAD_COMPLETE"_L1, kNormal, Standby}},
+    {2, {"MSG_10G_DOWNLOAD_COMPLETE"_L1, kNormal, Standby}},
+    {3, {"MSG_DOWNLOAD_ZERO"_L1, kNormal, Standby}},
+    {4, {"MSG_INITIAL_ACCESS_COMPLETE"_L1, kNormal, Standby}},
+    {5, {{}, kUnlinked, Unlink}},
+    {6, {"MSG_ERR_CERTIFICATE"_L1, kMaintenance, Error}},
+    {7, {"MSG_ERR_COMMUNICATION"_L1, kMaintenance, Error}},
+    {8, {"MSG_ERR_DISK_FULL"_L1, "TOOL_TIP_STATUS_DISK_FULL"_L1, Error}},
+    {9, {"MSG_ERR_OFFLINE"_L1, "TOOL_TIP_STATUS_OFFLINE"_L1, Error}},
+    {10, {"MSG_ERR_UNLINK"_L1, kUnlinked, Unlink}},
+    {11, {"MSG_ERR_RETRY"_L1, kMaintenance, Error}},
+    {12, {"MSG_ERR_SERVER"_L1, kMaintenance, Error}},
+    {13, {"MSG_ERR_DOWNLOAD"_L1, "TOOL_TIP_STATUS_ERR_DOWNLOAD"_L1, Error}},
+    {14, {"MSG_ERR_UNEXPECTED"_L1, kMaintenance, Error}},
+    {16, {"MSG_ERR_LINK_INVALID"_L1, kMaintenance, Error}},
+    {17, {"MSG_ERR_VALIDATION"_L1, kUnlinked, Unlink}},
+    {24, {"MSG_NEW_VERSION_RELEASED"_L1}},
+};
+
+TEST_F(NotifyIcon, showsAndTellsWhatAResultMeans) {
+  start();
+  report([] {});
+  EXPECT_EQ(last(), (StatusItemState{.frame = Unlink, .tooltipKey = kUnlinked}));
+  EXPECT_EQ(view.notifications.size(), 1) << "of the missing link";
+  for (qint64 code = -1; code <= 25; ++code) {
+    SCOPED_TRACE(code);
+    const Meaning meaning = kMeanings.value(code);
+    view.notifications.clear();
+    view.alerts.clear();
+    icon->onChangeLinkage(true);
+    report([&] {
+      icon->onChangeStatus(facade, KaAppStatus::Downloading);
+      for (const bool userTrigger : {false, true})
+        icon->onProcessingResult(facade, static_cast<KaResultCode>(code), userTrigger);
+    });
+    EXPECT_EQ(last().tooltipKey, meaning.tooltip);
+    EXPECT_NE(localised(meaning.tooltip), meaning.tooltip);
+    EXPECT_EQ(meaning.frame.value_or(*last().frame), last().frame);
+    EXPECT_EQ(last().isLinked, !meaning.frame || meaning.frame == Standby);
+    EXPECT_EQ(last().isDownloadEnabled, last().isLinked);
+    const QString text = meaning.message.isEmpty() ? QString() : localised(meaning.message);
+    EXPECT_EQ(view.alerts, QStringList{text}) << "what the user asked for is answered, be it with nothing";
+    const QString told = localised("APP_SHORT_NAME"_L1) + text + QString::number(code);
+    EXPECT_EQ(view.notifications.join(u'|'), text.isEmpty() ? QString() : told);
+    EXPECT_TRUE(text.isEmpty() || text != meaning.message);
+  }
+}
+
+TEST_F(NotifyIcon, linksWaitsBeforeTheFirstRunAnimatesItAndLogsOutAtOnce) {
+  start();
+  report([] {});
+  Q_EMIT view.entryTriggered(StatusEntry::Link);
+  EXPECT_THAT(opened(), HasSubstr("/getLogin?"));
+  icon->onCompleteLinkageSetting();
+  icon->onChangeLinkage(true);
+  report([] {});
+  EXPECT_EQ(last().frame, Unlink) << "the folders are not confirmed yet";
+  QElapsedTimer sinceLogin;
+  sinceLogin.start();
+  ASSERT_EQ(windows().size(), 1);
+  windows().first()->reject();
+  ASSERT_TRUE(waitFor([&] { return last().frame == Standby; }));
+  EXPECT_GE(sinceLogin.elapsed(), 50);
+  EXPECT_TRUE(facade.bLoggedIn() && last().isDownloadEnabled);
+  icon->onChangeStatus(facade, KaAppStatus::Downloading);
+  ASSERT_TRUE(waitFor([&] { return last().frame == Receive1; }));
+  for (const StatusFrame frame : {Receive2, Receive3, Receive4, Receive1, Receive2}) {
+    const auto before = view.states.size();
+    ASSERT_TRUE(waitFor([&] { return view.states.size() > before; }));
+    EXPECT_EQ(view.states[before].frame, frame);
+  }
+  for (const bool enabled : {false, true}) {
+    report([&] { icon->onSetEnableLogginMenu(enabled); });
+    EXPECT_EQ(last().isLogginEnabled, enabled);
+  }
+  report([this] { icon->onChangeStatus(facade, static_cast<KaAppStatus>(4)); });
+  EXPECT_TRUE(!last().frame && last().tooltipKey.isEmpty());
+  Q_EMIT view.entryTriggered(StatusEntry::Logout);
+  EXPECT_TRUE(last().frame == Unlink && !last().isLinked);
+  EXPECT_THAT(opened(), HasSubstr("/logout?"));
+  report([] {});
+  EXPECT_FALSE(facade.bLoggedIn() || last().isDownloadEnabled);
+  EXPECT_EQ(view.notifications.size(), 1) << "of the missing link at start, none of the wish to log out";
+}
+
+TEST_F(NotifyIcon, opensOneWindowAtATimeAndTheFoldersOfANewLinkInTurn) {
+  start();
+  Q_EMIT view.entryTriggered(StatusEntry::About);
+  const QPointer<QDialog> about = windows().value(0);
+  ASSERT_TRUE(qobject_cast<KaVersionInformationView *>(about));
+  Q_EMIT view.entryTriggered(StatusEntry::DispSetting);
+  Q_EMIT view.entryTriggered(StatusEntry::About);
+  icon->onCompleteLinkageSetting();
+  EXPECT_EQ(windows(), QList<QDialog *>{about});
+  about->close();
+  ASSERT_TRUE(waitFor([&] { return !about && windows().size() == 1; }));
+  EXPECT_TRUE(qobject_cast<KaDownloadFolderSettingView *>(windows().first()));
+  windows().first()->reject();
+  ASSERT_TRUE(waitFor([&] { return last().frame == Standby; })) << "the first run";
+  EXPECT_TRUE(windows().isEmpty());
+  Q_EMIT view.entryTriggered(StatusEntry::Help);
+  EXPECT_THAT(opened(), HasSubstr("/help/en/index.html"));
+}
+
+TEST_F(NotifyIcon, switchesTheStartAtLoginAndAlertsOfAnActionThatFails) {
+  start({.tick = 1h});
+  for (const bool on : {true, false}) {
+    Q_EMIT view.entryTriggered(StatusEntry::LaunchSetting);
+    EXPECT_EQ(last().isLaunchedAtLogin, on);
+    EXPECT_EQ(QProcess::execute(u"desktop-file-validate"_s, {profile.autostartEntry()}) == 0, on);
+    EXPECT_EQ(platform::standardUserDefaults().string(u"LaunchAtLogin"_s), on ? u"true"_s : u"false"_s);
+  }
+  QDir(profile.configFolder()).rmdir(u"autostart"_s);
+  ASSERT_NE(profile.blockAutostart(), QString());
+  view.states.clear();
+  Q_EMIT view.entryTriggered(StatusEntry::LaunchSetting);
+  ASSERT_EQ(view.states.size(), 1) << "the check mark is taken back";
+  EXPECT_FALSE(last().isLaunchedAtLogin || platform::standardUserDefaults().boolValue(u"LaunchAtLogin"_s));
+
+  view.nextFault = [] { throw KaException(u"ShowFault"_s, u"on purpose"_s); };
+  icon->menuAction_LaunchSetting();
+  ASSERT_TRUE(waitFor([&] { return view.alerts == QStringList{localised("MSG_ERR_UNEXPECTED"_L1)}; }));
+}
+
+TEST_F(NotifyIcon, opensWhatBelongsToTheResultOfAClickedNotification) {
+  start();
+  const KaDownloadOption option = facade.downloadOption();
+  for (const auto &[result, folder] : {std::pair(u"1"_s, option.parentFolder), {u"2"_s, option.parent10GFolder}}) {
+    Q_EMIT view.notificationActivated(result);
+    EXPECT_EQ(browser.takeUrl(), folder);
+  }
+  for (const QString &result : {u"9"_s, u"24"_s, u"one"_s})
+    Q_EMIT view.notificationActivated(result);
+  EXPECT_FALSE(QFile::exists(profile.path(u"opened-url"_s))) << "the browser noted something";
+  for (const QString &result : {u"10"_s, u"17"_s}) {
+    Q_EMIT view.notificationActivated(result);
+    EXPECT_THAT(opened(), HasSubstr("/getLogin?")) << qPrintable(result);
+  }
 }
 
 } // namespace

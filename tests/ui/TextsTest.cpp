@@ -1,70 +1,84 @@
-#include "ui/Texts.h"
 #include "tests/ui/UiProfile.h"
-#include "ui/StatusIcons.h"
-#include "ui/StatusTables.h"
+#include "ui/Texts.h"
 
 #include <gmock/gmock.h>
 
 #include <QDir>
-#include <QIcon>
-#include <QImage>
-
-#include <vector>
+#include <QRegularExpression>
+#include <QXmlStreamReader>
 
 using namespace Qt::StringLiterals;
 
 namespace {
 
-std::vector<QLatin1StringView> keysInUse() {
-  std::vector<QLatin1StringView> keys{"APP_SHORT_NAME"_L1,
-                                      "MSG_FIRST_LAUNCH"_L1,
-                                      "DLG_COMMON_BUTTON_OK_MAC"_L1,
-                                      "DLG_COMMON_BUTTON_CANCEL"_L1,
-                                      "MENU_DOWNLOAD"_L1,
-                                      "MENU_LOGIN"_L1,
-                                      "MENU_LOGOUT"_L1,
-                                      "MENU_LAUNCH_SETTING"_L1,
-                                      "MENU_EXIT_MAC"_L1};
-  for (qint64 code = 0; code <= 24; ++code)
-    if (const auto key = resultEffect(static_cast<KaResultCode>(code)).messageKey; !key.isEmpty()) keys.push_back(key);
-  for (qint64 status = 0; status <= 3; ++status)
-    for (qint64 error = 0; error <= 3; ++error)
-      keys.push_back(tooltipKey(static_cast<KaAppStatus>(status), static_cast<KaErrorStatus>(error)));
-  return keys;
+const QString kTables = QStringLiteral(KA_SOURCE "/resources/i18n");
+
+QByteArray contentOf(const QString &fileName) {
+  QFile file(fileName);
+  return file.open(QFile::ReadOnly) ? file.readAll() : QByteArray();
 }
 
-TEST(Texts, everyKeyHasAnEnglishTextInEveryLocale) {
-  for (const char *const locale : {"C", "en_GB", "eo"}) {
-    QLocale::setDefault(QLocale(QString::fromLatin1(locale)));
-    const UiProfile profile;
-    installTexts();
-    for (const auto key : keysInUse()) {
-      const QString text = localised(key);
-      EXPECT_FALSE(text.trimmed().isEmpty()) << key.data();
-      EXPECT_NE(text, key) << locale;
+QMap<QString, QString> textsIn(const QString &table) {
+  QMap<QString, QString> texts;
+  QString id;
+  QXmlStreamReader xml(contentOf(kTables + u'/' + table));
+  while (!xml.atEnd()) {
+    if (xml.readNext() != QXmlStreamReader::StartElement) continue;
+    if (xml.name() == u"message") id = xml.attributes().value(u"id"_s).toString();
+    if (xml.name() == u"translation") texts[id] = xml.readElementText();
+  }
+  return texts;
+}
+
+/// The letter that follows the mark, if there is one.
+QString mnemonic(const QString &text) {
+  const qsizetype mark = text.indexOf(u'&');
+  return mark < 0 ? QString() : text.mid(mark + 1, 1).toLower();
+}
+
+TEST(Texts, areThereForEveryKeyInUse) {
+  const auto english = textsIn(u"pictora_en.ts"_s);
+  static const QRegularExpression key(u"\"((?:APP|CHK|DLG|MENU|MSG|TOOL_TIP)_[A-Z0-9_]+)\"_L1"_s);
+  QSet<QString> used;
+  for (const QString &folder : {u"/ui"_s, u"/app/main"_s})
+    for (const QFileInfo &source : QDir(QStringLiteral(KA_SOURCE) + folder).entryInfoList({u"*.cpp"_s}))
+      for (auto match = key.globalMatch(QString::fromUtf8(contentOf(source.filePath()))); match.hasNext();)
+        used << match.next().captured(1);
+  const QStringList keys = english.keys();
+  EXPECT_EQ(used, QSet<QString>(keys.begin(), keys.end()));
+}
+
+TEST(Texts, areWholeInEveryLanguage) {
+  const auto english = textsIn(u"pictora_en.ts"_s);
+  const QStringList tables = QDir(kTables).entryList({u"*.ts"_s});
+  EXPECT_GE(tables.size(), 8);
+  for (const QString &table : tables) {
+    SCOPED_TRACE(table.toStdString());
+    const auto texts = textsIn(table);
+    EXPECT_EQ(texts.keys(), english.keys());
+    QStringList mnemonics;
+    for (auto text = texts.begin(); text != texts.end(); ++text) {
+      EXPECT_FALSE(text->trimmed().isEmpty() || text->contains(u'%')) << qPrintable(text.key());
+      EXPECT_EQ(text->count(u'&'), english[text.key()].count(u'&')) << qPrintable(text.key());
+      if (!mnemonic(*text).isEmpty()) mnemonics << mnemonic(*text);
+      if (text.key().startsWith(u"MSG_ERR_UNLINK"_s)) {
+        EXPECT_TRUE(text->contains(texts[u"MENU_LOGIN"_s])) << "names an entry that is not in the menu";
+      }
     }
+    EXPECT_EQ(mnemonics.removeDuplicates(), 0);
   }
 }
 
-TEST(StatusIcons, everyFrameIsAPictureOfItsOwn) {
+TEST(Texts, followTheDesktopAndFallBackToEnglish) {
   const UiProfile profile;
-  std::vector<QImage> seen;
-  for (int frame = 0; frame <= static_cast<int>(StatusFrame::Unlink); ++frame) {
-    const QImage image = statusIcon(static_cast<StatusFrame>(frame)).pixmap(22).toImage();
-    EXPECT_EQ(image.size(), QSize(22, 22)) << frame;
-    EXPECT_THAT(seen, testing::Not(testing::Contains(image))) << frame;
-    seen.push_back(image);
+  for (const auto &[locale, text] : {std::pair(u"de_AT"_s, textsIn(u"pictora_de.ts"_s)),
+                                     {u"zh_CN"_s, textsIn(u"pictora_zh_CN.ts"_s)},
+                                     {u"eo"_s, textsIn(u"pictora_en.ts"_s)},
+                                     {u"C"_s, textsIn(u"pictora_en.ts"_s)}}) {
+    QLocale::setDefault(QLocale(locale));
+    installTexts();
+    EXPECT_EQ(localised("MENU_LOGOUT"_L1), text[u"MENU_LOGOUT"_s]) << qPrintable(locale);
   }
-}
-
-TEST(StatusIcons, everyDrawingHasPicturesForDesktopsWithoutSvg) {
-  const UiProfile profile;
-  const auto drawings = QDir(u":/icons"_s).entryInfoList({u"*.svg"_s});
-  EXPECT_EQ(drawings.size(), static_cast<int>(StatusFrame::Unlink) + 1);
-  for (const auto &drawing : drawings)
-    for (const int size : {16, 22, 24, 32, 44, 48})
-      EXPECT_EQ(QImage(u":/icons/%1_%2.png"_s.arg(drawing.baseName()).arg(size)).size(), QSize(size, size))
-          << drawing.baseName().toStdString();
 }
 
 } // namespace
