@@ -37,8 +37,6 @@ KaNotifyIcon::KaNotifyIcon(KaModelFacade &facade, StatusItemView &view, const Ka
 }
 
 KaNotifyIcon::~KaNotifyIcon() {
-  if (!dialog) return;
-  dialog->disconnect(this);
   delete dialog;
 }
 
@@ -83,6 +81,8 @@ template <class Dialog, class... Arguments> void KaNotifyIcon::openDialog(Argume
     dialog->setAttribute(Qt::WA_DeleteOnClose);
     // A modal window would take the menu of the status item away on some desktops, and with it the way to quit.
     dialog->setModal(false);
+    // The closed window goes away later; from here on it is no longer the one that is open.
+    connect(dialog, &QDialog::finished, this, [this] { dialog = nullptr; });
     dialog->show();
   }
   dialog->raise();
@@ -94,11 +94,12 @@ void KaNotifyIcon::confirmFolders() {
   const bool otherWindowOpen = dialog && !qobject_cast<KaDownloadFolderSettingView *>(dialog);
   openDialog<KaDownloadFolderSettingView>(model);
   if (otherWindowOpen) {
-    connect(dialog, &QObject::destroyed, this, &KaNotifyIcon::onCompleteLinkageSetting, Qt::UniqueConnection);
+    connect(dialog, &QDialog::finished, this, &KaNotifyIcon::onCompleteLinkageSetting, Qt::QueuedConnection);
     return;
   }
-  connect(dialog, &QDialog::finished, this,
-          [this] { QTimer::singleShot(times.startDelay, this, [this] { guarded([this] { startInitialRun(); }); }); });
+  connect(dialog, &QDialog::finished, this, [this] {
+    QTimer::singleShot(times.startDelay, this, [this] { guarded([this] { startInitialRun(); }); });
+  });
 }
 
 void KaNotifyIcon::startInitialRun() {

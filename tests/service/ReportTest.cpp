@@ -66,10 +66,13 @@ TEST_F(Report, isSignedAsAnotherImplementationDoes) {
 }
 
 TEST_F(Report, hasCompanyInObjectTagsAndHeads) {
-  EXPECT_EQ(request.getAWSS3ObjectTag(by, imageKey).result, KaResultCode::Success);
+  image.fileName = u"0001"_s;
+  service.library().add(image);
+  const QString key = service.library().imageKey(image);
+  EXPECT_EQ(request.getAWSS3ObjectTag(by, key).result, KaResultCode::Success);
   const sandbox::RequestRecord tagging = service.requests().last();
   EXPECT_EQ(signatureOf(tagging), signedByCurl(tagging, "s3"));
-  EXPECT_EQ(request.headAWSS3Object(by, imageKey).contentLength, image.body.size());
+  EXPECT_EQ(request.headAWSS3Object(by, key).contentLength, image.body.size());
   const sandbox::RequestRecord head = service.requests().last();
   EXPECT_EQ(signatureOf(head), signedByCurl(head, "s3"));
 }

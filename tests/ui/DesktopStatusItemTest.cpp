@@ -46,19 +46,23 @@ TEST_F(DesktopItem, statesItsMenuByTheGivenValueAndHasAPictureForEveryFrame) {
   std::vector<StatusEntry> chosen;
   QObject::connect(&item, &StatusItemView::entryTriggered, [&](StatusEntry entry) { chosen.push_back(entry); });
   const auto actions = windows<QMenu>().first()->actions();
-  EXPECT_EQ(entries(), "Download Now (off)|-|Download Folders…|Log In…|-|Help|About Downloaderpictora|Start at Login|-|Quit Downloaderpictora");
+  EXPECT_EQ(entries(), "Download Now (off)|-|Download Folders…|Log In…|-|Help|About Downloaderpictora|Start at "
+                       "Login|-|Quit Downloaderpictora");
   const StatusItemState linked{
       .isLinked = true, .isDownloadEnabled = true, .isLogginEnabled = false, .isLaunchedAtLogin = true};
   item.show(linked);
-  EXPECT_EQ(entries(), "Download Now|-|Download Folders…|Log Out (off)|-|Help|About Downloaderpictora|Start at Login [x]|-|Quit Downloaderpictora");
+  EXPECT_EQ(entries(), "Download Now|-|Download Folders…|Log Out (off)|-|Help|About Downloaderpictora|Start at Login "
+                       "[x]|-|Quit Downloaderpictora");
   item.show({.isDownloadEnabled = true});
   for (QAction *const action : actions)
     action->trigger();
-  EXPECT_THAT(chosen, ElementsAre(StatusEntry::Download, StatusEntry::DispSetting, StatusEntry::Link, StatusEntry::Logout,
-                                  StatusEntry::Help, StatusEntry::About, StatusEntry::LaunchSetting,
-                                  StatusEntry::Exit));
+  EXPECT_THAT(chosen,
+              ElementsAre(StatusEntry::Download, StatusEntry::DispSetting, StatusEntry::Link, StatusEntry::Logout,
+                          StatusEntry::Help, StatusEntry::About, StatusEntry::LaunchSetting, StatusEntry::Exit));
   item.show({.isDownloadEnabled = true});
-  EXPECT_EQ(entries(), "Download Now|-|Download Folders…|Log In…|-|Help|About Downloaderpictora|Start at Login|-|Quit Downloaderpictora")
+  EXPECT_EQ(
+      entries(),
+      "Download Now|-|Download Folders…|Log In…|-|Help|About Downloaderpictora|Start at Login|-|Quit Downloaderpictora")
       << "the state does not confirm it";
   EXPECT_EQ(windows<QMenu>().first()->actions(), actions) << "an open menu would close";
 }

@@ -202,7 +202,7 @@ TEST_F(NotifyIcon, opensOneWindowAtATimeAndTheFoldersOfANewLinkInTurn) {
   icon->onCompleteLinkageSetting();
   EXPECT_EQ(windows(), QList<QDialog *>{about});
   about->close();
-  ASSERT_TRUE(waitFor([&] { return !about && windows().size() == 1; }));
+  ASSERT_TRUE(waitFor([&] { return windows().size() == 1 && windows().first() != about; }));
   EXPECT_TRUE(qobject_cast<KaDownloadFolderSettingView *>(windows().first()));
   windows().first()->reject();
   ASSERT_TRUE(waitFor([&] { return last().frame == Standby; })) << "the first run";

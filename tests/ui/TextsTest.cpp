@@ -1,5 +1,5 @@
-#include "tests/ui/UiProfile.h"
 #include "ui/Texts.h"
+#include "tests/ui/UiProfile.h"
 
 #include <gmock/gmock.h>
 
