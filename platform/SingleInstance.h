@@ -28,7 +28,7 @@ public:
 Q_SIGNALS:
   void urlReceived(const QString &url);
   void activated();
-  /// "download", "link", "logout", "settings", "quit", or any other word that a tool sent.
+  /// A word that a tool sent.
   void actionRequested(const QString &action);
 
 private:

@@ -25,6 +25,9 @@ public:
   explicit KaDownloadFolderSettingView(KaModelFacade &facade, QWidget *parent = nullptr);
   ~KaDownloadFolderSettingView() override;
 
+  /// What a click on OK does.
+  void confirm() { okButton_Click(); }
+
 private:
   void setTexts();
   void showOptions();

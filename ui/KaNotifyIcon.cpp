@@ -97,9 +97,12 @@ void KaNotifyIcon::confirmFolders() {
     connect(dialog, &QDialog::finished, this, &KaNotifyIcon::onCompleteLinkageSetting, Qt::QueuedConnection);
     return;
   }
-  connect(dialog, &QDialog::finished, this, [this] {
-    QTimer::singleShot(times.startDelay, this, [this] { guarded([this] { startInitialRun(); }); });
-  });
+  connect(dialog, &QDialog::finished, this,
+          [this] { QTimer::singleShot(times.startDelay, this, [this] { guarded([this] { startInitialRun(); }); }); });
+}
+
+void KaNotifyIcon::confirmDialog() {
+  if (auto *const settings = qobject_cast<KaDownloadFolderSettingView *>(dialog)) settings->confirm();
 }
 
 void KaNotifyIcon::startInitialRun() {

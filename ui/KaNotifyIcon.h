@@ -44,6 +44,9 @@ public:
   void onFinishDownloadProcess() override;
   void onChangeLinkage(bool linked) override;
 
+  /// Answers the open settings window with its OK, as a desktop tool may when there is nobody to press it.
+  void confirmDialog();
+
   /// The token of a login that came back from the browser.
   void setIdCode(const QString &token);
 

@@ -104,6 +104,7 @@ void AppDelegate::activate() {
 }
 
 void AppDelegate::performAction(const QString &action) {
+  if (action == u"confirm") return whenStarted([](KaNotifyIcon &notify) { notify.confirmDialog(); });
   const auto entry = entryOfAction(action);
   if (!entry) return;
   if (*entry == StatusEntry::Exit) return terminate();

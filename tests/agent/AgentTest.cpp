@@ -73,6 +73,10 @@ protected:
     ASSERT_THAT(callback.toStdString(), testing::StartsWith("downloaderpictora://authenticate?"));
     AgentProcess messenger({callback});
     ASSERT_EQ(messenger.waitForEnd(10s), 0);
+    // The folders of the new link are asked for, and nothing runs before.
+    ASSERT_TRUE(waitFor([&] {
+      return AgentProcess::requestAction(u"confirm"_s) && service.requestCount(Endpoint::RefreshToken) > 0;
+    }));
   }
 
   void quitWithinASecond(AgentProcess &agent) {

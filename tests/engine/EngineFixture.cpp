@@ -29,9 +29,9 @@ KaResultCode EngineParts::pass(const KaContentTarget &target) {
   return result == KaResultCode::Success ? content.getContentsProcess(listing.contentsDictionary(), target) : result;
 }
 
-EngineTest::EngineTest(const Defaults &defaults) {
+EngineTest::EngineTest(const QHash<QString, QString> &defaults) {
   QHash<QString, QString> values = service.userDefaults();
-  if (defaults) values.insert(defaults(service));
+  values.insert(defaults);
   profile.writeUserDefaults(values);
   const sandbox::LinkedToken linked = service.issueLinkedToken();
   KaLinkageUtility::saveTokenCode(linked.tokenCode);
@@ -56,8 +56,18 @@ sandbox::LibraryObject EngineTest::image(const QString &hour, const QString &fil
           .metadataDocument = R"({"captureTime":"2024-04-30T12:00:00.000Z"})"};
 }
 
-KaContentTarget EngineTest::target() const {
-  return {.parentFolder = profile.picturesFolder(), .childFolder = 4};
+void EngineTest::addImages(const char *paths) {
+  for (const QString &path : names(paths)) {
+    sandbox::LibraryObject object = image(path.section(u'/', -2, -2), path.section(u'/', -1));
+    if (object.hour.isEmpty()) object.hour = u"10"_s;
+    if (path.count(u'/') == 2) object.deviceId = path.section(u'/', 0, 0);
+    add(object);
+  }
+}
+
+KaContentTarget EngineTest::target(KaContentTarget rest) const {
+  rest.parentFolder = profile.picturesFolder();
+  return rest;
 }
 
 QStringList EngineTest::files() const {
@@ -75,11 +85,7 @@ QByteArray EngineTest::contentOf(const QString &relativePath) const {
   return file.open(QFile::ReadOnly) ? file.readAll() : QByteArray();
 }
 
-KaDownloadData EngineTest::record() {
-  return delegate.answers().records.value(service.library().userId());
-}
-
-QStringList EngineTest::logBlocks() const {
+QStringList EngineTest::logged(const QString &title) const {
   static const QRegularExpression titleLine(uR"(^\[TIME\] ([*=#-])\1\1 (.*?) ?\1*$)"_s);
   QStringList blocks;
   for (const QString &line : loggedLines(profile)) {
@@ -90,14 +96,7 @@ QStringList EngineTest::logBlocks() const {
       blocks.last() += u'|' + line.mid(4);
     }
   }
-  return blocks;
-}
-
-QStringList EngineTest::logged(const QString &title) const {
-  QStringList found;
-  for (const QString &block : logBlocks())
-    if (block == title || block.startsWith(title + u'|')) found << block;
-  return found;
+  return blocks.filter(QRegularExpression(u'^' + QRegularExpression::escape(title) + u"([|:]|$)"_s));
 }
 
 QStringList EngineTest::fetched() const {

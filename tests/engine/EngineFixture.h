@@ -35,25 +35,24 @@ struct EngineParts {
 /// The service on this machine, a linked account in a home of its own, logging on.
 class EngineTest : public testing::Test {
 protected:
-  /// The user defaults that lead to the service, and others besides or instead.
-  using Defaults = std::function<QHash<QString, QString>(sandbox::Service &)>;
-
-  explicit EngineTest(const Defaults &defaults = {});
+  /// @param defaults  user defaults besides those that lead to the service.
+  explicit EngineTest(const QHash<QString, QString> &defaults = {});
 
   /// An image with its name and a capture time.
   [[nodiscard]] static sandbox::LibraryObject image(const QString &hour, const QString &fileName,
                                                     const QByteArray &body = QByteArray(5000, 'p'));
   void add(const sandbox::LibraryObject &object) { service.library().add(object); }
-  [[nodiscard]] KaContentTarget target() const;
+  /// Images "NAME", "HOUR/NAME" or "DEVICE/HOUR/NAME", with blanks between.
+  void addImages(const char *paths);
+  /// Into the pictures folder.
+  [[nodiscard]] KaContentTarget target(KaContentTarget rest = {.childFolder = 4}) const;
 
   /// Below the pictures folder, hidden ones too, sorted.
   [[nodiscard]] QStringList files() const;
   [[nodiscard]] QByteArray contentOf(const QString &relativePath) const;
   /// The record of the ordinary storage.
-  [[nodiscard]] KaDownloadData record();
-  /// The log so far, a block each: its title and lines joined by "|".
-  [[nodiscard]] QStringList logBlocks() const;
-  /// Those of them with @p title.
+  [[nodiscard]] KaDownloadData record() { return delegate.answers().records.value(service.library().userId()); }
+  /// The log's blocks with @p title so far, which may leave out what follows a colon: title and lines joined by "|".
   [[nodiscard]] QStringList logged(const QString &title) const;
   /// The file names of the objects that were asked for, in order.
   [[nodiscard]] QStringList fetched() const;
@@ -69,6 +68,13 @@ inline constexpr int kSlowness = 5;
 #else
 inline constexpr int kSlowness = 1;
 #endif
+
+/// The words of @p text.
+inline QStringList names(const char *text) {
+  return QString::fromUtf8(text).split(u' ', Qt::SkipEmptyParts);
+}
+
+inline constexpr auto kRowName = [](const auto &row) { return row.param.name; };
 
 inline void PrintTo(KaResultCode code, std::ostream *out) {
   *out << "result " << static_cast<qint64>(code);

@@ -16,10 +16,7 @@ class FakeDelegate final : public KaDownloadProcessorDelegate {
 public:
   struct Answers {
     KaDownloadOption option;
-    KaWaitTimes waits{.pollingNormal = std::chrono::hours(1),
-                      .pollingError = std::chrono::hours(1),
-                      .reCheck = std::chrono::milliseconds(1),
-                      .exifRetry = std::chrono::milliseconds(1)};
+    KaWaitTimes waits{.reCheck = std::chrono::milliseconds(1), .exifRetry = std::chrono::milliseconds(1)};
     bool loggedIn = true;
     bool saves = true;
     std::optional<QString> token;
@@ -28,34 +25,59 @@ public:
     std::function<void()> onBLoggedIn; ///< called without the lock held
   };
 
-  void change(const std::function<void(Answers &)> &edit);
+  void change(const std::function<void(Answers &)> &edit) {
+    const std::lock_guard lock(mutex);
+    edit(current);
+  }
   [[nodiscard]] Answers answers() const;
   [[nodiscard]] QStringList events() const;
   void forgetEvents();
-  /// @return false when the event did not come @p times within 20 s.
-  [[nodiscard]] bool waitForEvent(const QString &event, int times = 1) const;
+  /// @return false when the event did not come @p times within @p seconds.
+  [[nodiscard]] bool waitForEvent(const QString &event, int times = 1, int seconds = 20) const;
 
-  [[nodiscard]] KaDownloadOption downloadOption() const override;
-  void setDownloadOption(const KaDownloadOption &option) override;
-  [[nodiscard]] KaResultCode verifyDownloadOptionParentFolder(const QString &path) const override;
-  void loadWaitTimeInfo(KaWaitTimes &waitTimes) const override;
-  [[nodiscard]] bool bLoggedIn() const override;
-  [[nodiscard]] std::optional<QString> loadLinkageSetting() const override;
-  bool saveLinkageSetting(const QString &idToken) override;
-  void setDownloadDataUUID(const QString &key) override;
-  void setDownloadDataAddContent(const QString &key, const QString &contentId) override;
-  void setDownloadDataNewDate(const QString &key, const QString &lastDateTime, const QString &contentId) override;
-  [[nodiscard]] std::optional<QString> downloadDataLastDateTime(const QString &key) const override;
-  [[nodiscard]] std::optional<QStringList> downloadDataContentIds(const QString &key) const override;
-  [[nodiscard]] bool loadGetImageInfo(const QString &fileName) override;
-  [[nodiscard]] bool saveGetImageInfo(const QString &fileName, const QString &uuidKey) override;
-  void setAppStatus(KaAppStatus status) override;
-  void setProcessingResult(KaResultCode result, bool userTrigger) override;
-  void setEnableLoggin(bool enable) override;
-  void notifyDownloadProcessFinish() override;
+  KaDownloadOption downloadOption() const override { return answers().option; }
+  void setDownloadOption(const KaDownloadOption &to) override {
+    change([&](auto &now) { now.option = to; });
+  }
+  KaResultCode verifyDownloadOptionParentFolder(const QString &) const override { return answers().folderVerdict; }
+  void loadWaitTimeInfo(KaWaitTimes &waitTimes) const override { waitTimes = answers().waits; }
+  bool bLoggedIn() const override {
+    if (const auto before = answers(); before.onBLoggedIn) before.onBLoggedIn();
+    return answers().loggedIn;
+  }
+  std::optional<QString> loadLinkageSetting() const override { return answers().token; }
+  bool saveLinkageSetting(const QString &idToken) override {
+    change([&](auto &now) { now.token = idToken; });
+    return note(QStringLiteral("saveLinkage"));
+  }
+  void setDownloadDataUUID(const QString &key) override {
+    change([&](auto &now) { now.records[key]; });
+  }
+  void setDownloadDataAddContent(const QString &key, const QString &contentId) override {
+    change([&](auto &now) { now.records[key].ContentIds << contentId; });
+  }
+  void setDownloadDataNewDate(const QString &key, const QString &lastDateTime, const QString &contentId) override {
+    change([&](auto &now) { now.records[key] = {lastDateTime, {contentId}}; });
+  }
+  std::optional<QString> downloadDataLastDateTime(const QString &key) const override {
+    return answers().records.value(key).LastDateTime;
+  }
+  std::optional<QStringList> downloadDataContentIds(const QString &key) const override {
+    return answers().records.value(key).ContentIds;
+  }
+  bool loadGetImageInfo(const QString &fileName) override { return note(QStringLiteral("load ") + fileName); }
+  bool saveGetImageInfo(const QString &fileName, const QString &uuidKey) override {
+    return note(QStringLiteral("save ") + fileName + u' ' + uuidKey) && answers().saves;
+  }
+  void setAppStatus(KaAppStatus status) override { note(QStringLiteral("status %1").arg(qint64(status))); }
+  void setProcessingResult(KaResultCode result, bool userTrigger) override {
+    note(QStringLiteral("result %1%2").arg(qint64(result)).arg(userTrigger ? u" by user" : u""));
+  }
+  void setEnableLoggin(bool enable) override { note(QStringLiteral("enableLoggin %1").arg(int(enable))); }
+  void notifyDownloadProcessFinish() override { note(QStringLiteral("finish")); }
 
 private:
-  void note(const QString &event);
+  bool note(const QString &event); ///< true
 
   mutable std::mutex mutex;
   mutable std::condition_variable noted;

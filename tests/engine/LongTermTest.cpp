@@ -112,7 +112,7 @@ struct Branch {
   QStringList events; ///< between the save of the ordinary record and those of the others
   QStringList reports = {};
   int previewLists = 1;
-  QString wait = u"3600"_s; ///< empty: none, and nothing saved
+  QString wait = u"1800"_s; ///< empty: none, and nothing saved
 };
 
 class LongTermBranches : public LongTerm, public testing::WithParamInterface<Branch> {};
