@@ -1,0 +1,226 @@
+<?xml version="1.0" encoding="utf-8"?>
+<!DOCTYPE TS>
+<TS version="2.1" language="de" sourcelanguage="en">
+<context>
+  <name></name>
+  <!-- Names -->
+  <message id="APP_SHORT_NAME">
+    <source></source>
+    <translation>Downloaderpictora</translation>
+  </message>
+  <message id="APP_LONG_NAME">
+    <source></source>
+    <translation>Downloaderpictora Foto-Download</translation>
+  </message>
+  <!-- Start-up -->
+  <message id="MSG_FIRST_LAUNCH">
+    <source></source>
+    <translation>Soll Downloaderpictora immer starten, wenn Sie sich am Computer anmelden? Dann kommen neue Fotos an, ohne dass Sie daran denken müssen. Sie können das jederzeit im Menü ändern.</translation>
+  </message>
+  <message id="DLG_COMMON_BUTTON_OK_MAC">
+    <source></source>
+    <translation>OK</translation>
+  </message>
+  <message id="DLG_COMMON_BUTTON_CANCEL">
+    <source></source>
+    <translation>Abbrechen</translation>
+  </message>
+  <!-- Menu -->
+  <message id="MENU_DOWNLOAD">
+    <source></source>
+    <translation>Jetzt herunterladen</translation>
+  </message>
+  <message id="MENU_DISP_SETTING">
+    <source></source>
+    <translation>Download-Ordner…</translation>
+  </message>
+  <message id="MENU_LOGIN">
+    <source></source>
+    <translation>Anmelden…</translation>
+  </message>
+  <message id="MENU_LOGOUT">
+    <source></source>
+    <translation>Abmelden</translation>
+  </message>
+  <message id="MENU_HELP">
+    <source></source>
+    <translation>Hilfe</translation>
+  </message>
+  <message id="MENU_ABOUT">
+    <source></source>
+    <translation>Über Downloaderpictora</translation>
+  </message>
+  <message id="MENU_LAUNCH_SETTING">
+    <source></source>
+    <translation>Beim Anmelden am Computer starten</translation>
+  </message>
+  <message id="MENU_EXIT_MAC">
+    <source></source>
+    <translation>Downloaderpictora beenden</translation>
+  </message>
+  <!-- Tooltips -->
+  <message id="TOOL_TIP_STATUS_NORMAL">
+    <source></source>
+    <translation>Downloaderpictora: wartet auf neue Fotos</translation>
+  </message>
+  <message id="TOOL_TIP_STATUS_DOWNLOADING">
+    <source></source>
+    <translation>Downloaderpictora: lädt Fotos herunter</translation>
+  </message>
+  <message id="TOOL_TIP_STATUS_OFFLINE">
+    <source></source>
+    <translation>Downloaderpictora: keine Verbindung zum Fotodienst</translation>
+  </message>
+  <message id="TOOL_TIP_STATUS_MAINTENANCE">
+    <source></source>
+    <translation>Downloaderpictora: der Fotodienst ist zurzeit nicht verfügbar</translation>
+  </message>
+  <message id="TOOL_TIP_STATUS_DISK_FULL">
+    <source></source>
+    <translation>Downloaderpictora: der Datenträger ist voll</translation>
+  </message>
+  <message id="TOOL_TIP_STATUS_ERR_DOWNLOAD">
+    <source></source>
+    <translation>Downloaderpictora: Fotos konnten nicht gespeichert werden</translation>
+  </message>
+  <message id="TOOL_TIP_STATUS_UNLINK">
+    <source></source>
+    <translation>Downloaderpictora: nicht angemeldet</translation>
+  </message>
+  <!-- Download folders -->
+  <message id="DLG_SETTING_SAVE_FOLDER_TITLE">
+    <source></source>
+    <translation>Speicherort Ihrer Fotos</translation>
+  </message>
+  <message id="DLG_COMMON_BUTTON_SELECT_MAC">
+    <source></source>
+    <translation>Auswählen…</translation>
+  </message>
+  <message id="CHK_SETTING_SUB_10G_DOWNLOAD">
+    <source></source>
+    <translation>Auch den &amp;Langzeitspeicher (10G) und die Vorschaubilder in diesen Ordner herunterladen:</translation>
+  </message>
+  <message id="DLG_SETTING_SAVE_SUB_FOLDER">
+    <source></source>
+    <translation>Ordner nach dem Aufnahmedatum</translation>
+  </message>
+  <message id="CHK_SETTING_SUB_10G_DOWNLOAD_SUPPLEMENT">
+    <source></source>
+    <translation> (an beiden Orten)</translation>
+  </message>
+  <message id="DLG_SETTING_SAVE_SUB_FOLDER_YYYYMMDD_MAC">
+    <source></source>
+    <translation>JJJJ_MM_TT</translation>
+  </message>
+  <message id="DLG_SETTING_SAVE_SUB_FOLDER_YYYY_MM_MAC">
+    <source></source>
+    <translation>JJJJ/MM</translation>
+  </message>
+  <message id="DLG_SETTING_SAVE_SUB_FOLDER_YYYY_YYYYMMDD_MAC">
+    <source></source>
+    <translation>JJJJ/JJJJ_MM_TT</translation>
+  </message>
+  <message id="DLG_SETTING_SAVE_SUB_FOLDER_YYYY_MM_YYYYMMDD_MAC">
+    <source></source>
+    <translation>JJJJ/MM/JJJJ_MM_TT</translation>
+  </message>
+  <message id="DLG_SETTING_SAVE_SUB_FOLDER_NONE">
+    <source></source>
+    <translation>Keine Ordner nach Datum</translation>
+  </message>
+  <message id="DLG_SETTING_SORTING_RULE_NAME">
+    <source></source>
+    <translation>Sortierregel</translation>
+  </message>
+  <message id="DLG_SETTING_CREATE_SUBFOLDER">
+    <source></source>
+    <translation>Fotos nach den &amp;Sortierregeln Ihres Kontos in Ordner einsortieren</translation>
+  </message>
+  <message id="DLG_SETTING_DOWNLOAD_METADATA">
+    <source></source>
+    <translation>Fotos mit ihren &amp;Metadaten herunterladen, sofern der Fotodienst sie so bereithält</translation>
+  </message>
+  <message id="MSG_TRANS_FOLDER_NOT_ACCESS">
+    <source></source>
+    <translation>Dieser Ordner kann nicht verwendet werden: Er ist nicht vorhanden, oder Sie dürfen nicht in ihn schreiben. Wählen Sie einen anderen Ordner oder legen Sie diesen zuerst an.</translation>
+  </message>
+  <message id="MSG_TRANS_FOLDER_NOT_SUPPORT">
+    <source></source>
+    <translation>In diesem Ordner können keine Fotos gespeichert werden, weil er auf einem Wechseldatenträger oder Netzlaufwerk liegt oder zum System gehört. Wählen Sie einen Ordner auf einem eingebauten Datenträger dieses Computers.</translation>
+  </message>
+  <message id="MSG_TRANS_FOLDER_TOO_LONG">
+    <source></source>
+    <translation>Der Pfad dieses Ordners ist zu lang. Wählen Sie einen Ordner mit einem kürzeren Pfad.</translation>
+  </message>
+  <!-- About -->
+  <message id="DLG_ABOUT_TITLE">
+    <source></source>
+    <translation>Über Downloaderpictora</translation>
+  </message>
+  <!-- Results -->
+  <message id="MSG_DOWNLOAD_COMPLETE">
+    <source></source>
+    <translation>Alle neuen Fotos wurden heruntergeladen. Klicken Sie hier, um den Ordner zu öffnen.</translation>
+  </message>
+  <message id="MSG_10G_DOWNLOAD_COMPLETE">
+    <source></source>
+    <translation>Alle neuen Fotos aus dem Langzeitspeicher wurden heruntergeladen. Klicken Sie hier, um den Ordner zu öffnen.</translation>
+  </message>
+  <message id="MSG_DOWNLOAD_ZERO">
+    <source></source>
+    <translation>Es gibt keine neuen Fotos zum Herunterladen.</translation>
+  </message>
+  <message id="MSG_INITIAL_ACCESS_COMPLETE">
+    <source></source>
+    <translation>Sie sind angemeldet. Ihre Fotos werden jetzt heruntergeladen.</translation>
+  </message>
+  <message id="MSG_ERR_CERTIFICATE">
+    <source></source>
+    <translation>Es konnte keine sichere Verbindung zum Fotodienst hergestellt werden. Prüfen Sie, ob Datum und Uhrzeit dieses Computers stimmen und ob Ihr Netzwerk sichere Verbindungen zulässt.</translation>
+  </message>
+  <message id="MSG_ERR_COMMUNICATION">
+    <source></source>
+    <translation>Die Antwort des Fotodienstes war nicht zu verstehen. Der Download wird später erneut versucht.</translation>
+  </message>
+  <message id="MSG_ERR_DISK_FULL">
+    <source></source>
+    <translation>Der Datenträger mit Ihrem Download-Ordner ist voll. Geben Sie Speicherplatz frei; der Download geht dann von selbst weiter.</translation>
+  </message>
+  <message id="MSG_ERR_OFFLINE">
+    <source></source>
+    <translation>Der Fotodienst ist nicht erreichbar. Prüfen Sie Ihre Internetverbindung; der Download wird später erneut versucht.</translation>
+  </message>
+  <message id="MSG_ERR_UNLINK">
+    <source></source>
+    <translation>Sie sind nicht beim Fotodienst angemeldet. Wählen Sie „Anmelden…“ im Menü oder klicken Sie hier, um Ihre Fotos zu erhalten.</translation>
+  </message>
+  <message id="MSG_ERR_RETRY">
+    <source></source>
+    <translation>Der Fotodienst ist ausgelastet. Der Download wird später erneut versucht.</translation>
+  </message>
+  <message id="MSG_ERR_SERVER">
+    <source></source>
+    <translation>Der Fotodienst hat ein Problem gemeldet. Der Download wird später erneut versucht.</translation>
+  </message>
+  <message id="MSG_ERR_DOWNLOAD">
+    <source></source>
+    <translation>Fotos konnten nicht gespeichert werden. Prüfen Sie, ob Ihr Download-Ordner vorhanden ist und ob Sie in ihn schreiben dürfen.</translation>
+  </message>
+  <message id="MSG_ERR_UNEXPECTED">
+    <source></source>
+    <translation>Etwas Unerwartetes ist schiefgegangen. Falls es wieder geschieht, beenden Sie Downloaderpictora und starten Sie es neu.</translation>
+  </message>
+  <message id="MSG_ERR_LINK_INVALID">
+    <source></source>
+    <translation>Der Fotodienst hat Ihre Anmeldung nicht angenommen. Wählen Sie „Anmelden…“ im Menü, um sich erneut anzumelden.</translation>
+  </message>
+  <message id="MSG_ERR_VALIDATION">
+    <source></source>
+    <translation>Ihre Anmeldung ist nicht mehr gültig. Wählen Sie „Anmelden…“ im Menü oder klicken Sie hier, um sich erneut anzumelden.</translation>
+  </message>
+  <message id="MSG_NEW_VERSION_RELEASED">
+    <source></source>
+    <translation>Eine neue Version von Downloaderpictora ist verfügbar. Sie erhalten sie dort, woher Sie auch diese haben.</translation>
+  </message>
+</context>
+</TS>

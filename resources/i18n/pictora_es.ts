@@ -1,0 +1,226 @@
+<?xml version="1.0" encoding="utf-8"?>
+<!DOCTYPE TS>
+<TS version="2.1" language="es" sourcelanguage="en">
+<context>
+  <name></name>
+  <!-- Names -->
+  <message id="APP_SHORT_NAME">
+    <source></source>
+    <translation>Downloaderpictora</translation>
+  </message>
+  <message id="APP_LONG_NAME">
+    <source></source>
+    <translation>Downloaderpictora – Descarga de fotos</translation>
+  </message>
+  <!-- Start-up -->
+  <message id="MSG_FIRST_LAUNCH">
+    <source></source>
+    <translation>¿Desea que Downloaderpictora se abra cada vez que inicie sesión en el equipo? Así, las fotos nuevas llegarán sin que tenga que pensar en ello. Puede cambiarlo en el menú en cualquier momento.</translation>
+  </message>
+  <message id="DLG_COMMON_BUTTON_OK_MAC">
+    <source></source>
+    <translation>Aceptar</translation>
+  </message>
+  <message id="DLG_COMMON_BUTTON_CANCEL">
+    <source></source>
+    <translation>Cancelar</translation>
+  </message>
+  <!-- Menu -->
+  <message id="MENU_DOWNLOAD">
+    <source></source>
+    <translation>Descargar ahora</translation>
+  </message>
+  <message id="MENU_DISP_SETTING">
+    <source></source>
+    <translation>Carpetas de descarga…</translation>
+  </message>
+  <message id="MENU_LOGIN">
+    <source></source>
+    <translation>Iniciar sesión…</translation>
+  </message>
+  <message id="MENU_LOGOUT">
+    <source></source>
+    <translation>Cerrar sesión</translation>
+  </message>
+  <message id="MENU_HELP">
+    <source></source>
+    <translation>Ayuda</translation>
+  </message>
+  <message id="MENU_ABOUT">
+    <source></source>
+    <translation>Acerca de Downloaderpictora</translation>
+  </message>
+  <message id="MENU_LAUNCH_SETTING">
+    <source></source>
+    <translation>Abrir al iniciar sesión en el equipo</translation>
+  </message>
+  <message id="MENU_EXIT_MAC">
+    <source></source>
+    <translation>Salir de Downloaderpictora</translation>
+  </message>
+  <!-- Tooltips -->
+  <message id="TOOL_TIP_STATUS_NORMAL">
+    <source></source>
+    <translation>Downloaderpictora: a la espera de fotos nuevas</translation>
+  </message>
+  <message id="TOOL_TIP_STATUS_DOWNLOADING">
+    <source></source>
+    <translation>Downloaderpictora: descargando fotos</translation>
+  </message>
+  <message id="TOOL_TIP_STATUS_OFFLINE">
+    <source></source>
+    <translation>Downloaderpictora: sin conexión con el servicio de fotos</translation>
+  </message>
+  <message id="TOOL_TIP_STATUS_MAINTENANCE">
+    <source></source>
+    <translation>Downloaderpictora: el servicio de fotos no está disponible en este momento</translation>
+  </message>
+  <message id="TOOL_TIP_STATUS_DISK_FULL">
+    <source></source>
+    <translation>Downloaderpictora: el disco está lleno</translation>
+  </message>
+  <message id="TOOL_TIP_STATUS_ERR_DOWNLOAD">
+    <source></source>
+    <translation>Downloaderpictora: no se pudieron guardar fotos</translation>
+  </message>
+  <message id="TOOL_TIP_STATUS_UNLINK">
+    <source></source>
+    <translation>Downloaderpictora: sesión no iniciada</translation>
+  </message>
+  <!-- Download folders -->
+  <message id="DLG_SETTING_SAVE_FOLDER_TITLE">
+    <source></source>
+    <translation>Dónde guardar sus fotos</translation>
+  </message>
+  <message id="DLG_COMMON_BUTTON_SELECT_MAC">
+    <source></source>
+    <translation>Elegir…</translation>
+  </message>
+  <message id="CHK_SETTING_SUB_10G_DOWNLOAD">
+    <source></source>
+    <translation>Descargar también el almacenamiento a &amp;largo plazo (10G) y las vistas previas en esta carpeta:</translation>
+  </message>
+  <message id="DLG_SETTING_SAVE_SUB_FOLDER">
+    <source></source>
+    <translation>Carpetas según la fecha en que se tomó la foto</translation>
+  </message>
+  <message id="CHK_SETTING_SUB_10G_DOWNLOAD_SUPPLEMENT">
+    <source></source>
+    <translation> (en ambos lugares)</translation>
+  </message>
+  <message id="DLG_SETTING_SAVE_SUB_FOLDER_YYYYMMDD_MAC">
+    <source></source>
+    <translation>AAAA_MM_DD</translation>
+  </message>
+  <message id="DLG_SETTING_SAVE_SUB_FOLDER_YYYY_MM_MAC">
+    <source></source>
+    <translation>AAAA/MM</translation>
+  </message>
+  <message id="DLG_SETTING_SAVE_SUB_FOLDER_YYYY_YYYYMMDD_MAC">
+    <source></source>
+    <translation>AAAA/AAAA_MM_DD</translation>
+  </message>
+  <message id="DLG_SETTING_SAVE_SUB_FOLDER_YYYY_MM_YYYYMMDD_MAC">
+    <source></source>
+    <translation>AAAA/MM/AAAA_MM_DD</translation>
+  </message>
+  <message id="DLG_SETTING_SAVE_SUB_FOLDER_NONE">
+    <source></source>
+    <translation>Sin carpetas por fecha</translation>
+  </message>
+  <message id="DLG_SETTING_SORTING_RULE_NAME">
+    <source></source>
+    <translation>Regla de clasificación</translation>
+  </message>
+  <message id="DLG_SETTING_CREATE_SUBFOLDER">
+    <source></source>
+    <translation>&amp;Clasificar las fotos en carpetas según las reglas de clasificación de su cuenta</translation>
+  </message>
+  <message id="DLG_SETTING_DOWNLOAD_METADATA">
+    <source></source>
+    <translation>Descargar las fotos con sus &amp;metadatos, cuando el servicio de fotos las ofrezca así</translation>
+  </message>
+  <message id="MSG_TRANS_FOLDER_NOT_ACCESS">
+    <source></source>
+    <translation>No se puede usar esta carpeta: no existe o usted no tiene permiso para escribir en ella. Elija otra carpeta o cree esta primero.</translation>
+  </message>
+  <message id="MSG_TRANS_FOLDER_NOT_SUPPORT">
+    <source></source>
+    <translation>No se pueden guardar fotos en esta carpeta porque está en un disco extraíble o de red, o porque pertenece al sistema. Elija una carpeta de un disco interno de este equipo.</translation>
+  </message>
+  <message id="MSG_TRANS_FOLDER_TOO_LONG">
+    <source></source>
+    <translation>La ruta de esta carpeta es demasiado larga. Elija una carpeta con una ruta más corta.</translation>
+  </message>
+  <!-- About -->
+  <message id="DLG_ABOUT_TITLE">
+    <source></source>
+    <translation>Acerca de Downloaderpictora</translation>
+  </message>
+  <!-- Results -->
+  <message id="MSG_DOWNLOAD_COMPLETE">
+    <source></source>
+    <translation>Se han descargado todas las fotos nuevas. Haga clic aquí para abrir la carpeta.</translation>
+  </message>
+  <message id="MSG_10G_DOWNLOAD_COMPLETE">
+    <source></source>
+    <translation>Se han descargado todas las fotos nuevas del almacenamiento a largo plazo. Haga clic aquí para abrir la carpeta.</translation>
+  </message>
+  <message id="MSG_DOWNLOAD_ZERO">
+    <source></source>
+    <translation>No hay fotos nuevas que descargar.</translation>
+  </message>
+  <message id="MSG_INITIAL_ACCESS_COMPLETE">
+    <source></source>
+    <translation>Ha iniciado sesión. Ahora se descargarán sus fotos.</translation>
+  </message>
+  <message id="MSG_ERR_CERTIFICATE">
+    <source></source>
+    <translation>No se pudo establecer una conexión segura con el servicio de fotos. Compruebe que la fecha y la hora de este equipo sean correctas y que su red permita las conexiones seguras.</translation>
+  </message>
+  <message id="MSG_ERR_COMMUNICATION">
+    <source></source>
+    <translation>No se pudo entender la respuesta del servicio de fotos. La descarga se volverá a intentar más tarde.</translation>
+  </message>
+  <message id="MSG_ERR_DISK_FULL">
+    <source></source>
+    <translation>El disco de su carpeta de descarga está lleno. Libere espacio; la descarga continuará entonces por sí sola.</translation>
+  </message>
+  <message id="MSG_ERR_OFFLINE">
+    <source></source>
+    <translation>No se pudo acceder al servicio de fotos. Compruebe su conexión a Internet; la descarga se volverá a intentar más tarde.</translation>
+  </message>
+  <message id="MSG_ERR_UNLINK">
+    <source></source>
+    <translation>No ha iniciado sesión en el servicio de fotos. Elija «Iniciar sesión…» en el menú o haga clic aquí para recibir sus fotos.</translation>
+  </message>
+  <message id="MSG_ERR_RETRY">
+    <source></source>
+    <translation>El servicio de fotos está ocupado. La descarga se volverá a intentar más tarde.</translation>
+  </message>
+  <message id="MSG_ERR_SERVER">
+    <source></source>
+    <translation>El servicio de fotos informó de un problema. La descarga se volverá a intentar más tarde.</translation>
+  </message>
+  <message id="MSG_ERR_DOWNLOAD">
+    <source></source>
+    <translation>No se pudieron guardar fotos. Compruebe que su carpeta de descarga exista y que tenga permiso para escribir en ella.</translation>
+  </message>
+  <message id="MSG_ERR_UNEXPECTED">
+    <source></source>
+    <translation>Se produjo un problema inesperado. Si vuelve a ocurrir, salga de Downloaderpictora y ábralo de nuevo.</translation>
+  </message>
+  <message id="MSG_ERR_LINK_INVALID">
+    <source></source>
+    <translation>El servicio de fotos no aceptó su inicio de sesión. Elija «Iniciar sesión…» en el menú para volver a iniciar sesión.</translation>
+  </message>
+  <message id="MSG_ERR_VALIDATION">
+    <source></source>
+    <translation>Su sesión ya no es válida. Elija «Iniciar sesión…» en el menú o haga clic aquí para volver a iniciar sesión.</translation>
+  </message>
+  <message id="MSG_NEW_VERSION_RELEASED">
+    <source></source>
+    <translation>Hay una nueva versión de Downloaderpictora. Puede obtenerla en el mismo sitio en que obtuvo esta.</translation>
+  </message>
+</context>
+</TS>

@@ -1,0 +1,226 @@
+<?xml version="1.0" encoding="utf-8"?>
+<!DOCTYPE TS>
+<TS version="2.1" language="fr" sourcelanguage="en">
+<context>
+  <name></name>
+  <!-- Names -->
+  <message id="APP_SHORT_NAME">
+    <source></source>
+    <translation>Downloaderpictora</translation>
+  </message>
+  <message id="APP_LONG_NAME">
+    <source></source>
+    <translation>Downloaderpictora – Téléchargement de photos</translation>
+  </message>
+  <!-- Start-up -->
+  <message id="MSG_FIRST_LAUNCH">
+    <source></source>
+    <translation>Faut-il lancer Downloaderpictora à chaque ouverture de session ? Les nouvelles photos arriveront alors sans que vous ayez à y penser. Vous pourrez changer ce réglage à tout moment dans le menu.</translation>
+  </message>
+  <message id="DLG_COMMON_BUTTON_OK_MAC">
+    <source></source>
+    <translation>OK</translation>
+  </message>
+  <message id="DLG_COMMON_BUTTON_CANCEL">
+    <source></source>
+    <translation>Annuler</translation>
+  </message>
+  <!-- Menu -->
+  <message id="MENU_DOWNLOAD">
+    <source></source>
+    <translation>Télécharger maintenant</translation>
+  </message>
+  <message id="MENU_DISP_SETTING">
+    <source></source>
+    <translation>Dossiers de téléchargement…</translation>
+  </message>
+  <message id="MENU_LOGIN">
+    <source></source>
+    <translation>Se connecter…</translation>
+  </message>
+  <message id="MENU_LOGOUT">
+    <source></source>
+    <translation>Se déconnecter</translation>
+  </message>
+  <message id="MENU_HELP">
+    <source></source>
+    <translation>Aide</translation>
+  </message>
+  <message id="MENU_ABOUT">
+    <source></source>
+    <translation>À propos de Downloaderpictora</translation>
+  </message>
+  <message id="MENU_LAUNCH_SETTING">
+    <source></source>
+    <translation>Lancer à l’ouverture de session</translation>
+  </message>
+  <message id="MENU_EXIT_MAC">
+    <source></source>
+    <translation>Quitter Downloaderpictora</translation>
+  </message>
+  <!-- Tooltips -->
+  <message id="TOOL_TIP_STATUS_NORMAL">
+    <source></source>
+    <translation>Downloaderpictora : en attente de nouvelles photos</translation>
+  </message>
+  <message id="TOOL_TIP_STATUS_DOWNLOADING">
+    <source></source>
+    <translation>Downloaderpictora : téléchargement de photos en cours</translation>
+  </message>
+  <message id="TOOL_TIP_STATUS_OFFLINE">
+    <source></source>
+    <translation>Downloaderpictora : pas de connexion au service photo</translation>
+  </message>
+  <message id="TOOL_TIP_STATUS_MAINTENANCE">
+    <source></source>
+    <translation>Downloaderpictora : le service photo est indisponible pour le moment</translation>
+  </message>
+  <message id="TOOL_TIP_STATUS_DISK_FULL">
+    <source></source>
+    <translation>Downloaderpictora : le disque est plein</translation>
+  </message>
+  <message id="TOOL_TIP_STATUS_ERR_DOWNLOAD">
+    <source></source>
+    <translation>Downloaderpictora : des photos n’ont pas pu être enregistrées</translation>
+  </message>
+  <message id="TOOL_TIP_STATUS_UNLINK">
+    <source></source>
+    <translation>Downloaderpictora : non connecté</translation>
+  </message>
+  <!-- Download folders -->
+  <message id="DLG_SETTING_SAVE_FOLDER_TITLE">
+    <source></source>
+    <translation>Où enregistrer vos photos</translation>
+  </message>
+  <message id="DLG_COMMON_BUTTON_SELECT_MAC">
+    <source></source>
+    <translation>Choisir…</translation>
+  </message>
+  <message id="CHK_SETTING_SUB_10G_DOWNLOAD">
+    <source></source>
+    <translation>Télécharger aussi le stockage à &amp;long terme (10G) et les aperçus dans ce dossier :</translation>
+  </message>
+  <message id="DLG_SETTING_SAVE_SUB_FOLDER">
+    <source></source>
+    <translation>Dossiers par date de prise de vue</translation>
+  </message>
+  <message id="CHK_SETTING_SUB_10G_DOWNLOAD_SUPPLEMENT">
+    <source></source>
+    <translation> (aux deux emplacements)</translation>
+  </message>
+  <message id="DLG_SETTING_SAVE_SUB_FOLDER_YYYYMMDD_MAC">
+    <source></source>
+    <translation>AAAA_MM_JJ</translation>
+  </message>
+  <message id="DLG_SETTING_SAVE_SUB_FOLDER_YYYY_MM_MAC">
+    <source></source>
+    <translation>AAAA/MM</translation>
+  </message>
+  <message id="DLG_SETTING_SAVE_SUB_FOLDER_YYYY_YYYYMMDD_MAC">
+    <source></source>
+    <translation>AAAA/AAAA_MM_JJ</translation>
+  </message>
+  <message id="DLG_SETTING_SAVE_SUB_FOLDER_YYYY_MM_YYYYMMDD_MAC">
+    <source></source>
+    <translation>AAAA/MM/AAAA_MM_JJ</translation>
+  </message>
+  <message id="DLG_SETTING_SAVE_SUB_FOLDER_NONE">
+    <source></source>
+    <translation>Aucun dossier par date</translation>
+  </message>
+  <message id="DLG_SETTING_SORTING_RULE_NAME">
+    <source></source>
+    <translation>Règle de tri</translation>
+  </message>
+  <message id="DLG_SETTING_CREATE_SUBFOLDER">
+    <source></source>
+    <translation>&amp;Classer les photos dans des dossiers selon les règles de tri de votre compte</translation>
+  </message>
+  <message id="DLG_SETTING_DOWNLOAD_METADATA">
+    <source></source>
+    <translation>Télécharger les photos avec leurs &amp;métadonnées, lorsque le service photo les propose ainsi</translation>
+  </message>
+  <message id="MSG_TRANS_FOLDER_NOT_ACCESS">
+    <source></source>
+    <translation>Ce dossier ne peut pas être utilisé : il n’existe pas, ou vous n’avez pas le droit d’y écrire. Choisissez un autre dossier ou créez d’abord celui-ci.</translation>
+  </message>
+  <message id="MSG_TRANS_FOLDER_NOT_SUPPORT">
+    <source></source>
+    <translation>Les photos ne peuvent pas être enregistrées dans ce dossier, car il se trouve sur un disque amovible ou réseau, ou appartient au système. Choisissez un dossier sur un disque interne de cet ordinateur.</translation>
+  </message>
+  <message id="MSG_TRANS_FOLDER_TOO_LONG">
+    <source></source>
+    <translation>Le chemin de ce dossier est trop long. Choisissez un dossier dont le chemin est plus court.</translation>
+  </message>
+  <!-- About -->
+  <message id="DLG_ABOUT_TITLE">
+    <source></source>
+    <translation>À propos de Downloaderpictora</translation>
+  </message>
+  <!-- Results -->
+  <message id="MSG_DOWNLOAD_COMPLETE">
+    <source></source>
+    <translation>Toutes les nouvelles photos ont été téléchargées. Cliquez ici pour ouvrir le dossier.</translation>
+  </message>
+  <message id="MSG_10G_DOWNLOAD_COMPLETE">
+    <source></source>
+    <translation>Toutes les nouvelles photos du stockage à long terme ont été téléchargées. Cliquez ici pour ouvrir le dossier.</translation>
+  </message>
+  <message id="MSG_DOWNLOAD_ZERO">
+    <source></source>
+    <translation>Il n’y a pas de nouvelles photos à télécharger.</translation>
+  </message>
+  <message id="MSG_INITIAL_ACCESS_COMPLETE">
+    <source></source>
+    <translation>Vous êtes connecté. Vos photos vont maintenant être téléchargées.</translation>
+  </message>
+  <message id="MSG_ERR_CERTIFICATE">
+    <source></source>
+    <translation>Impossible d’établir une connexion sécurisée avec le service photo. Vérifiez que la date et l’heure de cet ordinateur sont justes et que votre réseau laisse passer les connexions sécurisées.</translation>
+  </message>
+  <message id="MSG_ERR_COMMUNICATION">
+    <source></source>
+    <translation>La réponse du service photo n’a pas pu être comprise. Une nouvelle tentative de téléchargement aura lieu plus tard.</translation>
+  </message>
+  <message id="MSG_ERR_DISK_FULL">
+    <source></source>
+    <translation>Le disque de votre dossier de téléchargement est plein. Libérez de l’espace ; le téléchargement reprendra alors de lui-même.</translation>
+  </message>
+  <message id="MSG_ERR_OFFLINE">
+    <source></source>
+    <translation>Le service photo est injoignable. Vérifiez votre connexion à Internet ; une nouvelle tentative de téléchargement aura lieu plus tard.</translation>
+  </message>
+  <message id="MSG_ERR_UNLINK">
+    <source></source>
+    <translation>Vous n’êtes pas connecté au service photo. Choisissez « Se connecter… » dans le menu, ou cliquez ici, pour recevoir vos photos.</translation>
+  </message>
+  <message id="MSG_ERR_RETRY">
+    <source></source>
+    <translation>Le service photo est occupé. Une nouvelle tentative de téléchargement aura lieu plus tard.</translation>
+  </message>
+  <message id="MSG_ERR_SERVER">
+    <source></source>
+    <translation>Le service photo a signalé un problème. Une nouvelle tentative de téléchargement aura lieu plus tard.</translation>
+  </message>
+  <message id="MSG_ERR_DOWNLOAD">
+    <source></source>
+    <translation>Des photos n’ont pas pu être enregistrées. Vérifiez que votre dossier de téléchargement existe et que vous avez le droit d’y écrire.</translation>
+  </message>
+  <message id="MSG_ERR_UNEXPECTED">
+    <source></source>
+    <translation>Un problème inattendu s’est produit. S’il se reproduit, quittez Downloaderpictora puis relancez-le.</translation>
+  </message>
+  <message id="MSG_ERR_LINK_INVALID">
+    <source></source>
+    <translation>Le service photo n’a pas accepté votre connexion. Choisissez « Se connecter… » dans le menu pour vous connecter à nouveau.</translation>
+  </message>
+  <message id="MSG_ERR_VALIDATION">
+    <source></source>
+    <translation>Votre connexion n’est plus valable. Choisissez « Se connecter… » dans le menu, ou cliquez ici, pour vous connecter à nouveau.</translation>
+  </message>
+  <message id="MSG_NEW_VERSION_RELEASED">
+    <source></source>
+    <translation>Une nouvelle version de Downloaderpictora est disponible. Vous la trouverez là où vous avez obtenu celle-ci.</translation>
+  </message>
+</context>
+</TS>

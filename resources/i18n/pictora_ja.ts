@@ -1,0 +1,226 @@
+<?xml version="1.0" encoding="utf-8"?>
+<!DOCTYPE TS>
+<TS version="2.1" language="ja" sourcelanguage="en">
+<context>
+  <name></name>
+  <!-- Names -->
+  <message id="APP_SHORT_NAME">
+    <source></source>
+    <translation>Downloaderpictora</translation>
+  </message>
+  <message id="APP_LONG_NAME">
+    <source></source>
+    <translation>Downloaderpictora 写真ダウンロード</translation>
+  </message>
+  <!-- Start-up -->
+  <message id="MSG_FIRST_LAUNCH">
+    <source></source>
+    <translation>コンピューターにログインするたびに Downloaderpictora を起動しますか？ 起動しておくと、新しい写真が自動的に届きます。この設定はメニューでいつでも変更できます。</translation>
+  </message>
+  <message id="DLG_COMMON_BUTTON_OK_MAC">
+    <source></source>
+    <translation>OK</translation>
+  </message>
+  <message id="DLG_COMMON_BUTTON_CANCEL">
+    <source></source>
+    <translation>キャンセル</translation>
+  </message>
+  <!-- Menu -->
+  <message id="MENU_DOWNLOAD">
+    <source></source>
+    <translation>今すぐダウンロード</translation>
+  </message>
+  <message id="MENU_DISP_SETTING">
+    <source></source>
+    <translation>ダウンロードフォルダー…</translation>
+  </message>
+  <message id="MENU_LOGIN">
+    <source></source>
+    <translation>ログイン…</translation>
+  </message>
+  <message id="MENU_LOGOUT">
+    <source></source>
+    <translation>ログアウト</translation>
+  </message>
+  <message id="MENU_HELP">
+    <source></source>
+    <translation>ヘルプ</translation>
+  </message>
+  <message id="MENU_ABOUT">
+    <source></source>
+    <translation>Downloaderpictora について</translation>
+  </message>
+  <message id="MENU_LAUNCH_SETTING">
+    <source></source>
+    <translation>コンピューターへのログイン時に起動</translation>
+  </message>
+  <message id="MENU_EXIT_MAC">
+    <source></source>
+    <translation>Downloaderpictora を終了</translation>
+  </message>
+  <!-- Tooltips -->
+  <message id="TOOL_TIP_STATUS_NORMAL">
+    <source></source>
+    <translation>Downloaderpictora: 新しい写真を待っています</translation>
+  </message>
+  <message id="TOOL_TIP_STATUS_DOWNLOADING">
+    <source></source>
+    <translation>Downloaderpictora: 写真をダウンロードしています</translation>
+  </message>
+  <message id="TOOL_TIP_STATUS_OFFLINE">
+    <source></source>
+    <translation>Downloaderpictora: 写真サービスに接続できません</translation>
+  </message>
+  <message id="TOOL_TIP_STATUS_MAINTENANCE">
+    <source></source>
+    <translation>Downloaderpictora: 写真サービスは現在利用できません</translation>
+  </message>
+  <message id="TOOL_TIP_STATUS_DISK_FULL">
+    <source></source>
+    <translation>Downloaderpictora: ディスクの空き容量がありません</translation>
+  </message>
+  <message id="TOOL_TIP_STATUS_ERR_DOWNLOAD">
+    <source></source>
+    <translation>Downloaderpictora: 写真を保存できませんでした</translation>
+  </message>
+  <message id="TOOL_TIP_STATUS_UNLINK">
+    <source></source>
+    <translation>Downloaderpictora: ログインしていません</translation>
+  </message>
+  <!-- Download folders -->
+  <message id="DLG_SETTING_SAVE_FOLDER_TITLE">
+    <source></source>
+    <translation>写真の保存先</translation>
+  </message>
+  <message id="DLG_COMMON_BUTTON_SELECT_MAC">
+    <source></source>
+    <translation>選択…</translation>
+  </message>
+  <message id="CHK_SETTING_SUB_10G_DOWNLOAD">
+    <source></source>
+    <translation>長期保存（10G）の写真とプレビューも次のフォルダーにダウンロードする(&amp;L):</translation>
+  </message>
+  <message id="DLG_SETTING_SAVE_SUB_FOLDER">
+    <source></source>
+    <translation>撮影日ごとのフォルダー</translation>
+  </message>
+  <message id="CHK_SETTING_SUB_10G_DOWNLOAD_SUPPLEMENT">
+    <source></source>
+    <translation>（両方の保存先に適用）</translation>
+  </message>
+  <message id="DLG_SETTING_SAVE_SUB_FOLDER_YYYYMMDD_MAC">
+    <source></source>
+    <translation>YYYY_MM_DD</translation>
+  </message>
+  <message id="DLG_SETTING_SAVE_SUB_FOLDER_YYYY_MM_MAC">
+    <source></source>
+    <translation>YYYY/MM</translation>
+  </message>
+  <message id="DLG_SETTING_SAVE_SUB_FOLDER_YYYY_YYYYMMDD_MAC">
+    <source></source>
+    <translation>YYYY/YYYY_MM_DD</translation>
+  </message>
+  <message id="DLG_SETTING_SAVE_SUB_FOLDER_YYYY_MM_YYYYMMDD_MAC">
+    <source></source>
+    <translation>YYYY/MM/YYYY_MM_DD</translation>
+  </message>
+  <message id="DLG_SETTING_SAVE_SUB_FOLDER_NONE">
+    <source></source>
+    <translation>日付のフォルダーを作らない</translation>
+  </message>
+  <message id="DLG_SETTING_SORTING_RULE_NAME">
+    <source></source>
+    <translation>振り分けルール</translation>
+  </message>
+  <message id="DLG_SETTING_CREATE_SUBFOLDER">
+    <source></source>
+    <translation>アカウントの振り分けルールに従って写真をフォルダーに振り分ける(&amp;S)</translation>
+  </message>
+  <message id="DLG_SETTING_DOWNLOAD_METADATA">
+    <source></source>
+    <translation>写真サービスにメタデータ付きの写真がある場合は、それをダウンロードする(&amp;M)</translation>
+  </message>
+  <message id="MSG_TRANS_FOLDER_NOT_ACCESS">
+    <source></source>
+    <translation>このフォルダーは使用できません。存在しないか、書き込む権限がありません。別のフォルダーを選択するか、先にこのフォルダーを作成してください。</translation>
+  </message>
+  <message id="MSG_TRANS_FOLDER_NOT_SUPPORT">
+    <source></source>
+    <translation>このフォルダーには写真を保存できません。リムーバブルディスクまたはネットワークディスク上にあるか、システムのフォルダーです。このコンピューターの内蔵ディスクにあるフォルダーを選択してください。</translation>
+  </message>
+  <message id="MSG_TRANS_FOLDER_TOO_LONG">
+    <source></source>
+    <translation>このフォルダーのパスは長すぎます。パスがもっと短いフォルダーを選択してください。</translation>
+  </message>
+  <!-- About -->
+  <message id="DLG_ABOUT_TITLE">
+    <source></source>
+    <translation>Downloaderpictora について</translation>
+  </message>
+  <!-- Results -->
+  <message id="MSG_DOWNLOAD_COMPLETE">
+    <source></source>
+    <translation>新しい写真をすべてダウンロードしました。ここをクリックするとフォルダーが開きます。</translation>
+  </message>
+  <message id="MSG_10G_DOWNLOAD_COMPLETE">
+    <source></source>
+    <translation>長期保存の新しい写真をすべてダウンロードしました。ここをクリックするとフォルダーが開きます。</translation>
+  </message>
+  <message id="MSG_DOWNLOAD_ZERO">
+    <source></source>
+    <translation>ダウンロードする新しい写真はありません。</translation>
+  </message>
+  <message id="MSG_INITIAL_ACCESS_COMPLETE">
+    <source></source>
+    <translation>ログインしました。これから写真をダウンロードします。</translation>
+  </message>
+  <message id="MSG_ERR_CERTIFICATE">
+    <source></source>
+    <translation>写真サービスへの安全な接続を確立できませんでした。このコンピューターの日付と時刻が正しいか、ご利用のネットワークで安全な接続が許可されているかを確認してください。</translation>
+  </message>
+  <message id="MSG_ERR_COMMUNICATION">
+    <source></source>
+    <translation>写真サービスからの応答を理解できませんでした。後でもう一度ダウンロードを試みます。</translation>
+  </message>
+  <message id="MSG_ERR_DISK_FULL">
+    <source></source>
+    <translation>ダウンロードフォルダーのあるディスクに空き容量がありません。空き容量を増やすと、ダウンロードは自動的に再開します。</translation>
+  </message>
+  <message id="MSG_ERR_OFFLINE">
+    <source></source>
+    <translation>写真サービスに接続できませんでした。インターネット接続を確認してください。後でもう一度ダウンロードを試みます。</translation>
+  </message>
+  <message id="MSG_ERR_UNLINK">
+    <source></source>
+    <translation>写真サービスにログインしていません。写真を受け取るには、メニューから「ログイン…」を選択するか、ここをクリックしてください。</translation>
+  </message>
+  <message id="MSG_ERR_RETRY">
+    <source></source>
+    <translation>写真サービスが混み合っています。後でもう一度ダウンロードを試みます。</translation>
+  </message>
+  <message id="MSG_ERR_SERVER">
+    <source></source>
+    <translation>写真サービスで問題が発生しました。後でもう一度ダウンロードを試みます。</translation>
+  </message>
+  <message id="MSG_ERR_DOWNLOAD">
+    <source></source>
+    <translation>写真を保存できませんでした。ダウンロードフォルダーが存在し、書き込む権限があることを確認してください。</translation>
+  </message>
+  <message id="MSG_ERR_UNEXPECTED">
+    <source></source>
+    <translation>予期しない問題が発生しました。繰り返し発生する場合は、Downloaderpictora を終了してから、もう一度起動してください。</translation>
+  </message>
+  <message id="MSG_ERR_LINK_INVALID">
+    <source></source>
+    <translation>写真サービスがログインを受け付けませんでした。メニューから「ログイン…」を選択して、もう一度ログインしてください。</translation>
+  </message>
+  <message id="MSG_ERR_VALIDATION">
+    <source></source>
+    <translation>ログインの有効期限が切れました。もう一度ログインするには、メニューから「ログイン…」を選択するか、ここをクリックしてください。</translation>
+  </message>
+  <message id="MSG_NEW_VERSION_RELEASED">
+    <source></source>
+    <translation>Downloaderpictora の新しいバージョンがあります。現在のバージョンと同じ入手先から入手してください。</translation>
+  </message>
+</context>
+</TS>

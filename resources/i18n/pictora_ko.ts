@@ -1,0 +1,226 @@
+<?xml version="1.0" encoding="utf-8"?>
+<!DOCTYPE TS>
+<TS version="2.1" language="ko" sourcelanguage="en">
+<context>
+  <name></name>
+  <!-- Names -->
+  <message id="APP_SHORT_NAME">
+    <source></source>
+    <translation>Downloaderpictora</translation>
+  </message>
+  <message id="APP_LONG_NAME">
+    <source></source>
+    <translation>Downloaderpictora 사진 다운로드</translation>
+  </message>
+  <!-- Start-up -->
+  <message id="MSG_FIRST_LAUNCH">
+    <source></source>
+    <translation>컴퓨터에 로그인할 때마다 Downloaderpictora를 시작할까요? 시작해 두면 신경 쓰지 않아도 새 사진이 도착합니다. 이 설정은 메뉴에서 언제든지 바꿀 수 있습니다.</translation>
+  </message>
+  <message id="DLG_COMMON_BUTTON_OK_MAC">
+    <source></source>
+    <translation>확인</translation>
+  </message>
+  <message id="DLG_COMMON_BUTTON_CANCEL">
+    <source></source>
+    <translation>취소</translation>
+  </message>
+  <!-- Menu -->
+  <message id="MENU_DOWNLOAD">
+    <source></source>
+    <translation>지금 다운로드</translation>
+  </message>
+  <message id="MENU_DISP_SETTING">
+    <source></source>
+    <translation>다운로드 폴더…</translation>
+  </message>
+  <message id="MENU_LOGIN">
+    <source></source>
+    <translation>로그인…</translation>
+  </message>
+  <message id="MENU_LOGOUT">
+    <source></source>
+    <translation>로그아웃</translation>
+  </message>
+  <message id="MENU_HELP">
+    <source></source>
+    <translation>도움말</translation>
+  </message>
+  <message id="MENU_ABOUT">
+    <source></source>
+    <translation>Downloaderpictora 정보</translation>
+  </message>
+  <message id="MENU_LAUNCH_SETTING">
+    <source></source>
+    <translation>컴퓨터에 로그인할 때 시작</translation>
+  </message>
+  <message id="MENU_EXIT_MAC">
+    <source></source>
+    <translation>Downloaderpictora 종료</translation>
+  </message>
+  <!-- Tooltips -->
+  <message id="TOOL_TIP_STATUS_NORMAL">
+    <source></source>
+    <translation>Downloaderpictora: 새 사진을 기다리는 중</translation>
+  </message>
+  <message id="TOOL_TIP_STATUS_DOWNLOADING">
+    <source></source>
+    <translation>Downloaderpictora: 사진을 다운로드하는 중</translation>
+  </message>
+  <message id="TOOL_TIP_STATUS_OFFLINE">
+    <source></source>
+    <translation>Downloaderpictora: 사진 서비스에 연결되지 않음</translation>
+  </message>
+  <message id="TOOL_TIP_STATUS_MAINTENANCE">
+    <source></source>
+    <translation>Downloaderpictora: 현재 사진 서비스를 사용할 수 없음</translation>
+  </message>
+  <message id="TOOL_TIP_STATUS_DISK_FULL">
+    <source></source>
+    <translation>Downloaderpictora: 디스크가 가득 참</translation>
+  </message>
+  <message id="TOOL_TIP_STATUS_ERR_DOWNLOAD">
+    <source></source>
+    <translation>Downloaderpictora: 사진을 저장하지 못함</translation>
+  </message>
+  <message id="TOOL_TIP_STATUS_UNLINK">
+    <source></source>
+    <translation>Downloaderpictora: 로그인하지 않음</translation>
+  </message>
+  <!-- Download folders -->
+  <message id="DLG_SETTING_SAVE_FOLDER_TITLE">
+    <source></source>
+    <translation>사진 저장 위치</translation>
+  </message>
+  <message id="DLG_COMMON_BUTTON_SELECT_MAC">
+    <source></source>
+    <translation>선택…</translation>
+  </message>
+  <message id="CHK_SETTING_SUB_10G_DOWNLOAD">
+    <source></source>
+    <translation>장기 보관(10G) 사진과 미리 보기도 다음 폴더에 다운로드(&amp;L):</translation>
+  </message>
+  <message id="DLG_SETTING_SAVE_SUB_FOLDER">
+    <source></source>
+    <translation>촬영 날짜별 폴더</translation>
+  </message>
+  <message id="CHK_SETTING_SUB_10G_DOWNLOAD_SUPPLEMENT">
+    <source></source>
+    <translation> (두 위치 모두)</translation>
+  </message>
+  <message id="DLG_SETTING_SAVE_SUB_FOLDER_YYYYMMDD_MAC">
+    <source></source>
+    <translation>YYYY_MM_DD</translation>
+  </message>
+  <message id="DLG_SETTING_SAVE_SUB_FOLDER_YYYY_MM_MAC">
+    <source></source>
+    <translation>YYYY/MM</translation>
+  </message>
+  <message id="DLG_SETTING_SAVE_SUB_FOLDER_YYYY_YYYYMMDD_MAC">
+    <source></source>
+    <translation>YYYY/YYYY_MM_DD</translation>
+  </message>
+  <message id="DLG_SETTING_SAVE_SUB_FOLDER_YYYY_MM_YYYYMMDD_MAC">
+    <source></source>
+    <translation>YYYY/MM/YYYY_MM_DD</translation>
+  </message>
+  <message id="DLG_SETTING_SAVE_SUB_FOLDER_NONE">
+    <source></source>
+    <translation>날짜별 폴더 없음</translation>
+  </message>
+  <message id="DLG_SETTING_SORTING_RULE_NAME">
+    <source></source>
+    <translation>분류 규칙</translation>
+  </message>
+  <message id="DLG_SETTING_CREATE_SUBFOLDER">
+    <source></source>
+    <translation>계정의 분류 규칙에 따라 사진을 폴더로 분류(&amp;S)</translation>
+  </message>
+  <message id="DLG_SETTING_DOWNLOAD_METADATA">
+    <source></source>
+    <translation>사진 서비스에 메타데이터가 포함된 사진이 있으면 그 사진을 다운로드(&amp;M)</translation>
+  </message>
+  <message id="MSG_TRANS_FOLDER_NOT_ACCESS">
+    <source></source>
+    <translation>이 폴더를 사용할 수 없습니다. 폴더가 없거나 쓰기 권한이 없습니다. 다른 폴더를 선택하거나 먼저 이 폴더를 만드세요.</translation>
+  </message>
+  <message id="MSG_TRANS_FOLDER_NOT_SUPPORT">
+    <source></source>
+    <translation>이 폴더에는 사진을 저장할 수 없습니다. 이동식 디스크나 네트워크 디스크에 있거나 시스템에 속한 폴더입니다. 이 컴퓨터의 내장 디스크에 있는 폴더를 선택하세요.</translation>
+  </message>
+  <message id="MSG_TRANS_FOLDER_TOO_LONG">
+    <source></source>
+    <translation>이 폴더의 경로가 너무 깁니다. 경로가 더 짧은 폴더를 선택하세요.</translation>
+  </message>
+  <!-- About -->
+  <message id="DLG_ABOUT_TITLE">
+    <source></source>
+    <translation>Downloaderpictora 정보</translation>
+  </message>
+  <!-- Results -->
+  <message id="MSG_DOWNLOAD_COMPLETE">
+    <source></source>
+    <translation>새 사진을 모두 다운로드했습니다. 폴더를 열려면 여기를 클릭하세요.</translation>
+  </message>
+  <message id="MSG_10G_DOWNLOAD_COMPLETE">
+    <source></source>
+    <translation>장기 보관의 새 사진을 모두 다운로드했습니다. 폴더를 열려면 여기를 클릭하세요.</translation>
+  </message>
+  <message id="MSG_DOWNLOAD_ZERO">
+    <source></source>
+    <translation>다운로드할 새 사진이 없습니다.</translation>
+  </message>
+  <message id="MSG_INITIAL_ACCESS_COMPLETE">
+    <source></source>
+    <translation>로그인했습니다. 이제 사진을 다운로드합니다.</translation>
+  </message>
+  <message id="MSG_ERR_CERTIFICATE">
+    <source></source>
+    <translation>사진 서비스와 보안 연결을 설정하지 못했습니다. 이 컴퓨터의 날짜와 시간이 올바른지, 네트워크에서 보안 연결을 허용하는지 확인하세요.</translation>
+  </message>
+  <message id="MSG_ERR_COMMUNICATION">
+    <source></source>
+    <translation>사진 서비스의 응답을 이해할 수 없습니다. 나중에 다시 다운로드를 시도합니다.</translation>
+  </message>
+  <message id="MSG_ERR_DISK_FULL">
+    <source></source>
+    <translation>다운로드 폴더가 있는 디스크가 가득 찼습니다. 공간을 확보하면 다운로드가 자동으로 계속됩니다.</translation>
+  </message>
+  <message id="MSG_ERR_OFFLINE">
+    <source></source>
+    <translation>사진 서비스에 연결하지 못했습니다. 인터넷 연결을 확인하세요. 나중에 다시 다운로드를 시도합니다.</translation>
+  </message>
+  <message id="MSG_ERR_UNLINK">
+    <source></source>
+    <translation>사진 서비스에 로그인하지 않았습니다. 사진을 받으려면 메뉴에서 ‘로그인…’을 선택하거나 여기를 클릭하세요.</translation>
+  </message>
+  <message id="MSG_ERR_RETRY">
+    <source></source>
+    <translation>사진 서비스에 요청이 몰려 있습니다. 나중에 다시 다운로드를 시도합니다.</translation>
+  </message>
+  <message id="MSG_ERR_SERVER">
+    <source></source>
+    <translation>사진 서비스에 문제가 발생했습니다. 나중에 다시 다운로드를 시도합니다.</translation>
+  </message>
+  <message id="MSG_ERR_DOWNLOAD">
+    <source></source>
+    <translation>사진을 저장하지 못했습니다. 다운로드 폴더가 있는지, 쓰기 권한이 있는지 확인하세요.</translation>
+  </message>
+  <message id="MSG_ERR_UNEXPECTED">
+    <source></source>
+    <translation>예기치 않은 문제가 발생했습니다. 문제가 다시 발생하면 Downloaderpictora를 종료한 후 다시 시작하세요.</translation>
+  </message>
+  <message id="MSG_ERR_LINK_INVALID">
+    <source></source>
+    <translation>사진 서비스에서 로그인을 받아들이지 않았습니다. 다시 로그인하려면 메뉴에서 ‘로그인…’을 선택하세요.</translation>
+  </message>
+  <message id="MSG_ERR_VALIDATION">
+    <source></source>
+    <translation>로그인이 더 이상 유효하지 않습니다. 다시 로그인하려면 메뉴에서 ‘로그인…’을 선택하거나 여기를 클릭하세요.</translation>
+  </message>
+  <message id="MSG_NEW_VERSION_RELEASED">
+    <source></source>
+    <translation>Downloaderpictora의 새 버전이 있습니다. 현재 버전을 받은 곳에서 새 버전을 받으세요.</translation>
+  </message>
+</context>
+</TS>
