@@ -99,6 +99,7 @@ KaResultCode KaDownloadSession::getCredential(const QString &idToken) {
     KaLogUtility::writeConnectionResultLog(KaLogStep::GetTemporaryCredentials, false, {httpLine(answer.statusCode)});
     return answer.result;
   }
+  if (!delegate.bLoggedIn()) return KaResultCode::LinkInvalid;
   const KaResultCode result = parseXML(answer.data, next.credential);
   KaLogUtility::writeConnectionResultLog(KaLogStep::GetTemporaryCredentials, true);
   if (result != KaResultCode::Success) return result;

@@ -1,6 +1,7 @@
 #include "ui/Texts.h"
 
 #include <QCoreApplication>
+#include <QLibraryInfo>
 #include <QLocale>
 #include <QTranslator>
 
@@ -12,10 +13,12 @@ QString localised(QLatin1StringView key) {
 
 void installTexts() {
   QCoreApplication *const application = QCoreApplication::instance();
-  const auto install = [application](QLocale locale) {
-    auto *const table = new QTranslator(application);
-    if (table->load(locale, u"pictora"_s, u"_"_s, u":/i18n"_s)) QCoreApplication::installTranslator(table);
+  const auto install = [application](const QLocale &locale, const QString &table, const QString &folder) {
+    auto *const translator = new QTranslator(application);
+    if (translator->load(locale, table, u"_"_s, folder)) QCoreApplication::installTranslator(translator);
   };
-  install(QLocale(QLocale::English));
-  install(QLocale());
+  install(QLocale(QLocale::English), u"pictora"_s, u":/i18n"_s);
+  install(QLocale(), u"pictora"_s, u":/i18n"_s);
+  // The folder chooser's own words.
+  install(QLocale(), u"qtbase"_s, QLibraryInfo::path(QLibraryInfo::TranslationsPath));
 }

@@ -74,8 +74,6 @@ inline QStringList names(const char *text) {
   return QString::fromUtf8(text).split(u' ', Qt::SkipEmptyParts);
 }
 
-inline constexpr auto kRowName = [](const auto &row) { return row.param.name; };
-
 inline void PrintTo(KaResultCode code, std::ostream *out) {
   *out << "result " << static_cast<qint64>(code);
 }

@@ -127,7 +127,7 @@ TEST_F(Processor, waitsForALinkAfterALogOutWhileWaiting) {
 TEST_F(Processor, endsTheRunOfAClosedLinkWithoutAWordAndWaitsForANewOne) {
   addImages("A.JPG");
   processor = std::make_unique<KaDownloadProcessor>(delegate);
-  for (const Endpoint endpoint : {Endpoint::RefreshToken, Endpoint::ListDevices, Endpoint::Metadata}) {
+  for (const Endpoint endpoint : {Endpoint::RefreshToken, Endpoint::Sts, Endpoint::ListDevices, Endpoint::Metadata}) {
     service.resetRequestCounts();
     delegate.forgetEvents();
     service.order(endpoint, {.kind = Delay, .delay = std::chrono::hours(1)});
@@ -193,15 +193,14 @@ INSTANTIATE_TEST_SUITE_P(
                     Quitting{"waitingForAReCheck", u"reCheck Wait"_s, Endpoint::Other, {}, true},
                     Quitting{"waitingForMetadata", u"[NG] 008"_s, Endpoint::Metadata, {.status = 503}, true},
                     Quitting{"refreshing", {}, Endpoint::RefreshToken, {.kind = NoAnswer}, false},
-                    Quitting{"listing", {}, Endpoint::ListItems, {.kind = NoAnswer}, true},
                     Quitting{"readingMetadata", {}, Endpoint::Metadata, {.kind = NoAnswer}, true},
                     Quitting{"downloading", {}, Endpoint::ObjectGet, {.kind = SlowBody}, true}),
-    kRowName);
+    [](const auto &row) { return row.param.name; });
 
 TEST_F(Processor, endsByAnExceptionWithoutSaving) {
   delegate.change([this](auto &answers) {
     answers.onBLoggedIn = [this] {
-      if (service.requestCount(Endpoint::Sts) > 0) throw std::runtime_error("out of order");
+      if (delegate.events().contains(u"enableLoggin 1"_s)) throw std::runtime_error("out of order");
     };
   });
   start();
