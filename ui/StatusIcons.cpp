@@ -1,5 +1,7 @@
 #include "ui/StatusIcons.h"
 
+#include "platform/AppInfo.h"
+
 #include <QPixmap>
 
 #include <array>
@@ -39,10 +41,12 @@ QString imageName(StatusFrame frame) {
   return {};
 }
 
-/// Without Qt's SVG plug-in the drawing is an empty icon, and an empty icon makes the whole status item disappear.
+/// An installed drawing goes by its name, which lets panels give it their own colour. Without Qt's SVG plug-in a
+/// drawing is an empty icon, and an empty icon makes the whole status item disappear.
 QIcon loadIcon(StatusFrame frame) {
   const QString path = u":/icons/"_s + imageName(frame);
-  QIcon drawing(path + u".svg"_s);
+  const QString themed = QString::fromUtf16(platform::kApplicationId) + u'.' + imageName(frame) + u"-symbolic"_s;
+  const QIcon drawing = QIcon::fromTheme(themed, QIcon(path + u".svg"_s));
   if (!drawing.pixmap(kPngSizes.front()).isNull()) return drawing;
   QIcon icon;
   for (const int size : kPngSizes)
