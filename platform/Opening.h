@@ -2,12 +2,15 @@
 
 #include <QString>
 
+#include <functional>
+
 namespace platform {
 
 /// Opens with the desktop's handler, as xdg-open does. Blocks shortly to learn of failures; runs no event loop.
 /// @return false when nothing could be started.
 [[nodiscard]] bool openUrl(const QString &url);
-/// Shows a folder in the file manager. @return false when it is none or cannot be shown.
-[[nodiscard]] bool openFolder(const QString &path);
+/// Shows a folder in the file manager, which may take its time to start. Main thread.
+/// @param onFailure  called when it is no folder or cannot be shown, perhaps later.
+void openFolder(const QString &path, const std::function<void()> &onFailure);
 
 } // namespace platform

@@ -23,14 +23,15 @@ void AlertQueue::open(const QString &text) {
   current->setAttribute(Qt::WA_DeleteOnClose);
   // A modal window would take the menu of the status item away on some desktops, and with it the way to quit.
   current->setModal(false);
-  connect(current, &QMessageBox::finished, this, &AlertQueue::openNext);
+  // The closed window goes away later; from here on it is no longer the one that is open.
+  connect(current, &QMessageBox::finished, this, [this] { current = nullptr; });
+  // Queued, so that the end of the program, which closes its windows, does not show the next one for a moment.
+  connect(current, &QMessageBox::finished, this, &AlertQueue::openNext, Qt::QueuedConnection);
   current->show();
   current->raise();
   current->activateWindow();
 }
 
 void AlertQueue::openNext() {
-  // The closed window goes away later; from here on it is no longer the one that is open.
-  current = nullptr;
-  if (!waiting.isEmpty()) open(waiting.takeFirst());
+  if (!current && !waiting.isEmpty()) open(waiting.takeFirst());
 }

@@ -18,10 +18,10 @@ QString pageIn(const QString &language) {
 
 QString helpPageUrl() {
   QString page = pageIn(u"en"_s);
-  for (QString language : QLocale().uiLanguages()) {
-    const QString translated = pageIn(language.replace(u'-', u'_'));
-    if (!QFileInfo::exists(translated)) continue;
-    page = translated;
+  // As string tables are found: the locale by its whole name, then by what is left of it.
+  for (QString name = QLocale().name(); !name.isEmpty(); name.truncate(qMax<qsizetype>(0, name.lastIndexOf(u'_')))) {
+    if (!QFileInfo::exists(pageIn(name))) continue;
+    page = pageIn(name);
     break;
   }
   return QUrl::fromLocalFile(page).toString(QUrl::FullyEncoded);

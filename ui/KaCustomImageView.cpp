@@ -1,6 +1,7 @@
 #include "ui/KaCustomImageView.h"
 
 #include "app/KaModelFacade.h"
+#include "app/log/ExceptionGuard.h"
 #include "app/log/KaLogUtility.h"
 #include "platform/ModifierKeys.h"
 #include "platform/Opening.h"
@@ -39,13 +40,20 @@ void KaCustomImageView::keyReleaseEvent(QKeyEvent *event) {
   QLabel::keyReleaseEvent(event);
 }
 
-void KaCustomImageView::mousePressEvent(QMouseEvent * /*event*/) {
+void KaCustomImageView::mousePressEvent(QMouseEvent *event) {
+  if (event->button() != Qt::LeftButton) return;
+  // What goes wrong here is logged, and nothing happens.
+  (void)runGuarded([this] { clicked(); });
+}
+
+void KaCustomImageView::clicked() {
   KaModelFacade &facade = KaModelFacade::sharedInstance();
   if (clickingCommandKey) {
     facade.switchLogMode();
     if (dLogDelegate) dLogDelegate->didSwitchStatus();
   } else if (clickingShiftKey) {
     const auto folder = facade.getOutputLogFilePath();
-    if (!folder || !platform::openFolder(*folder)) KaLogUtility::writeErrorLog(u"the log folder cannot be shown"_s);
+    platform::openFolder(folder.value_or(QString()),
+                         [] { KaLogUtility::writeErrorLog(u"the log folder cannot be shown"_s); });
   }
 }

@@ -21,6 +21,7 @@ protected:
   void mousePressEvent(QMouseEvent *event) override;
 
 private:
+  void clicked();
   void flagsChanged(const QKeyEvent &event);
 
   bool clickingCommandKey = false;

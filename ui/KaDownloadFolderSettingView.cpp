@@ -1,6 +1,7 @@
 #include "ui/KaDownloadFolderSettingView.h"
 
 #include "app/KaModelFacade.h"
+#include "app/log/ExceptionGuard.h"
 #include "ui/Texts.h"
 #include "ui_DownloadFolderSettingWindow.h"
 
@@ -9,6 +10,9 @@
 #include <QMessageBox>
 #include <QMouseEvent>
 #include <QPushButton>
+#include <QRegularExpression>
+
+#include <utility>
 
 using namespace Qt::StringLiterals;
 
@@ -20,6 +24,12 @@ constexpr std::array kDateTitles{
 
 QString stateWord(const QCheckBox &checkBox) {
   return checkBox.isChecked() ? u"true"_s : u"false"_s;
+}
+
+/// A text as it is read out: without the mark of its mnemonic, and without the letter that scripts of other kinds add.
+QString spoken(QString text) {
+  static const QRegularExpression mark(uR"(\(&\w\)|&)"_s);
+  return text.remove(mark);
 }
 
 /// Empty for a code that has no message.
@@ -48,10 +58,14 @@ void KaDownloadFolderSettingView::setTexts() {
   setWindowTitle(localised("APP_SHORT_NAME"_L1));
   window->importFolderBox->setTitle(localised("DLG_SETTING_SAVE_FOLDER_TITLE"_L1));
   window->inputFolderPathLabel->setAccessibleName(window->importFolderBox->title());
-  window->checkBox10GDownloadButton->setText(localised("CHK_SETTING_SUB_10G_DOWNLOAD"_L1));
-  window->input10GFolderPathLabel->setAccessibleName(window->checkBox10GDownloadButton->text().remove(u'&'));
-  for (QPushButton *button : {window->inputFolderPathReferenceButton, window->input10GFolderPathReferenceButton})
+  window->label10GDownload->setText(localised("CHK_SETTING_SUB_10G_DOWNLOAD"_L1));
+  clickThrough(*window->label10GDownload, *window->checkBox10GDownloadButton);
+  window->input10GFolderPathLabel->setAccessibleName(window->checkBox10GDownloadButton->accessibleName());
+  for (const auto &[button, path] : {std::pair(window->inputFolderPathReferenceButton, window->inputFolderPathLabel),
+                                     {window->input10GFolderPathReferenceButton, window->input10GFolderPathLabel}}) {
     button->setText(localised("DLG_COMMON_BUTTON_SELECT_MAC"_L1));
+    button->setAccessibleDescription(path->accessibleName());
+  }
   window->subFolderLabel->setText(localised("DLG_SETTING_SAVE_SUB_FOLDER"_L1)
                                   + localised("CHK_SETTING_SUB_10G_DOWNLOAD_SUPPLEMENT"_L1));
   for (QRadioButton *button : subFolderRadioButtons)
@@ -86,7 +100,7 @@ void KaDownloadFolderSettingView::connectControls() {
   const auto onClick = [this](QAbstractButton *button, auto action) {
     connect(button, &QAbstractButton::clicked, this, action);
   };
-  onClick(okButton, &KaDownloadFolderSettingView::okButton_Click);
+  onClick(okButton, &KaDownloadFolderSettingView::confirm);
   onClick(cancelButton, &QDialog::reject);
   onClick(window->inputFolderPathReferenceButton, &KaDownloadFolderSettingView::inputFolderPathReferenceButton_Click);
   onClick(window->input10GFolderPathReferenceButton,
@@ -116,14 +130,18 @@ void KaDownloadFolderSettingView::showWhether10GCounts() {
 
 /// A check box cannot wrap its text, so the label does, and takes clicks for it.
 void KaDownloadFolderSettingView::clickThrough(QLabel &label, QAbstractButton &buddy) {
-  buddy.setAccessibleName(label.text().remove(u'&'));
+  buddy.setAccessibleName(spoken(label.text()));
   label.installEventFilter(this);
 }
 
 bool KaDownloadFolderSettingView::eventFilter(QObject *watched, QEvent *event) {
-  if (event->type() == QEvent::MouseButtonRelease)
-    if (auto *const label = qobject_cast<QLabel *>(watched))
-      if (auto *const button = qobject_cast<QAbstractButton *>(label->buddy())) button->click();
+  if (event->type() == QEvent::MouseButtonRelease) {
+    const auto &release = static_cast<const QMouseEvent &>(*event);
+    const auto *const label = qobject_cast<QLabel *>(watched);
+    auto *const button = label ? qobject_cast<QAbstractButton *>(label->buddy()) : nullptr;
+    if (button && release.button() == Qt::LeftButton && label->rect().contains(release.position().toPoint()))
+      button->click();
+  }
   return QDialog::eventFilter(watched, event);
 }
 
@@ -146,6 +164,11 @@ void KaDownloadFolderSettingView::inputFolderPathReferenceButton_Click() {
 
 void KaDownloadFolderSettingView::input10GFolderPathReferenceButton_Click() {
   chooseFolder(*window->input10GFolderPathLabel, /*turns10GOn=*/true);
+}
+
+void KaDownloadFolderSettingView::confirm() {
+  // What goes wrong is logged, and the window stays open.
+  if (!findChild<QMessageBox *>()) (void)runGuarded([this] { okButton_Click(); });
 }
 
 void KaDownloadFolderSettingView::okButton_Click() {

@@ -26,7 +26,7 @@ public:
   ~KaDownloadFolderSettingView() override;
 
   /// What a click on OK does.
-  void confirm() { okButton_Click(); }
+  void confirm();
 
 private:
   void setTexts();

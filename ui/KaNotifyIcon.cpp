@@ -13,6 +13,8 @@
 
 #include <QCoreApplication>
 
+#include <utility>
+
 using namespace Qt::StringLiterals;
 
 namespace {
@@ -97,15 +99,22 @@ void KaNotifyIcon::confirmFolders() {
     connect(dialog, &QDialog::finished, this, &KaNotifyIcon::onCompleteLinkageSetting, Qt::QueuedConnection);
     return;
   }
-  connect(dialog, &QDialog::finished, this,
-          [this] { QTimer::singleShot(times.startDelay, this, [this] { guarded([this] { startInitialRun(); }); }); });
+  if (std::exchange(awaitsFolders, true)) return;
+  connect(dialog, &QDialog::finished, this, [this] {
+    awaitsFolders = false;
+    QTimer::singleShot(times.startDelay, this, [this] { guarded([this] { startInitialRun(); }); });
+  });
 }
 
 void KaNotifyIcon::confirmDialog() {
-  if (auto *const settings = qobject_cast<KaDownloadFolderSettingView *>(dialog)) settings->confirm();
+  guarded([this] {
+    if (auto *const settings = qobject_cast<KaDownloadFolderSettingView *>(dialog)) settings->confirm();
+  });
 }
 
 void KaNotifyIcon::startInitialRun() {
+  // The user may have logged out again meanwhile.
+  if (!model.bLoggedIn()) return;
   onChangeStatus(model, KaAppStatus::Normal);
   model.downloadNow(/*initialAccess=*/true);
 }
@@ -231,7 +240,7 @@ void KaNotifyIcon::notificationActivated(const QString &processingResult) {
 }
 
 void KaNotifyIcon::openFolder(const QString &path) {
-  if (!platform::openFolder(path)) KaLogUtility::writeErrorLog(u"the folder cannot be shown: %1"_s.arg(path));
+  platform::openFolder(path, [path] { KaLogUtility::writeErrorLog(u"the folder cannot be shown: "_s + path); });
 }
 
 void KaNotifyIcon::guarded(const std::function<void()> &action) {

@@ -95,7 +95,8 @@ private:
   qint32 animationCount = 0;
   bool bLinkage = false;
   StatusItemState shown;
-  QPointer<QDialog> dialog; ///< the settings or the about window, one at a time; deletes itself
+  QPointer<QDialog> dialog;   ///< the settings or the about window, one at a time; deletes itself
+  bool awaitsFolders = false; ///< a new link's first run waits for the settings window to close
 
   std::atomic<bool> bLogginEnabled = true;
 

@@ -15,10 +15,10 @@ KaVersionInformationView::KaVersionInformationView(QWidget *parent)
   setWindowTitle(localised("DLG_ABOUT_TITLE"_L1));
   const QString name = localised("APP_LONG_NAME"_L1);
   const QSize size = window->applicationImage->minimumSize();
-  const QPixmap picture = QIcon(u":/images/img_app_info.svg"_s).pixmap(size, devicePixelRatio());
-  // Without Qt's SVG plug-in.
-  window->applicationImage->setPixmap(picture.isNull() ? QPixmap(u":/images/img_app_info.png"_s).scaled(size)
-                                                       : picture);
+  const auto picture = [&](const QString &file) { return QIcon(file).pixmap(size, devicePixelRatio()); };
+  const QPixmap drawing = picture(u":/images/img_app_info.svg"_s);
+  // Without Qt's SVG plug-in there is none.
+  window->applicationImage->setPixmap(drawing.isNull() ? picture(u":/images/img_app_info.png"_s) : drawing);
   window->applicationImage->setAccessibleName(name);
   window->applicationImage->setDLogDelegate(this);
   window->applicationImage->setFocus();

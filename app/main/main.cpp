@@ -8,6 +8,7 @@
 
 #include <QApplication>
 #include <QIcon>
+#include <QSessionManager>
 #include <QTimer>
 
 #include <cstdio>
@@ -49,6 +50,9 @@ void describe() {
   QApplication::setApplicationVersion(app.version);
   QApplication::setDesktopFileName(QString::fromUtf16(platform::kApplicationId));
   QApplication::setWindowIcon(QIcon::fromTheme(QApplication::desktopFileName(), QIcon(u":/images/img_app_info.svg"_s)));
+  // A session that is restored starts the agent at login, if the user wishes, and not with arguments of its own.
+  QObject::connect(qApp, &QGuiApplication::saveStateRequest,
+                   [](QSessionManager &session) { session.setRestartHint(QSessionManager::RestartNever); });
   // The agent lives in the status bar: closing its last window ends nothing.
   QApplication::setQuitOnLastWindowClosed(false);
 }

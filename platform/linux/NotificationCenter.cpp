@@ -34,7 +34,11 @@ public:
         watcher(kService, QDBusConnection::sessionBus(), QDBusServiceWatcher::WatchForOwnerChange) {
     proxy.setTimeout(kCallWaitMs);
     connect(&proxy, &NotificationsProxy::ActionInvoked, this, &Private::onAction);
-    connect(&proxy, &NotificationsProxy::NotificationClosed, this, [this](uint id) { shown.remove(id); });
+    connect(&proxy, &NotificationsProxy::NotificationClosed, this, [this](uint id, uint reason) {
+      // One that went away by itself may still be clicked in the server's list of past ones.
+      constexpr uint kExpired = 1;
+      if (reason != kExpired) shown.remove(id);
+    });
     // A new server counts its ids from the start: an old one would catch a stranger's click.
     connect(&watcher, &QDBusServiceWatcher::serviceOwnerChanged, this, [this] {
       shown.clear();

@@ -1,9 +1,8 @@
 #include "platform/Opening.h"
 
-#include "platform/linux/XdgOpen.h"
-
 #include <QDBusConnection>
 #include <QDBusMessage>
+#include <QDBusPendingCallWatcher>
 #include <QFile>
 #include <QFileInfo>
 #include <QStandardPaths>
@@ -27,8 +26,8 @@ namespace {
 
 /// Long enough to see every failure of the opener, short enough for a person not to notice.
 constexpr auto kVerdictWait = 1s;
-/// A file manager that does not answer in this time is passed over.
-constexpr int kFileManagerWaitMs = 3000;
+/// A file manager that does not answer in this time is passed over. The bus may have to start it first.
+constexpr int kFileManagerWaitMs = 25'000;
 
 /// @return the exit status, -1 when it is still at work after @p wait.
 int waitForExit(pid_t child, std::chrono::steady_clock::duration wait) {
@@ -66,8 +65,8 @@ private:
   const bool complete;
 };
 
-} // namespace
-
+/// Starts the desktop's own opener and waits shortly for its verdict; one that takes longer is at work and goes on
+/// alone.
 bool runXdgOpen(const QString &argument) {
   QByteArray program = QFile::encodeName(QStandardPaths::findExecutable(u"xdg-open"_s));
   if (program.isEmpty()) return false;
@@ -82,20 +81,30 @@ bool runXdgOpen(const QString &argument) {
   return status <= 0;
 }
 
+QDBusPendingCall askFileManager(const QString &path) {
+  auto call = QDBusMessage::createMethodCall(u"org.freedesktop.FileManager1"_s, u"/org/freedesktop/FileManager1"_s,
+                                             u"org.freedesktop.FileManager1"_s, u"ShowFolders"_s);
+  call << QStringList{QString::fromLatin1(QUrl::fromLocalFile(path).toEncoded())} << QString();
+  return QDBusConnection::sessionBus().asyncCall(call, kFileManagerWaitMs);
+}
+
+} // namespace
+
 bool openUrl(const QString &url) {
   return !url.isEmpty() && !url.startsWith(u'-') && runXdgOpen(url);
 }
 
-bool openFolder(const QString &path) {
-  if (!QFileInfo(path).isDir()) return false;
-  const auto bus = QDBusConnection::sessionBus();
-  if (bus.isConnected()) {
-    auto call = QDBusMessage::createMethodCall(u"org.freedesktop.FileManager1"_s, u"/org/freedesktop/FileManager1"_s,
-                                               u"org.freedesktop.FileManager1"_s, u"ShowFolders"_s);
-    call << QStringList{QString::fromLatin1(QUrl::fromLocalFile(path).toEncoded())} << QString();
-    if (bus.call(call, QDBus::Block, kFileManagerWaitMs).type() == QDBusMessage::ReplyMessage) return true;
-  }
-  return runXdgOpen(path);
+void openFolder(const QString &path, const std::function<void()> &onFailure) {
+  if (!QFileInfo(path).isDir()) return onFailure();
+  const auto askOpener = [path, onFailure] {
+    if (!runXdgOpen(path)) onFailure();
+  };
+  if (!QDBusConnection::sessionBus().isConnected()) return askOpener();
+  auto *const call = new QDBusPendingCallWatcher(askFileManager(path));
+  QObject::connect(call, &QDBusPendingCallWatcher::finished, call, [call, askOpener] {
+    if (call->isError()) askOpener();
+    call->deleteLater();
+  });
 }
 
 } // namespace platform

@@ -35,11 +35,10 @@ bool isInstalled() {
 }
 
 QByteArray entryText(const QString &executable) {
-  return u"[Desktop Entry]\nType=Application\nName=%1\nExec=%2 %u\nTerminal=false\nNoDisplay=true\nMimeType=%3;\n"_s
-      .replace(u"%1"_s, appInfo().name)
-      .replace(u"%2"_s, execArgument(executable))
-      .replace(u"%3"_s, kScheme)
-      .toUtf8();
+  const QString text = u"[Desktop Entry]\nType=Application\nName="_s + appInfo().name + u"\nExec="_s
+                       + execArgument(executable) + u" %u\nTerminal=false\nNoDisplay=true\nMimeType="_s + kScheme
+                       + u";\n"_s;
+  return text.toUtf8();
 }
 
 bool isWritten(const QString &path, const QByteArray &text) {

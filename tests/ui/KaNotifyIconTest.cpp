@@ -193,7 +193,9 @@ TEST_F(NotifyIcon, linksWaitsBeforeTheFirstRunAnimatesItAndLogsOutAtOnce) {
 }
 
 TEST_F(NotifyIcon, opensOneWindowAtATimeAndTheFoldersOfANewLinkInTurn) {
+  ASSERT_TRUE(facade.saveLinkageSetting(u"token"_s));
   start();
+  icon->onChangeStatus(facade, KaAppStatus::NotLinked);
   Q_EMIT view.entryTriggered(StatusEntry::About);
   const QPointer<QDialog> about = windows().value(0);
   ASSERT_TRUE(qobject_cast<KaVersionInformationView *>(about));
@@ -209,6 +211,15 @@ TEST_F(NotifyIcon, opensOneWindowAtATimeAndTheFoldersOfANewLinkInTurn) {
   EXPECT_TRUE(windows().isEmpty());
   Q_EMIT view.entryTriggered(StatusEntry::Help);
   EXPECT_THAT(opened(), HasSubstr("/help/en/index.html"));
+  QLocale::setDefault(QLocale(u"de_AT"_s));
+  Q_EMIT view.entryTriggered(StatusEntry::Help);
+  EXPECT_THAT(opened(), HasSubstr("/help/de/index.html"));
+  icon->onCompleteLinkageSetting();
+  Q_EMIT view.entryTriggered(StatusEntry::Logout);
+  EXPECT_THAT(opened(), HasSubstr("/logout?"));
+  windows().first()->reject();
+  report([] {});
+  EXPECT_EQ(last().frame, Unlink) << "no first run of a link that is closed again";
 }
 
 TEST_F(NotifyIcon, switchesTheStartAtLoginAndAlertsOfAnActionThatFails) {
