@@ -196,7 +196,7 @@
   </message>
   <message id="MSG_ERR_RETRY">
     <source></source>
-    <translation>Der Fotodienst ist ausgelastet. Der Download wird später erneut versucht.</translation>
+    <translation>Der Fotodienst ist überlastet. Der Download wird später erneut versucht.</translation>
   </message>
   <message id="MSG_ERR_SERVER">
     <source></source>
@@ -216,11 +216,11 @@
   </message>
   <message id="MSG_ERR_VALIDATION">
     <source></source>
-    <translation>Ihre Anmeldung ist nicht mehr gültig. Wählen Sie „Anmelden…“ im Menü oder klicken Sie hier, um sich erneut anzumelden.</translation>
+    <translation>Ihre Anmeldung ist nicht mehr gültig. Wählen Sie „Anmelden…“ im Menü, um sich erneut anzumelden.</translation>
   </message>
   <message id="MSG_NEW_VERSION_RELEASED">
     <source></source>
-    <translation>Eine neue Version von Downloaderpictora ist verfügbar. Sie erhalten sie dort, woher Sie auch diese haben.</translation>
+    <translation>Eine neue Version von Downloaderpictora ist verfügbar. Sie erhalten sie dort, wo Sie auch diese erhalten haben.</translation>
   </message>
 </context>
 </TS>

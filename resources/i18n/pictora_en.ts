@@ -208,7 +208,7 @@
   </message>
   <message id="MSG_ERR_UNEXPECTED">
     <source></source>
-    <translation>Something unexpected went wrong. If it happens again, quit Downloaderpictora and start it anew.</translation>
+    <translation>Something unexpected went wrong. If it happens again, quit Downloaderpictora and start it again.</translation>
   </message>
   <message id="MSG_ERR_LINK_INVALID">
     <source></source>
@@ -216,7 +216,7 @@
   </message>
   <message id="MSG_ERR_VALIDATION">
     <source></source>
-    <translation>Your login is no longer valid. Choose “Log In…” from the menu, or click here, to log in again.</translation>
+    <translation>Your login is no longer valid. Choose “Log In…” from the menu to log in again.</translation>
   </message>
   <message id="MSG_NEW_VERSION_RELEASED">
     <source></source>

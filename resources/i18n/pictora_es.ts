@@ -196,7 +196,7 @@
   </message>
   <message id="MSG_ERR_RETRY">
     <source></source>
-    <translation>El servicio de fotos está ocupado. La descarga se volverá a intentar más tarde.</translation>
+    <translation>El servicio de fotos está saturado. La descarga se volverá a intentar más tarde.</translation>
   </message>
   <message id="MSG_ERR_SERVER">
     <source></source>
@@ -216,7 +216,7 @@
   </message>
   <message id="MSG_ERR_VALIDATION">
     <source></source>
-    <translation>Su sesión ya no es válida. Elija «Iniciar sesión…» en el menú o haga clic aquí para volver a iniciar sesión.</translation>
+    <translation>Su sesión ya no es válida. Elija «Iniciar sesión…» en el menú para volver a iniciar sesión.</translation>
   </message>
   <message id="MSG_NEW_VERSION_RELEASED">
     <source></source>

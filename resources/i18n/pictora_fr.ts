@@ -196,7 +196,7 @@
   </message>
   <message id="MSG_ERR_RETRY">
     <source></source>
-    <translation>Le service photo est occupé. Une nouvelle tentative de téléchargement aura lieu plus tard.</translation>
+    <translation>Le service photo est surchargé. Une nouvelle tentative de téléchargement aura lieu plus tard.</translation>
   </message>
   <message id="MSG_ERR_SERVER">
     <source></source>
@@ -216,7 +216,7 @@
   </message>
   <message id="MSG_ERR_VALIDATION">
     <source></source>
-    <translation>Votre connexion n’est plus valable. Choisissez « Se connecter… » dans le menu, ou cliquez ici, pour vous connecter à nouveau.</translation>
+    <translation>Votre connexion n’est plus valable. Choisissez « Se connecter… » dans le menu pour vous connecter à nouveau.</translation>
   </message>
   <message id="MSG_NEW_VERSION_RELEASED">
     <source></source>

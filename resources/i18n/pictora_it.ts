@@ -216,7 +216,7 @@
   </message>
   <message id="MSG_ERR_VALIDATION">
     <source></source>
-    <translation>L’accesso non è più valido. Scegliere «Accedi…» dal menu, oppure fare clic qui, per accedere di nuovo.</translation>
+    <translation>L’accesso non è più valido. Scegliere «Accedi…» dal menu per accedere di nuovo.</translation>
   </message>
   <message id="MSG_NEW_VERSION_RELEASED">
     <source></source>

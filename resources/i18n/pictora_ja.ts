@@ -216,7 +216,7 @@
   </message>
   <message id="MSG_ERR_VALIDATION">
     <source></source>
-    <translation>ログインの有効期限が切れました。もう一度ログインするには、メニューから「ログイン…」を選択するか、ここをクリックしてください。</translation>
+    <translation>ログインが無効になりました。もう一度ログインするには、メニューから「ログイン…」を選択してください。</translation>
   </message>
   <message id="MSG_NEW_VERSION_RELEASED">
     <source></source>

@@ -164,7 +164,7 @@
   </message>
   <message id="MSG_10G_DOWNLOAD_COMPLETE">
     <source></source>
-    <translation>장기 보관의 새 사진을 모두 다운로드했습니다. 폴더를 열려면 여기를 클릭하세요.</translation>
+    <translation>장기 보관된 새 사진을 모두 다운로드했습니다. 폴더를 열려면 여기를 클릭하세요.</translation>
   </message>
   <message id="MSG_DOWNLOAD_ZERO">
     <source></source>
@@ -216,7 +216,7 @@
   </message>
   <message id="MSG_ERR_VALIDATION">
     <source></source>
-    <translation>로그인이 더 이상 유효하지 않습니다. 다시 로그인하려면 메뉴에서 ‘로그인…’을 선택하거나 여기를 클릭하세요.</translation>
+    <translation>로그인이 더 이상 유효하지 않습니다. 다시 로그인하려면 메뉴에서 ‘로그인…’을 선택하세요.</translation>
   </message>
   <message id="MSG_NEW_VERSION_RELEASED">
     <source></source>

@@ -216,7 +216,7 @@
   </message>
   <message id="MSG_ERR_VALIDATION">
     <source></source>
-    <translation>您的登录已失效。要重新登录，请从菜单中选择“登录…”，或点击此处。</translation>
+    <translation>您的登录已失效。要重新登录，请从菜单中选择“登录…”。</translation>
   </message>
   <message id="MSG_NEW_VERSION_RELEASED">
     <source></source>
