@@ -12,6 +12,7 @@ using namespace Qt::StringLiterals;
 namespace {
 
 const QString kTables = QStringLiteral(KA_SOURCE "/resources/i18n");
+const QString kHelp = QStringLiteral(KA_SOURCE "/resources/help/");
 
 QByteArray contentOf(const QString &fileName) {
   QFile file(fileName);
@@ -56,10 +57,15 @@ TEST(Texts, areWholeInEveryLanguage) {
     SCOPED_TRACE(table.toStdString());
     const auto texts = textsIn(table);
     EXPECT_EQ(texts.keys(), english.keys());
+    const QString language = table.section(u"pictora_"_s, 1).chopped(3);
+    const QString help = QString::fromUtf8(contentOf(kHelp + language + u"/index.html"_s));
     QStringList mnemonics;
     for (auto text = texts.begin(); text != texts.end(); ++text) {
       EXPECT_FALSE(text->trimmed().isEmpty() || text->contains(u'%')) << qPrintable(text.key());
       EXPECT_EQ(text->count(u'&'), english[text.key()].count(u'&')) << qPrintable(text.key());
+      if (text.key().startsWith(u"MSG_ERR"_s) || text.key().startsWith(u"TOOL_TIP"_s)) {
+        EXPECT_TRUE(help.contains(*text)) << qPrintable(text.key()) << " reads otherwise in the help";
+      }
       if (!mnemonic(*text).isEmpty()) mnemonics << mnemonic(*text);
       if (text.key().startsWith(u"MSG_ERR_UNLINK"_s)) {
         EXPECT_TRUE(text->contains(texts[u"MENU_LOGIN"_s])) << "names an entry that is not in the menu";
