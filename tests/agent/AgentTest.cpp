@@ -74,9 +74,8 @@ protected:
     AgentProcess messenger({callback});
     ASSERT_EQ(messenger.waitForEnd(10s), 0);
     // The folders of the new link are asked for, and nothing runs before.
-    ASSERT_TRUE(waitFor([&] {
-      return AgentProcess::requestAction(u"confirm"_s) && service.requestCount(Endpoint::RefreshToken) > 0;
-    }));
+    ASSERT_TRUE(waitFor(
+        [&] { return AgentProcess::requestAction(u"confirm"_s) && service.requestCount(Endpoint::RefreshToken) > 0; }));
   }
 
   void quitWithinASecond(AgentProcess &agent) {
