@@ -1,7 +1,7 @@
 #include "sandbox/Library.h"
 #include "sandbox/SampleLibrary.h"
 #include "sandbox/Service.h"
-#include "tests/agent/AgentProcess.h"
+#include "tests/support/AgentProcess.h"
 #include "tests/support/FakeBrowser.h"
 #include "tests/support/PrivateBus.h"
 #include "tests/support/TestProfile.h"
@@ -74,9 +74,8 @@ protected:
     AgentProcess messenger({callback});
     ASSERT_EQ(messenger.waitForEnd(10s), 0);
     // The folders of the new link are asked for, and nothing runs before.
-    ASSERT_TRUE(waitFor([&] {
-      return AgentProcess::requestAction(u"confirm"_s) && service.requestCount(Endpoint::RefreshToken) > 0;
-    }));
+    ASSERT_TRUE(waitFor(
+        [&] { return AgentProcess::requestAction(u"confirm"_s) && service.requestCount(Endpoint::RefreshToken) > 0; }));
   }
 
   void quitWithinASecond(AgentProcess &agent) {
@@ -84,19 +83,13 @@ protected:
     sinceQuit.start();
     ASSERT_TRUE(AgentProcess::requestAction(u"quit"_s));
     EXPECT_EQ(agent.waitForEnd(10s), 0);
-    EXPECT_LT(sinceQuit.elapsed(), 1000 * kSlowness);
+    EXPECT_LT(sinceQuit.elapsed(), 1000 * AgentProcess::kSlowness);
   }
 
   [[nodiscard]] QString downloads() const { return profile.picturesFolder() + u"/Transferred"_s; }
   [[nodiscard]] bool waitForFiles(qsizetype count) const {
     return waitFor([&] { return filesBelow(downloads()).size() >= count; });
   }
-
-#if defined(__SANITIZE_ADDRESS__) || defined(__SANITIZE_THREAD__)
-  static constexpr int kSlowness = 5;
-#else
-  static constexpr int kSlowness = 1;
-#endif
 
   TestProfile profile;
   PrivateBus bus;

@@ -9,11 +9,19 @@
 #include <chrono>
 #include <optional>
 
-/// The installed program as a desktop starts it: a process of its own on this test's home and session bus, without a
-/// display. Killed with the object if it still runs.
+/// The installed program as a desktop starts it: a process of its own on this test's home and session bus. Killed with
+/// the object if it still runs.
 class AgentProcess {
 public:
-  explicit AgentProcess(const QStringList &arguments = {});
+  /// How much longer everything may take under a sanitizer.
+#if defined(__SANITIZE_ADDRESS__) || defined(__SANITIZE_THREAD__)
+  static constexpr int kSlowness = 5;
+#else
+  static constexpr int kSlowness = 1;
+#endif
+
+  /// @param display  Qt's name for it; without one unless told otherwise.
+  explicit AgentProcess(const QStringList &arguments = {}, const QString &display = QStringLiteral("offscreen"));
   ~AgentProcess();
   AgentProcess(const AgentProcess &) = delete;
   AgentProcess &operator=(const AgentProcess &) = delete;
@@ -24,10 +32,14 @@ public:
   [[nodiscard]] static bool requestAction(const QString &action);
 
   void kill9();
-  void terminate() { process.terminate(); }
+  void terminate() {
+    process.terminate();
+  }
   /// @return the exit status, or nothing when the process still ran at the deadline or was killed.
   [[nodiscard]] std::optional<int> waitForEnd(std::chrono::milliseconds deadline);
-  [[nodiscard]] QString errorOutput() { return QString::fromUtf8(process.readAllStandardError()); }
+  [[nodiscard]] QString errorOutput() {
+    return QString::fromUtf8(process.readAllStandardError());
+  }
 
 private:
   QProcess process;

@@ -1,4 +1,4 @@
-#include "tests/agent/AgentProcess.h"
+#include "tests/support/AgentProcess.h"
 
 #include <QDBusConnection>
 #include <QDBusConnectionInterface>
@@ -25,9 +25,9 @@ const QString kName = u"com.norvale.Downloaderpictora"_s;
 
 } // namespace
 
-AgentProcess::AgentProcess(const QStringList &arguments) {
+AgentProcess::AgentProcess(const QStringList &arguments, const QString &display) {
   auto environment = QProcessEnvironment::systemEnvironment();
-  environment.insert(u"QT_QPA_PLATFORM"_s, u"offscreen"_s);
+  environment.insert(u"QT_QPA_PLATFORM"_s, display);
   process.setProcessEnvironment(environment);
   process.start(QString::fromUtf8(KA_AGENT), arguments);
   process.waitForStarted();

@@ -1,0 +1,266 @@
+#include "sandbox/Library.h"
+#include "sandbox/SampleLibrary.h"
+#include "sandbox/Service.h"
+#include "tests/support/AgentProcess.h"
+#include "tests/support/FakeBrowser.h"
+#include "tests/support/PrivateBus.h"
+#include "tests/support/TestProfile.h"
+
+#include <gtest/gtest.h>
+
+#include <QApplication>
+#include <QDBusConnection>
+#include <QDBusConnectionInterface>
+#include <QDBusReply>
+#include <QDir>
+#include <QFile>
+#include <QFileInfo>
+#include <QProcess>
+#include <QScreen>
+#include <QSettings>
+#include <QStandardPaths>
+#include <QSystemTrayIcon>
+
+#include <sys/prctl.h>
+
+#include <csignal>
+#include <optional>
+#include <stdexcept>
+
+using namespace Qt::StringLiterals;
+using namespace std::chrono_literals;
+
+namespace {
+
+enum class Tray { StatusNotifier, XEmbed };
+constexpr int kLeftButton = 1;
+constexpr int kRightButton = 3;
+
+int noArguments = 0;
+
+/// A part of the desktop, which ends with the object, or with the test's process should that be killed.
+class Program {
+public:
+  Program(const QString &name, const QStringList &arguments) {
+    process.setChildProcessModifier([] { ::prctl(PR_SET_PDEATHSIG, SIGKILL); });
+    process.start(name, arguments);
+    if (!process.waitForStarted()) throw std::runtime_error("no " + name.toStdString());
+  }
+  ~Program() {
+    process.kill();
+    process.waitForFinished();
+  }
+  [[nodiscard]] QByteArray firstLine() {
+    return process.waitForReadyRead(20'000) ? process.readLine().trimmed() : QByteArray();
+  }
+
+private:
+  QProcess process;
+};
+
+/// Moves the mouse, presses keys, asks for windows.
+QString xdotool(const QString &words) {
+  QProcess tool;
+  tool.start(u"xdotool"_s, words.split(u' '));
+  tool.waitForFinished();
+  return QString::fromUtf8(tool.readAllStandardOutput()).trimmed();
+}
+
+/// Moves the mouse to a place of a window, in hundredths of its width and height.
+void pointAt(const QString &window, int right, int down) {
+  const QStringList size = xdotool(u"getwindowgeometry "_s + window).section(u' ', -1).split(u'x');
+  xdotool(u"mousemove --window %1 %2 %3"_s.arg(window)
+              .arg(size.first().toInt() * right / 100)
+              .arg(size.last().toInt() * down / 100));
+}
+
+bool waitForActiveWindow(const QString &title) {
+  return waitFor([&] { return xdotool(u"getactivewindow getwindowname"_s) == title; });
+}
+
+bool waitForService(const QString &name) {
+  return waitFor([&] { return QDBusConnection::sessionBus().interface()->isServiceRegistered(name).value(); });
+}
+
+/// What the panel's StatusNotifier side says of itself; nothing when there is none.
+QVariant notifierHost(const QString &property) {
+  const QString watcher = u"org.kde.StatusNotifierWatcher"_s;
+  auto question = QDBusMessage::createMethodCall(watcher, u"/StatusNotifierWatcher"_s,
+                                                 u"org.freedesktop.DBus.Properties"_s, u"Get"_s);
+  question << watcher << property;
+  return QDBusReply<QVariant>(QDBusConnection::sessionBus().call(question)).value();
+}
+
+/// Clicks the notification that stands alone, which removes it.
+bool clickNotification() {
+  const auto isShown = [] { return !xdotool(u"search --onlyvisible --class Dunst"_s).isEmpty(); };
+  if (!waitFor(isShown)) return false;
+  xdotool(u"mousemove 850 50 click 1"_s);
+  return waitFor([&] { return !isShown(); });
+}
+
+bool waitForContent(const QString &path, const QByteArray &part) {
+  return waitFor([&] {
+    QFile file(path);
+    return file.open(QFile::ReadOnly) && file.readAll().simplified().contains(part);
+  });
+}
+
+/// The whole program on a desktop: a screen, a window manager and a notification service, and a panel when it is
+/// asked for.
+class Desktop : public testing::TestWithParam<Tray> {
+protected:
+  Desktop() {
+    auto defaults = service.userDefaults();
+    defaults.insert(u"firstLaunch"_s, u"false"_s);
+    defaults.insert(u"ImageRetryWaitTime"_s, u"1"_s);
+    defaults.insert(u"timeoutIntervalForRequest"_s, u"60"_s);
+    profile.writeUserDefaults(defaults);
+    if (!waitForService(u"org.freedesktop.Notifications"_s)
+        || !waitFor([] { return !xdotool(u"get_num_desktops"_s).isEmpty(); }))
+      throw std::runtime_error("no desktop");
+  }
+
+  [[nodiscard]] QString write(const QString &path, const QByteArray &content) const {
+    QFile file(path);
+    if (!QDir().mkpath(QFileInfo(path).path()) || !file.open(QFile::WriteOnly)) throw std::runtime_error("no file");
+    file.write(content);
+    return path;
+  }
+
+  void startTray() {
+    if (GetParam() == Tray::XEmbed) {
+      panel.emplace(u"trayer"_s, u"--edge top --align left --widthtype request --height 28"_s.split(u' '));
+      ASSERT_TRUE(waitFor([] { return QSystemTrayIcon::isSystemTrayAvailable(); }));
+      return;
+    }
+    (void)write(profile.configFolder() + u"/xfce4/xfconf/xfce-perchannel-xml/xfce4-panel.xml"_s, R"(
+<channel name="xfce4-panel" version="1.0"><property name="configver" type="int" value="2"/>
+<property name="panels" type="array"><value type="int" value="1"/><property name="panel-1" type="empty">
+<property name="position" type="string" value="p=6;x=0;y=0"/><property name="position-locked" type="bool" value="true"/>
+<property name="length" type="uint" value="100"/><property name="size" type="uint" value="28"/>
+<property name="plugin-ids" type="array"><value type="int" value="1"/></property></property></property>
+<property name="plugins" type="empty"><property name="plugin-1" type="string" value="systray"/></property></channel>)");
+    const QSettings xfconf(u"/usr/share/dbus-1/services/org.xfce.Xfconf.service"_s, QSettings::IniFormat);
+    panelSettings.emplace(xfconf.value(u"D-BUS Service/Exec"_s).toString(), QStringList());
+    ASSERT_TRUE(waitForService(u"org.xfce.Xfconf"_s));
+    panel.emplace(u"xfce4-panel"_s, QStringList{u"--disable-wm-check"_s});
+    ASSERT_TRUE(waitFor([] { return notifierHost(u"IsStatusNotifierHostRegistered"_s).toBool(); }));
+  }
+
+  [[nodiscard]] QImage icon() const { return application.primaryScreen()->grabWindow(0, 4, 4, 20, 20).toImage(); }
+  [[nodiscard]] bool waitForIcon() const {
+    return waitFor([this] { return icon().convertToFormat(QImage::Format_Indexed8).colorCount() > 1; });
+  }
+
+  /// Opens the menu and clicks an entry by mouse.
+  /// @param down  the entry's place, in hundredths of the menu's height.
+  static void choose(int button, int down) {
+    xdotool(u"mousemove 14 14 click %1"_s.arg(button));
+    // It alone of the windows of agent and panel has no frame around it.
+    QString menu;
+    ASSERT_TRUE(waitFor([&] {
+      menu = xdotool(u"search --onlyvisible --maxdepth 1 --class downloaderpictora|wrapper"_s);
+      return !menu.isEmpty();
+    }));
+    pointAt(menu, 50, down);
+    xdotool(u"click 1"_s);
+  }
+
+  void quitByMenu(AgentProcess &agent) {
+    choose(kRightButton, 93);
+    EXPECT_EQ(agent.waitForEnd(1s * AgentProcess::kSlowness), 0) << agent.errorOutput().toStdString();
+  }
+
+  TestProfile profile;
+  const QString downloads = profile.picturesFolder() + u"/Transferred"_s;
+  const QString desktopsOpener = QStandardPaths::findExecutable(u"xdg-open"_s);
+  FakeBrowser browser{profile};
+  PrivateBus bus;
+  Program screen{u"Xvfb"_s, u"-displayfd 1 -screen 0 1024x768x24"_s.split(u' ')};
+  // With a StatusNotifier host Qt's own D-Bus code leaves an object behind when the agent ends.
+  const bool hasEnvironment =
+      qputenv("DISPLAY", ':' + screen.firstLine()) && qputenv("QT_QPA_PLATFORM", "xcb") && qputenv("GDK_BACKEND", "x11")
+      && qputenv("XDG_CURRENT_DESKTOP", "X-Generic") && qputenv("LC_ALL", "C.UTF-8") && qunsetenv("LANGUAGE")
+      && qputenv("LSAN_OPTIONS", "suppressions=" + write(profile.path(u"leaks"_s), "leak:libQt6DBus.so\n").toUtf8());
+  QApplication application{noArguments, nullptr};
+  Program windowManager{u"openbox"_s, {u"--sm-disable"_s}};
+  Program notifications{u"dunst"_s,
+                        {u"-config"_s, write(profile.path(u"dunstrc"_s),
+                                             "[global]\norigin = top-right\noffset = 20x20\nwidth = 300\n"
+                                             "mouse_left_click = do_action\n[urgency_normal]\ntimeout = 0\n")}};
+  std::optional<Program> panelSettings;
+  std::optional<Program> panel;
+  sandbox::Service service;
+};
+
+TEST_P(Desktop, menuAndWindowsWorkByMouseAndKeys) {
+  startTray();
+  AgentProcess agent({}, u"xcb"_s);
+  ASSERT_TRUE(waitForIcon());
+  EXPECT_EQ(notifierHost(u"RegisteredStatusNotifierItems"_s).toStringList().isEmpty(), GetParam() == Tray::XEmbed);
+
+  choose(kLeftButton, 23);
+  ASSERT_TRUE(waitForActiveWindow(u"Downloaderpictora"_s));
+  // From the OK button round to the kind of folders by date, and to the next one.
+  xdotool(u"key Tab Tab Tab Tab Tab Down Return"_s);
+  const QString settings = profile.appFolder() + u"/DownloadSettingData.plist"_s;
+  EXPECT_TRUE(waitForContent(settings, "<key>ChildFolder</key> <integer>1</integer>"));
+  EXPECT_TRUE(waitForContent(settings, "<string>" + downloads.toUtf8() + "</string>"));
+
+  choose(kRightButton, 65);
+  ASSERT_TRUE(waitForActiveWindow(u"About Downloaderpictora"_s));
+  pointAt(xdotool(u"getactivewindow"_s), 50, 35);
+  // Right Control does nothing; left Control switches the log; left Shift opens its folder, after those.
+  for (const int keyCode : {105, 37, 50})
+    xdotool(u"keydown %1 click 1 keyup %1"_s.arg(keyCode));
+  EXPECT_EQ(browser.takeUrl(), profile.appFolder() + u"/Log"_s);
+  EXPECT_TRUE(waitForContent(profile.configFolder() + u"/NORVALE INC/Downloaderpictora.conf"_s, "OutputLog=true"));
+  quitByMenu(agent);
+}
+
+TEST_P(Desktop, notificationsAndUrlsLinkAndShowWhatArrives) {
+  service.library().setSettingsObject("{\"applicationAliasIds\":[],\"isEnableDownload10GStorage\":true}");
+  const auto &picture = sandbox::sampleObjects().first();
+  service.library().add(picture);
+  service.order(sandbox::Endpoint::ObjectGet, {.kind = sandbox::Fault::Kind::SlowBody});
+  AgentProcess agent({}, u"xcb"_s);
+  ASSERT_TRUE(agent.waitUntilServing());
+  startTray();
+  ASSERT_TRUE(waitForIcon());
+
+  ASSERT_TRUE(clickNotification()) << "that the agent is not linked";
+  const auto loginUrl = browser.takeUrl();
+  ASSERT_TRUE(loginUrl);
+  ASSERT_EQ(QProcess::execute(desktopsOpener, {service.signIn(*loginUrl)}), 0);
+  ASSERT_TRUE(waitForActiveWindow(u"Downloaderpictora"_s));
+  xdotool(u"key Return"_s);
+
+  ASSERT_TRUE(clickNotification()) << "that the agent is linked";
+  QList<QImage> icons; // the first may be of the time before
+  EXPECT_TRUE(waitFor([&] {
+    if (const QImage now = icon(); !icons.contains(now)) icons << now;
+    return icons.size() == 3;
+  }));
+  service.clearFaults();
+  const QString arrived = downloads + u'/' + sandbox::expectedFiles({picture}).first().relativePath;
+  EXPECT_TRUE(waitFor([&] { return QFile::exists(arrived); })) << arrived.toStdString();
+  ASSERT_TRUE(clickNotification()) << "that all pictures have arrived";
+  EXPECT_EQ(browser.takeUrl(), downloads);
+  quitByMenu(agent);
+}
+
+INSTANTIATE_TEST_SUITE_P(Trays, Desktop, testing::Values(Tray::StatusNotifier, Tray::XEmbed),
+                         [](const auto &row) { return row.param == Tray::XEmbed ? "XEmbed" : "StatusNotifier"; });
+
+TEST_F(Desktop, withoutATrayTheAgentStillAnswers) {
+  AgentProcess agent({}, u"xcb"_s);
+  ASSERT_TRUE(agent.waitUntilServing());
+  AgentProcess second;
+  EXPECT_EQ(second.waitForEnd(10s), 0);
+  EXPECT_TRUE(waitForActiveWindow(u"Downloaderpictora"_s));
+  ASSERT_TRUE(AgentProcess::requestAction(u"quit"_s));
+  EXPECT_EQ(agent.waitForEnd(10s), 0);
+}
+
+} // namespace
