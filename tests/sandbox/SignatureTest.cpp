@@ -1,11 +1,9 @@
 #include "sandbox/SignatureCheck.h"
+#include "tests/identity/SigningVectors.h"
 
 #include <gtest/gtest.h>
 
-#include <QFile>
 #include <QJsonArray>
-#include <QJsonDocument>
-#include <QJsonObject>
 
 #include <functional>
 
@@ -14,127 +12,86 @@ using namespace sandbox;
 
 namespace {
 
-/// A member of the known answers.
-QJsonValue known(const QString &name) {
-  QFile file(QStringLiteral(KA_TEST_DATA "/signing.json"));
-  EXPECT_TRUE(file.open(QFile::ReadOnly));
-  return QJsonDocument::fromJson(file.readAll()).object()[name];
-}
-
-QByteArray bytes(const QJsonValue &object, const char *name) {
-  return object[QLatin1StringView(name)].toString().toLatin1();
-}
-
 const QDateTime kSignedAt = QDateTime::fromString(u"2024-05-01T10:00:00Z"_s, Qt::ISODate);
 
-KnownCredential knownCredential() {
-  const QJsonValue credential = known(u"credential"_s);
-  return {.credential = {.accessKeyId = credential[u"AccessKeyId"_s].toString(),
-                         .secretAccessKey = credential[u"SecretAccessKey"_s].toString(),
-                         .sessionToken = credential[u"SessionToken"_s].toString(),
-                         .expiration = kSignedAt.addSecs(3600).toSecsSinceEpoch()},
-          .userId = u"u-1"_s};
+QByteArray bytes(const QJsonValue &object, QLatin1StringView name) {
+  return object[name].toString().toUtf8();
 }
 
-HttpRequest versionFourRequest(const QJsonValue &vector) {
-  const QByteArray host = bytes(vector, "host");
-  HttpRequest request{.method = bytes(vector, "method"),
-                      .hostHeader = host,
-                      .target = bytes(vector, "path"),
-                      .headers = {{"Host", host}, {"Authorization", bytes(vector, "authorization")}},
-                      .body = vector[u"body"_s].toString().toUtf8()};
-  const QJsonObject headers = vector[u"headers"_s].toObject();
-  for (auto it = headers.begin(); it != headers.end(); ++it)
-    request.headers.append({it.key().toLatin1(), it->toString().toLatin1()});
-  return request;
-}
+using Spoiling = std::function<void(HttpRequest &, KnownCredential &)>;
 
-HttpRequest presignedRequest() {
-  const QJsonValue credential = known(u"credential"_s);
-  const QJsonValue vector = known(u"presignedV2"_s)[1];
-  return {.method = "GET",
-          .hostHeader = "strata-prd-content.s3.localhost:1",
-          .target = "/conf/settings.json?&AWSAccessKeyId=" + bytes(credential, "AccessKeyId")
-                    + "&Expires=" + bytes(vector, "expires") + "&Signature=" + bytes(vector, "signaturePercentEncoded"),
-          .headers = {{"x-amz-security-token", bytes(credential, "SessionToken")}}};
-}
-
-QByteArray codeOf(const SignatureVerdict &verdict) {
+/// The verdict on what another implementation signed, spoiled before it is judged.
+QByteArray verdictOn(
+    const QJsonValue &vector, const Spoiling &spoil = [](auto &, auto &) {}, qint64 secondsLater = 0) {
+  const QJsonValue by = signingVectors()["credential"_L1];
+  KnownCredential known = {{.accessKeyId = by["AccessKeyId"_L1].toString(),
+                            .secretAccessKey = by["SecretAccessKey"_L1].toString(),
+                            .sessionToken = by["SessionToken"_L1].toString(),
+                            .expiration = kSignedAt.addSecs(3600).toSecsSinceEpoch()},
+                           u"u-1"_s};
+  HttpRequest request = {.method = "GET"};
+  const QByteArray awsService = bytes(vector, "service"_L1);
+  if (awsService.isEmpty()) {
+    request.target = '/' + bytes(vector, "key"_L1) + "?&AWSAccessKeyId=" + bytes(by, "AccessKeyId"_L1) + "&Expires="
+                     + bytes(vector, "expires"_L1) + "&Signature=" + bytes(vector, "signaturePercentEncoded"_L1);
+    request.headers = {{"x-amz-security-token", bytes(by, "SessionToken"_L1)}};
+  } else {
+    request = {
+        .method = bytes(vector, "method"_L1), .target = bytes(vector, "path"_L1), .body = bytes(vector, "body"_L1)};
+    request.headers = {{"Host", bytes(vector, "host"_L1)}, {"Authorization", bytes(vector, "authorization"_L1)}};
+    const QVariantMap headers = vector["headers"_L1].toObject().toVariantMap();
+    for (auto it = headers.begin(); it != headers.end(); ++it)
+      request.headers.append({it.key().toLatin1(), it->toByteArray()});
+  }
+  spoil(request, known);
+  Credentials credentials;
+  credentials.add(known);
+  const QDateTime now = kSignedAt.addSecs(secondsLater);
+  const auto verdict = awsService.isEmpty() ? checkPresigned(request, bytes(vector, "bucket"_L1), credentials, now)
+                                            : checkSignatureV4(request, awsService, credentials, now);
   return verdict.refusal ? verdict.refusal->code : "accepted from " + verdict.userId.toLatin1();
 }
 
-TEST(KnownSignatures, areMadeAlikeAndAccepted) {
-  const QJsonArray presigned = known(u"presignedV2"_s).toArray();
-  const QJsonValue credential = known(u"credential"_s);
-  for (const QJsonValue vector : presigned) {
-    const QByteArray resource = '/' + bytes(vector, "bucket") + '/' + bytes(vector, "key");
-    const QByteArray text =
-        presignedStringToSign(bytes(vector, "expires"), bytes(credential, "SessionToken"), resource);
-    EXPECT_EQ(text, bytes(vector, "stringToSign"));
-    EXPECT_EQ(presignedSignature(text, bytes(credential, "SecretAccessKey")), bytes(vector, "signatureBase64"));
-  }
-
-  const QJsonArray versionFour = known(u"signatureV4"_s).toArray();
-  ASSERT_FALSE(versionFour.isEmpty() || presigned.isEmpty());
-  Credentials credentials;
-  credentials.add(knownCredential());
-  for (const QJsonValue vector : versionFour) {
-    const HttpRequest request = versionFourRequest(vector);
-    EXPECT_EQ(codeOf(checkSignatureV4(request, bytes(vector, "service"), credentials, kSignedAt)), "accepted from u-1")
-        << bytes(vector, "name").constData();
-  }
-}
-
-/// A properly signed request, spoiled in one way, and the verdicts on a presigned one and on one of version 4.
-struct Spoiling {
-  const char *name;
-  std::function<void(HttpRequest &, KnownCredential &)> spoil;
-  QByteArray presigned, versionFour; ///< empty: not tried
-  qint64 secondsLater = 0;
-};
-
-class SignedRequest : public testing::TestWithParam<Spoiling> {};
-
-TEST_P(SignedRequest, isJudged) {
-  const Spoiling &row = GetParam();
-  const QDateTime now = kSignedAt.addSecs(row.secondsLater);
-  for (const bool presigned : {true, false}) {
-    HttpRequest request = presigned ? presignedRequest() : versionFourRequest(known(u"signatureV4"_s)[0]);
-    KnownCredential known = knownCredential();
-    row.spoil(request, known);
-    Credentials credentials;
-    credentials.add(known);
-    const auto verdict = presigned ? checkPresigned(request, "strata-prd-content", credentials, now)
-                                   : checkSignatureV4(request, "s3", credentials, now);
-    const QByteArray expected = presigned ? row.presigned : row.versionFour;
-    EXPECT_TRUE(expected.isEmpty() || codeOf(verdict) == expected) << presigned << codeOf(verdict).constData();
-  }
-}
-
-const auto kNothing = [](auto &, auto &) {};
 const QByteArray kOk = "accepted from u-1";
-const QByteArray kMismatch = "SignatureDoesNotMatch";
-const QByteArray kDenied = "AccessDenied";
-const QByteArray kUnknown = "InvalidAccessKeyId";
-const QByteArray kBadToken = "InvalidToken";
-const std::vector<Spoiling> kSpoilings{
-    {"fourteenMinutesLate", kNothing, kOk, kOk, 14 * 60},
-    {"sixteenMinutesLate", kNothing, {}, "RequestTimeTooSkewed", 16 * 60},
-    {"lastSecond", kNothing, kOk, {}, 2400},
-    {"secondAfter", kNothing, kDenied, {}, 2401},
-    {"longerLife", [](auto &request, auto &) { request.target.replace("=1714560000", "=1714560001"); }, kMismatch, {}},
-    {"anotherSecret", [](auto &, auto &known) { known.credential.secretAccessKey += u'x'; }, kMismatch, kMismatch},
-    {"anotherMethod", [](auto &request, auto &) { request.method = "HEAD"; }, kMismatch, kMismatch},
-    {"anotherObject", [](auto &request, auto &) { request.target[1] = 'x'; }, kMismatch, kMismatch},
-    {"anotherToken", [](auto &, auto &known) { known.credential.sessionToken += u'x'; }, kBadToken, kBadToken},
-    {"unknownKeyId", [](auto &, auto &known) { known.credential.accessKeyId += u'x'; }, kUnknown, kUnknown},
-    {"expired", [](auto &, auto &known) { known.credential.expiration -= 3601; }, {}, "ExpiredToken"},
-    {"noHeader", [](auto &request, auto &) { request.headers = {}; }, kUnknown, kDenied},
-    {"unsignedHeader", [](auto &request, auto &) { request.headers.emplaceBack("x-amz-acl", "x"); }, {}, kDenied},
-    {"anotherBody", [](auto &request, auto &) { request.body = "x"; }, {}, "XAmzContentSHA256Mismatch"},
-};
 
-INSTANTIATE_TEST_SUITE_P(Each, SignedRequest, testing::ValuesIn(kSpoilings),
-                         [](const auto &row) { return std::string(row.param.name); });
+TEST(Signatures, ofOtherImplementationsAreAccepted) {
+  for (const auto kind : {"presignedV2"_L1, "signatureV4"_L1}) {
+    const QJsonArray vectors = signingVectors()[kind].toArray();
+    ASSERT_FALSE(vectors.isEmpty());
+    for (const QJsonValue vector : vectors)
+      EXPECT_EQ(verdictOn(vector), kOk) << bytes(vector, "key"_L1).constData() << bytes(vector, "name"_L1).constData();
+  }
+}
+
+TEST(Signatures, areRefusedOnceSpoiledOrLate) {
+  struct Row {
+    const char *name;
+    Spoiling spoil;
+    QByteArray presigned, versionFour; ///< empty: not tried
+    qint64 secondsLater = 0;
+  };
+  const Spoiling nothing = [](auto &, auto &) {};
+  const QByteArray mismatch = "SignatureDoesNotMatch", denied = "AccessDenied", unknown = "InvalidAccessKeyId";
+  const Row rows[] = {
+      {"sixteenMinutesLate", nothing, {}, "RequestTimeTooSkewed", 16 * 60},
+      {"lastSecond", nothing, kOk, {}, 2400},
+      {"secondAfter", nothing, denied, {}, 2401},
+      {"longerLife", [](auto &request, auto &) { request.target.replace("=1714560000", "=1714560001"); }, mismatch, {}},
+      {"anotherSecret", [](auto &, auto &known) { known.credential.secretAccessKey += u'x'; }, mismatch, mismatch},
+      {"anotherMethod", [](auto &request, auto &) { request.method = "PUT"; }, mismatch, mismatch},
+      {"anotherObject", [](auto &request, auto &) { request.target[1] = 'x'; }, mismatch, mismatch},
+      {"anotherToken", [](auto &, auto &known) { known.credential.sessionToken += u'x'; }, "InvalidToken", {}},
+      {"unknownKeyId", [](auto &, auto &known) { known.credential.accessKeyId += u'x'; }, unknown, unknown},
+      {"expired", [](auto &, auto &known) { known.credential.expiration -= 3601; }, {}, "ExpiredToken"},
+      {"unsignedHeader", [](auto &request, auto &) { request.headers.emplaceBack("x-amz-acl", "x"); }, {}, denied},
+      {"anotherBody", [](auto &request, auto &) { request.body = "x"; }, {}, "XAmzContentSHA256Mismatch"},
+  };
+  for (const Row &row : rows)
+    for (const bool presigned : {true, false}) {
+      const QByteArray expected = presigned ? row.presigned : row.versionFour;
+      const QJsonValue vector = signingVectors()[presigned ? "presignedV2"_L1 : "signatureV4"_L1][presigned ? 1 : 0];
+      EXPECT_TRUE(expected.isEmpty() || verdictOn(vector, row.spoil, row.secondsLater) == expected) << row.name;
+    }
+}
 
 } // namespace

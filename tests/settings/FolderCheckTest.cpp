@@ -13,45 +13,38 @@ using namespace Qt::StringLiterals;
 
 namespace {
 
-struct Verdict {
-  const char *name;
-  QString path;
-  std::function<void(FolderFacts &)> change;
-  KaResultCode expected;
-};
-
-class FolderVerdict : public testing::TestWithParam<Verdict> {};
-
-TEST_P(FolderVerdict, followsFromTheFacts) {
-  FolderFacts facts{GetParam().path, platform::VolumeFacts(), true, true, true, {u"/usr"_s, u"/home/u/Applications"_s}};
-  GetParam().change(facts);
-  EXPECT_EQ(judgeDownloadFolder(GetParam().path, facts), GetParam().expected);
-}
-
-const auto kNothing = [](FolderFacts &) {};
-const QString kFolder = u"/home/u/Pictures"_s;
 using enum KaResultCode;
 
-const std::vector<Verdict> kVerdicts{
-    {"noVolume", kFolder, [](auto &facts) { facts.volume.reset(); }, FolderNotAccessible},
-    {"removable", kFolder, [](auto &facts) { facts.volume->removable = true; }, FolderNotSupported},
-    {"unmountable", kFolder, [](auto &facts) { facts.volume->unmountable = true; }, FolderNotSupported},
-    {"networkVolume", kFolder, [](auto &facts) { facts.volume->network = true; }, FolderNotSupported},
-    {"network", u"/Network/share"_s, kNothing, FolderNotSupported},
-    {"systemBySpelling", u"/Systemx"_s, kNothing, FolderNotSupported},
-    {"systemInside", u"/home/System"_s, kNothing, Success},
-    {"besideReservedFolder", u"/usrlocal"_s, kNothing, Success},
-    {"linkIntoReservedFolder", kFolder, [](auto &facts) { facts.resolvedPath = u"/usr"_s; }, FolderNotSupported},
-    {"noFolder", kFolder, [](auto &facts) { facts.directory = false; }, FolderNotAccessible},
-    {"unreadable", kFolder, [](auto &facts) { facts.readable = false; }, FolderNotAccessible},
-    {"placeBeforeAccess", u"/usr"_s, [](auto &facts) { facts.writable = false; }, FolderNotSupported},
-    {"accessBeforeLength", QString(201, u'/'), [](auto &facts) { facts.writable = false; }, FolderNotAccessible},
-    {"length200InCharacters", u"/"_s + QString(199, u'写'), kNothing, Success},
-    {"length201", u"/"_s + QString(200, u'p'), kNothing, FolderPathTooLong},
-};
-
-INSTANTIATE_TEST_SUITE_P(Settings, FolderVerdict, testing::ValuesIn(kVerdicts),
-                         [](const auto &row) { return std::string(row.param.name); });
+TEST(FolderVerdict, followsFromTheFacts) {
+  struct Row {
+    const char *name;
+    QString path;
+    std::function<void(FolderFacts &)> change;
+    KaResultCode expected;
+  };
+  const auto nothing = [](FolderFacts &) {};
+  const QString folder = u"/home/u/Pictures"_s;
+  const Row rows[] = {
+      {"removable", folder, [](auto &facts) { facts.volume->removable = true; }, FolderNotSupported},
+      {"unmountable", folder, [](auto &facts) { facts.volume->unmountable = true; }, FolderNotSupported},
+      {"networkVolume", folder, [](auto &facts) { facts.volume->network = true; }, FolderNotSupported},
+      {"network", u"/Network/share"_s, nothing, FolderNotSupported},
+      {"systemBySpelling", u"/Systemx"_s, nothing, FolderNotSupported},
+      {"systemInside", u"/home/System"_s, nothing, Success},
+      {"besideReservedFolder", u"/usrlocal"_s, nothing, Success},
+      {"linkIntoReservedFolder", folder, [](auto &facts) { facts.resolvedPath = u"/usr"_s; }, FolderNotSupported},
+      {"unreadable", folder, [](auto &facts) { facts.readable = false; }, FolderNotAccessible},
+      {"placeBeforeAccess", u"/usr"_s, [](auto &facts) { facts.writable = false; }, FolderNotSupported},
+      {"accessBeforeLength", QString(201, u'/'), [](auto &facts) { facts.writable = false; }, FolderNotAccessible},
+      {"length200InCharacters", u"/"_s + QString(199, u'写'), nothing, Success},
+      {"length201", u"/"_s + QString(200, u'p'), nothing, FolderPathTooLong},
+  };
+  for (const Row &row : rows) {
+    FolderFacts facts{row.path, platform::VolumeFacts(), true, true, true, {u"/usr"_s, u"/home/u/Applications"_s}};
+    row.change(facts);
+    EXPECT_EQ(judgeDownloadFolder(row.path, facts), row.expected) << row.name;
+  }
+}
 
 TEST(FolderOnDisk, isUsableWhenItIsTheUsersOwnOutsideTheSystemsPlaces) {
   const TestProfile profile;
