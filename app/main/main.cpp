@@ -13,6 +13,7 @@
 
 #include <cstdio>
 #include <cstdlib>
+#include <cstring>
 #include <optional>
 
 using namespace Qt::StringLiterals;
@@ -88,5 +89,8 @@ int runAgent(int &argc, char **argv, const CommandLine &commandLine) {
 int main(int argc, char **argv) {
   CommandLine commandLine;
   if (const auto status = handOverToRunningAgent(argc, argv, commandLine)) return *status;
+  // The URL holds a token, and every user of the machine can read command lines.
+  for (; argc > 1; --argc)
+    std::memset(argv[argc - 1], 0, std::strlen(argv[argc - 1]));
   return runAgent(argc, argv, commandLine);
 }

@@ -137,9 +137,10 @@ TEST_F(Agent, quitsWithinASecondInMidRequest) {
   quitWithinASecond(agent);
 }
 
-TEST_F(Agent, endsInOrderWhenTerminated) {
-  AgentProcess agent;
+TEST_F(Agent, keepsNoTokenOnItsCommandLineAndEndsInOrderWhenTerminated) {
+  AgentProcess agent({u"downloaderpictora://authenticate?idToken=secret"_s});
   ASSERT_TRUE(agent.waitUntilServing());
+  EXPECT_TRUE(agent.commandLine().contains("downloaderpictora") && !agent.commandLine().contains("secret"));
   agent.terminate();
   EXPECT_EQ(agent.waitForEnd(10s), 0);
 }

@@ -3,6 +3,7 @@
 #include <QDBusConnection>
 #include <QDBusConnectionInterface>
 #include <QDBusMessage>
+#include <QFile>
 #include <QProcessEnvironment>
 
 #include <csignal>
@@ -61,4 +62,9 @@ std::optional<int> AgentProcess::waitForEnd(std::chrono::milliseconds deadline) 
   }
   if (process.exitStatus() != QProcess::NormalExit) return std::nullopt;
   return process.exitCode();
+}
+
+QByteArray AgentProcess::commandLine() const {
+  QFile file(QStringLiteral("/proc/%1/cmdline").arg(process.processId()));
+  return file.open(QFile::ReadOnly) ? file.readAll() : QByteArray();
 }

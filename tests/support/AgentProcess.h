@@ -35,6 +35,8 @@ public:
   void terminate() {
     process.terminate();
   }
+  /// What every user of the machine can read of it.
+  [[nodiscard]] QByteArray commandLine() const;
   /// @return the exit status, or nothing when the process still ran at the deadline or was killed.
   [[nodiscard]] std::optional<int> waitForEnd(std::chrono::milliseconds deadline);
   [[nodiscard]] QString errorOutput() {
