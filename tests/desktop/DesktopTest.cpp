@@ -177,11 +177,14 @@ protected:
   const QString desktopsOpener = QStandardPaths::findExecutable(u"xdg-open"_s);
   FakeBrowser browser{profile};
   PrivateBus bus;
-  Program screen{u"Xvfb"_s, u"-displayfd 1 -screen 0 1024x768x24"_s.split(u' ')};
+  // By our own number: servers that look for a free display at the same time may find the same one.
+  const QString display = u":%1"_s.arg(100 + QCoreApplication::applicationPid() % 50'000);
+  Program screen{u"Xvfb"_s, (display + u" -displayfd 1 -screen 0 1024x768x24"_s).split(u' ')};
   // With a StatusNotifier host Qt's own D-Bus code leaves an object behind when the agent ends.
   const bool hasEnvironment =
-      qputenv("DISPLAY", ':' + screen.firstLine()) && qputenv("QT_QPA_PLATFORM", "xcb") && qputenv("GDK_BACKEND", "x11")
-      && qputenv("XDG_CURRENT_DESKTOP", "X-Generic") && qputenv("LC_ALL", "C.UTF-8") && qunsetenv("LANGUAGE")
+      !screen.firstLine().isEmpty() && qputenv("DISPLAY", display.toLatin1()) && qputenv("QT_QPA_PLATFORM", "xcb")
+      && qputenv("GDK_BACKEND", "x11") && qputenv("XDG_CURRENT_DESKTOP", "X-Generic") && qputenv("LC_ALL", "C.UTF-8")
+      && qunsetenv("LANGUAGE")
       && qputenv("LSAN_OPTIONS", "suppressions=" + write(profile.path(u"leaks"_s), "leak:libQt6DBus.so\n").toUtf8());
   QApplication application{noArguments, nullptr};
   Program windowManager{u"openbox"_s, {u"--sm-disable"_s}};
