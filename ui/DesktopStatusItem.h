@@ -7,6 +7,7 @@
 #include "ui/StatusItemView.h"
 
 #include <QMenu>
+#include <QTimer>
 
 #include <memory>
 
@@ -27,7 +28,8 @@ public:
 
 private:
   QAction *addEntry(StatusEntry entry, QLatin1StringView titleKey);
-  void createIcon();
+  void createIcon(bool isNotifierHost);
+  void insistOnAPlace();
   void showIcon(const StatusItemState &state);
 
   QMenu menu;
@@ -38,6 +40,7 @@ private:
   StatusItemState shown;
   platform::TrayHost host;
   std::unique_ptr<QSystemTrayIcon> icon; ///< absent until there is a host
+  QTimer placeCheck;                     ///< runs until an XEmbed tray has given the icon its place
   platform::NotificationCenter notifyCenter;
   AlertQueue alerts;
 };
