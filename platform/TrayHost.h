@@ -16,8 +16,8 @@ public:
   ~TrayHost() override;
 
 Q_SIGNALS:
-  /// Once, from the event loop: there is a host now, a StatusNotifier one or an older kind of tray.
-  void appeared(bool isNotifierHost);
+  /// Once, from the event loop: there is a host now.
+  void appeared();
 
 private:
   class Private;

@@ -7,8 +7,6 @@
 #include <QCursor>
 #include <QSystemTrayIcon>
 
-#include <chrono>
-
 using namespace Qt::StringLiterals;
 
 namespace {
@@ -49,23 +47,13 @@ QAction *DesktopStatusItem::addEntry(StatusEntry entry, QLatin1StringView titleK
   return action;
 }
 
-void DesktopStatusItem::createIcon(bool isNotifierHost) {
+void DesktopStatusItem::createIcon() {
   icon = std::make_unique<QSystemTrayIcon>(iconOf(shown));
   icon->setToolTip(tooltipOf(shown));
   icon->setContextMenu(&menu);
   connect(icon.get(), &QSystemTrayIcon::activated, this, [this](QSystemTrayIcon::ActivationReason reason) {
     if (reason == QSystemTrayIcon::Trigger) menu.popup(QCursor::pos());
   });
-  icon->show();
-  if (isNotifierHost) return;
-  connect(&placeCheck, &QTimer::timeout, this, &DesktopStatusItem::insistOnAPlace);
-  placeCheck.start(std::chrono::seconds(1));
-}
-
-/// A tray that was just starting may have missed the wish for a place.
-void DesktopStatusItem::insistOnAPlace() {
-  if (!icon->geometry().isEmpty()) return placeCheck.stop();
-  icon->hide();
   icon->show();
 }
 

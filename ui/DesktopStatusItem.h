@@ -7,7 +7,6 @@
 #include "ui/StatusItemView.h"
 
 #include <QMenu>
-#include <QTimer>
 
 #include <memory>
 
@@ -28,8 +27,7 @@ public:
 
 private:
   QAction *addEntry(StatusEntry entry, QLatin1StringView titleKey);
-  void createIcon(bool isNotifierHost);
-  void insistOnAPlace();
+  void createIcon();
   void showIcon(const StatusItemState &state);
 
   QMenu menu;
@@ -40,7 +38,6 @@ private:
   StatusItemState shown;
   platform::TrayHost host;
   std::unique_ptr<QSystemTrayIcon> icon; ///< absent until there is a host
-  QTimer placeCheck;                     ///< runs until an XEmbed tray has given the icon its place
   platform::NotificationCenter notifyCenter;
   AlertQueue alerts;
 };

@@ -64,7 +64,7 @@ public:
 
 private:
   void look() {
-    if (!QDBusConnection::sessionBus().isConnected()) return conclude(/*isNotifierHost=*/false);
+    if (!QDBusConnection::sessionBus().isConnected()) return conclude(ownsTraySelection());
     if (isAsking) return;
     isAsking = true;
     auto *const answer = new QDBusPendingCallWatcher(askForNotifierHost(), this);
@@ -72,14 +72,14 @@ private:
       answer->deleteLater();
       isAsking = false;
       const QDBusPendingReply<QDBusVariant> reply = *answer;
-      conclude(reply.isValid() && reply.value().variant().toBool());
+      conclude((reply.isValid() && reply.value().variant().toBool()) || ownsTraySelection());
     });
   }
 
-  void conclude(bool isNotifierHost) {
-    if (!poll.isActive() || (!isNotifierHost && !ownsTraySelection())) return;
+  void conclude(bool hasHost) {
+    if (!hasHost || !poll.isActive()) return;
     poll.stop();
-    Q_EMIT owner.appeared(isNotifierHost);
+    Q_EMIT owner.appeared();
   }
 
   TrayHost &owner;
