@@ -116,8 +116,10 @@ protected:
     defaults.insert(u"ImageRetryWaitTime"_s, u"1"_s);
     defaults.insert(u"timeoutIntervalForRequest"_s, u"60"_s);
     profile.writeUserDefaults(defaults);
+    // A window that asks for its place while openbox starts stays unseen until something else happens: begin only once
+    // it does what it is told.
     if (!waitForService(u"org.freedesktop.Notifications"_s)
-        || !waitFor([] { return !xdotool(u"get_num_desktops"_s).isEmpty(); }))
+        || !waitFor([] { return xdotool(u"set_desktop 1 get_desktop"_s) == u"1"_s; }))
       throw std::runtime_error("no desktop");
   }
 
@@ -198,7 +200,6 @@ protected:
 };
 
 TEST_P(Desktop, menuAndWindowsWorkByMouseAndKeys) {
-  if (GetParam() == Tray::XEmbed) GTEST_SKIP() << "in a bare system the icon is not found where the test looks for it";
   startTray();
   AgentProcess agent({}, u"xcb"_s);
   const bool isNotifier = GetParam() == Tray::StatusNotifier;
