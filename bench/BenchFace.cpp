@@ -4,7 +4,8 @@
 //        bench_face animate SECONDS    linked and without a network, which animates the icon
 // Needs a display and a session bus of its own (scripts/bench gives it both). Prints: NAME VALUE UNIT.
 
-#include "app/KaModelFacade.h"
+#include "bench/LinkedHome.h"
+
 #include "sandbox/Library.h"
 #include "sandbox/Service.h"
 
@@ -60,33 +61,6 @@ public Q_SLOTS:
 
 Q_SIGNALS:
   void offered();
-};
-
-/// A home whose agent is linked to a service with nothing in it.
-class Home {
-public:
-  Home() {
-    for (const char *variable : {"HOME", "XDG_CONFIG_HOME", "XDG_DATA_HOME", "XDG_STATE_HOME"})
-      qputenv(variable, QFile::encodeName(folder.filePath(QString::fromLatin1(variable))));
-    service.library().setSettingsObject(R"({"isEnableDownload10GStorage":true})");
-    useDefaults(service.userDefaults());
-    if (!KaModelFacade::sharedInstance().saveLinkageSetting(service.issueLinkedToken().idToken))
-      throw std::runtime_error("cannot link");
-  }
-  void useDefaults(QHash<QString, QString> values) const {
-    values.insert(u"firstLaunch"_s, u"false"_s);
-    const QString config = folder.filePath(u"XDG_CONFIG_HOME/NORVALE INC"_s);
-    QFile file(config + u"/Downloaderpictora.conf"_s);
-    if (!QDir().mkpath(config) || !file.open(QFile::WriteOnly)) throw std::runtime_error("cannot write");
-    file.write("[General]\n");
-    for (auto value = values.begin(); value != values.end(); ++value)
-      file.write((value.key() + u'=' + value.value() + u'\n').toUtf8());
-  }
-
-  sandbox::Service service;
-
-private:
-  QTemporaryDir folder;
 };
 
 class Agent {
@@ -181,15 +155,18 @@ int main(int argc, char **argv) {
   const QString what = arguments.value(1);
   const int number = arguments.value(2).toInt();
   try {
-    const Home home;
+    const QTemporaryDir home;
+    sandbox::Service service;
+    service.library().setSettingsObject(R"({"isEnableDownload10GStorage":true})");
+    makeLinkedHome(home.path(), service);
     if (what == u"start" && number > 0) {
       benchStart(number);
     } else if (what == u"idle" && number > 0) {
       benchWhile("idle", number);
     } else if (what == u"animate" && number > 0) {
-      auto defaults = home.service.userDefaults();
+      auto defaults = service.userDefaults();
       defaults.insert(u"awsS3AccelerateHostName"_s, u"s3.localhost:1"_s); // nobody listens there
-      home.useDefaults(defaults);
+      useDefaults(defaults);
       benchWhile("animate", number);
     } else {
       std::fputs("usage: bench_face start COUNT | idle SECONDS | animate SECONDS\n", stderr);

@@ -1,34 +1,41 @@
-// The service with many like objects, in a process of its own so that its work does not count as the agent's.
-// usage: bench_service FOLDER COUNT SIZE
-// Leaves in FOLDER: ca.pem, defaults.conf (user defaults), token (ID token), tokenCode, urls.conf (the presigned
-// requests of a pass, for curl). Prints "ready" and runs until its standard input closes.
+// The service with many like objects, and a home whose agent is linked to it.
+// usage: bench_service FOLDER COUNT SIZE [taken]
+//   taken: all objects lie in one hour, and the home's bookkeeping knows every one of them
+// Leaves in FOLDER: home (HOME, with .config, .local/share and .local/state), ca.pem, urls.conf (the presigned requests
+// of a first run, for curl; not for more than 10,000 objects), peer.env (what other clients of the store need).
+// Prints "ready". Then takes "ENDPOINT COUNT" per line: forgets what was asked before, prints "armed", and "reached"
+// once that many requests for the endpoint have come. Runs until its standard input closes.
 
+#include "bench/LinkedHome.h"
+
+#include "app/KaModelFacade.h"
+#include "app/settings/SettingsFiles.h"
+#include "engine/KaTargetStorage.h"
 #include "sandbox/Library.h"
 #include "sandbox/Service.h"
 
 #include <QCoreApplication>
 #include <QDir>
 #include <QFile>
-#include <QTextStream>
 
+#include <algorithm>
 #include <cstdio>
+#include <cstdlib>
+#include <iostream>
 #include <stdexcept>
+#include <string>
 
 using namespace Qt::StringLiterals;
+using namespace std::chrono_literals;
 
 namespace {
+
+constexpr int kMostUrls = 10'000;
+constexpr auto kLongestRun = 600s;
 
 void writeFile(const QString &path, const QString &text) {
   QFile file(path);
   if (!file.open(QFile::WriteOnly) || file.write(text.toUtf8()) < 0) throw std::runtime_error("cannot write a file");
-}
-
-QString defaultsText(const sandbox::Service &service) {
-  QString text = u"[General]\n"_s;
-  const auto defaults = service.userDefaults();
-  for (auto it = defaults.begin(); it != defaults.end(); ++it)
-    text += it.key() + u'=' + it.value() + u'\n';
-  return text;
 }
 
 /// What the agent asks for per object: its metadata, then the object itself.
@@ -53,33 +60,87 @@ QString curlConfig(sandbox::Service &service, const sandbox::TemporaryCredential
   }
 }
 
+QString peerEnvironment(sandbox::Service &service, const sandbox::TemporaryCredential &credential) {
+  return u"AWS_ACCESS_KEY_ID='%1'\nAWS_SECRET_ACCESS_KEY='%2'\nAWS_SESSION_TOKEN='%3'\nTRUST_ANCHORS='%4'\n"
+         u"AWS_DEFAULT_REGION=eu-west-1\nSTORE=https://localhost:%5\nBUCKET=%6\nACCOUNT=%7\n"_s
+             .arg(credential.accessKeyId, credential.secretAccessKey, credential.sessionToken,
+                  service.trustAnchorsFile())
+             .arg(service.port())
+             .arg(sandbox::contentBucket(), service.library().userId());
+}
+
+/// Records every image of the account as taken, in the hour that holds them all.
+void recordAsTaken(sandbox::Service &service, int count) {
+  KaDownloadData record;
+  record.LastDateTime = u"20240501/00"_s;
+  for (int number = 0; number < count; ++number)
+    record.ContentIds << u"M%1"_s.arg(number, 8, 10, QChar(u'0'));
+  const auto storage = KaTargetStorage::Days30;
+  if (!saveBookkeeping(recordName(storage), uuidKey(service.library().userId(), storage), record))
+    throw std::runtime_error("cannot record what was taken");
+}
+
+void fill(sandbox::Service &service, const QString &folder, const QStringList &arguments) {
+  const int count = arguments[2].toInt();
+  const bool isTaken = arguments.value(4) == u"taken";
+  service.library().addMany({.count = count,
+                             .size = arguments[3].toLongLong(),
+                             .deviceId = u"dev1"_s,
+                             .firstDate = u"20240501"_s,
+                             .perHour = isTaken ? count : 1000});
+  service.library().setSettingsObject("{\"applicationAliasIds\":[],\"isEnableDownload10GStorage\":true}");
+  makeLinkedHome(folder + u"/home"_s, service);
+  if (isTaken) recordAsTaken(service, count);
+  const auto credential = service.issueCredential();
+  writeFile(folder + u"/peer.env"_s, peerEnvironment(service, credential));
+  if (count <= kMostUrls) writeFile(folder + u"/urls.conf"_s, curlConfig(service, credential, folder));
+}
+
+void say(const char *word) {
+  std::puts(word);
+  std::fflush(stdout);
+}
+
+sandbox::Endpoint endpointNamed(const QString &name) {
+  const auto all = sandbox::allEndpoints();
+  const auto found = std::find_if(all.begin(), all.end(),
+                                  [&](const sandbox::Endpoint endpoint) { return endpointName(endpoint) == name; });
+  if (found == all.end()) throw std::runtime_error("no such endpoint: " + name.toStdString());
+  return *found;
+}
+
+void serve(sandbox::Service &service) {
+  say("ready");
+  for (std::string line; std::getline(std::cin, line);) {
+    const QStringList words = QString::fromStdString(line).split(u' ');
+    const auto endpoint = endpointNamed(words.first());
+    service.resetRequestCounts();
+    say("armed");
+    if (!service.waitForRequests(endpoint, words.value(1).toInt(), kLongestRun))
+      throw std::runtime_error("not reached: " + line);
+    say("reached");
+  }
+}
+
 } // namespace
 
 int main(int argc, char **argv) {
-  QCoreApplication application(argc, argv);
-  if (argc != 4) {
-    std::fputs("usage: bench_service FOLDER COUNT SIZE\n", stderr);
+  const QCoreApplication application(argc, argv);
+  const QStringList arguments = QCoreApplication::arguments();
+  if (argc < 4) {
+    std::fputs("usage: bench_service FOLDER COUNT SIZE [taken]\n", stderr);
     return 2;
   }
-  const QString folder = QString::fromLocal8Bit(argv[1]);
-  QDir().mkpath(folder + u"/curl"_s);
-  sandbox::Service service({.folder = folder});
-  service.library().addMany({.count = QByteArray(argv[2]).toInt(),
-                             .size = QByteArray(argv[3]).toLongLong(),
-                             .deviceId = u"dev1"_s,
-                             .firstDate = u"20240501"_s});
-  service.library().setSettingsObject("{\"applicationAliasIds\":[],\"isEnableDownload10GStorage\":true}");
-
-  const auto token = service.issueLinkedToken();
-  writeFile(folder + u"/token"_s, token.idToken);
-  writeFile(folder + u"/tokenCode"_s, token.tokenCode);
-  writeFile(folder + u"/defaults.conf"_s, defaultsText(service));
-  if (QByteArray(argv[2]).toInt() <= 10'000) {
-    writeFile(folder + u"/urls.conf"_s, curlConfig(service, service.issueCredential(), folder));
+  int status = 0;
+  try {
+    const QString folder = QDir(arguments[1]).absolutePath();
+    QDir().mkpath(folder + u"/curl"_s);
+    sandbox::Service service({.folder = folder, .requestsPerConnection = 1000});
+    fill(service, folder, arguments);
+    serve(service);
+  } catch (const std::exception &error) {
+    std::fprintf(stderr, "bench_service: %s\n", error.what());
+    status = 1;
   }
-  std::puts("ready");
-  std::fflush(stdout);
-  while (std::getchar() != EOF) {
-  }
-  return 0;
+  std::_Exit(status); // the facade's download thread never had anything to do
 }

@@ -63,4 +63,4 @@ private:
 };
 
 /// The keys in download order: by upload date, hour and file name, over all devices.
-[[nodiscard]] QStringList sortImageList(const QStringList &keys);
+[[nodiscard]] QStringList sortImageList(QStringList keys);

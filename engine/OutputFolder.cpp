@@ -51,9 +51,16 @@ QString defaultFilePath(const QString &folder, const QDateTime &date, const QStr
 }
 
 QString getFolderNameFromPath(const QString &path, qint64 level) {
-  const QList<QStringView> components = QStringView(path).split(u'/', Qt::SkipEmptyParts);
-  const qsizetype left = components.size() - std::max<qint64>(level, 0);
-  if (left > 0) return components[left - 1].toString();
-  if (path.startsWith(u'/')) return u"/"_s;
-  return components.isEmpty() ? QString() : components.first().toString();
+  // From its end, without splitting all of it: every listed object comes through here.
+  QStringView rest(path);
+  QStringView component;
+  for (qint64 above = std::max<qint64>(level, 0);; --above) {
+    while (rest.endsWith(u'/'))
+      rest.chop(1);
+    if (rest.isEmpty()) break;
+    component = rest.mid(rest.lastIndexOf(u'/') + 1);
+    if (above == 0) return component.toString();
+    rest.chop(component.size());
+  }
+  return path.startsWith(u'/') ? u"/"_s : component.toString();
 }

@@ -182,7 +182,7 @@ bool writeSlice(httplib::DataSink &sink, const QByteArray &body, size_t offset, 
 
 class HttpServer::Private {
 public:
-  Private(const CertifiedKey &certificate, quint16 port, Handler handler);
+  Private(const CertifiedKey &certificate, quint16 port, Handler handler, int requestsPerConnection);
   ~Private();
 
   quint16 boundPort = 0;
@@ -190,7 +190,7 @@ public:
   void releaseWaiting();
 
 private:
-  void setUpServer();
+  void setUpServer(int requestsPerConnection);
   void bind(quint16 port);
   void answer(const httplib::Request &request, httplib::Response &response);
   void setBody(const HttpAnswer &answer, const Client &client, httplib::Response &response);
@@ -203,12 +203,12 @@ private:
   std::thread listener;
 };
 
-HttpServer::Private::Private(const CertifiedKey &certificate, quint16 port, Handler handler)
+HttpServer::Private::Private(const CertifiedKey &certificate, quint16 port, Handler handler, int requestsPerConnection)
     : handle(std::move(handler)), server([this, &certificate](SSL_CTX &context) {
         setUp(context, certificate, connections);
         return true;
       }) {
-  setUpServer();
+  setUpServer(requestsPerConnection);
   bind(port);
 }
 
@@ -219,9 +219,9 @@ void HttpServer::Private::start() {
     std::this_thread::sleep_for(1ms);
 }
 
-void HttpServer::Private::setUpServer() {
+void HttpServer::Private::setUpServer(int requestsPerConnection) {
   server.new_task_queue = [] { return new httplib::ThreadPool(kThreadCount); };
-  server.set_keep_alive_max_count(1);
+  server.set_keep_alive_max_count(size_t(requestsPerConnection));
   server.set_read_timeout(30s);
   server.set_write_timeout(60s);
   server.set_tcp_nodelay(true);
@@ -300,8 +300,8 @@ void HttpServer::Private::setBody(const HttpAnswer &answer, const Client &client
   response.set_content_provider(size_t(answer.body.size()), type, provide);
 }
 
-HttpServer::HttpServer(const CertifiedKey &certificate, quint16 port, Handler handler)
-    : d(std::make_unique<Private>(certificate, port, std::move(handler))) {
+HttpServer::HttpServer(const CertifiedKey &certificate, quint16 port, Handler handler, int requestsPerConnection)
+    : d(std::make_unique<Private>(certificate, port, std::move(handler), requestsPerConnection)) {
 }
 
 HttpServer::~HttpServer() = default;

@@ -10,14 +10,14 @@
 
 namespace sandbox {
 
-/// An HTTPS server on 127.0.0.1, one request per connection. It delivers answers whole or in the odd ways of Delivery.
+/// An HTTPS server on 127.0.0.1. It delivers answers whole or in the odd ways of Delivery.
 class HttpServer {
 public:
   /// Called on the server's threads, many at a time.
   using Handler = std::function<HttpAnswer(const HttpRequest &)>;
 
   /// Has its port once constructed. Throws std::runtime_error when that cannot be had.
-  HttpServer(const CertifiedKey &certificate, quint16 port, Handler handler);
+  HttpServer(const CertifiedKey &certificate, quint16 port, Handler handler, int requestsPerConnection = 1);
   /// Cuts every connection and returns when the last handler has.
   ~HttpServer();
   HttpServer(const HttpServer &) = delete;

@@ -121,14 +121,15 @@ HttpAnswer content(const RawObject &object) {
 } // namespace
 
 HttpAnswer S3Api::answer(const HttpRequest &request, const QDateTime &now) const {
-  const QByteArray bucket = bucketOfHost(request.host()).value_or(QByteArray());
+  const StorageAddress address = storageAddress(request).value_or(StorageAddress());
+  const QByteArray &bucket = address.bucket;
   if (!library.hasBucket(QString::fromLatin1(bucket))) return refusalAnswer(kNoSuchBucket, request);
   if (request.method != "GET" && request.method != "HEAD") return refusalAnswer(kNotAllowed, request);
   const SignatureVerdict verdict = isPresigned(request) ? checkPresigned(request, bucket, credentials, now)
                                                         : checkSignatureV4(request, "s3", credentials, now);
   if (verdict.refusal) return refusalAnswer(*verdict.refusal, request);
-  if (request.path() == "/") return listing(request, bucket, verdict.userId);
-  return object(request, bucket, verdict.userId);
+  if (address.key.isEmpty()) return listing(request, bucket, verdict.userId);
+  return object(request, address, verdict.userId);
 }
 
 void S3Api::setPageSize(int keys) {
@@ -153,30 +154,34 @@ HttpAnswer S3Api::listing(const HttpRequest &request, const QByteArray &bucket, 
   return xml(listingXml(bucket, query, asked, library.list(QString::fromLatin1(bucket), asked)));
 }
 
-HttpAnswer S3Api::object(const HttpRequest &request, const QByteArray &bucket, const QString &userId) const {
-  const QByteArray key = request.path().mid(1);
-  if (!mayRead(bucket, key, userId)) return refusalAnswer(kAccessDenied, request);
-  const auto found = library.find(QString::fromLatin1(bucket), key);
+HttpAnswer S3Api::object(const HttpRequest &request, const StorageAddress &address, const QString &userId) const {
+  if (!mayRead(address.bucket, address.key, userId)) return refusalAnswer(kAccessDenied, request);
+  const auto found = library.find(QString::fromLatin1(address.bucket), address.key);
   if (!found) return refusalAnswer(kNoSuchKey, request);
   return request.query().contains("tagging") ? tagging(*found) : content(*found);
 }
 
-std::optional<QByteArray> bucketOfHost(const QByteArray &host) {
+std::optional<StorageAddress> storageAddress(const HttpRequest &request) {
+  const QByteArray host = request.host();
+  const QByteArray path = request.path().mid(1);
+  if (host == "localhost") {
+    const QByteArray bucket = textBefore(path, '/');
+    return StorageAddress{bucket, path.mid(bucket.size() + 1)};
+  }
   const QByteArray tail = ".s3.localhost";
   if (!host.endsWith(tail)) return std::nullopt;
-  return host.chopped(tail.size());
+  return StorageAddress{host.chopped(tail.size()), path};
 }
 
-Endpoint storageEndpoint(const HttpRequest &request, const QByteArray &bucket) {
+Endpoint storageEndpoint(const HttpRequest &request, const StorageAddress &address) {
   const QueryParameters query = request.query();
-  const QByteArray path = request.path();
-  if (bucket == previewListBucket().toLatin1()) return Endpoint::PreviewList;
-  if (path == "/") return query.contains("delimiter") ? Endpoint::ListDevices : Endpoint::ListItems;
+  if (address.bucket == previewListBucket().toLatin1()) return Endpoint::PreviewList;
+  if (address.key.isEmpty()) return query.contains("delimiter") ? Endpoint::ListDevices : Endpoint::ListItems;
   if (query.contains("tagging")) return Endpoint::ObjectTagging;
   if (request.method == "HEAD") return Endpoint::ObjectHead;
-  if (path == "/conf/settings.json") return Endpoint::SettingsObject;
-  if (path.startsWith("/metadata/")) return Endpoint::Metadata;
-  if (path.startsWith("/images/preview")) return Endpoint::PreviewObject;
+  if (address.key == "conf/settings.json") return Endpoint::SettingsObject;
+  if (address.key.startsWith("metadata/")) return Endpoint::Metadata;
+  if (address.key.startsWith("images/preview")) return Endpoint::PreviewObject;
   return Endpoint::ObjectGet;
 }
 

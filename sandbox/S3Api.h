@@ -14,6 +14,13 @@ namespace sandbox {
 
 class Library;
 
+/// What a request to the object store names: "BUCKET.s3.localhost/KEY", or "localhost/BUCKET/KEY" as other clients put
+/// it that cannot look such hosts up.
+struct StorageAddress {
+  QByteArray bucket{};
+  QByteArray key{}; ///< empty: the bucket itself
+};
+
 /// The object store's side: who may ask, and its answers and refusals. Any thread.
 class S3Api {
 public:
@@ -24,16 +31,17 @@ public:
 
 private:
   [[nodiscard]] HttpAnswer listing(const HttpRequest &request, const QByteArray &bucket, const QString &userId) const;
-  [[nodiscard]] HttpAnswer object(const HttpRequest &request, const QByteArray &bucket, const QString &userId) const;
+  [[nodiscard]] HttpAnswer object(const HttpRequest &request, const StorageAddress &address,
+                                  const QString &userId) const;
 
   const Library &library;
   const Credentials &credentials;
   std::atomic<int> pageSize = 1000;
 };
 
-/// The bucket that a host names: "BUCKET.s3.localhost".
-[[nodiscard]] std::optional<QByteArray> bucketOfHost(const QByteArray &host);
-/// What a request to @p bucket is for.
-[[nodiscard]] Endpoint storageEndpoint(const HttpRequest &request, const QByteArray &bucket);
+/// Nothing for a host that is not the object store's.
+[[nodiscard]] std::optional<StorageAddress> storageAddress(const HttpRequest &request);
+/// What a request to @p address is for.
+[[nodiscard]] Endpoint storageEndpoint(const HttpRequest &request, const StorageAddress &address);
 
 } // namespace sandbox

@@ -69,10 +69,10 @@ std::unique_ptr<HttpServer> serverFor(const QDir &folder, const ServiceOptions &
   const quint16 before = options.port == 0 ? contentOf(portFile).toUShort() : options.port;
   std::unique_ptr<HttpServer> server;
   try {
-    server = std::make_unique<HttpServer>(certificate, before, handler);
+    server = std::make_unique<HttpServer>(certificate, before, handler, options.requestsPerConnection);
   } catch (const std::runtime_error &) {
     if (options.port != 0 || before == 0) throw;
-    server = std::make_unique<HttpServer>(certificate, 0, handler);
+    server = std::make_unique<HttpServer>(certificate, 0, handler, options.requestsPerConnection);
   }
   writePrivately(portFile, QByteArray::number(server->port()));
   return server;
@@ -80,8 +80,7 @@ std::unique_ptr<HttpServer> serverFor(const QDir &folder, const ServiceOptions &
 
 /// What is asked for, by host and path.
 Endpoint endpointOf(const HttpRequest &request) {
-  const QByteArray host = request.host();
-  if (const auto bucket = bucketOfHost(host)) return storageEndpoint(request, *bucket);
+  if (const auto address = storageAddress(request)) return storageEndpoint(request, *address);
   static const QHash<QByteArray, Endpoint> kPaths{{"api/configuration", Endpoint::Configuration},
                                                   {"api/getLogin", Endpoint::GetLogin},
                                                   {"api/logout", Endpoint::Logout},
@@ -94,7 +93,7 @@ Endpoint endpointOf(const HttpRequest &request) {
                                                   {"idp/keys", Endpoint::Keys},
                                                   {"sts/", Endpoint::Sts},
                                                   {"logs/", Endpoint::LogEvents}};
-  return kPaths.value(textBefore(host, '.') + request.path(), Endpoint::Other);
+  return kPaths.value(textBefore(request.host(), '.') + request.path(), Endpoint::Other);
 }
 
 HttpAnswer plain(int status, const QByteArray &text) {

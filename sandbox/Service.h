@@ -20,6 +20,7 @@ struct ServiceOptions {
   /// Keeps ca.pem, the authority's and the token key, the port and the links, so that a later service with the same
   /// folder is the same service. Empty: a temporary folder, gone with the service.
   QString folder{};
+  int requestsPerConnection = 1; ///< the agent makes one; other clients come back
 };
 
 /// What an agent holds after a login.
@@ -52,9 +53,10 @@ enum class BadCertificate {
   Expired,
 };
 
-/// Everything the agent talks to, over HTTPS on one loopback port: api., www., idp., sts. and logs.localhost and
-/// BUCKET.s3.localhost. Starts answering in the constructor, which throws std::runtime_error when it cannot, and stops
-/// in the destructor without waiting for clients. Every function may be called from any thread.
+/// Everything the agent talks to, over HTTPS on one loopback port: api., www., idp., sts. and logs.localhost,
+/// BUCKET.s3.localhost, and localhost/BUCKET for other clients. Starts answering in the constructor, which throws
+/// std::runtime_error when it cannot, and stops in the destructor without waiting for clients. Every function may be
+/// called from any thread.
 class Service {
 public:
   explicit Service(const ServiceOptions &options = {});

@@ -23,7 +23,12 @@ public:
   }
 
   void addText(QStringView piece) {
-    if (!openElements.isEmpty()) text += piece;
+    if (openElements.isEmpty()) return;
+    // Most texts come in one piece; an appended one would keep room for more, which a million keys fill memory with.
+    if (text.isEmpty())
+      text = piece.toString();
+    else
+      text += piece;
   }
 
 private:
