@@ -25,11 +25,7 @@ namespace {
 int noArguments = 0;
 
 QByteArray sha256Of(const QString &path) {
-  QFile file(path);
-  if (!file.open(QFile::ReadOnly)) return {};
-  QCryptographicHash hash(QCryptographicHash::Sha256);
-  hash.addData(&file);
-  return hash.result().toHex();
+  return QCryptographicHash::hash(contentOf(path), QCryptographicHash::Sha256).toHex();
 }
 
 QStringList filesBelow(const QString &folder) {
@@ -83,7 +79,7 @@ protected:
     sinceQuit.start();
     ASSERT_TRUE(AgentProcess::requestAction(u"quit"_s));
     EXPECT_EQ(agent.waitForEnd(10s), 0);
-    EXPECT_LT(sinceQuit.elapsed(), 1000 * AgentProcess::kSlowness);
+    EXPECT_LT(sinceQuit.elapsed(), 1000 * kSlowness);
   }
 
   [[nodiscard]] QString downloads() const { return profile.picturesFolder() + u"/Transferred"_s; }

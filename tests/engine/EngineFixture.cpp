@@ -80,11 +80,6 @@ QStringList EngineTest::files() const {
   return found;
 }
 
-QByteArray EngineTest::contentOf(const QString &relativePath) const {
-  QFile file(profile.picturesFolder() + u'/' + relativePath);
-  return file.open(QFile::ReadOnly) ? file.readAll() : QByteArray();
-}
-
 QStringList EngineTest::logged(const QString &title) const {
   static const QRegularExpression titleLine(uR"(^\[TIME\] ([*=#-])\1\1 (.*?) ?\1*$)"_s);
   QStringList blocks;

@@ -49,7 +49,10 @@ protected:
 
   /// Below the pictures folder, hidden ones too, sorted.
   [[nodiscard]] QStringList files() const;
-  [[nodiscard]] QByteArray contentOf(const QString &relativePath) const;
+  /// Of a file below the pictures folder.
+  [[nodiscard]] QString path(const QString &relativePath) const {
+    return profile.picturesFolder() + u'/' + relativePath;
+  }
   /// The record of the ordinary storage.
   [[nodiscard]] KaDownloadData record() { return delegate.answers().records.value(service.library().userId()); }
   /// The log's blocks with @p title so far, which may leave out what follows a colon: title and lines joined by "|".
@@ -61,13 +64,6 @@ protected:
   sandbox::Service service;
   FakeDelegate delegate;
 };
-
-/// How much longer things may take under a sanitizer.
-#if defined(__SANITIZE_ADDRESS__) || defined(__SANITIZE_THREAD__)
-inline constexpr int kSlowness = 5;
-#else
-inline constexpr int kSlowness = 1;
-#endif
 
 /// The words of @p text.
 inline QStringList names(const char *text) {

@@ -184,7 +184,7 @@ TEST_F(LongTerm, isTakenOnceIntoItsOwnFolderAndBookedApart) {
   const QStringList inPlace{u"10G/2024_05_01/1.JPG"_s, u"10G/2024_05_01/A.JPG"_s, u"10G/2024_05_02/2.JPG"_s,
                             u"10G/2024_06_01/3.JPG"_s};
   EXPECT_EQ(files(), inPlace);
-  EXPECT_EQ(contentOf(inPlace[1]), "picture");
+  EXPECT_EQ(contentOf(path(inPlace[1])), "picture");
   const auto records = delegate.answers().records;
   EXPECT_EQ(records[kUser + u"_(10G)"_s].ContentIds, QStringList{u"A"_s});
   EXPECT_EQ(records[kUser + u"_(2K)"_s], (KaDownloadData{QString(), {u"3"_s}}));

@@ -15,9 +15,7 @@ const QString kVerifier = u"dBjftJeZ4CVP-mB92K27uhbUJU1p1r_wW1gFWFOEjXk"_s;
 const QString kChallenge = u"E9Melhoa2OwvFrEMTJguCHaoeK1t8URWbuGJSstw-cM"_s;
 
 /// What the service must refuse: the agent's tests rely on it.
-struct Refusal : ServiceTest {
-  KaServerRequest request;
-};
+using Refusal = ServiceTest;
 
 TEST_F(Refusal, meetsLoginsWithAWrongParameterAndExchangesWithAWrongVerifier) {
   const QString login = url(u"api"_s, u"/getLogin?appRedirectUrl="_s)

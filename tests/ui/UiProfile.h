@@ -3,7 +3,6 @@
 #include "tests/support/TestProfile.h"
 
 #include <QApplication>
-#include <QFile>
 
 /// A home of the test's own, with an application that has neither display nor session bus.
 class UiProfile : public TestProfile {
@@ -15,8 +14,9 @@ public:
   }
   /// Makes every wish to start at login fail, for root too, until the returned file is removed.
   [[nodiscard]] QString blockAutostart() const {
-    QFile obstacle(configFolder() + QStringLiteral("/autostart"));
-    return obstacle.open(QFile::WriteOnly) ? obstacle.fileName() : QString();
+    const QString obstacle = configFolder() + QStringLiteral("/autostart");
+    writeFile(obstacle, {});
+    return obstacle;
   }
 
 private:
