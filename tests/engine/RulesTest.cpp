@@ -6,9 +6,6 @@
 #include "engine/VersionOrder.h"
 #include "tests/engine/EngineFixture.h"
 
-#include <QFile>
-#include <QJsonArray>
-#include <QJsonDocument>
 #include <QLocale>
 
 #include <ctime>
@@ -58,23 +55,6 @@ TEST(VersionOrder, isByNumbers) {
     EXPECT_FALSE(isLaterVersion(row.section(u'>', 1), row.section(u'>', 0, 0))) << row.toStdString();
   }
   EXPECT_FALSE(isLaterVersion(u"1.02", u"1.2"));
-}
-
-TEST(PresignedUrl, signsAsOtherImplementationsDo) {
-  QFile file(QStringLiteral(KA_TEST_DATA "/signing.json"));
-  ASSERT_TRUE(file.open(QFile::ReadOnly));
-  const QJsonObject known = QJsonDocument::fromJson(file.readAll()).object();
-  const QString secret = known[u"credential"_s][u"SecretAccessKey"_s].toString();
-  const QString sessionToken = known[u"credential"_s][u"SessionToken"_s].toString();
-  const QJsonArray rows = known[u"presignedV2"_s].toArray();
-  ASSERT_FALSE(rows.isEmpty());
-  for (const QJsonValue &row : rows) {
-    EXPECT_EQ(SignatureString(row[u"expires"_s].toString(), row[u"bucket"_s].toString(), secret, sessionToken,
-                              row[u"key"_s].toString()),
-              row[u"signaturePercentEncoded"_s].toString());
-    EXPECT_EQ(QString::fromLatin1(toHMACSHA1(row[u"stringToSign"_s].toString(), secret).toBase64()),
-              row[u"signatureBase64"_s].toString());
-  }
 }
 
 TEST(PresignedUrl, encodesNothingButTheContinuationToken) {
