@@ -46,16 +46,6 @@ EngineTest::EngineTest(const QHash<QString, QString> &defaults) {
   KaLogUtility::switchLogStatus();
 }
 
-sandbox::LibraryObject EngineTest::image(const QString &hour, const QString &fileName, const QByteArray &body) {
-  return {.deviceId = u"dev1"_s,
-          .date = u"20240501"_s,
-          .hour = hour,
-          .fileName = fileName,
-          .body = body,
-          .fileNameMetadata = sandbox::fileNameHeader(fileName),
-          .metadataDocument = R"({"captureTime":"2024-04-30T12:00:00.000Z"})"};
-}
-
 void EngineTest::addImages(const char *paths) {
   for (const QString &path : names(paths)) {
     sandbox::LibraryObject object = image(path.section(u'/', -2, -2), path.section(u'/', -1));

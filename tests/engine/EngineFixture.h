@@ -2,6 +2,7 @@
 
 #include "engine/KaContentDownload.h"
 #include "engine/KaContentListing.h"
+#include "engine/KaDownloadProcessor.h"
 #include "engine/KaDownloadSession.h"
 #include "engine/KaDownloadState.h"
 #include "engine/KaImageMetadata.h"
@@ -9,6 +10,7 @@
 #include "sandbox/Service.h"
 #include "service/KaServerRequest.h"
 #include "tests/engine/FakeDelegate.h"
+#include "tests/support/Image.h"
 #include "tests/support/TestProfile.h"
 
 #include <gmock/gmock.h>
@@ -38,9 +40,6 @@ protected:
   /// @param defaults  user defaults besides those that lead to the service.
   explicit EngineTest(const QHash<QString, QString> &defaults = {});
 
-  /// An image with its name and a capture time.
-  [[nodiscard]] static sandbox::LibraryObject image(const QString &hour, const QString &fileName,
-                                                    const QByteArray &body = QByteArray(5000, 'p'));
   void add(const sandbox::LibraryObject &object) { service.library().add(object); }
   /// Images "NAME", "HOUR/NAME" or "DEVICE/HOUR/NAME", with blanks between.
   void addImages(const char *paths);
@@ -63,6 +62,22 @@ protected:
   const TestProfile profile;
   sandbox::Service service;
   FakeDelegate delegate;
+};
+
+/// The download thread itself.
+class ProcessorTest : public EngineTest {
+protected:
+  void start(bool initialAccess = false) {
+    processor = std::make_unique<KaDownloadProcessor>(delegate);
+    processor->startReceiving(initialAccess);
+  }
+  /// Starts, and waits for the end of the first run.
+  [[nodiscard]] bool run(bool initialAccess = false) {
+    start(initialAccess);
+    return delegate.waitForEvent(QStringLiteral("enableLoggin 1"));
+  }
+
+  std::unique_ptr<KaDownloadProcessor> processor;
 };
 
 /// The words of @p text.
