@@ -1,8 +1,8 @@
-#include "sandbox/Library.h"
 #include "sandbox/SampleLibrary.h"
 #include "sandbox/Service.h"
 #include "tests/support/AgentProcess.h"
 #include "tests/support/FakeBrowser.h"
+#include "tests/support/Image.h"
 #include "tests/support/PrivateBus.h"
 #include "tests/support/TestProfile.h"
 
@@ -23,10 +23,7 @@ using sandbox::Fault;
 namespace {
 
 int noArguments = 0;
-
-QByteArray sha256Of(const QString &path) {
-  return QCryptographicHash::hash(contentOf(path), QCryptographicHash::Sha256).toHex();
-}
+const QByteArray kBody(300'000, 'p');
 
 QStringList filesBelow(const QString &folder) {
   QStringList files;
@@ -35,16 +32,6 @@ QStringList filesBelow(const QString &folder) {
     files << QDir(folder).relativeFilePath(it.next());
   files.sort();
   return files;
-}
-
-sandbox::LibraryObject picture(const QString &hour, const QString &fileName, char fill) {
-  return {.deviceId = u"dev1"_s,
-          .date = u"20240501"_s,
-          .hour = hour,
-          .fileName = fileName,
-          .body = QByteArray(300'000, fill),
-          .fileNameMetadata = sandbox::fileNameHeader(fileName),
-          .metadataDocument = "{\"captureTime\":\"2024-05-01T12:00:00.000Z\"}"};
 }
 
 /// The whole program against the whole service, on a home and a session bus of its own.
@@ -106,7 +93,8 @@ TEST_F(Agent, linksAndFillsTheFolderAndFetchesNothingTwice) {
   EXPECT_EQ(filesBelow(downloads()).size(), expected.size());
   for (const auto &file : expected) {
     const QFileInfo info(downloads() + u'/' + file.relativePath);
-    EXPECT_EQ(sha256Of(info.filePath()), file.sha256) << file.relativePath.toStdString();
+    EXPECT_EQ(QCryptographicHash::hash(contentOf(info.filePath()), QCryptographicHash::Sha256).toHex(), file.sha256)
+        << file.relativePath.toStdString();
     EXPECT_EQ(info.lastModified().toSecsSinceEpoch(), file.modificationTime) << file.relativePath.toStdString();
   }
 
@@ -118,21 +106,6 @@ TEST_F(Agent, linksAndFillsTheFolderAndFetchesNothingTwice) {
   EXPECT_EQ(service.requestCount(Endpoint::ObjectGet), 0);
 }
 
-TEST_F(Agent, quitsWithinASecondWhileItWaitsForALink) {
-  AgentProcess agent;
-  ASSERT_TRUE(agent.waitUntilServing());
-  quitWithinASecond(agent);
-}
-
-TEST_F(Agent, quitsWithinASecondInMidRequest) {
-  service.order(Endpoint::ListItems, {.kind = Fault::Kind::NoAnswer, .times = -1});
-  service.library().add(picture(u"10"_s, u"A.JPG"_s, 'a'));
-  AgentProcess agent;
-  link(agent);
-  ASSERT_TRUE(service.waitForRequests(Endpoint::ListItems, 1, 20s));
-  quitWithinASecond(agent);
-}
-
 TEST_F(Agent, keepsNoTokenOnItsCommandLineAndEndsInOrderWhenTerminated) {
   AgentProcess agent({u"downloaderpictora://authenticate?idToken=secret"_s});
   ASSERT_TRUE(agent.waitUntilServing());
@@ -142,8 +115,8 @@ TEST_F(Agent, keepsNoTokenOnItsCommandLineAndEndsInOrderWhenTerminated) {
 }
 
 TEST_F(Agent, killedInMidDownloadLeavesNothingBrokenAndTheNextRunCompletes) {
-  service.library().add(picture(u"10"_s, u"A.JPG"_s, 'a'));
-  service.library().add(picture(u"11"_s, u"B.JPG"_s, 'b'));
+  service.library().add(image(u"10"_s, u"A.JPG"_s, kBody));
+  service.library().add(image(u"11"_s, u"B.JPG"_s, kBody));
   service.order(Endpoint::ObjectGet, {.kind = Fault::Kind::SlowBody, .times = -1, .pathContains = u"B.JPG"_s});
   {
     AgentProcess agent;
@@ -151,7 +124,7 @@ TEST_F(Agent, killedInMidDownloadLeavesNothingBrokenAndTheNextRunCompletes) {
     ASSERT_TRUE(service.waitForRequests(Endpoint::ObjectGet, 2, 20s));
     agent.kill9();
   }
-  EXPECT_EQ(filesBelow(downloads()), QStringList{u"2024_05_01/A.JPG"_s});
+  EXPECT_EQ(filesBelow(downloads()), QStringList{u"2024_04_30/A.JPG"_s});
   service.clearFaults();
 
   AgentProcess agent;
@@ -159,13 +132,13 @@ TEST_F(Agent, killedInMidDownloadLeavesNothingBrokenAndTheNextRunCompletes) {
   quitWithinASecond(agent);
   // The killed pass was not recorded, so its one whole file is there twice; nothing else is.
   EXPECT_EQ(filesBelow(downloads()),
-            (QStringList{u"2024_05_01/A.JPG"_s, u"2024_05_01/A_1.JPG"_s, u"2024_05_01/B.JPG"_s}));
+            (QStringList{u"2024_04_30/A.JPG"_s, u"2024_04_30/A_1.JPG"_s, u"2024_04_30/B.JPG"_s}));
   for (const QString &file : filesBelow(downloads()))
-    EXPECT_EQ(QFileInfo(downloads() + u'/' + file).size(), 300'000);
+    EXPECT_EQ(contentOf(downloads() + u'/' + file), kBody);
 }
 
 TEST_F(Agent, asksForNothingMoreOnceLoggedOut) {
-  service.library().add(picture(u"10"_s, u"A.JPG"_s, 'a'));
+  service.library().add(image(u"10"_s, u"A.JPG"_s, kBody));
   AgentProcess agent;
   link(agent);
   ASSERT_TRUE(waitForFiles(1));
