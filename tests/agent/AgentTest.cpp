@@ -11,7 +11,6 @@
 #include <QCoreApplication>
 #include <QCryptographicHash>
 #include <QDateTime>
-#include <QDirIterator>
 #include <QElapsedTimer>
 #include <QFileInfo>
 
@@ -24,15 +23,6 @@ namespace {
 
 int noArguments = 0;
 const QByteArray kBody(300'000, 'p');
-
-QStringList filesBelow(const QString &folder) {
-  QStringList files;
-  QDirIterator it(folder, QDir::Files | QDir::Hidden, QDirIterator::Subdirectories);
-  while (it.hasNext())
-    files << QDir(folder).relativeFilePath(it.next());
-  files.sort();
-  return files;
-}
 
 /// The whole program against the whole service, on a home and a session bus of its own.
 class Agent : public testing::Test {

@@ -4,8 +4,6 @@
 #include "identity/KaLinkageUtility.h"
 #include "tests/log/LogFile.h"
 
-#include <QDirIterator>
-
 using namespace Qt::StringLiterals;
 
 EngineParts::EngineParts(FakeDelegate &toAsk) : delegate(toAsk) {
@@ -58,16 +56,6 @@ void EngineTest::addImages(const char *paths) {
 KaContentTarget EngineTest::target(KaContentTarget rest) const {
   rest.parentFolder = profile.picturesFolder();
   return rest;
-}
-
-QStringList EngineTest::files() const {
-  const QDir folder(profile.picturesFolder());
-  QStringList found;
-  for (QDirIterator it(folder.path(), QDir::Files | QDir::Hidden | QDir::System, QDirIterator::Subdirectories);
-       it.hasNext();)
-    found << folder.relativeFilePath(it.next());
-  found.sort();
-  return found;
 }
 
 QStringList EngineTest::logged(const QString &title) const {

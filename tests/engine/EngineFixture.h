@@ -46,8 +46,8 @@ protected:
   /// Into the pictures folder.
   [[nodiscard]] KaContentTarget target(KaContentTarget rest = {.childFolder = 4}) const;
 
-  /// Below the pictures folder, hidden ones too, sorted.
-  [[nodiscard]] QStringList files() const;
+  /// Below the pictures folder.
+  [[nodiscard]] QStringList files() const { return filesBelow(profile.picturesFolder()); }
   /// Of a file below the pictures folder.
   [[nodiscard]] QString path(const QString &relativePath) const {
     return profile.picturesFolder() + u'/' + relativePath;

@@ -21,10 +21,7 @@ struct ServiceTest : testing::Test {
     return service.presignedUrl(issued, sandbox::contentBucket(), key);
   }
   [[nodiscard]] QString picture(const QString &name) const { return profile.picturesFolder() + u'/' + name; }
-  /// Every file below the pictures folder, hidden ones too.
-  [[nodiscard]] QStringList savedFiles() const {
-    return QDir(profile.picturesFolder()).entryList(QDir::Files | QDir::Hidden | QDir::System, QDir::Name);
-  }
+  [[nodiscard]] QStringList savedFiles() const { return filesBelow(profile.picturesFolder()); }
 
   sandbox::Service service;
   const TestProfile profile{service.userDefaults()};

@@ -2,6 +2,7 @@
 
 #include <QCoreApplication>
 #include <QDir>
+#include <QDirIterator>
 #include <QFile>
 #include <QFileInfo>
 
@@ -51,6 +52,14 @@ void writeFile(const QString &path, const QByteArray &content) {
 QByteArray contentOf(const QString &path) {
   QFile file(path);
   return file.open(QFile::ReadOnly) ? file.readAll() : QByteArray();
+}
+
+QStringList filesBelow(const QString &folder) {
+  QStringList files;
+  for (QDirIterator it(folder, QDir::Files | QDir::Hidden | QDir::System, QDirIterator::Subdirectories); it.hasNext();)
+    files << QDir(folder).relativeFilePath(it.next());
+  files.sort();
+  return files;
 }
 
 bool waitFor(const std::function<bool()> &condition, std::chrono::milliseconds deadline) {

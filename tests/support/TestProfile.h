@@ -2,7 +2,7 @@
 
 #include <QByteArray>
 #include <QHash>
-#include <QString>
+#include <QStringList>
 #include <QTemporaryDir>
 
 #include <chrono>
@@ -38,6 +38,9 @@ private:
 void writeFile(const QString &path, const QByteArray &content);
 /// Nothing when the file cannot be read.
 [[nodiscard]] QByteArray contentOf(const QString &path);
+
+/// Paths relative to @p folder, of hidden files too, sorted.
+[[nodiscard]] QStringList filesBelow(const QString &folder);
 
 /// Waits until @p condition holds, running the event loop of the calling thread when it has one.
 /// @return false when @p deadline passed first.
