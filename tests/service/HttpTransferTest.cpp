@@ -57,7 +57,6 @@ TEST_F(Transfer, boundsABodyKeptInMemory) {
 
 TEST_F(Transfer, givesUpAtItsLimits) {
   const std::tuple<Fault::Kind, QString, QString, std::chrono::milliseconds, TransportOutcome> limits[] = {
-      {Fault::Kind::NoAnswer, u"0.2"_s, u"60"_s, 600s, TransportOutcome::Failed},
       {Fault::Kind::SlowBody, u"0.2"_s, u"60"_s, 600s, TransportOutcome::Failed},
       {Fault::Kind::SlowBody, u"60"_s, u"0.2"_s, 600s, TransportOutcome::Failed},
       {Fault::Kind::NoAnswer, u"60"_s, u"60"_s, 200ms, TransportOutcome::WaitRanOut},

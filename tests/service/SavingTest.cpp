@@ -52,9 +52,6 @@ TEST_F(Saving, usesTheNameThatCameWithTheObjectWhereItIsOne) {
     EXPECT_EQ(contentOf(picture(name)), image.body);
     EXPECT_TRUE(QFile::remove(picture(name)));
   }
-  const QString key = presigned(imageKey);
-  EXPECT_EQ(request.getAwsS3Preview(key, by, defaultPath, u" ../x "_s).outputFilePath, picture(u"..-x"_s));
-  EXPECT_EQ(request.getAwsS3Preview(key, by, defaultPath, {}).result, DefaultFileName);
 }
 
 TEST(SavedFileName, isCutBetweenCharactersToWhatFileSystemsTake) {
