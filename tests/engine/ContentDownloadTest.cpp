@@ -206,7 +206,6 @@ INSTANTIATE_TEST_SUITE_P(
         Placing{"dots", rules(R"(["..a/b../c/../d"])"), true, u"..a/b../d/"_s + kUploadDay},
         Placing{"above", rules(R"(["../out","Trees"])"), true, {}},
         Placing{"beside", rules(R"(["a/../../Pictures2"])"), true, {}},
-        Placing{"nul", rules(R"(["a\u0000b"])"), true, {}},
         Placing{"fileInTheWay", rules(R"(["Taken","Trees"])"), true, {}}),
     [](const auto &row) { return row.param.name; });
 

@@ -182,7 +182,6 @@ INSTANTIATE_TEST_SUITE_P(
                     Quitting{"waitingForAReCheck", u"reCheck Wait"_s, Endpoint::Other, {}, true},
                     Quitting{"waitingForMetadata", u"[NG] 008"_s, Endpoint::Metadata, {.status = 503}, true},
                     Quitting{"refreshing", {}, Endpoint::RefreshToken, {.kind = NoAnswer}, false},
-                    Quitting{"readingMetadata", {}, Endpoint::Metadata, {.kind = NoAnswer}, true},
                     Quitting{"downloading", {}, Endpoint::ObjectGet, {.kind = SlowBody}, true}),
     [](const auto &row) { return row.param.name; });
 

@@ -47,20 +47,6 @@ TEST_F(Refusal, meetsARefreshWithoutOneOfTheLastTwoTokenCodes) {
   EXPECT_EQ(refresh(linked.idToken, linked.tokenCode), LinkInvalid);
 }
 
-TEST_F(Refusal, meetsACallForCredentialsWithAnotherToken) {
-  using enum TokenFault;
-  for (const auto fault : {Expired, WrongIssuer, BadSignature, AlgorithmNone, WrongAudience}) {
-    service.setTokenFault(fault);
-    const QString query = u"/?Action=AssumeRoleWithWebIdentity&Version=2011-06-15&RoleSessionName=name"
-                          u"&RoleArn=arn:aws:iam::123456789012:role/strata-prd-download&WebIdentityToken="_s;
-    const auto ask = [&] {
-      return request.getAwsTemporaryCredential(url(u"sts"_s, query) + service.issueIdToken(u"N-1"_s)).result;
-    };
-    EXPECT_EQ(ask(), LinkInvalid) << int(fault);
-    EXPECT_EQ(ask(), Success) << "the next token is in order";
-  }
-}
-
 TEST_F(Refusal, meetsAReaderOfTheStorageThatMayNot) {
   const QString own = u"&list-type=2&prefix=images/original/user-0001/"_s;
   const auto answer = [this](const QString &key, const QString &query = {}) {

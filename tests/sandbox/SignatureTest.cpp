@@ -78,7 +78,6 @@ TEST(Signatures, areRefusedOnceSpoiledOrLate) {
       {"lastSecond", nothing, kOk, {}, 2400},
       {"secondAfter", nothing, denied, {}, 2401},
       {"longerLife", [](auto &request, auto &) { request.target.replace("=1714560000", "=1714560001"); }, mismatch, {}},
-      {"anotherSecret", [](auto &, auto &known) { known.credential.secretAccessKey += u'x'; }, mismatch, mismatch},
       {"anotherMethod", [](auto &request, auto &) { request.method = "PUT"; }, mismatch, mismatch},
       {"anotherObject", [](auto &request, auto &) { request.target[1] = 'x'; }, mismatch, mismatch},
       {"anotherToken", [](auto &, auto &known) { known.credential.sessionToken += u'x'; }, "InvalidToken", {}},
