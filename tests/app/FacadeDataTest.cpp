@@ -50,8 +50,6 @@ TEST_F(FacadeData, bringsBookkeepingBackFromItsFile) {
   facade.setDownloadData(kKey, u"20250101/01"_s, {});
   ASSERT_TRUE(facade.loadGetImageInfo(kFile));
   EXPECT_EQ(facade.downloadData(kKey), (KaDownloadData{u"20240101/01"_s, {u"a"_s, u"b"_s}}));
-  ASSERT_TRUE(facade.saveGetImageInfo(kFile, u"unknown"_s) && facade.loadGetImageInfo(kFile));
-  EXPECT_EQ(facade.downloadData(u"unknown"_s), (KaDownloadData{u""_s, {}}));
 }
 
 TEST_F(FacadeData, startsWithTheDefaultSettingsAndKeepsChosenOnesAtOnce) {
@@ -60,10 +58,6 @@ TEST_F(FacadeData, startsWithTheDefaultSettingsAndKeepsChosenOnesAtOnce) {
   const KaDownloadOption chosen{u"/a"_s, u"/b"_s, u"false"_s, u"true"_s, u"maybe"_s, 3};
   facade.setDownloadOption(chosen);
   EXPECT_EQ(loadDownloadOption(), chosen) << "the app folder is there from the start";
-  EXPECT_EQ((KaDownloadOption{facade.downloadOptionParentFolder(), facade.downloadOptionParent10GFolder(),
-                              facade.checkBox10GDownload(), facade.checkBoxCreateSubfolder(),
-                              facade.checkBoxDownloadMetadata(), facade.downloadOptionChildFolder()}),
-            chosen);
   const KaDownloadOption saved{u"/c"_s, u"/d"_s, u"false"_s, u"false"_s, u"false"_s, 2};
   ASSERT_TRUE(saveDownloadOption(saved));
   EXPECT_FALSE(facade.loadDownloadFolderSetting());

@@ -46,10 +46,7 @@ private:
 
 class FacadeLinkage : public testing::Test {
 protected:
-  FacadeLinkage() {
-    profile.writeUserDefaults(service.userDefaults());
-    facade().setDlDelegate(&delegate);
-  }
+  FacadeLinkage() { facade().setDlDelegate(&delegate); }
   ~FacadeLinkage() override {
     facade().endDownloadProcess();
     EXPECT_TRUE(waitFor([this] { return delegate.finished.load(); }));
@@ -77,9 +74,9 @@ protected:
 
   int noArguments = 0;
   const QCoreApplication application{noArguments, nullptr};
-  const TestProfile profile;
-  const FakeBrowser browser{profile};
   sandbox::Service service;
+  const TestProfile profile{service.userDefaults()};
+  const FakeBrowser browser{profile};
   RecordingDelegate delegate;
 };
 

@@ -37,8 +37,8 @@ TEST_P(BadInput, endsThePassWithItsCodeAndLeavesNoBrokenFile) {
     EXPECT_EQ(parts.pass(expanding), KaResultCode(results[index]));
     // What arrived whole but could not be confirmed may stay.
     for (const QString &file : files()) {
-      EXPECT_TRUE(contentOf(file) == QByteArray(5000, 'p') || !parts.content.keptInThisRun().isEmpty());
-      QFile::remove(profile.picturesFolder() + u'/' + file);
+      EXPECT_TRUE(contentOf(path(file)) == QByteArray(5000, 'p') || !parts.content.keptInThisRun().isEmpty());
+      QFile::remove(path(file));
     }
     delegate.change([](auto &answers) { answers.records.clear(); });
     service.clearFaults();

@@ -4,8 +4,6 @@
 #include "identity/KaLinkageUtility.h"
 #include "tests/log/LogFile.h"
 
-#include <QDirIterator>
-
 using namespace Qt::StringLiterals;
 
 EngineParts::EngineParts(FakeDelegate &toAsk) : delegate(toAsk) {
@@ -46,16 +44,6 @@ EngineTest::EngineTest(const QHash<QString, QString> &defaults) {
   KaLogUtility::switchLogStatus();
 }
 
-sandbox::LibraryObject EngineTest::image(const QString &hour, const QString &fileName, const QByteArray &body) {
-  return {.deviceId = u"dev1"_s,
-          .date = u"20240501"_s,
-          .hour = hour,
-          .fileName = fileName,
-          .body = body,
-          .fileNameMetadata = sandbox::fileNameHeader(fileName),
-          .metadataDocument = R"({"captureTime":"2024-04-30T12:00:00.000Z"})"};
-}
-
 void EngineTest::addImages(const char *paths) {
   for (const QString &path : names(paths)) {
     sandbox::LibraryObject object = image(path.section(u'/', -2, -2), path.section(u'/', -1));
@@ -68,21 +56,6 @@ void EngineTest::addImages(const char *paths) {
 KaContentTarget EngineTest::target(KaContentTarget rest) const {
   rest.parentFolder = profile.picturesFolder();
   return rest;
-}
-
-QStringList EngineTest::files() const {
-  const QDir folder(profile.picturesFolder());
-  QStringList found;
-  for (QDirIterator it(folder.path(), QDir::Files | QDir::Hidden | QDir::System, QDirIterator::Subdirectories);
-       it.hasNext();)
-    found << folder.relativeFilePath(it.next());
-  found.sort();
-  return found;
-}
-
-QByteArray EngineTest::contentOf(const QString &relativePath) const {
-  QFile file(profile.picturesFolder() + u'/' + relativePath);
-  return file.open(QFile::ReadOnly) ? file.readAll() : QByteArray();
 }
 
 QStringList EngineTest::logged(const QString &title) const {

@@ -2,6 +2,7 @@
 
 #include "engine/KaContentDownload.h"
 #include "engine/KaContentListing.h"
+#include "engine/KaDownloadProcessor.h"
 #include "engine/KaDownloadSession.h"
 #include "engine/KaDownloadState.h"
 #include "engine/KaImageMetadata.h"
@@ -9,6 +10,7 @@
 #include "sandbox/Service.h"
 #include "service/KaServerRequest.h"
 #include "tests/engine/FakeDelegate.h"
+#include "tests/support/Image.h"
 #include "tests/support/TestProfile.h"
 
 #include <gmock/gmock.h>
@@ -38,18 +40,18 @@ protected:
   /// @param defaults  user defaults besides those that lead to the service.
   explicit EngineTest(const QHash<QString, QString> &defaults = {});
 
-  /// An image with its name and a capture time.
-  [[nodiscard]] static sandbox::LibraryObject image(const QString &hour, const QString &fileName,
-                                                    const QByteArray &body = QByteArray(5000, 'p'));
   void add(const sandbox::LibraryObject &object) { service.library().add(object); }
   /// Images "NAME", "HOUR/NAME" or "DEVICE/HOUR/NAME", with blanks between.
   void addImages(const char *paths);
   /// Into the pictures folder.
   [[nodiscard]] KaContentTarget target(KaContentTarget rest = {.childFolder = 4}) const;
 
-  /// Below the pictures folder, hidden ones too, sorted.
-  [[nodiscard]] QStringList files() const;
-  [[nodiscard]] QByteArray contentOf(const QString &relativePath) const;
+  /// Below the pictures folder.
+  [[nodiscard]] QStringList files() const { return filesBelow(profile.picturesFolder()); }
+  /// Of a file below the pictures folder.
+  [[nodiscard]] QString path(const QString &relativePath) const {
+    return profile.picturesFolder() + u'/' + relativePath;
+  }
   /// The record of the ordinary storage.
   [[nodiscard]] KaDownloadData record() { return delegate.answers().records.value(service.library().userId()); }
   /// The log's blocks with @p title so far, which may leave out what follows a colon: title and lines joined by "|".
@@ -62,12 +64,21 @@ protected:
   FakeDelegate delegate;
 };
 
-/// How much longer things may take under a sanitizer.
-#if defined(__SANITIZE_ADDRESS__) || defined(__SANITIZE_THREAD__)
-inline constexpr int kSlowness = 5;
-#else
-inline constexpr int kSlowness = 1;
-#endif
+/// The download thread itself.
+class ProcessorTest : public EngineTest {
+protected:
+  void start(bool initialAccess = false) {
+    processor = std::make_unique<KaDownloadProcessor>(delegate);
+    processor->startReceiving(initialAccess);
+  }
+  /// Starts, and waits for the end of the first run.
+  [[nodiscard]] bool run(bool initialAccess = false) {
+    start(initialAccess);
+    return delegate.waitForEvent(QStringLiteral("enableLoggin 1"));
+  }
+
+  std::unique_ptr<KaDownloadProcessor> processor;
+};
 
 /// The words of @p text.
 inline QStringList names(const char *text) {

@@ -1,10 +1,8 @@
-#include "engine/KaDownloadProcessor.h"
 #include "engine/KaDownloadReport.h"
 #include "engine/KaPreviewDownload.h"
 #include "tests/engine/EngineFixture.h"
 
 #include <QDir>
-#include <QFile>
 #include <QFileInfo>
 #include <QJsonDocument>
 #include <QJsonObject>
@@ -25,11 +23,8 @@ using Scene = std::function<void(Service &)>;
 
 Scene pictureNamed(const QString &name, const QString &period = {}) {
   return [=](Service &service) {
-    sandbox::LibraryObject object{.deviceId = u"dev1"_s, .date = u"20240501"_s, .hour = u"10"_s, .fileName = name};
-    object.body = "picture";
+    sandbox::LibraryObject object = image(u"10"_s, name);
     object.expandBody = "never taken from the 10G storage";
-    object.fileNameMetadata = sandbox::fileNameHeader(name);
-    object.metadataDocument = "{}";
     object.expandMetadataDocument = R"({"sortation":{"matchedRules":["Birds"]}})";
     if (!period.isEmpty()) object.tags = {{u"x-strata-storage-period"_s, period}};
     service.library().add(object);
@@ -74,10 +69,8 @@ Scene second(Endpoint endpoint, const Fault &then) {
   };
 }
 
-const Fault kDropped{.kind = Fault::Kind::DroppedConnection};
-
 /// An account whose ordinary storage holds nothing new.
-class LongTerm : public EngineTest {
+class LongTerm : public ProcessorTest {
 protected:
   LongTerm() {
     QDir().mkpath(folder10G);
@@ -121,9 +114,7 @@ TEST_P(LongTermBranches, endAsTheyShould) {
   const Branch &branch = GetParam();
   for (const Scene &scene : branch.scenes)
     scene(service);
-  KaDownloadProcessor processor(delegate);
-  processor.startReceiving(/*initialAccess=*/false);
-  ASSERT_TRUE(delegate.waitForEvent(u"enableLoggin 1"_s));
+  ASSERT_TRUE(run());
   const QString events = delegate.events().join(u'|').section(u"save RecentDownloadData user-0001"_s, 1);
   const QString saves = u"|save Recent10GDownloadData user-0001_(10G)|save RecentPreviewDownloadData user-0001_(2K)"_s;
   EXPECT_EQ(events, branch.events + (branch.wait.isEmpty() ? QString() : saves) + u"|enableLoggin 1"_s);
@@ -134,11 +125,14 @@ TEST_P(LongTermBranches, endAsTheyShould) {
 }
 
 const Scene kImage = pictureNamed(u"A.JPG"_s);
-const Scene kOther = pictureNamed(u"B.JPG"_s);
 const Scene kOrdinary = pictureNamed(u"A.JPG"_s, u"30"_s);
+const Scene kOther = pictureNamed(u"B.JPG"_s);
+const Scene kOtherDropped =
+    fault(Endpoint::ObjectGet, {.kind = Fault::Kind::DroppedConnection, .pathContains = u"B.JPG"_s});
+const Scene kListingRefused = fault(Endpoint::ListItems, {.status = 403, .pathContains = u"19700101"_s});
+const Scene kPreviewsGone = fault(Endpoint::PreviewObject, {.status = 404});
+const Scene kSecondPreviewRefused = second(Endpoint::PreviewObject, {.status = 403});
 const Scene kNoSettings = [](Service &service) { service.library().setSettingsObject({}); };
-const Fault kOtherFails{.status = 503, .pathContains = u"B.JPG"_s};
-const Fault kListingRefused{.status = 403, .pathContains = u"19700101"_s};
 const QString kOne = u"|saveLinkage|status 1|result 2|status 0"_s;
 const QString kBoth = u"|saveLinkage|status 1|status 1|result 2|status 0"_s;
 const QString kBusy = u"|saveLinkage|status 1"_s;
@@ -152,56 +146,28 @@ INSTANTIATE_TEST_SUITE_P(
         Branch{"onlyPreviews", {previews(2)}, kOne, 1, u"10G 2K 2"_s},
         Branch{"both", {kImage, previews(1)}, kBoth, 1, k10G + u"|10G 2K 1"_s},
         Branch{"ordinaryImages", {kOrdinary}, kBusy + u"|status 0"_s},
-        Branch{"previewsGone",
-               {kImage, previews(1), fault(Endpoint::PreviewObject, {.status = 404})},
-               kBoth,
-               1,
-               k10G + u"|10G 2K 0"_s},
-        Branch{"imagesFail", {kImage, kOther, fault(Endpoint::ObjectGet, kOtherFails)}, kBusy + u"|result 11"_s, 0},
-        Branch{
-            "imagesDropped", {kImage, fault(Endpoint::ObjectGet, kDropped)}, kBusy + u"|status 1"_s, 0, {}, u"7200"_s},
-        Branch{"listingFails", {kImage, fault(Endpoint::ListItems, kListingRefused)}, kRefused, 0},
+        Branch{"previewsGone", {kImage, previews(1), kPreviewsGone}, kBoth, 1, k10G + u"|10G 2K 0"_s},
+        Branch{"imagesDropped", {kImage, kOther, kOtherDropped}, kBusy + u"|status 1"_s, 0, {}, u"7200"_s},
+        Branch{"listingFails", {kImage, kListingRefused}, kRefused, 0},
         Branch{"previewListFails", {fault(Endpoint::PreviewList, {.status = 403})}, kRefused},
-        Branch{"previewsFail",
-               {kImage, previews(2), second(Endpoint::PreviewObject, {.status = 403})},
-               kBusy + u"|status 1|result 16"_s,
-               1,
-               k10G},
+        Branch{"previewsFail", {kImage, previews(2), kSecondPreviewRefused}, kBusy + u"|status 1|result 16"_s, 1, k10G},
         Branch{"tokenFails", {second(Endpoint::RefreshToken, {.status = 503})}, u"|result 17"_s, 0, {}, {}},
         Branch{"credentialsFail", {second(Endpoint::Sts, {.status = 403})}, kRefused, 0},
         Branch{"reportRefused", {kImage, fault(Endpoint::LogEvents, {.status = 500})}, kOne},
         Branch{"switchedOffByTheService", {kImage, kNoSettings}, {}, 0, {}, {}}),
     [](const auto &row) { return row.param.name; });
 
-TEST_F(LongTerm, isTakenOnceIntoItsOwnFolderAndBookedApart) {
+TEST_F(LongTerm, isTakenIntoItsOwnFolderAndBookedApart) {
   for (const Scene &scene : {pictureNamed(u"A.JPG"_s, u"365"_s), pictureNamed(u"B.JPG"_s, u"30"_s), previews(3)})
     scene(service);
   service.order(Endpoint::ListItems, {.status = 503}); // the ordinary pass: so the first listing is this one's
-  KaDownloadProcessor processor(delegate);
-  processor.startReceiving(/*initialAccess=*/true);
-  ASSERT_TRUE(delegate.waitForEvent(u"enableLoggin 1"_s));
+  ASSERT_TRUE(run(/*initialAccess=*/true));
   EXPECT_TRUE(delegate.events().contains(u"result 4"_s));
-  const QStringList inPlace{u"10G/2024_05_01/1.JPG"_s, u"10G/2024_05_01/A.JPG"_s, u"10G/2024_05_02/2.JPG"_s,
-                            u"10G/2024_06_01/3.JPG"_s};
-  EXPECT_EQ(files(), inPlace);
-  EXPECT_EQ(contentOf(inPlace[1]), "picture");
+  EXPECT_EQ(files(), names("10G/2024_04_30/A.JPG 10G/2024_05_01/1.JPG 10G/2024_05_02/2.JPG 10G/2024_06_01/3.JPG"));
+  EXPECT_EQ(contentOf(path(u"10G/2024_04_30/A.JPG"_s)), image({}, {}).body);
   const auto records = delegate.answers().records;
   EXPECT_EQ(records[kUser + u"_(10G)"_s].ContentIds, QStringList{u"A"_s});
   EXPECT_EQ(records[kUser + u"_(2K)"_s], (KaDownloadData{QString(), {u"3"_s}}));
-
-  service.resetRequestCounts();
-  service.order(Endpoint::ListDevices, {.kind = Fault::Kind::Delay});
-  service.order(Endpoint::ListDevices, {.status = 403});
-  delegate.change([](auto &answers) { answers.saves = false; });
-  ASSERT_TRUE(waitFor([&] {
-    processor.getContentsNow();
-    return delegate.events().count(u"enableLoggin 1"_s) >= 2;
-  }));
-  EXPECT_TRUE(delegate.events().contains(u"result 16 by user"_s));
-  EXPECT_EQ(delegate.events().count(u"result 14 by user"_s), 3);
-  EXPECT_EQ(service.requestCount(Endpoint::ObjectGet) + service.requestCount(Endpoint::PreviewObject), 0);
-  EXPECT_EQ(service.logEvents().size(), 2);
-  EXPECT_EQ(files(), inPlace);
 }
 
 TEST_F(LongTerm, isReportedBesideTheOrdinaryStorageWhoseReportsComeWhateverTheResult) {
@@ -216,31 +182,25 @@ TEST_F(LongTerm, isReportedBesideTheOrdinaryStorageWhoseReportsComeWhateverTheRe
     });
     delegate.forgetEvents();
     service.order(Endpoint::ObjectGet, {.status = 503, .pathContains = u"B.JPG"_s});
-    KaDownloadProcessor processor(delegate);
-    processor.startReceiving(/*initialAccess=*/false);
-    ASSERT_TRUE(delegate.waitForEvent(u"enableLoggin 1"_s));
+    ASSERT_TRUE(run());
     EXPECT_EQ(reports().mid(reports().size() - 2), (QStringList{report, report}));
+    processor.reset();
   }
 }
 
-class LongTermQuits : public LongTerm, public testing::WithParamInterface<Endpoint> {};
-
-TEST_P(LongTermQuits, endQuietly) {
+TEST_F(LongTerm, endsQuietlyInMidRequest) {
   kImage(service);
   previews(1)(service);
-  service.order(GetParam(), {.kind = Fault::Kind::NoAnswer, .times = -1});
-  KaDownloadProcessor processor(delegate);
-  processor.startReceiving(/*initialAccess=*/false);
-  ASSERT_TRUE(service.waitForRequests(GetParam(), 1, 20s));
-  processor.endDownloadProcess();
-  ASSERT_TRUE(delegate.waitForEvent(u"finish"_s));
+  for (const auto endpoint :
+       {Endpoint::ObjectTagging, Endpoint::LogEvents, Endpoint::PreviewList, Endpoint::PreviewObject}) {
+    service.order(endpoint, {.kind = Fault::Kind::NoAnswer, .times = -1});
+    start();
+    ASSERT_TRUE(service.waitForRequests(endpoint, 1, 20s));
+    processor.reset();
+    service.clearFaults();
+  }
   EXPECT_TRUE(delegate.events().filter(u"result"_s).isEmpty());
 }
-
-INSTANTIATE_TEST_SUITE_P(Engine, LongTermQuits,
-                         testing::Values(Endpoint::ObjectTagging, Endpoint::LogEvents, Endpoint::PreviewList,
-                                         Endpoint::PreviewObject),
-                         [](const auto &row) { return sandbox::endpointName(row.param).toStdString(); });
 
 class Preview : public LongTerm {
 protected:
@@ -264,7 +224,6 @@ TEST_F(Preview, isDatedByShootingTimeOrUploadHour) {
   };
   EXPECT_EQ(modified(u"2024_05_01/1.JPG"_s), 1714573800); // 14:30 UTC: local time, not moved
   EXPECT_EQ(modified(u"2024_06_01/3.JPG"_s), 1717225200); // 07:00 UTC
-  EXPECT_EQ(logged(u"[NG] 008: Get Exif"_s).size(), 1);
   EXPECT_TRUE(logged(u"[OK] 009: Download"_s).first().startsWith(u"[OK] 009: Download|Index=1|FilePath="_s));
 }
 
@@ -274,6 +233,7 @@ struct Trouble {
   KaResultCode result;
   QString saved; ///< the numbers of the previews
   int requests = 0;
+  KaResultCode folderVerdict = KaResultCode::Success;
 };
 
 class PreviewTroubles : public Preview, public testing::WithParamInterface<Trouble> {};
@@ -281,9 +241,9 @@ class PreviewTroubles : public Preview, public testing::WithParamInterface<Troub
 TEST_P(PreviewTroubles, loseNothing) {
   previews(2)(service);
   ASSERT_EQ(parts.open(), KaResultCode::Success);
-  QFile blocker(folder10G + u"/2024_05_09"_s);
-  ASSERT_TRUE(blocker.open(QFile::WriteOnly));
+  writeFile(folder10G + u"/2024_05_09"_s, "in the way");
   GetParam().scene(service);
+  delegate.change([](auto &answers) { answers.folderVerdict = GetParam().folderVerdict; });
   EXPECT_EQ(take(), GetParam().result);
   QStringList saved;
   for (const QString &file : files())
@@ -294,41 +254,27 @@ TEST_P(PreviewTroubles, loseNothing) {
   EXPECT_EQ(service.requestCount(Endpoint::PreviewObject), GetParam().requests);
 }
 
-Scene cut(int times) {
-  return fault(Endpoint::PreviewObject, {.kind = Fault::Kind::Body, .body = kPreview.chopped(1), .times = times});
-}
-
 Scene listed(const QByteArrayList &entries) {
   return fault(Endpoint::PreviewList, {.kind = Fault::Kind::Body, .body = list(entries)});
 }
 
+using enum KaResultCode;
 const QByteArray kTime = "\"2024-05-01T10:00:00\"";
 const QByteArrayList kTooLarge{entry(1, kTime, Q_INT64_C(1) << 60), entry(2, kTime)};
 const QByteArrayList kNoFolder{entry(1, "\"2024-05-09T10:00:00\""), entry(2, kTime)};
-const QByteArrayList kBadTime{entry(1, "\"May\"", 700, "20240501/10")};
 const QByteArrayList kNoDate{entry(1, "\"\"", 700, "20249901/10"), entry(2, kTime)};
+const Fault kCut{.kind = Fault::Kind::Body, .body = kPreview.chopped(1), .times = 8};
 
 INSTANTIATE_TEST_SUITE_P(
     Engine, PreviewTroubles,
-    testing::Values(Trouble{"missingOnePassedOver", fault(Endpoint::PreviewObject, {.status = 404}),
-                            KaResultCode::Success, u"2"_s, 2},
-                    Trouble{"wrongSizeFetchedAgain", cut(3), KaResultCode::Success, u"1 2"_s, 5},
-                    Trouble{"fourthCopyCounts", cut(8), KaResultCode::Success, u"1 2"_s, 8},
-                    Trouble{"failureEnds", second(Endpoint::PreviewObject, {.status = 503}), KaResultCode::RetryLater,
-                            u"1"_s, 2},
-                    Trouble{"noRoomCarriedOver", listed(kTooLarge), KaResultCode::DiskFull, {}},
-                    Trouble{"noFolderCarriedOver", listed(kNoFolder), KaResultCode::FileNotSaved, {}},
-                    Trouble{"badTimeGivesUploadHour", listed(kBadTime), KaResultCode::Success, u"1"_s, 1},
-                    Trouble{"noDatePassedOver", listed(kNoDate), KaResultCode::Success, u"2"_s, 1}),
+    testing::Values(Trouble{"missingOnePassedOver", kPreviewsGone, Success, u"2"_s, 2},
+                    Trouble{"fourthCopyCounts", fault(Endpoint::PreviewObject, kCut), Success, u"1 2"_s, 8},
+                    Trouble{"failureEnds", kSecondPreviewRefused, LinkInvalid, u"1"_s, 2},
+                    Trouble{"noRoomCarriedOver", listed(kTooLarge), DiskFull, {}},
+                    Trouble{"noFolderCarriedOver", listed(kNoFolder), FileNotSaved, {}},
+                    Trouble{"unusableFolder", [](Service &) {}, FileNotSaved, {}, 0, FolderNotSupported},
+                    Trouble{"noDatePassedOver", listed(kNoDate), Success, u"2"_s, 1}),
     [](const auto &row) { return row.param.name; });
-
-TEST_F(Preview, needsAFolderThatCanBeUsed) {
-  previews(2)(service);
-  ASSERT_EQ(parts.open(), KaResultCode::Success);
-  delegate.change([](auto &answers) { answers.folderVerdict = KaResultCode::FolderNotSupported; });
-  EXPECT_EQ(take(), KaResultCode::FileNotSaved);
-  EXPECT_EQ(logged(u"GetPreview Start"_s).size(), 1);
-}
 
 TEST_F(Preview, forgetsAListThatIsGoneAndKeepsOneThatIsRefused) {
   previews(2)(service);
@@ -355,11 +301,9 @@ TEST(PreviewList, keepsWhatIsWholeAndNewAtTheFront) {
   };
   const auto odd = [](const QByteArray &index) { return entry(1, "\"\"").replace(":1,", ':' + index + ','); };
   EXPECT_EQ(indices(list({entry(1, kTime), entry(2, kTime), entry(1, kTime), entry(3, "null")}), 1), u"2 1 3 ");
-  EXPECT_EQ(indices(list({entry(1, kTime), entry(2, kTime)}), 2), u"");
   EXPECT_EQ(indices(list({odd("9007199254740993")}), 9007199254740992), u"9007199254740993 ");
   EXPECT_EQ(indices(list({"7", "{}", odd("\"1\""), odd("1.5"), entry(4, "5"), entry(5, kTime), odd("null")}), 0),
             u"5 ");
-  EXPECT_EQ(indices(R"({"data":{"index":1}})", 0), u"");
 }
 
 TEST(DownloadReport, isTheTextThatTheLogServiceKnows) {

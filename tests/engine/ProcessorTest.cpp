@@ -1,5 +1,3 @@
-#include "engine/KaDownloadProcessor.h"
-
 #include "identity/KaLinkageUtility.h"
 #include "tests/engine/EngineFixture.h"
 
@@ -12,12 +10,8 @@ using enum sandbox::Fault::Kind;
 
 namespace {
 
-class Processor : public EngineTest {
+class Processor : public ProcessorTest {
 protected:
-  void start(bool initialAccess = false) {
-    processor = std::make_unique<KaDownloadProcessor>(delegate);
-    processor->startReceiving(initialAccess);
-  }
   /// Asks for a run until @p event has come @p times: a signal without a waiter is lost.
   [[nodiscard]] bool askUntil(const QString &event, int times = 1) {
     return waitFor([&] {
@@ -33,14 +27,12 @@ protected:
   QStringList told() const { return delegate.events().filter(QRegularExpression(u"^(?!load)"_s)); }
 
   const QString saved = u"save RecentDownloadData "_s + service.library().userId();
-  std::unique_ptr<KaDownloadProcessor> processor;
 };
 
 TEST_F(Processor, fillsTheFolderChecksThreeTimesMoreAndFetchesWhatIsNewLater) {
   delegate.change([](auto &answers) { answers.waits.exifRetry = std::chrono::hours(1); });
   addImages("A.JPG");
-  start(/*initialAccess=*/true);
-  ASSERT_TRUE(delegate.waitForEvent(u"enableLoggin 1"_s));
+  ASSERT_TRUE(run(/*initialAccess=*/true));
   EXPECT_EQ(delegate.events(),
             (QStringList{u"load RecentDownloadData"_s, u"load Recent10GDownloadData"_s,
                          u"load RecentPreviewDownloadData"_s, u"enableLoggin 0"_s, u"saveLinkage"_s, u"result 4"_s,
@@ -78,8 +70,7 @@ TEST_F(Processor, goesOnAfterAFailedPassAndCountsAnewWhenAReCheckFindsSomething)
 TEST_F(Processor, waitsForANewLinkAfterABadTokenAndTellsOnlyTheUserWhoAskedThatThereIsNothing) {
   KaLinkageUtility::saveCodeVerifier(u"verifier"_s);
   service.setTokenFault(sandbox::TokenFault::WrongNonce);
-  start();
-  ASSERT_TRUE(delegate.waitForEvent(u"enableLoggin 1"_s));
+  ASSERT_TRUE(run());
   EXPECT_EQ(told(), (QStringList{u"enableLoggin 0"_s, u"result 17"_s, u"enableLoggin 1"_s}));
   EXPECT_EQ(service.requestCount(Endpoint::TokenCode), 1);
   delegate.forgetEvents();
@@ -97,8 +88,7 @@ TEST_F(Processor, reportsTroubleAndChoosesTheWait) {
         {Endpoint::ListDevices, {.kind = DroppedConnection}, u"status 1"_s, u"180"_s},
         {Endpoint::SettingsObject, {.status = 503}, u"result 11"_s, u"1800"_s}}) {
     service.order(endpoint, fault);
-    start();
-    EXPECT_TRUE(delegate.waitForEvent(u"enableLoggin 1"_s));
+    EXPECT_TRUE(run());
     QStringList expected{u"enableLoggin 0"_s, u"saveLinkage"_s, event, saved, u"enableLoggin 1"_s};
     // Without credentials it does not know the user whose record to save.
     if (endpoint == Endpoint::Sts) expected.removeAll(saved);
@@ -111,8 +101,7 @@ TEST_F(Processor, reportsTroubleAndChoosesTheWait) {
 
 TEST_F(Processor, waitsForALinkAfterALogOutWhileWaiting) {
   delegate.change([](auto &answers) { answers.saves = false; });
-  start();
-  ASSERT_TRUE(delegate.waitForEvent(u"enableLoggin 1"_s));
+  ASSERT_TRUE(run());
   logOut();
   ASSERT_TRUE(waitFor([&] {
     processor->cancelPollingWait();
@@ -193,7 +182,6 @@ INSTANTIATE_TEST_SUITE_P(
                     Quitting{"waitingForAReCheck", u"reCheck Wait"_s, Endpoint::Other, {}, true},
                     Quitting{"waitingForMetadata", u"[NG] 008"_s, Endpoint::Metadata, {.status = 503}, true},
                     Quitting{"refreshing", {}, Endpoint::RefreshToken, {.kind = NoAnswer}, false},
-                    Quitting{"readingMetadata", {}, Endpoint::Metadata, {.kind = NoAnswer}, true},
                     Quitting{"downloading", {}, Endpoint::ObjectGet, {.kind = SlowBody}, true}),
     [](const auto &row) { return row.param.name; });
 

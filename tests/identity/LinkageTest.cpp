@@ -43,18 +43,12 @@ TEST(Cryption, breaksLinesAndReadsDamagedOrForeignTextsAsAbsent) {
 }
 
 struct Linkage : ServiceTest {
-  void put(const QString &name, const QString &content) const {
-    QFile file(folder.filePath(name));
-    ASSERT_TRUE(folder.mkpath(u"."_s) && file.open(QFile::WriteOnly) && file.write(content.toUtf8()) >= 0);
-  }
-
   QDir folder{profile.dataFolder() + u"/NORVALE INC/Downloaderpictora Shared/PairingInfo"_s};
   const sandbox::LinkedToken login = service.issueUnlinkedToken();
-  KaServerRequest request;
 };
 
 TEST_F(Linkage, keepsEachTextEncipheredForTheUserAloneUntilItForgets) {
-  put(u"PairingInfo"_s, u"an old file that anybody may read"_s);
+  writeFile(folder.filePath(u"PairingInfo"_s), "an old file that anybody may read");
   EXPECT_TRUE(KaLinkageUtility::saveLinkageSetting(login.idToken));
   EXPECT_TRUE(KaLinkageUtility::saveCodeVerifier(u"verifier"_s));
   EXPECT_TRUE(KaLinkageUtility::saveTokenCode(u"code"_s));
@@ -73,7 +67,7 @@ TEST_F(Linkage, readsAForeignOrDamagedFileAsAbsentAndSavesNothingWhereItsFolderI
   const QString whole = KaCryptionUtility::encrypt(login.idToken, KaCryptionUtility::secretKey()).value();
   const QString foreign = KaCryptionUtility::encrypt(login.idToken, QString(64, u'f')).value();
   for (const QString &content : {foreign, whole.left(whole.size() / 2), u""_s, whole}) {
-    put(u"PairingInfo"_s, content);
+    writeFile(folder.filePath(u"PairingInfo"_s), content.toUtf8());
     EXPECT_EQ(KaLinkageUtility::loadLinkageSetting().has_value(), content == whole) << qPrintable(content);
   }
   ASSERT_TRUE(folder.removeRecursively() && QFile(folder.path()).open(QFile::WriteOnly));

@@ -1,12 +1,11 @@
 #pragma once
 
-#include <QFile>
+#include "tests/support/TestProfile.h"
+
 #include <QJsonDocument>
 #include <QJsonObject>
 
 /// Answers that other implementations gave.
 inline QJsonObject signingVectors() {
-  QFile file(QStringLiteral(KA_TEST_DATA "/signing.json"));
-  if (!file.open(QFile::ReadOnly)) qFatal("the known answers are not there");
-  return QJsonDocument::fromJson(file.readAll()).object();
+  return QJsonDocument::fromJson(contentOf(QStringLiteral(KA_TEST_DATA "/signing.json"))).object();
 }

@@ -39,7 +39,6 @@ struct Verification : ServiceTest {
     return KaIdVerificationUtility::validatePayload(request, payload, /*checkNonce=*/true, kNonce);
   }
 
-  KaServerRequest request;
   const QJsonValue vectors = signingVectors()["idTokens"_L1];
 };
 

@@ -7,7 +7,6 @@
 #include <gtest/gtest.h>
 
 #include <QCoreApplication>
-#include <QDir>
 #include <QFile>
 #include <QFileInfo>
 #include <QProcess>
@@ -21,11 +20,6 @@ constexpr auto kOwnerOnly =
 
 class Desktop : public testing::Test {
 protected:
-  void writeFile(const QString &name, const QByteArray &text) const {
-    QFile file(profile.path(name));
-    ASSERT_TRUE(QDir().mkpath(QFileInfo(file).path()) && file.open(QFile::WriteOnly)
-                && file.write(text) == text.size());
-  }
   const TestProfile profile;
   int noArguments = 0;
   const QCoreApplication application{noArguments, nullptr};
@@ -52,8 +46,8 @@ TEST_F(Desktop, readsUserDefaultsAsPreferencesAreRead) {
 TEST_F(Desktop, keepsTheUsersIdWhichDiffersByMachine) {
   const QString kept = profile.path(u"state/kept"_s);
   const QString one = profile.path(u"one"_s);
-  writeFile(u"one"_s, "0123456789abcdef0123456789abcdef\n");
-  writeFile(u"two"_s, "fedcba9876543210fedcba9876543210\n");
+  writeFile(one, "0123456789abcdef0123456789abcdef\n");
+  writeFile(profile.path(u"two"_s), "fedcba9876543210fedcba9876543210\n");
   EXPECT_EQ(platform::stableUserId({one}, kept), platform::stableUserId({profile.path(u"missing"_s), one}, kept));
   EXPECT_NE(platform::stableUserId({one}, kept), platform::stableUserId({profile.path(u"two"_s)}, kept));
 
@@ -67,16 +61,15 @@ TEST_F(Desktop, opensTheAgentsUrlsWithTheProgram) {
   qputenv("DISPLAY", ":0"); // the opener only asks whether it is set
   for (const char *variable : {"XDG_CURRENT_DESKTOP", "KDE_FULL_SESSION", "DESKTOP_SESSION", "XDG_DATA_DIRS"})
     qunsetenv(variable);
-  writeFile(u"agent"_s, "#!/bin/sh\nprintf '%s' \"$1\" >\"$HOME/url.new\" && mv \"$HOME/url.new\" \"$HOME/url\"\n");
-  QFile::setPermissions(profile.path(u"agent"_s), QFile::ReadOwner | QFile::WriteOwner | QFile::ExeOwner);
-  ASSERT_TRUE(platform::registerUrlScheme(profile.path(u"agent"_s)));
+  const QString agent = profile.path(u"agent"_s);
+  writeFile(agent, "#!/bin/sh\nprintf '%s' \"$1\" >\"$HOME/url.new\" && mv \"$HOME/url.new\" \"$HOME/url\"\n");
+  QFile::setPermissions(agent, QFile::ReadOwner | QFile::WriteOwner | QFile::ExeOwner);
+  ASSERT_TRUE(platform::registerUrlScheme(agent));
   // The desktop's tools work on by themselves after the call.
   ASSERT_TRUE(waitFor([&] { return QFile::exists(profile.configFolder() + u"/mimeapps.list"_s); }));
   const QString url = u"downloaderpictora://authenticate?idToken=a.b-c_d&x=%20%25"_s;
   ASSERT_EQ(QProcess::execute(u"xdg-open"_s, {url}), 0);
-  QFile seen(profile.path(u"url"_s));
-  ASSERT_TRUE(seen.open(QFile::ReadOnly));
-  EXPECT_EQ(seen.readAll(), url.toUtf8());
+  EXPECT_EQ(contentOf(profile.path(u"url"_s)), url.toUtf8());
 
   EXPECT_EQ(platform::execArgument(u"/opt/a-b_c/100%"_s), u"/opt/a-b_c/100%%"_s);
   EXPECT_EQ(platform::execArgument(uR"(a"$`\)"_s), uR"("a\\"\\$\\`\\\\")"_s);

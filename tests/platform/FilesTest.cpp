@@ -3,6 +3,7 @@
 #include "platform/VolumeFacts.h"
 #include "platform/linux/BlockDevice.h"
 #include "platform/linux/MountTable.h"
+#include "tests/support/TestProfile.h"
 
 #include <gmock/gmock.h>
 
@@ -21,11 +22,6 @@ using namespace Qt::StringLiterals;
 using platform::UnpublishedFile;
 
 namespace {
-
-void writeFile(const QString &path, const QByteArray &text) {
-  QFile file(path);
-  ASSERT_TRUE(QDir().mkpath(QFileInfo(path).path()) && file.open(QFile::WriteOnly) && file.write(text) == text.size());
-}
 
 class UnpublishedFileTest : public testing::TestWithParam<UnpublishedFile::Naming> {
 protected:
@@ -53,13 +49,12 @@ TEST_P(UnpublishedFileTest, hasNoNameUntilPublishedAndNeverOverwrites) {
   EXPECT_EQ(file.publish(folder.filePath(u"c.jpg"_s)), UnpublishedFile::Publish::Published);
   EXPECT_EQ(entries(), (QStringList{u"a.jpg"_s, u"b.jpg"_s, u"c.jpg"_s}));
   EXPECT_EQ(QFileInfo(folder.filePath(u"a.jpg"_s)).size(), 10);
-  QFile ours(folder.filePath(u"c.jpg"_s));
-  ASSERT_TRUE(ours.open(QFile::ReadOnly));
-  EXPECT_EQ(ours.readAll(), "ours");
-  EXPECT_TRUE(platform::setFileDates(ours.fileName(), QDateTime::fromMSecsSinceEpoch(-1500)));
-  EXPECT_EQ(QFileInfo(ours.fileName()).lastModified().toMSecsSinceEpoch(), -1500) << "also before 1970";
+  const QString ours = folder.filePath(u"c.jpg"_s);
+  EXPECT_EQ(contentOf(ours), "ours");
+  EXPECT_TRUE(platform::setFileDates(ours, QDateTime::fromMSecsSinceEpoch(-1500)));
+  EXPECT_EQ(QFileInfo(ours).lastModified().toMSecsSinceEpoch(), -1500) << "also before 1970";
   const auto ofOthers = QFile::ReadGroup | QFile::WriteGroup | QFile::ReadOther | QFile::WriteOther;
-  EXPECT_EQ(ours.permissions() & ofOthers, QFile::ReadGroup) << "the user's mask holds";
+  EXPECT_EQ(QFile::permissions(ours) & ofOthers, QFile::ReadGroup) << "the user's mask holds";
 }
 
 TEST_P(UnpublishedFileTest, leavesNothingWhenDiscardedAndSaysWhyItCannotBePublished) {

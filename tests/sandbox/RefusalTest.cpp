@@ -15,9 +15,7 @@ const QString kVerifier = u"dBjftJeZ4CVP-mB92K27uhbUJU1p1r_wW1gFWFOEjXk"_s;
 const QString kChallenge = u"E9Melhoa2OwvFrEMTJguCHaoeK1t8URWbuGJSstw-cM"_s;
 
 /// What the service must refuse: the agent's tests rely on it.
-struct Refusal : ServiceTest {
-  KaServerRequest request;
-};
+using Refusal = ServiceTest;
 
 TEST_F(Refusal, meetsLoginsWithAWrongParameterAndExchangesWithAWrongVerifier) {
   const QString login = url(u"api"_s, u"/getLogin?appRedirectUrl="_s)
@@ -47,20 +45,6 @@ TEST_F(Refusal, meetsARefreshWithoutOneOfTheLastTwoTokenCodes) {
   EXPECT_EQ(refresh(linked.idToken, lost), LinkInvalid);
   EXPECT_EQ(refresh(linked.idToken, current), Success);
   EXPECT_EQ(refresh(linked.idToken, linked.tokenCode), LinkInvalid);
-}
-
-TEST_F(Refusal, meetsACallForCredentialsWithAnotherToken) {
-  using enum TokenFault;
-  for (const auto fault : {Expired, WrongIssuer, BadSignature, AlgorithmNone, WrongAudience}) {
-    service.setTokenFault(fault);
-    const QString query = u"/?Action=AssumeRoleWithWebIdentity&Version=2011-06-15&RoleSessionName=name"
-                          u"&RoleArn=arn:aws:iam::123456789012:role/strata-prd-download&WebIdentityToken="_s;
-    const auto ask = [&] {
-      return request.getAwsTemporaryCredential(url(u"sts"_s, query) + service.issueIdToken(u"N-1"_s)).result;
-    };
-    EXPECT_EQ(ask(), LinkInvalid) << int(fault);
-    EXPECT_EQ(ask(), Success) << "the next token is in order";
-  }
 }
 
 TEST_F(Refusal, meetsAReaderOfTheStorageThatMayNot) {

@@ -12,10 +12,7 @@
 
 /// The service on this machine with one image in its library, and user defaults that lead to it.
 struct ServiceTest : testing::Test {
-  ServiceTest() {
-    service.library().add(image);
-    profile.writeUserDefaults(service.userDefaults());
-  }
+  ServiceTest() { service.library().add(image); }
 
   [[nodiscard]] QString url(const QString &host, const QString &target) const {
     return QStringLiteral("https://%1.localhost:%2%3").arg(host).arg(service.port()).arg(target);
@@ -24,17 +21,15 @@ struct ServiceTest : testing::Test {
     return service.presignedUrl(issued, sandbox::contentBucket(), key);
   }
   [[nodiscard]] QString picture(const QString &name) const { return profile.picturesFolder() + u'/' + name; }
-  /// Every file below the pictures folder, hidden ones too.
-  [[nodiscard]] QStringList savedFiles() const {
-    return QDir(profile.picturesFolder()).entryList(QDir::Files | QDir::Hidden | QDir::System, QDir::Name);
-  }
+  [[nodiscard]] QStringList savedFiles() const { return filesBelow(profile.picturesFolder()); }
 
-  const TestProfile profile;
   sandbox::Service service;
+  const TestProfile profile{service.userDefaults()};
   const sandbox::TemporaryCredential issued = service.issueCredential();
   const KaCredential by = {issued.accessKeyId, issued.secretAccessKey, issued.sessionToken, {}};
   sandbox::LibraryObject image = {QStringLiteral("dev01"),  QStringLiteral("20240501"),
                                   QStringLiteral("10"),     QStringLiteral("00 é"),
                                   QByteArray(100'000, 'p'), sandbox::fileNameHeader(QStringLiteral("IMG_1.JPG"))};
   const QString imageKey = service.library().imageKey(image);
+  KaServerRequest request;
 };

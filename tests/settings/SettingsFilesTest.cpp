@@ -18,14 +18,6 @@ using Targets = QHash<QString, KaDownloadData>;
 class SettingsFiles : public testing::Test {
 protected:
   [[nodiscard]] QString path(const QString &name) const { return profile.appFolder() + u'/' + name; }
-  [[nodiscard]] QByteArray content(const QString &name) const {
-    QFile opened(path(name));
-    return opened.open(QFile::ReadOnly) ? opened.readAll() : QByteArray();
-  }
-  void put(const QString &name, const QByteArray &bytes) const {
-    QFile opened(path(name));
-    ASSERT_TRUE(ensureAppFolder() && opened.open(QFile::WriteOnly) && opened.write(bytes) == bytes.size());
-  }
   static bool isPrivate(const QString &file) {
     return !(QFile::permissions(file) & (QFile::ReadGroup | QFile::ExeGroup | QFile::ReadOther | QFile::ExeOther));
   }
@@ -39,7 +31,7 @@ TEST_F(SettingsFiles, holdTheTargetSavedLastAndNoOtherForTheUserAlone) {
   EXPECT_TRUE(loadBookkeeping(kFile) == (Targets{{u"A"_s, many}}));
   ASSERT_TRUE(saveBookkeeping(kFile, u"B"_s, {u"20240502/11"_s, {u"id"_s}}));
   EXPECT_EQ(loadBookkeeping(kFile), (Targets{{u"B"_s, {u"20240502/11"_s, {u"id"_s}}}}));
-  EXPECT_EQ(KaCryptionUtility::decrypt(QString::fromUtf8(content(kFile))),
+  EXPECT_EQ(KaCryptionUtility::decrypt(QString::fromUtf8(contentOf(path(kFile)))),
             uR"({"B":{"ContentIDs":["id"],"LastDateTime":"20240502/11"}})"_s);
   EXPECT_TRUE(isPrivate(path(kFile)) && isPrivate(profile.appFolder()));
 }
@@ -47,13 +39,15 @@ TEST_F(SettingsFiles, holdTheTargetSavedLastAndNoOtherForTheUserAlone) {
 TEST_F(SettingsFiles, keepNoBookkeepingThatIsDamaged) {
   ASSERT_TRUE(saveBookkeeping(kFile, u"key"_s, {u"20240501/10"_s, {u"id"_s, u"another id"_s}}));
   const auto enciphered = [](const QString &json) { return KaCryptionUtility::encrypt(json)->toUtf8(); };
-  for (const QByteArray &bytes : {QByteArray(), content(kFile).chopped(99), QByteArray("{}"), enciphered(u"[]"_s)}) {
-    put(kFile, bytes);
+  for (const QByteArray &bytes :
+       {QByteArray(), contentOf(path(kFile)).chopped(99), QByteArray("{}"), enciphered(u"[]"_s)}) {
+    writeFile(path(kFile), bytes);
     EXPECT_EQ(loadBookkeeping(kFile), std::nullopt) << bytes.constData();
   }
-  put(kFile, enciphered(u"{\"whole\":{\"ContentIDs\":[\"a\",7,\"b\"],\"LastDateTime\":\"20240501/10\"},"
-                        "\"noDate\":{\"ContentIDs\":[]},\"noIds\":{\"LastDateTime\":\"20240501/10\"},"
-                        "\"idsOfWrongType\":{\"ContentIDs\":{},\"LastDateTime\":\"20240501/10\"},\"noObject\":[]}"_s));
+  writeFile(path(kFile),
+            enciphered(u"{\"whole\":{\"ContentIDs\":[\"a\",7,\"b\"],\"LastDateTime\":\"20240501/10\"},"
+                       "\"noDate\":{\"ContentIDs\":[]},\"noIds\":{\"LastDateTime\":\"20240501/10\"},"
+                       "\"idsOfWrongType\":{\"ContentIDs\":{},\"LastDateTime\":\"20240501/10\"},\"noObject\":[]}"_s));
   EXPECT_EQ(loadBookkeeping(kFile), (Targets{{u"whole"_s, {u"20240501/10"_s, {u"a"_s, u"b"_s}}}}));
 }
 
@@ -76,9 +70,9 @@ TEST_F(SettingsFiles, bringTheSettingsBackUpToTheFirstMissingValue) {
   ASSERT_TRUE(ensureAppFolder());
   const KaDownloadOption odd{u" /Bilder & <Fotos> \"1\"/Ä é "_s, u"/写真/🎞"_s, u""_s, u"maybe"_s, u"true"_s, 1};
   ASSERT_TRUE(saveDownloadOption(odd));
-  EXPECT_TRUE(loadDownloadOption() == odd && isPrivate(path(kPlist))) << content(kPlist).constData();
+  EXPECT_TRUE(loadDownloadOption() == odd && isPrivate(path(kPlist))) << contentOf(path(kPlist)).constData();
   ASSERT_TRUE(saveDownloadOption({u"/a"_s, u"/b"_s, u"false"_s, u"true"_s, u"false"_s, 2}));
-  const QByteArray written = content(kPlist).replace('\n', "").replace('\t', "");
+  const QByteArray written = contentOf(path(kPlist)).replace('\n', "").replace('\t', "");
   EXPECT_TRUE(written.contains("<dict>" + kParents + kBoxes + "<key>ChildFolder</key><integer>2</integer></dict>"));
   ASSERT_TRUE(saveDownloadOption({u"/a"_s, u"/b"_s, u"true"_s, QString(), u"true"_s, 3}));
   EXPECT_EQ(loadDownloadOption(), (KaDownloadOption{u"/a"_s, u"/b"_s, u"true"_s, QString(), QString(), 0}));
@@ -87,7 +81,7 @@ TEST_F(SettingsFiles, bringTheSettingsBackUpToTheFirstMissingValue) {
 TEST_F(SettingsFiles, bringNoSettingsBackWithoutBothParentFolders) {
   const QByteArray whole = "<plist version=\"1.0\"><dict>" + kParents + kBoxes + "</dict></plist>";
   for (const QByteArray missing : {"ParentFolder", "Parent10GFolder", "</dict>", "nothing"}) {
-    put(kPlist, QByteArray(whole).replace(missing, "Other"));
+    writeFile(path(kPlist), QByteArray(whole).replace(missing, "Other"));
     EXPECT_EQ(loadDownloadOption().has_value(), missing == "nothing") << missing.constData();
   }
 }

@@ -65,6 +65,5 @@ std::optional<int> AgentProcess::waitForEnd(std::chrono::milliseconds deadline) 
 }
 
 QByteArray AgentProcess::commandLine() const {
-  QFile file(QStringLiteral("/proc/%1/cmdline").arg(process.processId()));
-  return file.open(QFile::ReadOnly) ? file.readAll() : QByteArray();
+  return contentOf(u"/proc/%1/cmdline"_s.arg(process.processId()));
 }

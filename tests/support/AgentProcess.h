@@ -13,18 +13,9 @@
 /// the object if it still runs.
 class AgentProcess {
 public:
-  /// How much longer everything may take under a sanitizer.
-#if defined(__SANITIZE_ADDRESS__) || defined(__SANITIZE_THREAD__)
-  static constexpr int kSlowness = 5;
-#else
-  static constexpr int kSlowness = 1;
-#endif
-
   /// @param display  Qt's name for it; without one unless told otherwise.
   explicit AgentProcess(const QStringList &arguments = {}, const QString &display = QStringLiteral("offscreen"));
   ~AgentProcess();
-  AgentProcess(const AgentProcess &) = delete;
-  AgentProcess &operator=(const AgentProcess &) = delete;
 
   /// Until the agent serves its name on the bus.
   [[nodiscard]] bool waitUntilServing();
@@ -32,16 +23,12 @@ public:
   [[nodiscard]] static bool requestAction(const QString &action);
 
   void kill9();
-  void terminate() {
-    process.terminate();
-  }
+  void terminate() { process.terminate(); }
   /// What every user of the machine can read of it.
   [[nodiscard]] QByteArray commandLine() const;
   /// @return the exit status, or nothing when the process still ran at the deadline or was killed.
   [[nodiscard]] std::optional<int> waitForEnd(std::chrono::milliseconds deadline);
-  [[nodiscard]] QString errorOutput() {
-    return QString::fromUtf8(process.readAllStandardError());
-  }
+  [[nodiscard]] QString errorOutput() { return QString::fromUtf8(process.readAllStandardError()); }
 
 private:
   QProcess process;

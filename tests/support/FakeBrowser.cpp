@@ -1,22 +1,16 @@
 #include "tests/support/FakeBrowser.h"
 
-#include <QDir>
 #include <QFile>
-
-#include <stdexcept>
 
 using namespace Qt::StringLiterals;
 
 FakeBrowser::FakeBrowser(const TestProfile &profile)
     : folder(profile.path(u"browser"_s)), notePath(profile.path(u"opened-url"_s)), pathBefore(qgetenv("PATH")) {
-  QDir().mkpath(folder);
-  QFile script(folder + u"/xdg-open"_s);
-  if (!script.open(QFile::WriteOnly)) throw std::runtime_error("cannot write the browser");
+  const QString script = folder + u"/xdg-open"_s;
   const QByteArray note = QFile::encodeName(notePath);
   // Renamed into place, so that nobody reads half a URL.
-  script.write("#!/bin/sh\nprintf '%s' \"$1\" >'" + note + ".new' && mv '" + note + ".new' '" + note + "'\n");
-  script.setPermissions(QFile::ReadOwner | QFile::WriteOwner | QFile::ExeOwner);
-  script.close();
+  writeFile(script, "#!/bin/sh\nprintf '%s' \"$1\" >'" + note + ".new' && mv '" + note + ".new' '" + note + "'\n");
+  QFile::setPermissions(script, QFile::ReadOwner | QFile::WriteOwner | QFile::ExeOwner);
   qputenv("PATH", QFile::encodeName(folder) + ':' + pathBefore);
   qunsetenv("BROWSER");
 }
@@ -27,10 +21,8 @@ FakeBrowser::~FakeBrowser() {
 
 std::optional<QString> FakeBrowser::takeUrl() const {
   if (!waitFor([this] { return QFile::exists(notePath); })) return std::nullopt;
-  QFile note(notePath);
-  if (!note.open(QFile::ReadOnly)) return std::nullopt;
-  const QString url = QString::fromUtf8(note.readAll());
-  note.remove();
+  const QString url = QString::fromUtf8(contentOf(notePath));
+  QFile::remove(notePath);
   return url;
 }
 

@@ -12,8 +12,6 @@ class FakeBrowser {
 public:
   explicit FakeBrowser(const TestProfile &profile);
   ~FakeBrowser();
-  FakeBrowser(const FakeBrowser &) = delete;
-  FakeBrowser &operator=(const FakeBrowser &) = delete;
 
   /// The URL that it was asked to open since the last call; waits for one.
   [[nodiscard]] std::optional<QString> takeUrl() const;

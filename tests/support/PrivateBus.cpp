@@ -1,5 +1,7 @@
 #include "tests/support/PrivateBus.h"
 
+#include "tests/support/TestProfile.h"
+
 #include <QFile>
 
 #include <stdexcept>
@@ -8,12 +10,10 @@ using namespace Qt::StringLiterals;
 
 PrivateBus::PrivateBus() {
   const QString configPath = folder.filePath(u"bus.conf"_s);
-  QFile config(configPath);
-  if (!config.open(QFile::WriteOnly)) throw std::runtime_error("cannot configure a bus");
-  config.write("<busconfig><type>session</type><listen>unix:path=" + QFile::encodeName(folder.filePath(u"bus"_s))
-               + "</listen><policy context=\"default\"><allow send_destination=\"*\" eavesdrop=\"true\"/>"
-                 "<allow eavesdrop=\"true\"/><allow own=\"*\"/></policy></busconfig>");
-  config.close();
+  writeFile(configPath,
+            "<busconfig><type>session</type><listen>unix:path=" + QFile::encodeName(folder.filePath(u"bus"_s))
+                + "</listen><policy context=\"default\"><allow send_destination=\"*\" eavesdrop=\"true\"/>"
+                  "<allow eavesdrop=\"true\"/><allow own=\"*\"/></policy></busconfig>");
   daemon.setProcessChannelMode(QProcess::ForwardedErrorChannel);
   daemon.start(u"dbus-daemon"_s, {u"--config-file="_s + configPath, u"--nofork"_s, u"--print-address=1"_s});
   // The address appears once the bus takes connections.

@@ -8,8 +8,6 @@ class PrivateBus {
 public:
   PrivateBus();
   ~PrivateBus();
-  PrivateBus(const PrivateBus &) = delete;
-  PrivateBus &operator=(const PrivateBus &) = delete;
 
 private:
   QTemporaryDir folder;

@@ -2,15 +2,16 @@
 
 #include <QCoreApplication>
 #include <QDir>
+#include <QDirIterator>
 #include <QFile>
-#include <QTextStream>
+#include <QFileInfo>
 
 #include <stdexcept>
 #include <thread>
 
 using namespace Qt::StringLiterals;
 
-TestProfile::TestProfile() {
+TestProfile::TestProfile(const QHash<QString, QString> &userDefaults) {
   if (!home.isValid()) throw std::runtime_error("no temporary folder");
   const auto point = [this](const char *variable, const QString &folder) {
     QDir().mkpath(path(folder));
@@ -24,6 +25,7 @@ TestProfile::TestProfile() {
   point("XDG_RUNTIME_DIR", u"run"_s);
   QFile::setPermissions(path(u"run"_s), QFile::ReadOwner | QFile::WriteOwner | QFile::ExeOwner);
   QDir().mkpath(picturesFolder());
+  if (!userDefaults.isEmpty()) writeUserDefaults(userDefaults);
 }
 
 QString TestProfile::path(const QString &relative) const {
@@ -35,14 +37,29 @@ QString TestProfile::appFolder() const {
 }
 
 void TestProfile::writeUserDefaults(const QHash<QString, QString> &values) const {
-  const QString folder = configFolder() + u"/NORVALE INC"_s;
-  QDir().mkpath(folder);
-  QFile file(folder + u"/Downloaderpictora.conf"_s);
-  if (!file.open(QFile::WriteOnly)) throw std::runtime_error("cannot write the user defaults");
-  QTextStream text(&file);
-  text << "[General]\n";
+  QString text = u"[General]\n"_s;
   for (auto it = values.begin(); it != values.end(); ++it)
-    text << it.key() << '=' << it.value() << '\n';
+    text += it.key() + u'=' + it.value() + u'\n';
+  writeFile(configFolder() + u"/NORVALE INC/Downloaderpictora.conf"_s, text.toUtf8());
+}
+
+void writeFile(const QString &path, const QByteArray &content) {
+  QFile file(path);
+  if (!QDir().mkpath(QFileInfo(path).path()) || !file.open(QFile::WriteOnly) || file.write(content) != content.size())
+    throw std::runtime_error("cannot write " + path.toStdString());
+}
+
+QByteArray contentOf(const QString &path) {
+  QFile file(path);
+  return file.open(QFile::ReadOnly) ? file.readAll() : QByteArray();
+}
+
+QStringList filesBelow(const QString &folder) {
+  QStringList files;
+  for (QDirIterator it(folder, QDir::Files | QDir::Hidden | QDir::System, QDirIterator::Subdirectories); it.hasNext();)
+    files << QDir(folder).relativeFilePath(it.next());
+  files.sort();
+  return files;
 }
 
 bool waitFor(const std::function<bool()> &condition, std::chrono::milliseconds deadline) {

@@ -1,17 +1,25 @@
 #pragma once
 
+#include <QByteArray>
 #include <QHash>
-#include <QString>
+#include <QStringList>
 #include <QTemporaryDir>
 
 #include <chrono>
 #include <functional>
 
+/// How much longer things may take under a sanitizer.
+#if defined(__SANITIZE_ADDRESS__) || defined(__SANITIZE_THREAD__)
+inline constexpr int kSlowness = 5;
+#else
+inline constexpr int kSlowness = 1;
+#endif
+
 /// A home of a test's own, gone afterwards: HOME and every XDG folder point below it. Make it before anything reads
 /// them.
 class TestProfile {
 public:
-  TestProfile();
+  explicit TestProfile(const QHash<QString, QString> &userDefaults = {});
 
   [[nodiscard]] QString path(const QString &relative = {}) const;
   [[nodiscard]] QString configFolder() const { return path(QStringLiteral("config")); }
@@ -25,6 +33,14 @@ public:
 private:
   QTemporaryDir home;
 };
+
+/// Writes a file anew, into a folder that is made when it is missing.
+void writeFile(const QString &path, const QByteArray &content);
+/// Nothing when the file cannot be read.
+[[nodiscard]] QByteArray contentOf(const QString &path);
+
+/// Paths relative to @p folder, of hidden files too, sorted.
+[[nodiscard]] QStringList filesBelow(const QString &folder);
 
 /// Waits until @p condition holds, running the event loop of the calling thread when it has one.
 /// @return false when @p deadline passed first.

@@ -17,19 +17,10 @@ class DesktopItem : public testing::Test {
 protected:
   DesktopItem() { installTexts(); }
 
-  /// The open windows of a kind, and the menu.
-  template <class Window> [[nodiscard]] static QList<Window *> windows() {
-    QList<Window *> found;
-    for (QWidget *const widget : QApplication::topLevelWidgets())
-      if (auto *const window = qobject_cast<Window *>(widget);
-          window && (window->isVisible() || qobject_cast<QMenu *>(widget)))
-        found << window;
-    return found;
-  }
   /// The visible entries as a person reads them.
   [[nodiscard]] static std::string entries() {
     QStringList texts;
-    for (const QAction *const action : windows<QMenu>().first()->actions()) {
+    for (const QAction *const action : UiProfile::windows<QMenu>().first()->actions()) {
       const QString mark = action->isChecked() ? u" [x]"_s : action->isEnabled() ? QString() : u" (off)"_s;
       if (action->isVisible()) texts << (action->isSeparator() ? u"-"_s : action->text() + mark);
     }
@@ -45,7 +36,7 @@ TEST_F(DesktopItem, statesItsMenuByTheGivenValueAndHasAPictureForEveryFrame) {
   DesktopStatusItem item;
   std::vector<StatusEntry> chosen;
   QObject::connect(&item, &StatusItemView::entryTriggered, [&](StatusEntry entry) { chosen.push_back(entry); });
-  const auto actions = windows<QMenu>().first()->actions();
+  const auto actions = UiProfile::windows<QMenu>().first()->actions();
   EXPECT_EQ(entries(), "Download Now (off)|-|Download Folders…|Log In…|-|Help|About Downloaderpictora|Start at "
                        "Login|-|Quit Downloaderpictora");
   const StatusItemState linked{
@@ -54,17 +45,15 @@ TEST_F(DesktopItem, statesItsMenuByTheGivenValueAndHasAPictureForEveryFrame) {
   EXPECT_EQ(entries(), "Download Now|-|Download Folders…|Log Out (off)|-|Help|About Downloaderpictora|Start at Login "
                        "[x]|-|Quit Downloaderpictora");
   item.show({.isDownloadEnabled = true});
+  const std::string confirmed = entries();
   for (QAction *const action : actions)
     action->trigger();
   EXPECT_THAT(chosen,
               ElementsAre(StatusEntry::Download, StatusEntry::DispSetting, StatusEntry::Link, StatusEntry::Logout,
                           StatusEntry::Help, StatusEntry::About, StatusEntry::LaunchSetting, StatusEntry::Exit));
   item.show({.isDownloadEnabled = true});
-  EXPECT_EQ(
-      entries(),
-      "Download Now|-|Download Folders…|Log In…|-|Help|About Downloaderpictora|Start at Login|-|Quit Downloaderpictora")
-      << "the state does not confirm it";
-  EXPECT_EQ(windows<QMenu>().first()->actions(), actions) << "an open menu would close";
+  EXPECT_EQ(entries(), confirmed) << "the state does not confirm the click";
+  EXPECT_EQ(UiProfile::windows<QMenu>().first()->actions(), actions) << "an open menu would close";
 }
 
 TEST_F(DesktopItem, alertsOneAtATimeInOrderAndOnceEach) {
@@ -72,14 +61,14 @@ TEST_F(DesktopItem, alertsOneAtATimeInOrderAndOnceEach) {
   for (const auto &text : {u"first"_s, u"second"_s, u"first"_s, u"second"_s, QString()})
     item.alert(text);
   for (const auto &text : {u"first"_s, u"second"_s, QString()}) {
-    ASSERT_EQ(windows<QMessageBox>().size(), 1);
-    EXPECT_EQ(windows<QMessageBox>().first()->text(), text);
-    windows<QMessageBox>().first()->close();
+    ASSERT_EQ(UiProfile::windows<QMessageBox>().size(), 1);
+    EXPECT_EQ(UiProfile::windows<QMessageBox>().first()->text(), text);
+    UiProfile::windows<QMessageBox>().first()->close();
     QCoreApplication::processEvents();
   }
-  EXPECT_TRUE(windows<QMessageBox>().isEmpty());
+  EXPECT_TRUE(UiProfile::windows<QMessageBox>().isEmpty());
   item.alert(u"first"_s);
-  EXPECT_EQ(windows<QMessageBox>().size(), 1);
+  EXPECT_EQ(UiProfile::windows<QMessageBox>().size(), 1);
 }
 
 } // namespace

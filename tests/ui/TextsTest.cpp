@@ -14,11 +14,6 @@ namespace {
 const QString kTables = QStringLiteral(KA_SOURCE "/resources/i18n");
 const QString kHelp = QStringLiteral(KA_SOURCE "/resources/help/");
 
-QByteArray contentOf(const QString &fileName) {
-  QFile file(fileName);
-  return file.open(QFile::ReadOnly) ? file.readAll() : QByteArray();
-}
-
 QMap<QString, QString> textsIn(const QString &table) {
   QMap<QString, QString> texts;
   QString id;
