@@ -5,7 +5,9 @@
 #include "engine/PresignedUrl.h"
 #include "engine/VersionOrder.h"
 #include "tests/engine/EngineFixture.h"
+#include "tests/identity/SigningVectors.h"
 
+#include <QJsonArray>
 #include <QLocale>
 
 #include <ctime>
@@ -52,6 +54,18 @@ TEST(VersionOrder, isByNumbers) {
     EXPECT_FALSE(isLaterVersion(row.section(u'>', 1), row.section(u'>', 0, 0))) << row.toStdString();
   }
   EXPECT_FALSE(isLaterVersion(u"1.02", u"1.2"));
+}
+
+TEST(PresignedUrl, signsAsOtherImplementationsDo) {
+  const QJsonObject known = signingVectors();
+  const QJsonValue by = known["credential"_L1];
+  const QJsonArray rows = known["presignedV2"_L1].toArray();
+  ASSERT_FALSE(rows.isEmpty());
+  for (const auto &row : rows)
+    EXPECT_EQ(SignatureString(row["expires"_L1].toString(), row["bucket"_L1].toString(),
+                              by["SecretAccessKey"_L1].toString(), by["SessionToken"_L1].toString(),
+                              row["key"_L1].toString()),
+              row["signaturePercentEncoded"_L1].toString());
 }
 
 TEST(PresignedUrl, encodesNothingButTheContinuationToken) {

@@ -2,9 +2,11 @@
 #include "service/KaApplicationConstants.h"
 #include "service/KaXMLParser.h"
 #include "service/SignatureV4.h"
+#include "tests/identity/SigningVectors.h"
 #include "tests/log/LogFile.h"
 #include "tests/service/ServiceFixture.h"
 
+#include <QJsonArray>
 #include <QTimeZone>
 
 using namespace Qt::StringLiterals;
@@ -16,6 +18,31 @@ namespace {
 using enum KaResultCode;
 
 using ServerRequest = ServiceTest;
+
+TEST(SignatureV4, signsAsOtherImplementationsDo) {
+  const QJsonObject vectors = signingVectors();
+  const QJsonValue by = vectors["credential"_L1];
+  const KaCredential credential = {by["AccessKeyId"_L1].toString(), by["SecretAccessKey"_L1].toString(), {}, {}};
+  const QJsonArray cases = vectors["signatureV4"_L1].toArray();
+  ASSERT_EQ(cases.size(), 3);
+  for (const auto &vector : cases) {
+    QVariantMap headers = vector["headers"_L1].toObject().toVariantMap();
+    headers[u"host"_s] = vector["host"_L1].toString();
+    QString canonicalHeaders;
+    for (auto header = headers.cbegin(); header != headers.cend(); ++header)
+      canonicalHeaders += header.key() + u':' + header->toString() + u'\n';
+    const QString path = vector["path"_L1].toString();
+    const SignatureV4Request request = {.timestamp = headers[u"x-amz-date"_s].toString(),
+                                        .service = vector["service"_L1].toString(),
+                                        .method = vector["method"_L1].toString(),
+                                        .canonicalUri = path.section(u'?', 0, 0),
+                                        .canonicalQuery = path.section(u'?', 1),
+                                        .canonicalHeaders = canonicalHeaders,
+                                        .signedHeaders = QStringList(headers.keys()).join(u';'),
+                                        .payload = vector["body"_L1].toString()};
+    EXPECT_EQ(signRequests(credential, request), vector["authorization"_L1].toString());
+  }
+}
 
 TEST_F(ServerRequest, tellsHowAStatusIsToBeTaken) {
   const std::pair<int, KaResultCode> cases[] = {
