@@ -50,6 +50,7 @@ KaDownloadFolderSettingView::KaDownloadFolderSettingView(KaModelFacade &facade, 
   setTexts();
   showOptions();
   connectControls();
+  fitTexts();
 }
 
 KaDownloadFolderSettingView::~KaDownloadFolderSettingView() = default;
@@ -74,6 +75,13 @@ void KaDownloadFolderSettingView::setTexts() {
   window->labelDownloadMetadata->setText(localised("DLG_SETTING_DOWNLOAD_METADATA"_L1));
   clickThrough(*window->labelCreateSubfolder, *window->checkBoxCreateSubfolder);
   clickThrough(*window->labelDownloadMetadata, *window->checkBoxDownloadMetadata);
+}
+
+void KaDownloadFolderSettingView::fitTexts() {
+  // Left to itself a window takes two thirds of the screen at most, which cuts wrapped texts off where they are large.
+  const int width = sizeHint().width();
+  setMinimumSize(width, layout()->totalHeightForWidth(width));
+  resize(minimumSize());
 }
 
 void KaDownloadFolderSettingView::showOptions() {

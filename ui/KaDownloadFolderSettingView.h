@@ -30,6 +30,7 @@ public:
 
 private:
   void setTexts();
+  void fitTexts();
   void showOptions();
   void connectControls();
   void viewSetSubfolderName();

@@ -12,6 +12,7 @@
 #include <QCheckBox>
 #include <QDir>
 #include <QFileDialog>
+#include <QLabel>
 #include <QLineEdit>
 #include <QMessageBox>
 #include <QRadioButton>
@@ -54,6 +55,22 @@ protected:
   KaDownloadOption stored = {usable, usable + u"/Transferred"_s, u"false"_s, u"false"_s, u"true"_s};
   std::unique_ptr<KaDownloadFolderSettingView> view;
 };
+
+TEST_F(Settings, haveRoomForTheirTextsInEveryLanguageAndSize) {
+  for (const char *language : {"en", "de", "fr", "es", "it", "ja", "ko", "zh_CN"}) {
+    QLocale::setDefault(QLocale(QLatin1StringView(language)));
+    installTexts();
+    for (const int size : {7, 9, 10, 12, 13, 15, 18, 21}) {
+      QFont font = QApplication::font();
+      font.setPointSize(size);
+      QApplication::setFont(font);
+      open();
+      for (const QLabel *label : view->findChildren<QLabel *>())
+        EXPECT_GE(label->height(), label->heightForWidth(label->width()))
+            << language << size << label->objectName().toStdString();
+    }
+  }
+}
 
 TEST_F(Settings, showWhatIsStoredAndSaveWhatIsShown) {
   for (const qint64 scheme : {0, 1, 4, 5, -1}) {
