@@ -14,15 +14,16 @@ QString pageIn(const QString &language) {
   return platform::installedDataFolder() + u"/help/"_s + language + u"/index.html"_s;
 }
 
+/// As string tables are found: each of the user's languages by its whole name, then by what is left of it.
+QString pageInUsersLanguage() {
+  for (QString name : QLocale().uiLanguages())
+    for (name.replace(u'-', u'_'); !name.isEmpty(); name.truncate(qMax<qsizetype>(0, name.lastIndexOf(u'_'))))
+      if (QFileInfo::exists(pageIn(name))) return pageIn(name);
+  return pageIn(u"en"_s);
+}
+
 } // namespace
 
 QString helpPageUrl() {
-  QString page = pageIn(u"en"_s);
-  // As string tables are found: the locale by its whole name, then by what is left of it.
-  for (QString name = QLocale().name(); !name.isEmpty(); name.truncate(qMax<qsizetype>(0, name.lastIndexOf(u'_')))) {
-    if (!QFileInfo::exists(pageIn(name))) continue;
-    page = pageIn(name);
-    break;
-  }
-  return QUrl::fromLocalFile(page).toString(QUrl::FullyEncoded);
+  return QUrl::fromLocalFile(pageInUsersLanguage()).toString(QUrl::FullyEncoded);
 }

@@ -70,7 +70,8 @@ void KaNotifyIcon::onFinishDownloadProcess() {
 }
 
 void KaNotifyIcon::onChangeLinkage(bool linked) {
-  bLinkage = linked;
+  linkedOnceConfirmed = linked && awaitsFolders;
+  if (!linkedOnceConfirmed) bLinkage = linked;
 }
 
 void KaNotifyIcon::setIdCode(const QString &token) {
@@ -91,19 +92,23 @@ template <class Dialog, class... Arguments> void KaNotifyIcon::openDialog(Argume
   dialog->activateWindow();
 }
 
-/// Once the user has seen where the pictures go, whatever the answer, the first run begins.
 void KaNotifyIcon::confirmFolders() {
+  awaitsFolders = true;
   const bool otherWindowOpen = dialog && !qobject_cast<KaDownloadFolderSettingView *>(dialog);
   openDialog<KaDownloadFolderSettingView>(model);
   if (otherWindowOpen) {
     connect(dialog, &QDialog::finished, this, &KaNotifyIcon::onCompleteLinkageSetting, Qt::QueuedConnection);
-    return;
+  } else {
+    connect(dialog, &QDialog::finished, this, &KaNotifyIcon::foldersConfirmed, Qt::UniqueConnection);
   }
-  if (std::exchange(awaitsFolders, true)) return;
-  connect(dialog, &QDialog::finished, this, [this] {
-    awaitsFolders = false;
-    QTimer::singleShot(times.startDelay, this, [this] { guarded([this] { startInitialRun(); }); });
-  });
+}
+
+/// Once the user has seen where the pictures go, whatever the answer, the link counts and its first run begins.
+void KaNotifyIcon::foldersConfirmed() {
+  awaitsFolders = false;
+  // The user may have logged out again meanwhile.
+  if (std::exchange(linkedOnceConfirmed, false) && model.bLoggedIn()) bLinkage = true;
+  QTimer::singleShot(times.startDelay, this, [this] { guarded([this] { startInitialRun(); }); });
 }
 
 void KaNotifyIcon::confirmDialog() {

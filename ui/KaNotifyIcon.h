@@ -79,6 +79,7 @@ private:
   /// Opens a window of its own, or brings the one before the user that is open.
   template <class Dialog, class... Arguments> void openDialog(Arguments &...arguments);
   void confirmFolders();
+  void foldersConfirmed();
   void startInitialRun();
   void notificationActivated(const QString &processingResult);
   void openFolder(const QString &path);
@@ -96,7 +97,8 @@ private:
   bool bLinkage = false;
   StatusItemState shown;
   QPointer<QDialog> dialog;   ///< the settings or the about window, one at a time; deletes itself
-  bool awaitsFolders = false; ///< a new link's first run waits for the settings window to close
+  bool awaitsFolders = false; ///< a new link and its first run wait for the settings window to close
+  bool linkedOnceConfirmed = false;
 
   std::atomic<bool> bLogginEnabled = true;
 
