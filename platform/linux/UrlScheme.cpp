@@ -41,9 +41,21 @@ QByteArray entryText(const QString &executable) {
   return text.toUtf8();
 }
 
-bool isWritten(const QString &path, const QByteArray &text) {
+QByteArray written(const QString &path) {
   QFile file(path);
-  return file.open(QFile::ReadOnly) && file.readAll() == text;
+  return file.open(QFile::ReadOnly) ? file.readAll() : QByteArray();
+}
+
+/// The entry without the line that names the program.
+QByteArray anyProgram(QByteArray text) {
+  const qsizetype exec = text.indexOf("\nExec=");
+  return exec < 0 ? text : text.remove(exec, text.indexOf('\n', exec + 1) - exec);
+}
+
+/// An entry of ours from before the installation would hide the installed one, and lead to a program of then.
+void removeOwnEntry() {
+  const QString path = userFolder() + u'/' + entryName();
+  if (anyProgram(written(path)) == anyProgram(entryText(u"any"_s))) QFile::remove(path);
 }
 
 /// The desktop's own tools, where it has them: the entry works without.
@@ -58,10 +70,13 @@ void announce() {
 } // namespace
 
 bool registerUrlScheme(const QString &executable) {
-  if (isInstalled()) return true;
+  if (isInstalled()) {
+    removeOwnEntry();
+    return true;
+  }
   const QString path = userFolder() + u'/' + entryName();
   const QByteArray text = entryText(executable);
-  if (isWritten(path, text)) return true;
+  if (written(path) == text) return true;
   if (!QDir().mkpath(userFolder())) return false;
   QSaveFile file(path);
   if (!file.open(QFile::WriteOnly)) return false;

@@ -71,6 +71,17 @@ TEST_F(Desktop, opensTheAgentsUrlsWithTheProgram) {
   ASSERT_EQ(QProcess::execute(u"xdg-open"_s, {url}), 0);
   EXPECT_EQ(contentOf(profile.path(u"url"_s)), url.toUtf8());
 
+  const QString entry = u"/applications/com.norvale.Downloaderpictora.desktop"_s;
+  const QString system = profile.path(u"system"_s);
+  writeFile(system + entry, "[Desktop Entry]\n");
+  qputenv("XDG_DATA_DIRS", system.toUtf8());
+  ASSERT_TRUE(QFile::exists(profile.dataFolder() + entry));
+  ASSERT_TRUE(platform::registerUrlScheme(agent));
+  EXPECT_FALSE(QFile::exists(profile.dataFolder() + entry)) << "it would hide the installed one";
+  writeFile(profile.dataFolder() + entry, "[Desktop Entry]\nName=The user's own\n");
+  ASSERT_TRUE(platform::registerUrlScheme(agent));
+  EXPECT_TRUE(QFile::exists(profile.dataFolder() + entry));
+
   EXPECT_EQ(platform::execArgument(u"/opt/a-b_c/100%"_s), u"/opt/a-b_c/100%%"_s);
   EXPECT_EQ(platform::execArgument(uR"(a"$`\)"_s), uR"("a\\"\\$\\`\\\\")"_s);
 }
