@@ -11,7 +11,7 @@ namespace sandbox {
 /// `{.kind = Fault::Kind::Status, .status = 503, .times = -1}`.
 struct Fault {
   enum class Kind {
-    // These four take the place of the service, which does and checks nothing.
+    // These six take the place of the service, which does and checks nothing.
     Status,            ///< `status`, with `body` or the endpoint's usual kind of error document
     EmptyBody,         ///< 200 and no byte
     MalformedBody,     ///< 200 and neither XML nor JSON
