@@ -55,7 +55,7 @@ END {
   rows("**those 2,000 again: nothing is new**", "again", "", 1)
   print ""
   printf "Four `curl` processes at once take %.2f of the time of one for the large pictures and %.2f for the small\n" \
-    "ones, so the service is not what holds a single client back.\n",
+    "ones: what is below 1 is room that the service had left.\n",
     median("large.curl4.wall") / median("large.curl.wall"), median("small.curl4.wall") / median("small.curl.wall")
   print ""
   print "| the agent alone | | aim |"

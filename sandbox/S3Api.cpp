@@ -76,8 +76,8 @@ bool mayRead(const QByteArray &bucket, const QByteArray &key, const QString &use
   return parts.size() > 3 && parts[2] == user;
 }
 
-QByteArray listedXml(const ListedObject &object) {
-  return "<Contents>" + element("Key", object.key) + element("LastModified", isoTime(object.lastModified))
+QByteArray listedXml(const ListedObject &object, const QByteArray &lastModified) {
+  return "<Contents>" + element("Key", object.key) + element("LastModified", lastModified)
          + element("ETag", object.etag) + element("Size", QByteArray::number(object.size))
          + "<StorageClass>STANDARD</StorageClass></Contents>";
 }
@@ -95,8 +95,16 @@ QByteArray listingXml(const QByteArray &bucket, const QueryParameters &query, co
               + element("MaxKeys", QByteArray::number(asked.maxKeys));
   if (!asked.delimiter.isEmpty()) document += element("Delimiter", asked.delimiter);
   document += element("IsTruncated", page.truncated ? "true" : "false");
-  for (const ListedObject &object : page.objects)
-    document += listedXml(object);
+  // Neighbours are often of the same moment, and writing one out takes longer than all the rest.
+  QDateTime moment;
+  QByteArray lastModified;
+  for (const ListedObject &object : page.objects) {
+    if (object.lastModified != moment) {
+      moment = object.lastModified;
+      lastModified = isoTime(moment);
+    }
+    document += listedXml(object, lastModified);
+  }
   for (const QByteArray &prefix : page.commonPrefixes)
     document += "<CommonPrefixes>" + element("Prefix", prefix) + "</CommonPrefixes>";
   return document + "</ListBucketResult>";
