@@ -8,7 +8,6 @@
 
 #include "bench/LinkedHome.h"
 
-#include "app/KaModelFacade.h"
 #include "app/settings/SettingsFiles.h"
 #include "engine/KaTargetStorage.h"
 #include "sandbox/Library.h"

@@ -17,7 +17,6 @@
 #include <QJsonObject>
 
 #include <algorithm>
-#include <tuple>
 #include <vector>
 
 using namespace Qt::StringLiterals;

@@ -54,7 +54,7 @@ QByteArray verdictOn(
 
 const QByteArray kOk = "accepted from u-1";
 
-// The agent's code is not held against these: the service refuses what it signs otherwise.
+// The agent's own signatures are held against the same answers.
 TEST(Signatures, ofOtherImplementationsAreAccepted) {
   for (const auto kind : {"presignedV2"_L1, "signatureV4"_L1}) {
     const QJsonArray vectors = signingVectors()[kind].toArray();
