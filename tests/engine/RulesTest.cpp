@@ -29,6 +29,21 @@ TEST(OutputFolder, followsTheSchemeInLocalTime) {
   EXPECT_EQ(defaultFilePath(u"/p"_s, oldYear, u"a/I.x.JPG"_s), u"/p/2024-12-31.JPG");
 }
 
+TEST(OutputFolder, isTakenFromThePlaceThatTheLevelNames) {
+  const std::tuple<QString, qint64, QString> cases[] = {{u"a/b/c.JPG"_s, 0, u"c.JPG"_s},
+                                                        {u"a/b/c.JPG"_s, 1, u"b"_s},
+                                                        {u"a/b/c.JPG"_s, 2, u"a"_s},
+                                                        {u"a/b/c.JPG"_s, -1, u"c.JPG"_s},
+                                                        {u"a//b///"_s, 0, u"b"_s},
+                                                        {u"a//b///"_s, 1, u"a"_s},
+                                                        {u"a/b"_s, 9, u"a"_s},
+                                                        {u"/a/b"_s, 2, u"/"_s},
+                                                        {u"//"_s, 0, u"/"_s},
+                                                        {QString(), 0, QString()}};
+  for (const auto &[path, level, folder] : cases)
+    EXPECT_EQ(getFolderNameFromPath(path, level), folder) << path.toStdString() << ' ' << level;
+}
+
 TEST(ObjectKey, isRewrittenByPosition) {
   const QString key = u"A/B/20240501/10/IMG_0001.JPG"_s;
   EXPECT_EQ(expandImagePathFromImagePath(key), u"A/expand_B/20240501/10/IMG_0001.JPG");
