@@ -53,12 +53,13 @@ QByteArray wireUrl(const QString &url) {
 
 /// @return null when a header cannot be sent as a line of its own.
 HeaderList headerList(const std::vector<std::pair<QByteArray, QByteArray>> &headers) {
+  HeaderList list(curl_slist_append(nullptr, "Connection: close")); // lest the server waits for another request
   // Else libcurl waits a second for leave to send a long body.
-  HeaderList list(curl_slist_append(nullptr, "Expect:"));
+  if (!list || !curl_slist_append(list.get(), "Expect:")) return {};
   for (const auto &[name, value] : headers) {
     if (value.contains('\r') || value.contains('\n') || value.contains('\0')) return {};
     const QByteArray line = value.isEmpty() ? name + ';' : name + ": " + value;
-    if (!list || !curl_slist_append(list.get(), line.constData())) return {};
+    if (!curl_slist_append(list.get(), line.constData())) return {};
   }
   return list;
 }

@@ -35,7 +35,8 @@ TEST_F(Transfer, sendsWhatItIsGivenAndNothingElse) {
   EXPECT_EQ(sent.target, "/a%20b/%E5%86%99%2f%20+/../b/./c//{b}|\"<>^`\\'();,@&=$!~*?x=%C3%A9%09y%7F");
   EXPECT_EQ(sent.body, body);
   EXPECT_EQ(sent.header("content-type"), "text/plain");
-  EXPECT_EQ(sent.headers.size(), 4) << "host, accept, content-type, content-length";
+  EXPECT_EQ(sent.header("connection"), "close");
+  EXPECT_EQ(sent.headers.size(), 5) << "host, accept, content-type, content-length, connection";
 }
 
 TEST_F(Transfer, refusesAHeaderThatWouldBecomeTwoAndUrlsOfOtherSchemes) {
