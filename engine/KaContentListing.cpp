@@ -176,9 +176,12 @@ void KaContentListing::excludeDownloaded(KaTargetStorage targetStorage) {
   const QStringList downloaded = delegate.downloadDataContentIds(recordKey(targetStorage)).value_or(QStringList());
   const QSet<QString> known(downloaded.begin(), downloaded.end());
   qint64 index = 0;
+  const bool logs = KaLogUtility::outputLog(); // else a million lines would be made for nobody
   contents.removeIf([&](const KaContentsDictionary::iterator item) {
     const QString contentId = contentIdFromPath(item.key());
-    KaLogUtility::writeInfoLog(u"ContentInfo"_s, {u"Key:%1, ContentId:%2"_s.arg(QString::number(index++), contentId)});
+    if (logs)
+      KaLogUtility::writeInfoLog(u"ContentInfo"_s,
+                                 {u"Key:%1, ContentId:%2"_s.arg(QString::number(index++), contentId)});
     if (!known.contains(contentId)) return false;
     KaLogUtility::writeInfoLog(u"Exclude"_s, {u"Message: This Content Is Already Downloaded."_s});
     return true;

@@ -37,6 +37,7 @@ QString deviceOf(const Mount &mount) {
 
 /// The disk that the system runs from stays, even where it sits in a card slot or on a cable.
 bool isRemovable(const Mount &mount, const std::optional<Mount> &root) {
+  if (root && mount.mountPoint == root->mountPoint) return false;
   const QStringList systemDisks = root ? disksOf(deviceOf(*root)) : QStringList();
   const QStringList disks = disksOf(deviceOf(mount));
   return std::any_of(disks.cbegin(), disks.cend(),
