@@ -109,7 +109,7 @@ void KaContentDownload::saveIntoFolders(const QStringList &folders, KaContentOrd
   const QString dateFolder = getOutputDateFolderString(order.utcCaptureTime, target.childFolder);
   for (const QString &ruleFolder : folders) {
     order.outputFilePath = target.parentFolder + ruleFolder + dateFolder;
-    if (!makeOutputFolder(order.outputFilePath, target.parentFolder)) {
+    if (!filledFolders.make(order.outputFilePath, target.parentFolder)) {
       KaLogUtility::writeErrorLog(u"ERR_DOWNLOAD : Create outputFolder failed"_s,
                                   QStringList{u"outputFolderPath: "_s + order.outputFilePath});
       rc = KaResultCode::FileNotSaved;

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "engine/FilledFolders.h"
 #include "engine/KaContentListing.h"
 #include "engine/KaTargetStorage.h"
 #include "engine/KeptCopies.h"
@@ -61,6 +62,8 @@ public:
   /// their listed key.
   void beginRun() { keptCopies.beginRun(); }
   [[nodiscard]] const QSet<QString> &keptInThisRun() const { return keptCopies.keysOfThisRun(); }
+  /// Due before the bookkeeping is saved, lest a power cut leaves it with pictures that have no name.
+  void syncFolders() { filledFolders.sync(); }
 
 private:
   enum class Loop { GoOn, Stop };
@@ -89,6 +92,7 @@ private:
   KaContentListing &listing;
   KaImageMetadata &metadata;
   const KaDownloadState &state;
+  FilledFolders filledFolders;
   KeptCopies keptCopies;
   quint64 successCount = 0;
 };

@@ -240,7 +240,7 @@ void KaDownloadRun::reportNoTarget() {
 void KaDownloadRun::saveRecord(KaTargetStorage targetStorage, const QString &logTitle) {
   // Without a user there is nothing new to keep, and an empty record would replace what an earlier process kept.
   if (!session.userUUID()) return;
-  if (delegate.saveGetImageInfo(recordName(targetStorage), uuidKey(*session.userUUID(), targetStorage))) {
+  if (save(targetStorage)) {
     KaLogUtility::writeInfoLog(logTitle);
   } else {
     delegate.setProcessingResult(KaResultCode::Unexpected, state.bUserTrigger);
@@ -251,10 +251,16 @@ void KaDownloadRun::saveAllRecords() {
   if (!session.userUUID()) return;
   bool saved = true;
   for (const auto storage : {KaTargetStorage::Days30, KaTargetStorage::LongTerm10G, KaTargetStorage::Preview2K})
-    if (!delegate.saveGetImageInfo(recordName(storage), uuidKey(*session.userUUID(), storage))) saved = false;
+    if (!save(storage)) saved = false;
   if (saved) {
     KaLogUtility::writeInfoLog(u"Save GetImageInfo"_s);
   } else {
     delegate.setProcessingResult(KaResultCode::Unexpected, /*userTrigger=*/false);
   }
+}
+
+bool KaDownloadRun::save(KaTargetStorage targetStorage) {
+  content.syncFolders();
+  preview.syncFolders();
+  return delegate.saveGetImageInfo(recordName(targetStorage), uuidKey(*session.userUUID(), targetStorage));
 }

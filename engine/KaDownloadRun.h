@@ -69,6 +69,7 @@ private:
   void reportFailure(KaResultCode result);
   void reportNoTarget();
   void saveRecord(KaTargetStorage targetStorage, const QString &logTitle);
+  [[nodiscard]] bool save(KaTargetStorage targetStorage);
 
   KaDownloadProcessorDelegate &delegate;
   KaServerRequest &request;

@@ -88,7 +88,7 @@ KaPreviewDownload::Loop KaPreviewDownload::getOne(const KaPreview &preview, cons
     return Loop::GoOn;
   }
   const QString folder = target.parentFolder + getOutputDateFolderString(date, target.childFolder);
-  if (!makeOutputFolder(folder, target.parentFolder)) {
+  if (!filledFolders.make(folder, target.parentFolder)) {
     KaLogUtility::writeErrorLog(u"ERR_DOWNLOAD : Create outputFolder failed"_s);
     rc = KaResultCode::FileNotSaved;
     return Loop::GoOn;

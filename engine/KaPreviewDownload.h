@@ -1,5 +1,6 @@
 #pragma once
 
+#include "engine/FilledFolders.h"
 #include "engine/PreviewList.h"
 #include "service/KaResultCode.h"
 
@@ -37,6 +38,8 @@ public:
   [[nodiscard]] KaResultCode getPreview(const QString &parentFolder, qint64 childFolder);
   /// Files that the last getPreview saved.
   [[nodiscard]] quint64 downloadSuccessCount() const { return successCount; }
+  /// Due before the bookkeeping is saved, lest a power cut leaves it with previews that have no name.
+  void syncFolders() { filledFolders.sync(); }
 
 private:
   enum class Loop { GoOn, Stop };
@@ -58,6 +61,7 @@ private:
   KaServerRequest &request;
   KaDownloadSession &session;
   const KaDownloadState &state;
+  FilledFolders filledFolders;
   std::vector<KaPreview> previews;
   quint64 successCount = 0;
 };

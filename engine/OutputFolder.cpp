@@ -40,10 +40,6 @@ bool staysInParentFolder(const QString &destination, const QString &parentFolder
   return cleaned == parent || cleaned.startsWith(parent.endsWith(u'/') ? parent : parent + u'/');
 }
 
-bool makeOutputFolder(const QString &folder, const QString &parentFolder) {
-  return staysInParentFolder(folder, parentFolder) && QDir().mkpath(folder);
-}
-
 QString defaultFilePath(const QString &folder, const QDateTime &date, const QString &objectKey) {
   const QString path = folder + u'/' + date.toLocalTime().toString(u"yyyy-MM-dd"_s);
   const QString extension = extensionFromPath(objectKey);

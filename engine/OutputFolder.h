@@ -4,7 +4,7 @@
 #include <QString>
 #include <QStringList>
 
-/// Where below the user's folder a file lands. Everything here is text, but for makeOutputFolder.
+/// Where below the user's folder a file lands. Everything here is text; FilledFolders makes the folders.
 
 /// The folder of a capture date, in local time, with a leading "/" and none at its end.
 /// @param childFolder  0 day, 1 year and month, 2 year and day, 3 year, month and day; any other: empty.
@@ -15,9 +15,6 @@
 
 /// Whether @p destination, joined from @p parentFolder and more, still lies in or below it.
 [[nodiscard]] bool staysInParentFolder(const QString &destination, const QString &parentFolder);
-
-/// Makes @p folder with all that lie between. @return false, too, when it would leave @p parentFolder.
-[[nodiscard]] bool makeOutputFolder(const QString &folder, const QString &parentFolder);
 
 /// Where a file lands whose object carries no usable name: the date in @p folder, with the key's extension.
 [[nodiscard]] QString defaultFilePath(const QString &folder, const QDateTime &date, const QString &objectKey);

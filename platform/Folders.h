@@ -20,4 +20,7 @@ namespace platform {
 /// @return whether it is a folder afterwards.
 [[nodiscard]] bool makePrivateFolder(const QString &path);
 
+/// Returns once the names in the folder are on disk. Some file systems cannot tell: their names count all the same.
+void syncFolder(const QString &path);
+
 } // namespace platform

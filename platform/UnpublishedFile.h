@@ -24,7 +24,7 @@ public:
   [[nodiscard]] bool write(const char *bytes, std::size_t count);
   /// Puts the content on disk.
   [[nodiscard]] bool sync();
-  /// Gives the file its name, in the same folder; never overwrites.
+  /// Gives the file its name, in the same folder; never overwrites. On disk the name is after syncFolder.
   [[nodiscard]] Publish publish(const QString &path);
   /// errno of the last operation that failed; 0 when none has.
   [[nodiscard]] int error() const;

@@ -1,12 +1,16 @@
 #include "platform/Folders.h"
 
+#include "platform/linux/FileDescriptor.h"
+
 #include <QCoreApplication>
 #include <QDir>
 #include <QFileInfo>
 #include <QStandardPaths>
 
+#include <fcntl.h>
 #include <sys/stat.h>
 #include <sys/types.h>
+#include <unistd.h>
 
 #include <cerrno>
 
@@ -51,6 +55,11 @@ bool makePrivateFolder(const QString &path) {
   if (parent != path && !makePrivateFolder(parent)) return false;
   // Another process may have made it in between, which is as good.
   return ::mkdir(QFile::encodeName(path).constData(), 0700) == 0 || (errno == EEXIST && QFileInfo(path).isDir());
+}
+
+void syncFolder(const QString &path) {
+  const FileDescriptor folder(::open(QFile::encodeName(path).constData(), O_RDONLY | O_DIRECTORY | O_CLOEXEC));
+  if (folder) ::fsync(folder.get());
 }
 
 } // namespace platform

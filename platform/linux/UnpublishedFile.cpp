@@ -35,13 +35,6 @@ void sweepHiddenFiles(const QString &folder) {
   }
 }
 
-/// A rename is on disk when its folder is. Some file systems know no such thing: the name counts all the same.
-void syncFolderOf(const QByteArray &path) {
-  const QByteArray folder = path.left(path.lastIndexOf('/') + 1);
-  const FileDescriptor directory(::open(folder.constData(), O_RDONLY | O_DIRECTORY | O_CLOEXEC));
-  if (directory) ::fsync(directory.get());
-}
-
 } // namespace
 
 class UnpublishedFile::Private {
@@ -109,12 +102,8 @@ public:
   }
 
   Publish publish(const QByteArray &path) {
-    if (!giveName(path)) {
-      check(false);
-      return lastError == EEXIST ? Publish::NameTaken : Publish::Failed;
-    }
-    syncFolderOf(path);
-    return Publish::Published;
+    if (check(giveName(path))) return Publish::Published;
+    return lastError == EEXIST ? Publish::NameTaken : Publish::Failed;
   }
 
   FileDescriptor file;
