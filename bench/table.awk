@@ -57,8 +57,8 @@ END {
   printf "Four `curl` processes at once take %.2f of the time of one for the large pictures and %.2f for the small\n" \
     "ones: what is below 1 is room that the service had left.\n",
     median("large.curl4.wall") / median("large.curl.wall"), median("small.curl4.wall") / median("small.curl.wall")
-  printf "Where the disk is said to be done at once, the agent takes %.2f of `curl`'s time for the small ones: the rest\n" \
-    "of what it takes more is spent waiting until each picture is safe there.\n",
+  printf "With each flush of the disk answered at once, the agent takes %.2f of `curl`'s time for the small ones; the\n" \
+    "rest of the difference is the price of having each picture safe there.\n",
     median("unflushed.agent.wall") / median("small.curl.wall")
   print ""
   print "| the agent alone | | aim |"
