@@ -6,6 +6,7 @@
 #include <QFile>
 #include <QFileInfo>
 
+#include <poll.h>
 #include <sys/stat.h>
 #include <sys/statvfs.h>
 #include <sys/sysmacros.h>
@@ -17,10 +18,25 @@ using namespace Qt::StringLiterals;
 namespace platform {
 namespace {
 
-QByteArray mountTable() {
-  QFile file(u"/proc/self/mountinfo"_s);
-  return file.open(QFile::ReadOnly) ? file.readAll() : QByteArray();
-}
+/// The mounts of this process. The kernel's table is dear for something asked before every picture: so it is read
+/// anew only when the kernel tells that it has changed.
+class MountTable {
+public:
+  [[nodiscard]] const QList<Mount> &mounts() {
+    if (hasChanged()) known = file.seek(0) ? parseMountTable(file.readAll()) : QList<Mount>();
+    return known;
+  }
+
+private:
+  [[nodiscard]] bool hasChanged() {
+    if (!file.isOpen()) return file.open(QFile::ReadOnly | QFile::Unbuffered);
+    pollfd watched = {.fd = file.handle(), .events = POLLPRI, .revents = 0};
+    return ::poll(&watched, 1, 0) != 0;
+  }
+
+  QFile file{u"/proc/self/mountinfo"_s};
+  QList<Mount> known;
+};
 
 QString deviceFolder(unsigned major, unsigned minor) {
   return QFileInfo(u"/sys/dev/block/%1:%2"_s.arg(major).arg(minor)).canonicalFilePath();
@@ -49,7 +65,8 @@ bool isRemovable(const Mount &mount, const std::optional<Mount> &root) {
 std::optional<VolumeFacts> fileSystemInfo(const QString &path) {
   const QString canonical = QFileInfo(path).canonicalFilePath();
   if (canonical.isEmpty()) return std::nullopt;
-  const auto mounts = parseMountTable(mountTable());
+  thread_local MountTable table;
+  const QList<Mount> &mounts = table.mounts();
   const auto mount = mountOf(mounts, QFile::encodeName(canonical));
   // Inside a changed root the table lacks the mount that holds it; nothing speaks against such a folder.
   if (!mount) return VolumeFacts{};

@@ -13,8 +13,11 @@
 #include <QFileInfo>
 #include <QTemporaryDir>
 
+#include <sched.h>
 #include <sys/file.h>
+#include <sys/mount.h>
 #include <sys/stat.h>
+#include <unistd.h>
 
 #include <cerrno>
 
@@ -83,6 +86,32 @@ TEST(HiddenFiles, areSweptOnceTheirWriterIsGone) {
 }
 
 /// On a folder tree in the form of sysfs: an encrypted volume on the partition of a stick.
+constexpr int kMayNotMount = 77;
+
+/// In a process of its own, whose mounts nobody else sees.
+[[noreturn]] void mountAndLook() {
+  const QByteArray folder = QDir::tempPath().toLocal8Bit();
+  const auto source = [&] { return platform::fileSystemInfo(QFile::decodeName(folder))->description; };
+  const bool apart = ::unshare(CLONE_NEWNS) == 0 || ::unshare(CLONE_NEWUSER | CLONE_NEWNS) == 0;
+  if (!apart || ::mount(nullptr, "/", nullptr, MS_REC | MS_PRIVATE, nullptr) != 0) ::_exit(kMayNotMount);
+  const QString before = source();
+  if (::mount("a-new-disk", folder.constData(), "tmpfs", 0, nullptr) != 0) ::_exit(kMayNotMount);
+  const QString mounted = source();
+  ::umount(folder.constData());
+  ::_exit(mounted == u"a-new-disk" && before == source() ? 0 : 1);
+}
+
+TEST(Volumes, areLookedAtAnewWhenOneIsMountedOrTakenAway) {
+  GTEST_FLAG_SET(death_test_style, "threadsafe");
+  bool mayMount = true;
+  const auto isRight = [&](int status) {
+    mayMount = WEXITSTATUS(status) != kMayNotMount;
+    return !mayMount || status == 0;
+  };
+  EXPECT_EXIT(mountAndLook(), isRight, "");
+  if (!mayMount) GTEST_SKIP() << "this system lets nobody mount";
+}
+
 TEST(Volumes, knowWhatCanBeTakenAway) {
   const auto mounts = platform::parseMountTable("21 1 8:1 / / rw,relatime shared:1 - ext4 /dev/sda1 rw\n"
                                                 "30 21 8:17 / /media/u/My\\040Card rw shared:2 - vfat /dev/sdb1 rw\n"
