@@ -11,6 +11,7 @@
 #include <algorithm>
 #include <array>
 #include <atomic>
+#include <latch>
 #include <optional>
 #include <poll.h>
 #include <sys/eventfd.h>
@@ -198,6 +199,7 @@ private:
   const Handler handle;
   Guarded<std::shared_ptr<const WakeUp>> wakeUp{std::make_shared<const WakeUp>()};
   std::atomic<bool> stopping = false;
+  std::latch threadsMade{1};
   Connections connections;
   TlsServer server;
   std::thread listener;
@@ -214,13 +216,19 @@ HttpServer::Private::Private(const CertifiedKey &certificate, quint16 port, Hand
 
 void HttpServer::Private::start() {
   listener = std::thread([this] { server.listen_after_bind(); });
+  // A test may start a process next, and the thread sanitizer crashes where that meets the making of threads.
+  threadsMade.wait();
   // stop() does nothing before the listener runs, so the destructor must not come first.
   while (!server.is_running())
     std::this_thread::sleep_for(1ms);
 }
 
 void HttpServer::Private::setUpServer(int requestsPerConnection) {
-  server.new_task_queue = [] { return new httplib::ThreadPool(kThreadCount); };
+  server.new_task_queue = [this] {
+    auto *const threads = new httplib::ThreadPool(kThreadCount);
+    threadsMade.count_down();
+    return threads;
+  };
   server.set_keep_alive_max_count(size_t(requestsPerConnection));
   server.set_read_timeout(30s);
   server.set_write_timeout(60s);
