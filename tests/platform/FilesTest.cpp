@@ -17,6 +17,7 @@
 #include <sys/file.h>
 #include <sys/mount.h>
 #include <sys/stat.h>
+#include <sys/wait.h>
 #include <unistd.h>
 
 #include <cerrno>
@@ -85,7 +86,6 @@ TEST(HiddenFiles, areSweptOnceTheirWriterIsGone) {
   EXPECT_TRUE(file && busy.exists() && QFile::exists(folder.filePath(u"other.part"_s)));
 }
 
-/// On a folder tree in the form of sysfs: an encrypted volume on the partition of a stick.
 constexpr int kMayNotMount = 77;
 
 /// In a process of its own, whose mounts nobody else sees.
@@ -112,6 +112,7 @@ TEST(Volumes, areLookedAtAnewWhenOneIsMountedOrTakenAway) {
   if (!mayMount) GTEST_SKIP() << "this system lets nobody mount";
 }
 
+/// On a folder tree in the form of sysfs: an encrypted volume on the partition of a stick.
 TEST(Volumes, knowWhatCanBeTakenAway) {
   const auto mounts = platform::parseMountTable("21 1 8:1 / / rw,relatime shared:1 - ext4 /dev/sda1 rw\n"
                                                 "30 21 8:17 / /media/u/My\\040Card rw shared:2 - vfat /dev/sdb1 rw\n"
