@@ -2,11 +2,11 @@
 
 #include "app/KaDownloadDelegate.h"
 #include "app/LoginVerification.h"
-#include "app/log/KaLogUtility.h"
-#include "app/settings/FolderCheck.h"
-#include "app/settings/SettingsFiles.h"
 #include "engine/KaDownloadProcessor.h"
 #include "identity/KaLinkageUtility.h"
+#include "log/KaLogUtility.h"
+#include "settings/FolderCheck.h"
+#include "settings/SettingsFiles.h"
 
 using namespace Qt::StringLiterals;
 

@@ -1,11 +1,11 @@
 #pragma once
 
-#include "app/settings/KaDownloadData.h"
-#include "app/settings/KaDownloadOption.h"
 #include "engine/KaDownloadProcessorDelegate.h"
 #include "platform/Mailbox.h"
 #include "platform/Mutex.h"
 #include "platform/ThreadAnnotations.h"
+#include "settings/KaDownloadData.h"
+#include "settings/KaDownloadOption.h"
 
 #include <QHash>
 #include <QString>

@@ -2,10 +2,10 @@
 
 #include "app/KaDownloadDelegate.h"
 #include "app/LoginVerification.h"
-#include "app/log/ExceptionGuard.h"
-#include "app/log/KaLogUtility.h"
 #include "engine/KaDownloadProcessor.h"
 #include "identity/KaLinkageUtility.h"
+#include "log/ExceptionGuard.h"
+#include "log/KaLogUtility.h"
 
 #include <QUuid>
 

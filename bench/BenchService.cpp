@@ -8,10 +8,10 @@
 
 #include "bench/LinkedHome.h"
 
-#include "app/settings/SettingsFiles.h"
 #include "engine/KaTargetStorage.h"
 #include "sandbox/Library.h"
 #include "sandbox/Service.h"
+#include "settings/SettingsFiles.h"
 
 #include <QCoreApplication>
 #include <QDir>

@@ -11,11 +11,26 @@ target_compile_options(ka_build INTERFACE
   -Wsuggest-override $<$<BOOL:${KA_WERROR}>:-Werror>
   $<$<CXX_COMPILER_ID:Clang>:-Wthread-safety>)
 
-# ka_room(NAME SOURCES files... [USES libraries...]): the library ka_NAME of the room in this folder.
-# USES are public: what a room's headers show, its users see.
+# KA_ROOMS: the rooms, bottom to top. KA_MAY_USE_room: what each may use.
+set_property(DIRECTORY APPEND PROPERTY CMAKE_CONFIGURE_DEPENDS "${PROJECT_SOURCE_DIR}/cmake/rooms.txt")
+file(STRINGS "${PROJECT_SOURCE_DIR}/cmake/rooms.txt" ka_lines REGEX "^[^#]")
+foreach(line IN LISTS ka_lines)
+  string(REGEX REPLACE " +" ";" words "${line}")
+  list(POP_FRONT words room)
+  if(NOT room STREQUAL "values")
+    list(APPEND KA_ROOMS ${room})
+    set(KA_MAY_USE_${room} ${words})
+  endif()
+endforeach()
+
+# ka_room(NAME SOURCES files... [USES libraries...] [PRIVATE_USES libraries...]): the library ka_NAME of the room in
+# this folder, linked with the rooms that it may use. USES are public: what a room's headers show, its users see.
 function(ka_room name)
   cmake_parse_arguments(PARSE_ARGV 1 room "" "" "SOURCES;USES;PRIVATE_USES")
+  set(below ${KA_MAY_USE_${name}})
+  list(FILTER below EXCLUDE REGEX ":values$")
+  list(TRANSFORM below PREPEND ka_)
   add_library(ka_${name} STATIC ${room_SOURCES})
-  target_link_libraries(ka_${name} PUBLIC ${room_USES} PRIVATE ka_build ${room_PRIVATE_USES})
+  target_link_libraries(ka_${name} PUBLIC ${below} ${room_USES} PRIVATE ka_build ${room_PRIVATE_USES})
   set_target_properties(ka_${name} PROPERTIES AUTOMOC ON AUTOUIC ON AUTORCC ON)
 endfunction()

@@ -1,6 +1,6 @@
 #include "engine/DiskSpace.h"
 
-#include "app/log/KaLogUtility.h"
+#include "log/KaLogUtility.h"
 #include "platform/Folders.h"
 #include "platform/VolumeFacts.h"
 

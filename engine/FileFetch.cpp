@@ -1,7 +1,7 @@
 #include "engine/FileFetch.h"
 
-#include "app/log/KaLogUtility.h"
 #include "engine/KaDownloadState.h"
+#include "log/KaLogUtility.h"
 
 #include <QFile>
 

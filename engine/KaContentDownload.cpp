@@ -1,6 +1,5 @@
 #include "engine/KaContentDownload.h"
 
-#include "app/log/KaLogUtility.h"
 #include "engine/DiskSpace.h"
 #include "engine/FileFetch.h"
 #include "engine/KaDownloadProcessorDelegate.h"
@@ -9,6 +8,7 @@
 #include "engine/KaImageMetadata.h"
 #include "engine/ObjectKey.h"
 #include "engine/OutputFolder.h"
+#include "log/KaLogUtility.h"
 #include "platform/FileDates.h"
 #include "service/KaServerRequest.h"
 

@@ -1,6 +1,5 @@
 #include "engine/KaContentListing.h"
 
-#include "app/settings/KaDownloadData.h"
 #include "engine/KaDownloadProcessorDelegate.h"
 #include "engine/KaDownloadSession.h"
 #include "engine/KaDownloadState.h"
@@ -8,10 +7,11 @@
 #include "engine/ObjectKey.h"
 #include "engine/PresignedUrl.h"
 #include "engine/VersionOrder.h"
-#include "identity/JsonValue.h"
 #include "platform/AppInfo.h"
+#include "platform/JsonValue.h"
 #include "service/KaApplicationConstants.h"
 #include "service/KaServerRequest.h"
+#include "settings/KaDownloadData.h"
 
 #include <QJsonArray>
 #include <QJsonObject>

@@ -1,7 +1,7 @@
 #pragma once
 
-#include "app/log/KaLogUtility.h"
 #include "engine/KaTargetStorage.h"
+#include "log/KaLogUtility.h"
 #include "service/KaResultCode.h"
 
 #include <QHash>

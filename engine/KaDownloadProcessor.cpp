@@ -1,7 +1,5 @@
 #include "engine/KaDownloadProcessor.h"
 
-#include "app/log/ExceptionGuard.h"
-#include "app/log/KaLogUtility.h"
 #include "engine/KaContentDownload.h"
 #include "engine/KaContentListing.h"
 #include "engine/KaDownloadProcessorDelegate.h"
@@ -10,6 +8,8 @@
 #include "engine/KaDownloadState.h"
 #include "engine/KaImageMetadata.h"
 #include "engine/KaPreviewDownload.h"
+#include "log/ExceptionGuard.h"
+#include "log/KaLogUtility.h"
 #include "platform/AppInfo.h"
 #include "platform/ThreadName.h"
 #include "service/KaServerRequest.h"

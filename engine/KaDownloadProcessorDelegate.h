@@ -1,9 +1,9 @@
 #pragma once
 
-#include "app/settings/KaDownloadOption.h"
-#include "app/settings/KaWaitTimes.h"
 #include "engine/KaAppStatus.h"
 #include "service/KaResultCode.h"
+#include "settings/KaDownloadOption.h"
+#include "settings/KaWaitTimes.h"
 
 #include <QString>
 #include <QStringList>

@@ -1,12 +1,12 @@
 #include "engine/KaDownloadRun.h"
 
-#include "app/log/KaLogUtility.h"
 #include "engine/KaContentDownload.h"
 #include "engine/KaContentListing.h"
 #include "engine/KaDownloadProcessorDelegate.h"
 #include "engine/KaDownloadSession.h"
 #include "engine/KaDownloadState.h"
 #include "engine/KaPreviewDownload.h"
+#include "log/KaLogUtility.h"
 #include "service/KaApplicationConstants.h"
 #include "service/KaServerRequest.h"
 

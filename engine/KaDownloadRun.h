@@ -1,9 +1,9 @@
 #pragma once
 
-#include "app/settings/KaDownloadOption.h"
 #include "engine/KaDownloadReport.h"
 #include "engine/KaTargetStorage.h"
 #include "service/KaResultCode.h"
+#include "settings/KaDownloadOption.h"
 
 #include <QString>
 

@@ -1,12 +1,12 @@
 #include "engine/KaDownloadSession.h"
 
-#include "app/log/KaLogUtility.h"
 #include "engine/KaDownloadProcessorDelegate.h"
 #include "engine/KaTargetStorage.h"
 #include "engine/ListingParser.h"
-#include "identity/JsonValue.h"
 #include "identity/KaIdVerificationUtility.h"
 #include "identity/KaLinkageUtility.h"
+#include "log/KaLogUtility.h"
+#include "platform/JsonValue.h"
 #include "service/KaApplicationConstants.h"
 #include "service/KaServerRequest.h"
 

@@ -1,7 +1,7 @@
 #pragma once
 
-#include "app/settings/KaWaitTimes.h"
 #include "engine/KaWaitCondition.h"
+#include "settings/KaWaitTimes.h"
 
 #include <atomic>
 

@@ -1,10 +1,10 @@
 #include "engine/KaImageMetadata.h"
 
-#include "app/log/KaLogUtility.h"
 #include "engine/KaDownloadSession.h"
 #include "engine/KaDownloadState.h"
 #include "engine/ObjectKey.h"
-#include "identity/JsonValue.h"
+#include "log/KaLogUtility.h"
+#include "platform/JsonValue.h"
 #include "service/KaServerRequest.h"
 
 #include <QJsonArray>

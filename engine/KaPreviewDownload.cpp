@@ -1,6 +1,5 @@
 #include "engine/KaPreviewDownload.h"
 
-#include "app/log/KaLogUtility.h"
 #include "engine/DiskSpace.h"
 #include "engine/FileFetch.h"
 #include "engine/KaDownloadProcessorDelegate.h"
@@ -10,6 +9,7 @@
 #include "engine/KaTargetStorage.h"
 #include "engine/ObjectKey.h"
 #include "engine/OutputFolder.h"
+#include "log/KaLogUtility.h"
 #include "platform/FileDates.h"
 #include "service/KaServerRequest.h"
 

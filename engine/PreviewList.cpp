@@ -1,7 +1,7 @@
 #include "engine/PreviewList.h"
 
-#include "app/log/KaLogUtility.h"
-#include "identity/JsonValue.h"
+#include "log/KaLogUtility.h"
+#include "platform/JsonValue.h"
 
 #include <QJsonArray>
 #include <QJsonObject>

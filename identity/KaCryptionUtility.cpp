@@ -1,7 +1,7 @@
 #include "identity/KaCryptionUtility.h"
 
-#include "app/log/ExceptionGuard.h"
 #include "identity/OpenSslHandle.h"
+#include "log/ExceptionGuard.h"
 #include "platform/UserId.h"
 #include "service/SignatureV4.h"
 

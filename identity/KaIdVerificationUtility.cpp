@@ -1,9 +1,9 @@
 #include "identity/KaIdVerificationUtility.h"
 
-#include "app/log/ExceptionGuard.h"
-#include "app/log/KaLogUtility.h"
-#include "identity/JsonValue.h"
 #include "identity/RsaSignature.h"
+#include "log/ExceptionGuard.h"
+#include "log/KaLogUtility.h"
+#include "platform/JsonValue.h"
 #include "platform/Mutex.h"
 #include "service/KaApplicationConstants.h"
 #include "service/KaServerRequest.h"

@@ -1,10 +1,10 @@
 #include "identity/KaLinkageUtility.h"
 
-#include "app/log/ExceptionGuard.h"
 #include "identity/KaCryptionUtility.h"
-#include "identity/PrivateFile.h"
+#include "log/ExceptionGuard.h"
 #include "platform/Folders.h"
 #include "platform/Opening.h"
+#include "platform/PrivateFile.h"
 #include "service/KaApplicationConstants.h"
 
 #include <QFile>

@@ -1,8 +1,8 @@
 #include "service/KaServerRequest.h"
 
-#include "app/log/KaLogUtility.h"
-#include "identity/JsonValue.h"
 #include "identity/KaLinkageUtility.h"
+#include "log/KaLogUtility.h"
+#include "platform/JsonValue.h"
 #include "service/KaApplicationConstants.h"
 
 #include <QJsonDocument>

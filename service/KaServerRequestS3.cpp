@@ -1,4 +1,4 @@
-#include "app/log/KaLogUtility.h"
+#include "log/KaLogUtility.h"
 #include "platform/UnpublishedFile.h"
 #include "service/KaApplicationConstants.h"
 #include "service/KaServerRequest.h"

@@ -1,6 +1,6 @@
 #include "service/TrustAnchors.h"
 
-#include "app/log/KaLogUtility.h"
+#include "log/KaLogUtility.h"
 
 #include <QDir>
 #include <QFile>

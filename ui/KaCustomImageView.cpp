@@ -1,8 +1,8 @@
 #include "ui/KaCustomImageView.h"
 
 #include "app/KaModelFacade.h"
-#include "app/log/ExceptionGuard.h"
-#include "app/log/KaLogUtility.h"
+#include "log/ExceptionGuard.h"
+#include "log/KaLogUtility.h"
 #include "platform/ModifierKeys.h"
 #include "platform/Opening.h"
 #include "ui/KaLogStateDelegate.h"

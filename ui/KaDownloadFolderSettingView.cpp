@@ -1,7 +1,7 @@
 #include "ui/KaDownloadFolderSettingView.h"
 
 #include "app/KaModelFacade.h"
-#include "app/log/ExceptionGuard.h"
+#include "log/ExceptionGuard.h"
 #include "ui/Texts.h"
 #include "ui_DownloadFolderSettingWindow.h"
 

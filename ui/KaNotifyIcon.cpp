@@ -1,8 +1,8 @@
 #include "ui/KaNotifyIcon.h"
 
 #include "app/KaModelFacade.h"
-#include "app/log/ExceptionGuard.h"
-#include "app/log/KaLogUtility.h"
+#include "log/ExceptionGuard.h"
+#include "log/KaLogUtility.h"
 #include "platform/LoginItem.h"
 #include "platform/Opening.h"
 #include "platform/UserDefaults.h"

@@ -1,6 +1,6 @@
 #include "ui/KaVersionInformationView.h"
 
-#include "app/log/KaLogUtility.h"
+#include "log/KaLogUtility.h"
 #include "platform/AppInfo.h"
 #include "ui/Texts.h"
 #include "ui_VersionInformationWindow.h"

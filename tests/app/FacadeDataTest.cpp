@@ -1,5 +1,5 @@
 #include "app/KaModelFacade.h"
-#include "app/settings/SettingsFiles.h"
+#include "settings/SettingsFiles.h"
 #include "tests/support/TestProfile.h"
 
 #include <gtest/gtest.h>

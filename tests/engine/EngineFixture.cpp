@@ -1,7 +1,7 @@
 #include "tests/engine/EngineFixture.h"
 
-#include "app/log/KaLogUtility.h"
 #include "identity/KaLinkageUtility.h"
+#include "log/KaLogUtility.h"
 #include "tests/log/LogFile.h"
 
 using namespace Qt::StringLiterals;

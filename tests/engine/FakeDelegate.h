@@ -1,7 +1,7 @@
 #pragma once
 
-#include "app/settings/KaDownloadData.h"
 #include "engine/KaDownloadProcessorDelegate.h"
+#include "settings/KaDownloadData.h"
 
 #include <QHash>
 

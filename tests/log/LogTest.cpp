@@ -1,5 +1,5 @@
-#include "app/log/ExceptionGuard.h"
-#include "app/log/KaLogUtility.h"
+#include "log/ExceptionGuard.h"
+#include "log/KaLogUtility.h"
 #include "platform/UserDefaults.h"
 #include "tests/log/LogFile.h"
 

@@ -1,4 +1,4 @@
-#include "app/log/KaLogUtility.h"
+#include "log/KaLogUtility.h"
 #include "service/KaApplicationConstants.h"
 #include "service/KaXMLParser.h"
 #include "service/SignatureV4.h"

@@ -1,4 +1,4 @@
-#include "app/settings/FolderCheck.h"
+#include "settings/FolderCheck.h"
 #include "tests/support/TestProfile.h"
 
 #include <QFile>

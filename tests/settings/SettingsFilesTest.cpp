@@ -1,4 +1,4 @@
-#include "app/settings/SettingsFiles.h"
+#include "settings/SettingsFiles.h"
 #include "identity/KaCryptionUtility.h"
 #include "tests/support/TestProfile.h"
 

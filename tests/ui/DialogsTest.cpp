@@ -1,5 +1,5 @@
 #include "app/KaModelFacade.h"
-#include "app/log/KaLogUtility.h"
+#include "log/KaLogUtility.h"
 #include "platform/AppInfo.h"
 #include "tests/ui/UiProfile.h"
 #include "ui/KaCustomImageView.h"

@@ -1,7 +1,7 @@
 #include "ui/KaNotifyIcon.h"
 
 #include "app/KaModelFacade.h"
-#include "app/log/ExceptionGuard.h"
+#include "log/ExceptionGuard.h"
 #include "platform/UserDefaults.h"
 #include "tests/support/FakeBrowser.h"
 #include "tests/ui/UiProfile.h"

@@ -36,7 +36,7 @@ TEST(Texts, areThereForEveryKeyInUse) {
   const auto english = textsIn(u"pictora_en.ts"_s);
   static const QRegularExpression key(u"\"((?:APP|CHK|DLG|MENU|MSG|TOOL_TIP)_[A-Z0-9_]+)\"_L1"_s);
   QSet<QString> used;
-  for (const QString &folder : {u"/ui"_s, u"/app/main"_s})
+  for (const QString &folder : {u"/ui"_s, u"/main"_s})
     for (const QFileInfo &source : QDir(QStringLiteral(KA_SOURCE) + folder).entryInfoList({u"*.cpp"_s}))
       for (auto match = key.globalMatch(QString::fromUtf8(contentOf(source.filePath()))); match.hasNext();)
         used << match.next().captured(1);

@@ -1,4 +1,4 @@
-#include "app/main/CommandLine.h"
+#include "main/CommandLine.h"
 
 using namespace Qt::StringLiterals;
 

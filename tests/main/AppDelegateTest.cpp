@@ -1,4 +1,4 @@
-#include "app/main/AppDelegate.h"
+#include "main/AppDelegate.h"
 
 #include "app/KaModelFacade.h"
 #include "platform/UserDefaults.h"

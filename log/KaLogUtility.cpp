@@ -1,4 +1,4 @@
-#include "app/log/KaLogUtility.h"
+#include "log/KaLogUtility.h"
 
 #include "platform/Folders.h"
 #include "platform/Mutex.h"

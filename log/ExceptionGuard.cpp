@@ -1,6 +1,6 @@
-#include "app/log/ExceptionGuard.h"
+#include "log/ExceptionGuard.h"
 
-#include "app/log/KaLogUtility.h"
+#include "log/KaLogUtility.h"
 
 #include <boost/core/demangle.hpp>
 #include <boost/stacktrace.hpp>

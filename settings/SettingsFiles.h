@@ -1,8 +1,8 @@
 #pragma once
 
-#include "app/settings/KaDownloadData.h"
-#include "app/settings/KaDownloadOption.h"
-#include "app/settings/KaWaitTimes.h"
+#include "settings/KaDownloadData.h"
+#include "settings/KaDownloadOption.h"
+#include "settings/KaWaitTimes.h"
 
 #include <QHash>
 #include <QString>

@@ -1,12 +1,12 @@
-#include "app/settings/SettingsFiles.h"
+#include "settings/SettingsFiles.h"
 
-#include "app/log/ExceptionGuard.h"
-#include "app/settings/PropertyList.h"
-#include "identity/JsonValue.h"
 #include "identity/KaCryptionUtility.h"
-#include "identity/PrivateFile.h"
+#include "log/ExceptionGuard.h"
 #include "platform/Folders.h"
+#include "platform/JsonValue.h"
+#include "platform/PrivateFile.h"
 #include "platform/UserDefaults.h"
+#include "settings/PropertyList.h"
 
 #include <QDir>
 #include <QFileInfo>

@@ -1,4 +1,4 @@
-#include "identity/JsonValue.h"
+#include "platform/JsonValue.h"
 
 #include <QJsonDocument>
 #include <QJsonValue>

@@ -1,4 +1,4 @@
-#include "app/settings/FolderCheck.h"
+#include "settings/FolderCheck.h"
 
 #include "platform/Folders.h"
 

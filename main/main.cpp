@@ -1,5 +1,5 @@
-#include "app/main/AppDelegate.h"
-#include "app/main/CommandLine.h"
+#include "main/AppDelegate.h"
+#include "main/CommandLine.h"
 #include "platform/AppInfo.h"
 #include "platform/SingleInstance.h"
 #include "platform/TerminationSignals.h"

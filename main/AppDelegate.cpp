@@ -1,8 +1,8 @@
-#include "app/main/AppDelegate.h"
+#include "main/AppDelegate.h"
 
 #include "app/KaModelFacade.h"
-#include "app/log/ExceptionGuard.h"
-#include "app/log/KaLogUtility.h"
+#include "log/ExceptionGuard.h"
+#include "log/KaLogUtility.h"
 #include "platform/AppInfo.h"
 #include "platform/LoginItem.h"
 #include "platform/UserDefaults.h"

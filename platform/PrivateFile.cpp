@@ -1,4 +1,4 @@
-#include "identity/PrivateFile.h"
+#include "platform/PrivateFile.h"
 
 #include <QFile>
 #include <QFileInfo>

@@ -1,4 +1,4 @@
-#include "app/settings/PropertyList.h"
+#include "settings/PropertyList.h"
 
 #include <plist/plist.h>
 

@@ -1,0 +1,28 @@
+# What only this system has; read by platform/CMakeLists.txt.
+set_source_files_properties(linux/org.freedesktop.Notifications.xml PROPERTIES NO_NAMESPACE ON CLASSNAME NotificationsProxy)
+qt_add_dbus_interface(notifications_proxy linux/org.freedesktop.Notifications.xml NotificationsProxy)
+
+set(system_sources
+  linux/AppInfo.cpp
+  linux/ApplicationAdaptor.h
+  linux/BlockDevice.cpp linux/BlockDevice.h
+  linux/DesktopEntry.cpp linux/DesktopEntry.h
+  linux/FileDates.cpp
+  linux/FileDescriptor.h
+  linux/Folders.cpp
+  linux/LoginItem.cpp
+  linux/ModifierKeys.cpp
+  linux/MountTable.cpp linux/MountTable.h
+  linux/NotificationCenter.cpp
+  linux/Opening.cpp
+  linux/SingleInstance.cpp
+  linux/TerminationSignals.cpp
+  linux/ThreadName.cpp
+  linux/TrayHost.cpp
+  linux/UnpublishedFile.cpp
+  linux/UrlScheme.cpp
+  linux/UserDefaults.cpp
+  linux/UserId.cpp
+  linux/VolumeFacts.cpp
+  ${notifications_proxy})
+set(system_libraries Qt6::DBus PkgConfig::XCB)
