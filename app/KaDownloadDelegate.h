@@ -5,7 +5,20 @@
 
 class KaModelFacade;
 
-/// Receives all that the facade has to tell. Calls come on the facade's caller's thread, the download thread included.
+/// Receives all that the facade has to tell, in this order:
+///
+/// - At start, from initializeLinkageSetting. Linked: onChangeStatus(Normal), onChangeLinkage(true); reports of the
+///   first run may come before the latter. Not linked: onProcessingResult(NotLinked).
+/// - A login that completes: the link is stored and awaits its folders, then onCompleteLinkageSetting,
+///   onChangeLinkage(true). No run of it begins before KaModelFacade::confirmFolders. One that fails:
+///   onProcessingResult alone, and the link stays as it was.
+/// - A log-out, from closeLinkage: the link is over, then onChangeStatus(NotLinked), onProcessingResult(Unlinked). From
+///   then on no status and no result of that link's runs is told.
+/// - A run: onSetEnableLogginMenu(false), its statuses and results, onSetEnableLogginMenu(true).
+/// - onFinishDownloadProcess is the last call of the download thread.
+///
+/// Main thread: onCompleteLinkageSetting, onChangeLinkage, and what belongs to start, login and log-out. Download
+/// thread: what belongs to runs and their end. So the others come from either, and must not block.
 class KaDownloadDelegate {
 public:
   KaDownloadDelegate() = default;
@@ -15,8 +28,8 @@ public:
 
   virtual void onChangeStatus(KaModelFacade &facade, KaAppStatus statusMode) = 0;
   virtual void onProcessingResult(KaModelFacade &facade, KaResultCode result, bool userTrigger) = 0;
-  virtual void onCompleteLinkageSetting() = 0;         ///< a login has completed and was stored; main thread
+  virtual void onCompleteLinkageSetting() = 0;         ///< a login has completed and was stored
   virtual void onSetEnableLogginMenu(bool enable) = 0; ///< the link / log-out entry may be used
   virtual void onFinishDownloadProcess() = 0;          ///< the download thread has ended
-  virtual void onChangeLinkage(bool linked) = 0;       ///< main thread
+  virtual void onChangeLinkage(bool linked) = 0;       ///< a link is there, or none any more
 };

@@ -3,8 +3,8 @@
 #include "app/KaDownloadDelegate.h"
 #include "app/LoginVerification.h"
 #include "engine/KaDownloadProcessor.h"
-#include "identity/KaLinkageUtility.h"
 #include "log/KaLogUtility.h"
+#include "platform/ThreadBound.h"
 #include "settings/FolderCheck.h"
 #include "settings/SettingsFiles.h"
 
@@ -18,7 +18,7 @@ KaModelFacade &KaModelFacade::sharedInstance() {
 KaModelFacade::KaModelFacade() : dOption(defaultDownloadOption()) {
   // Without it the settings of the first dialog would be lost: saving them makes no folder.
   if (!ensureAppFolder()) KaLogUtility::writeErrorLog(u"the app folder cannot be made"_s);
-  dlProc = std::make_unique<KaDownloadProcessor>(*this);
+  dlProc = std::make_unique<KaDownloadProcessor>(*this, link);
 }
 
 KaModelFacade::~KaModelFacade() {
@@ -77,8 +77,8 @@ KaResultCode KaModelFacade::verifyDownloadOptionParentFolder(const QString &path
   return verifyDownloadFolder(path);
 }
 
-void KaModelFacade::loadWaitTimeInfo(KaWaitTimes &waitTimes) const {
-  loadWaitTimeOverrides(waitTimes);
+KaWaitTimes KaModelFacade::loadWaitTimeInfo(KaWaitTimes builtIn) const {
+  return loadWaitTimes(builtIn);
 }
 
 void KaModelFacade::setDownloadDataUUID(const QString &key) {
@@ -159,15 +159,18 @@ void KaModelFacade::notifyDownloadProcessFinish() {
 }
 
 void KaModelFacade::downloadNow(bool initialAccess) {
-  if (initialAccess) dlProc->startReceiving(/*initialAccess=*/true);
+  platform::assertMainThread();
+  if (initialAccess) return dlProc->startReceiving(/*initialAccess=*/true);
   dlProc->getContentsNow();
 }
 
 void KaModelFacade::cancelPollingWait() {
+  platform::assertMainThread();
   dlProc->cancelPollingWait();
 }
 
 void KaModelFacade::endDownloadProcess() {
+  platform::assertMainThread();
   // A login under verification would outlive what it uses.
   logins.clear();
   dlProc->endDownloadProcess();

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "engine/KaDownloadProcessorDelegate.h"
+#include "identity/KaLink.h"
 #include "platform/Mailbox.h"
 #include "platform/Mutex.h"
 #include "platform/ThreadAnnotations.h"
@@ -19,7 +20,7 @@ class KaDownloadDelegate;
 class KaDownloadProcessor;
 
 /// The one object through which the user interface and the download engine meet: it owns the settings, the bookkeeping,
-/// the cached ID token, the login in progress and the download processor. Made on the main thread.
+/// the link, the login in progress and the download processor. Made on the main thread.
 class KaModelFacade final : public KaDownloadProcessorDelegate {
 public:
   [[nodiscard]] static KaModelFacade &sharedInstance();
@@ -41,7 +42,7 @@ public:
   void saveDownloadFolderSetting() const;
   bool loadDownloadFolderSetting(); ///< always false
   [[nodiscard]] KaResultCode verifyDownloadOptionParentFolder(const QString &path) const override;
-  void loadWaitTimeInfo(KaWaitTimes &waitTimes) const override;
+  [[nodiscard]] KaWaitTimes loadWaitTimeInfo(KaWaitTimes builtIn) const override;
   /// @}
 
   /// @name Bookkeeping, by target key. Any thread.
@@ -69,27 +70,29 @@ public:
 
   /// @name The download thread. Main thread.
   /// @{
-  /// @param initialAccess  also wakes a thread that waits for a link, for the first run of that link.
+  /// @param initialAccess  the first run of a new link, which ends either wait; else a run that the user asks for now.
   void downloadNow(bool initialAccess);
   void cancelPollingWait();
   void endDownloadProcess();
   /// @}
-
-  /// @name The log
-  /// @{
+  // The log.
   void switchLogMode();
   [[nodiscard]] std::optional<QString> getOutputLogFilePath() const;
-  /// @}
 
-  /// @name Linkage. Main thread, but for those that the download thread reads.
+  /// @name Linkage. Main thread, but for the questions, which any thread may ask. What is told: see KaDownloadDelegate.
   /// @{
-  bool saveLinkageSetting(const QString &idToken) override;
-  [[nodiscard]] std::optional<QString> loadLinkageSetting() const override;
-  [[nodiscard]] bool bLoggedIn() const override { return loggedIn; }
+  [[nodiscard]] KaLinkState linkState() const { return link.state(); }
+  [[nodiscard]] bool bLoggedIn() const { return link.isLinkedOrBeingSetUp(); }
+  [[nodiscard]] std::optional<QString> loadLinkageSetting() const { return link.idToken(); }
+  /// Takes up the stored link and lets its runs begin. Once, at start, with the delegate in place.
   void initializeLinkageSetting();
+  /// Opens the login page. Drops a login whose token is being verified.
   void setupLinkage();
-  /// Takes the login in progress; the token is verified on a thread of its own and its effects come back to this one.
+  /// Verifies a callback's token on a thread of its own; the effects come back to this one. A token that completed the
+  /// last login, or is being verified, changes and tells nothing: browsers call twice.
   void setIdCode(const QString &token);
+  /// After onCompleteLinkageSetting: the user has seen the folders, so runs of the new link may begin.
+  void confirmFolders() { link.confirmFolders(); }
   void closeLinkage();
   /// @}
 
@@ -98,6 +101,7 @@ private:
 
   class LoginVerification;
 
+  [[nodiscard]] bool isBeingVerified(const QString &token) const;
   void dropLogins();
   void endLogin(LoginVerification &ended, KaResultCode verdict);
   void finishLogin(const QString &token, KaResultCode verdict);
@@ -106,9 +110,7 @@ private:
   KaDownloadOption dOption KA_GUARDED_BY(optionLock);
   mutable platform::Mutex dataLock;
   QHash<QString, KaDownloadData> dData KA_GUARDED_BY(dataLock);
-  platform::Guarded<std::optional<QString>> dIdToken; ///< guards no more than its own copying
-  std::optional<QString> nonce;                       ///< main thread
-  std::atomic<bool> loggedIn = false;
+  KaLink link;
   std::atomic<KaDownloadDelegate *> dlDelegate = nullptr;
   platform::Mailbox mailbox;
   /// Main thread, in the order of the callbacks; dropped ones stay until their thread has ended. All end before the

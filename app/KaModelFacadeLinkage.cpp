@@ -6,29 +6,17 @@
 #include "identity/KaLinkageUtility.h"
 #include "log/ExceptionGuard.h"
 #include "log/KaLogUtility.h"
-
-#include <QUuid>
+#include "platform/ThreadBound.h"
 
 #include <algorithm>
 #include <utility>
 
 using namespace Qt::StringLiterals;
 
-bool KaModelFacade::saveLinkageSetting(const QString &idToken) {
-  dIdToken.set(idToken);
-  return KaLinkageUtility::saveLinkageSetting(idToken);
-}
-
-std::optional<QString> KaModelFacade::loadLinkageSetting() const {
-  const auto cached = dIdToken.get();
-  return cached ? cached : KaLinkageUtility::loadLinkageSetting();
-}
-
 void KaModelFacade::initializeLinkageSetting() {
-  const bool linked = loadLinkageSetting().has_value();
-  // Before the thread is woken, which looks at this first and would go back to sleep.
-  loggedIn = linked;
-  if (!linked) return setProcessingResult(KaResultCode::NotLinked, /*userTrigger=*/false);
+  platform::assertMainThread();
+  // Before the thread is woken, which looks at the link first and would go back to sleep.
+  if (!link.load()) return setProcessingResult(KaResultCode::NotLinked, /*userTrigger=*/false);
 
   setAppStatus(KaAppStatus::Normal);
   dlProc->startReceiving(/*initialAccess=*/false);
@@ -36,23 +24,28 @@ void KaModelFacade::initializeLinkageSetting() {
 }
 
 void KaModelFacade::setupLinkage() {
+  platform::assertMainThread();
   dropLogins();
-  KaLinkageUtility::deletePairingInfo();
-  nonce = QUuid::createUuid().toString(QUuid::WithoutBraces).toUpper();
-  if (!KaLinkageUtility::setupLinkage(*nonce)) KaLogUtility::writeErrorLog(u"the login page cannot be opened"_s);
-  loggedIn = true;
+  if (link.beginLogin()) return;
+  KaLogUtility::writeErrorLog(u"the login page cannot be opened"_s);
+  dlProc->loginEnded();
 }
 
 void KaModelFacade::setIdCode(const QString &token) {
-  // One that is still being verified goes on: browsers may call twice for a login, and the second finds no nonce.
-  const auto expectedNonce = std::exchange(nonce, std::nullopt);
-  logins.push_back(
-      std::make_unique<LoginVerification>(token, expectedNonce, [this](LoginVerification &ended, KaResultCode verdict) {
+  platform::assertMainThread();
+  // The second call of a browser finds the nonce used, which is no fault of the login.
+  if (link.isRepeated(token) || isBeingVerified(token)) return;
+  logins.push_back(std::make_unique<LoginVerification>(
+      token, link.useNonce(), [this](LoginVerification &ended, KaResultCode verdict) {
         mailbox.post([this, &ended, verdict] {
           if (!runGuarded([&] { endLogin(ended, verdict); }))
             setProcessingResult(KaResultCode::Unexpected, /*userTrigger=*/false);
         });
       }));
+}
+
+bool KaModelFacade::isBeingVerified(const QString &token) const {
+  return std::any_of(logins.begin(), logins.end(), [&token](const auto &login) { return login->idToken() == token; });
 }
 
 void KaModelFacade::dropLogins() {
@@ -74,10 +67,13 @@ void KaModelFacade::endLogin(LoginVerification &ended, KaResultCode verdict) {
 }
 
 void KaModelFacade::finishLogin(const QString &token, KaResultCode verdict) {
-  if (verdict != KaResultCode::Success) return setProcessingResult(verdict, /*userTrigger=*/false);
-
-  if (!saveLinkageSetting(token)) KaLogUtility::writeErrorLog(u"the linkage cannot be saved"_s);
-  loggedIn = true;
+  if (verdict != KaResultCode::Success) {
+    if (link.giveUpLogin()) dlProc->loginEnded();
+    return setProcessingResult(verdict, /*userTrigger=*/false);
+  }
+  if (!link.completeLogin(token)) KaLogUtility::writeErrorLog(u"the linkage cannot be saved"_s);
+  // Of the link before it: a request in its name would only be waited for.
+  dlProc->deleteCredential();
   KaDownloadDelegate *const delegate = dlDelegate;
   if (!delegate) return;
   delegate->onCompleteLinkageSetting();
@@ -85,12 +81,12 @@ void KaModelFacade::finishLogin(const QString &token, KaResultCode verdict) {
 }
 
 void KaModelFacade::closeLinkage() {
+  platform::assertMainThread();
+  // First of all: a browser takes its time, and nothing of the old link must come back meanwhile.
+  link.close();
   dropLogins();
   if (!KaLinkageUtility::closeLinkage()) KaLogUtility::writeErrorLog(u"the logout page cannot be opened"_s);
   dlProc->deleteCredential();
   setAppStatus(KaAppStatus::NotLinked);
   setProcessingResult(KaResultCode::Unlinked, /*userTrigger=*/false);
-  // First the flag: a run that is just storing a refreshed token looks at it.
-  loggedIn = false;
-  KaLinkageUtility::deletePairingInfo();
 }

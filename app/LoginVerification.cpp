@@ -4,7 +4,7 @@
 
 KaModelFacade::LoginVerification::LoginVerification(const QString &idToken, const std::optional<QString> &expectedNonce,
                                                     Report report)
-    : token(idToken), request(&endFlag),
+    : token(idToken), request([this] { return endFlag.load(); }),
       thread([this, expectedNonce, report = std::move(report)] { verify(expectedNonce, report); }) {
 }
 

@@ -1,7 +1,7 @@
 #include "bench/LinkedHome.h"
 
-#include "app/KaModelFacade.h"
 #include "identity/KaLinkageUtility.h"
+#include "settings/SettingsFiles.h"
 
 #include <QDir>
 #include <QFile>
@@ -19,12 +19,11 @@ void makeLinkedHome(const QString &folder, sandbox::Service &service) {
   useDefaults(service.userDefaults());
 
   const auto link = service.issueLinkedToken();
-  auto &facade = KaModelFacade::sharedInstance();
-  KaDownloadOption option = facade.downloadOption();
+  KaDownloadOption option = defaultDownloadOption();
   option.checkBoxCreateSubfolder = u"false"_s;
   option.checkBoxDownloadMetadata = u"false"_s;
-  facade.setDownloadOption(option);
-  if (!facade.saveLinkageSetting(link.idToken) || !KaLinkageUtility::saveTokenCode(link.tokenCode))
+  if (!ensureAppFolder() || !saveDownloadOption(option)) throw std::runtime_error("cannot save settings");
+  if (!KaLinkageUtility::saveLinkageSetting(link.idToken) || !KaLinkageUtility::saveTokenCode(link.tokenCode))
     throw std::runtime_error("cannot link");
 }
 

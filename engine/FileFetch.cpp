@@ -1,6 +1,6 @@
 #include "engine/FileFetch.h"
 
-#include "engine/KaDownloadState.h"
+#include "engine/KaPass.h"
 #include "log/KaLogUtility.h"
 
 #include <QFile>
@@ -9,13 +9,11 @@ using namespace Qt::StringLiterals;
 
 namespace {
 
-constexpr int kLastAttempt = 3;
-constexpr qint64 kNotFound = 404;
+constexpr int kAttempts = 4;
 
 FetchedFile refused(const FileOrder &order, const SavedObject &saved) {
-  KaLogUtility::writeConnectionResultLog(KaLogStep::Download, false,
-                                         {order.logLine, u"HTTP=%1"_s.arg(saved.statusCode)});
-  if (saved.statusCode != kNotFound) return {FileOutcome::Failed, saved};
+  KaLogUtility::writeConnectionResultLog(KaLogStep::Download, false, {order.logLine, httpLine(saved.statusCode)});
+  if (saved.result != KaResultCode::ObjectMissing) return {FileOutcome::Failed, saved};
   KaLogUtility::writeInfoLog(u"Skip DownloadFile"_s,
                              {order.missingName + u" : Skip download because file not found."_s});
   return {FileOutcome::Missing, saved};
@@ -30,16 +28,16 @@ void discard(const FileOrder &order, const SavedObject &saved) {
 
 } // namespace
 
-FetchedFile fetchFile(const FileOrder &order, const KaDownloadState &state) {
+FetchedFile fetchFile(const FileOrder &order, const KaPass &pass) {
   for (int attempt = 0;; ++attempt) {
     if (attempt > 0) KaLogUtility::writeInfoLog(u"Retry DownloadFile"_s, {u"RetryCount=%1"_s.arg(attempt)});
     const SavedObject saved = order.request();
     const bool named = saved.result == KaResultCode::Success;
     if (!named && saved.result != KaResultCode::DefaultFileName) return refused(order, saved);
     if (named && saved.outputFileSize == order.refFileSize) return {FileOutcome::Confirmed, saved};
-    if (attempt == kLastAttempt) return {FileOutcome::Unconfirmed, saved};
+    if (attempt + 1 == kAttempts) return {FileOutcome::Unconfirmed, saved};
     discard(order, saved);
-    if (state.endAppFlag) return {FileOutcome::Stopped, saved};
+    if (pass.isOver()) return {FileOutcome::Stopped, saved};
   }
 }
 

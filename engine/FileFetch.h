@@ -1,12 +1,12 @@
 #pragma once
 
-#include "service/KaServerRequest.h"
+#include "service/ServerAnswer.h"
 
 #include <QString>
 
 #include <functional>
 
-struct KaDownloadState;
+class KaPass;
 
 /// One file that a pass fetches, and how its log entries call it.
 struct FileOrder {
@@ -21,7 +21,7 @@ enum class FileOutcome {
   Unconfirmed, ///< the fourth copy: it stays although its size or name is not the right one
   Missing,     ///< there is no such object (any more)
   Failed,      ///< the request's result tells; nothing is on disk
-  Stopped,     ///< the program ends; nothing is on disk
+  Stopped,     ///< the pass must end; nothing is on disk
 };
 
 struct FetchedFile {
@@ -30,7 +30,7 @@ struct FetchedFile {
 };
 
 /// Asks up to four times, without a pause, until the size is right. Download thread.
-[[nodiscard]] FetchedFile fetchFile(const FileOrder &order, const KaDownloadState &state);
+[[nodiscard]] FetchedFile fetchFile(const FileOrder &order, const KaPass &pass);
 
 /// The log entry of a file that stays, at @p path.
 void writeSavedLog(const FileOrder &order, const SavedObject &saved, const QString &path);

@@ -1,22 +1,20 @@
 #pragma once
 
-#include "engine/FilledFolders.h"
 #include "engine/KaContentListing.h"
+#include "engine/KaKeptCopies.h"
+#include "engine/KaPass.h"
 #include "engine/KaTargetStorage.h"
-#include "engine/KeptCopies.h"
+#include "platform/ThreadBound.h"
 #include "service/KaResultCode.h"
 
 #include <QDateTime>
 #include <QString>
 
-#include <optional>
-
-class KaDownloadProcessorDelegate;
-class KaDownloadSession;
+class KaBookkeeping;
 class KaImageMetadata;
-class KaServerRequest;
+class KaStorage;
 struct FileOrder;
-struct KaDownloadState;
+struct KaMetadata;
 struct SavedObject;
 
 /// Where and how a pass saves.
@@ -30,8 +28,8 @@ struct KaContentTarget {
 
 /// One file to fetch.
 struct KaContentOrder {
-  QString objectKey{};
-  QString listedKey{}; ///< the key that the listing knows the image by
+  KaImageKey object{};
+  KaImageKey listed{}; ///< the key that the listing knows the image by
   qint64 refFileSize = 0;
   QDateTime utcCaptureTime{};
   QString outputFilePath{}; ///< the destination folder
@@ -41,58 +39,44 @@ struct KaContentOrder {
 /// Fetches what a listing found, image by image. Download thread.
 class KaContentDownload {
 public:
-  KaContentDownload(KaDownloadProcessorDelegate &toAsk, KaServerRequest &toSend, KaDownloadSession &current,
-                    KaContentListing &bookkeeping, KaImageMetadata &metadataReader, const KaDownloadState &shared)
-      : delegate(toAsk), request(toSend), session(current), listing(bookkeeping), metadata(metadataReader),
-        state(shared) {}
+  /// All of it outlives this object.
+  struct Parts {
+    KaPass::Parts pass;
+    KaStorage &storage;
+    KaImageMetadata &metadata;
+    KaBookkeeping &bookkeeping;
+  };
+  explicit KaContentDownload(const Parts &parts) : with(parts) {}
   KaContentDownload(const KaContentDownload &) = delete;
   KaContentDownload &operator=(const KaContentDownload &) = delete;
 
-  /// One pass. A failure is carried over: the images after it are passed over unless a later tag or variant check
-  /// succeeds. @return the code that the last image left; DiskFull and FileNotSaved (folder not usable), too.
-  [[nodiscard]] KaResultCode getContentsProcess(const KaContentsDictionary &contents, const KaContentTarget &target);
-  /// Files that the last pass saved and confirmed.
-  [[nodiscard]] quint64 downloadSuccessCount() const { return successCount; }
-
-  /// Fetches one file, up to four times until its size is right. The fourth copy stays, unrecorded and uncounted.
-  /// @return ObjectMissing when there is no such object, else the request's code.
-  [[nodiscard]] KaResultCode getContent(const KaContentOrder &order);
+  /// One pass over @p images, in their order. A failure is carried over: the images after it are passed over unless a
+  /// later tag or variant check succeeds. @return the code that the last image left; DiskFull and FileNotSaved (folder
+  /// not usable), too.
+  [[nodiscard]] KaPassOutcome getContentsProcess(const KaListedImages &images, const KaContentTarget &target);
 
   /// A new run begins: copies that stay unrecorded from now on are in keptInThisRun(), those of the ordinary storage by
   /// their listed key.
   void beginRun() { keptCopies.beginRun(); }
   [[nodiscard]] const QSet<QString> &keptInThisRun() const { return keptCopies.keysOfThisRun(); }
-  /// Due before the bookkeeping is saved, lest a power cut leaves it with pictures that have no name.
-  void syncFolders() { filledFolders.sync(); }
 
 private:
-  enum class Loop { GoOn, Stop };
-  /// What one image hands on to the next.
-  struct Carried {
-    KaResultCode rc = KaResultCode::Success;
-    std::optional<QString> linkage;
-  };
   struct Variant {
-    QString key;
+    KaImageKey key;
     qint64 size = 0;
   };
 
-  [[nodiscard]] Loop getOne(const Variant &listed, const KaContentTarget &target, Carried &carried);
-  [[nodiscard]] bool belongsToStorage(const QString &key, const KaContentTarget &target, KaResultCode &rc);
-  [[nodiscard]] Variant expandVariant(const Variant &listed, KaResultCode &rc);
-  [[nodiscard]] Loop saveVariant(const Variant &variant, const QString &listedKey, const KaContentTarget &target,
-                                 KaResultCode &rc);
-  void saveIntoFolders(const QStringList &folders, KaContentOrder order, const KaContentTarget &target,
-                       KaResultCode &rc);
+  [[nodiscard]] KaPass::Loop getOne(const KaListedImage &image, const KaContentTarget &target, KaPass &pass);
+  [[nodiscard]] bool belongsToStorage(const KaImageKey &key, const KaContentTarget &target, KaPass &pass);
+  [[nodiscard]] Variant expandVariant(const KaListedImage &image, KaPass &pass);
+  void saveVariant(const Variant &variant, const KaImageKey &listed, const KaContentTarget &target, KaPass &pass);
+  void saveIntoFolders(const QStringList &folders, KaContentOrder order, const KaContentTarget &target, KaPass &pass);
+  /// Fetches one file, up to four times until its size is right. The fourth copy stays, unrecorded and uncounted.
+  /// @return ObjectMissing when there is no such object, else the request's code.
+  [[nodiscard]] KaResultCode getContent(const KaContentOrder &order, KaPass &pass);
   QString settle(const KaContentOrder &order, const FileOrder &file, const SavedObject &saved);
 
-  KaDownloadProcessorDelegate &delegate;
-  KaServerRequest &request;
-  KaDownloadSession &session;
-  KaContentListing &listing;
-  KaImageMetadata &metadata;
-  const KaDownloadState &state;
-  FilledFolders filledFolders;
-  KeptCopies keptCopies;
-  quint64 successCount = 0;
+  const Parts with;
+  const platform::ThreadBound thread;
+  KaKeptCopies keptCopies;
 };

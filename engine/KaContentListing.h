@@ -1,66 +1,84 @@
 #pragma once
 
+#include "engine/KaImageKey.h"
 #include "engine/KaTargetStorage.h"
 #include "log/KaLogUtility.h"
+#include "platform/ThreadBound.h"
 #include "service/KaResultCode.h"
 
-#include <QHash>
-#include <QSet>
 #include <QString>
 #include <QStringList>
 
-#include <functional>
+#include <optional>
+#include <vector>
 
-class KaDownloadProcessorDelegate;
+class KaBookkeeping;
 class KaDownloadSession;
-class KaServerRequest;
-struct KaDownloadState;
-struct ListParameters;
-struct ListingPage;
+class KaStorage;
+struct ListingOutcome;
 
-/// Object key to listed size in bytes.
-using KaContentsDictionary = QHash<QString, qint64>;
+/// One image of a listing, with its size in bytes.
+struct KaListedImage {
+  KaImageKey key{};
+  qint64 size = 0;
+};
+using KaListedImages = std::vector<KaListedImage>;
 
-/// Finds out which objects are new, and records those that were taken. Download thread.
+/// What the service's settings object tells.
+struct KaServiceSettings {
+  std::optional<QString> latestVersion{}; ///< of this program
+  bool offers10GStorage = false;
+  QStringList applicationAliasIds{}; ///< devices to leave out
+};
+
+/// What a listing found, as far as it came.
+struct KaListing {
+  KaResultCode result = KaResultCode::Success;
+  KaListedImages images{};                     ///< the new ones, in download order; empty unless it came to its end
+  std::optional<KaServiceSettings> settings{}; ///< absent when they were not read
+};
+
+/// Finds out which objects of a storage are new. It only looks: telling and recording are others'. Download thread.
 class KaContentListing {
 public:
-  KaContentListing(KaDownloadProcessorDelegate &toAsk, KaServerRequest &toSend, const KaDownloadSession &current,
-                   const KaDownloadState &shared)
-      : delegate(toAsk), request(toSend), session(current), state(shared) {}
+  /// All of it outlives this object.
+  struct Parts {
+    KaStorage &storage;
+    const KaDownloadSession &session;
+    const KaBookkeeping &bookkeeping;
+  };
+  explicit KaContentListing(const Parts &parts) : with(parts) {}
   KaContentListing(const KaContentListing &) = delete;
   KaContentListing &operator=(const KaContentListing &) = delete;
 
-  /// Fills contentsDictionary() with what a storage holds and the bookkeeping does not.
-  /// @return NoBody, too, for an answer that cannot be parsed or pages that go round in circles.
-  [[nodiscard]] KaResultCode getContentsList(KaTargetStorage targetStorage, bool notifyUserOfUpdate);
-  [[nodiscard]] const KaContentsDictionary &contentsDictionary() const { return contents; }
-  /// Takes @p keys out of the last listing.
-  void withhold(const QSet<QString> &keys);
-
-  /// Records one saved file. A date and hour older than the record's changes nothing.
-  void saveImageInfo(const QString &contentId, const QString &date, const QString &hour, KaTargetStorage targetStorage);
+  /// What a storage holds and the bookkeeping does not. The settings are read unless the storage is the 10G one. Once
+  /// the session is over, Success with nothing. @return NoBody, too, for an answer that cannot be parsed or pages that
+  /// go round in circles.
+  [[nodiscard]] KaListing getContentsList(KaTargetStorage targetStorage);
 
 private:
-  /// Takes a page in; returns what the log shall say of it.
-  using PageTaker = std::function<QStringList(const ListingPage &page)>;
+  struct Devices {
+    KaResultCode result = KaResultCode::Success;
+    QStringList ids{};
+  };
+  struct SettingsRead {
+    KaResultCode result = KaResultCode::Success;
+    std::optional<KaServiceSettings> settings{};
+  };
+  struct Items {
+    KaResultCode result = KaResultCode::Success;
+    KaListedImages images{};
+  };
 
-  [[nodiscard]] KaResultCode readPages(KaLogStep step, const QStringList &subject, ListParameters parameters,
-                                       const PageTaker &take);
-  [[nodiscard]] KaResultCode listDevices();
-  [[nodiscard]] KaResultCode readSettings(bool notifyUserOfUpdate, QStringList &devices);
-  [[nodiscard]] KaResultCode listItems(const QStringList &devices, KaTargetStorage targetStorage);
-  [[nodiscard]] KaResultCode listDevice(const QString &device, const QString &lastDateTime);
-  void excludeDownloaded(KaTargetStorage targetStorage);
-  [[nodiscard]] QString recordKey(KaTargetStorage targetStorage) const;
-  [[nodiscard]] QString deviceListPrefix() const;
+  [[nodiscard]] Devices listDevices();
+  [[nodiscard]] SettingsRead readSettings();
+  [[nodiscard]] Items listItems(const QStringList &devices, KaTargetStorage targetStorage);
+  [[nodiscard]] Items listDevice(const QString &device, const QString &lastDateTime);
+  [[nodiscard]] KaListedImages excludeDownloaded(KaListedImages images, KaTargetStorage targetStorage) const;
 
-  KaDownloadProcessorDelegate &delegate;
-  KaServerRequest &request;
-  const KaDownloadSession &session;
-  const KaDownloadState &state;
-  KaContentsDictionary contents;
-  QStringList deviceArray;
+  const Parts with;
+  const platform::ThreadBound thread;
 };
 
-/// The keys in download order: by upload date, hour and file name, over all devices.
-[[nodiscard]] QStringList sortImageList(QStringList keys);
+/// In download order: by upload date, hour and file name, over all devices; a key that is there twice counts once.
+[[nodiscard]] KaListedImages sortImageList(KaListedImages images);

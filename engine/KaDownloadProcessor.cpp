@@ -1,52 +1,44 @@
 #include "engine/KaDownloadProcessor.h"
 
-#include "engine/KaContentDownload.h"
-#include "engine/KaContentListing.h"
+#include "engine/KaDownloadPieces.h"
 #include "engine/KaDownloadProcessorDelegate.h"
-#include "engine/KaDownloadRun.h"
-#include "engine/KaDownloadSession.h"
-#include "engine/KaDownloadState.h"
-#include "engine/KaImageMetadata.h"
-#include "engine/KaPreviewDownload.h"
+#include "identity/KaLink.h"
 #include "log/ExceptionGuard.h"
 #include "log/KaLogUtility.h"
 #include "platform/AppInfo.h"
 #include "platform/ThreadName.h"
-#include "service/KaServerRequest.h"
 
 #include <chrono>
+#include <optional>
 #include <thread>
 
 using namespace Qt::StringLiterals;
 
 class KaDownloadProcessor::Private {
 public:
-  explicit Private(KaDownloadProcessorDelegate &toServe) : delegate(toServe) {}
+  Private(KaDownloadProcessorDelegate &serving, KaLink &owner)
+      : delegate(serving), link(owner), pieces(serving, owner) {}
 
   void downloadThread();
 
   KaDownloadProcessorDelegate &delegate;
-  KaDownloadState state;
+  KaLink &link;
+  KaDownloadPieces pieces;
+  KaDownloadState &state = pieces.state;
   KaWaitCondition pairingcnd{state.endAppFlag};
-  KaServerRequest serverRequest{&state.endAppFlag};
-  KaDownloadSession session{delegate, serverRequest};
-  KaContentListing listing{delegate, serverRequest, session, state};
-  KaImageMetadata metadata{serverRequest, session, state};
-  KaContentDownload content{delegate, serverRequest, session, listing, metadata, state};
-  KaPreviewDownload preview{delegate, serverRequest, session, state};
-  KaDownloadRun run{delegate, serverRequest, session, listing, content, preview, state};
-  std::thread thread; ///< joined before anything above goes away
+  KaWaitCondition logincnd{state.endAppFlag}; ///< a run waits for the end of a login under way
+  std::thread thread;                         ///< joined before anything above goes away
 
 private:
   void runUntilEnd();
   void prepareRuns();
-  void runOnce(bool notifyUserOfUpdate);
+  [[nodiscard]] std::optional<KaLinkSnapshot> nextLink();
+  void runOnce(const KaLinkSnapshot &with, bool notifyUserOfUpdate);
   void waitForNextRun(KaResultCode lastResult);
-  void loadWaitTimeInfo();
 };
 
-KaDownloadProcessor::KaDownloadProcessor(KaDownloadProcessorDelegate &delegate)
-    : d(std::make_unique<Private>(delegate)) {
+KaDownloadProcessor::KaDownloadProcessor(KaDownloadProcessorDelegate &delegate, KaLink &link)
+    : d(std::make_unique<Private>(delegate, link)) {
   d->thread = std::thread([this] { d->downloadThread(); });
   d->pairingcnd.awaitWaiter();
 }
@@ -59,7 +51,7 @@ KaDownloadProcessor::~KaDownloadProcessor() {
 void KaDownloadProcessor::startReceiving(bool initialAccess) {
   d->state.bInitialAccess = initialAccess;
   d->state.bStartAsked = true;
-  d->pairingcnd.signal();
+  cancelPollingWait();
 }
 
 void KaDownloadProcessor::getContentsNow() {
@@ -67,20 +59,26 @@ void KaDownloadProcessor::getContentsNow() {
   d->state.waitcnd.signal();
 }
 
+void KaDownloadProcessor::loginEnded() {
+  d->logincnd.signal();
+}
+
 void KaDownloadProcessor::cancelPollingWait() {
   d->pairingcnd.signal();
+  d->logincnd.signal();
   d->state.waitcnd.signal();
 }
 
 void KaDownloadProcessor::endDownloadProcess() {
   d->state.endAppFlag = true;
-  d->serverRequest.stopServerRequest();
-  d->pairingcnd.signal();
-  d->state.waitcnd.signal();
+  d->pieces.request.stopServerRequest();
+  cancelPollingWait();
 }
 
 void KaDownloadProcessor::deleteCredential() {
-  d->session.deleteCredential();
+  d->pieces.session.deleteCredential();
+  d->pieces.request.stopServerRequest();
+  d->state.waitcnd.signal();
 }
 
 void KaDownloadProcessor::Private::downloadThread() {
@@ -98,48 +96,56 @@ void KaDownloadProcessor::Private::runUntilEnd() {
   KaLogUtility::writeInfoLog(u"DownloadThread Start"_s);
   bool notifyUserOfUpdate = true;
   while (!state.endAppFlag) {
-    pairingcnd.wait(state.bStartAsked);
+    pairingcnd.wait([this] { return state.bStartAsked.load(); });
     if (state.endAppFlag) break;
     prepareRuns();
-    while (!state.endAppFlag && !state.bLinkSetup && delegate.bLoggedIn()) {
-      runOnce(notifyUserOfUpdate);
+    while (const auto next = nextLink()) {
+      runOnce(*next, notifyUserOfUpdate);
       notifyUserOfUpdate = false;
     }
   }
-  run.saveAllRecords();
+  pieces.run.saveAllRecords();
 }
 
 void KaDownloadProcessor::Private::prepareRuns() {
   state.bStartAsked = false;
   state.bUserTrigger = false;
-  bool loaded = true;
-  for (const auto storage : {KaTargetStorage::Days30, KaTargetStorage::LongTerm10G, KaTargetStorage::Preview2K})
-    if (!delegate.loadGetImageInfo(recordName(storage))) loaded = false;
-  if (loaded) KaLogUtility::writeInfoLog(u"Load GetImageInfo"_s);
-  loadWaitTimeInfo();
+  if (pieces.bookkeeping.load()) KaLogUtility::writeInfoLog(u"Load GetImageInfo"_s);
+  state.waitTimes = delegate.loadWaitTimeInfo(KaWaitTimes());
   state.bLinkSetup = false;
 }
 
-void KaDownloadProcessor::Private::runOnce(bool notifyUserOfUpdate) {
+/// The link that the next run begins with. A login under way holds it up; absent when a link has to be waited for.
+std::optional<KaLinkSnapshot> KaDownloadProcessor::Private::nextLink() {
+  while (!state.endAppFlag && !state.bLinkSetup) {
+    if (auto snapshot = link.forRun()) return snapshot;
+    const auto rest = link.loginRest();
+    if (link.state() != KaLinkState::Linked) return std::nullopt;
+    KaLogUtility::writeInfoLog(u"Login Wait"_s);
+    logincnd.wait(rest, [this] { return link.state() != KaLinkState::Linked || link.forRun().has_value(); });
+  }
+  return std::nullopt;
+}
+
+void KaDownloadProcessor::Private::runOnce(const KaLinkSnapshot &with, bool notifyUserOfUpdate) {
+  // Whatever the user asked for under another link, the first run of this one is not its answer.
+  if (with.number != pieces.session.linkNumber()) state.bUserTrigger = false;
+  state.bStartAsked = false;
+  pieces.session.begin(with);
   KaLogUtility::writeInfoLog(u"Start Monitoring"_s);
   delegate.setEnableLoggin(false);
-  const KaResultCode result = run.perform(notifyUserOfUpdate);
+  const KaResultCode result = pieces.run.perform(notifyUserOfUpdate);
+  // From here on a wish of the user's is one for the next run.
+  state.bUserTrigger = false;
   delegate.setEnableLoggin(true);
-  if (state.endAppFlag || state.bLinkSetup || !delegate.bLoggedIn()) return;
-  // A link that was made while the run of an earlier one ended has its first run at once.
-  if (!state.bStartAsked.exchange(false)) waitForNextRun(result);
+  // A link that was made meanwhile has its first run at once.
+  if (!pieces.session.isOver() && !state.bLinkSetup) waitForNextRun(result);
 }
 
 void KaDownloadProcessor::Private::waitForNextRun(KaResultCode lastResult) {
-  state.bUserTrigger = false;
   const auto wait =
       lastResult == KaResultCode::NoHttpStatus ? state.waitTimes.pollingError : state.waitTimes.pollingNormal;
   const auto seconds = std::chrono::duration_cast<std::chrono::seconds>(wait);
   KaLogUtility::writeInfoLog(u"Polling Wait"_s, {u"pollingWaitTime=%1"_s.arg(seconds.count())});
-  state.waitcnd.wait(wait);
-}
-
-void KaDownloadProcessor::Private::loadWaitTimeInfo() {
-  state.waitTimes = KaWaitTimes();
-  delegate.loadWaitTimeInfo(state.waitTimes);
+  state.waitcnd.wait(wait, [this] { return state.bUserTrigger || pieces.session.isLinkOver(); });
 }

@@ -24,15 +24,8 @@ public:
   [[nodiscard]] virtual KaDownloadOption downloadOption() const = 0;
   virtual void setDownloadOption(const KaDownloadOption &option) = 0;
   [[nodiscard]] virtual KaResultCode verifyDownloadOptionParentFolder(const QString &path) const = 0;
-  /// Replaces each wait that the settings override.
-  virtual void loadWaitTimeInfo(KaWaitTimes &waitTimes) const = 0;
-  /// @}
-
-  /// @name Linkage
-  /// @{
-  [[nodiscard]] virtual bool bLoggedIn() const = 0;
-  [[nodiscard]] virtual std::optional<QString> loadLinkageSetting() const = 0;
-  virtual bool saveLinkageSetting(const QString &idToken) = 0;
+  /// @p builtIn with each wait replaced that the settings override.
+  [[nodiscard]] virtual KaWaitTimes loadWaitTimeInfo(KaWaitTimes builtIn) const = 0;
   /// @}
 
   /// @name Bookkeeping, by target key. Unknown keys change nothing and read as absent.

@@ -1,16 +1,20 @@
 #include "engine/KaDownloadRun.h"
 
+#include "engine/KaBookkeeping.h"
 #include "engine/KaContentDownload.h"
-#include "engine/KaContentListing.h"
 #include "engine/KaDownloadProcessorDelegate.h"
 #include "engine/KaDownloadSession.h"
 #include "engine/KaDownloadState.h"
 #include "engine/KaPreviewDownload.h"
+#include "engine/VersionOrder.h"
 #include "log/KaLogUtility.h"
+#include "platform/AppInfo.h"
 #include "service/KaApplicationConstants.h"
 #include "service/KaServerRequest.h"
+#include "service/KaStorage.h"
 
 #include <chrono>
+#include <vector>
 
 using namespace Qt::StringLiterals;
 
@@ -30,188 +34,187 @@ QString secondsText(std::chrono::milliseconds duration) {
 } // namespace
 
 KaResultCode KaDownloadRun::perform(bool notifyUserOfUpdate) {
-  option = delegate.downloadOption();
+  thread.check();
+  option = with.delegate.downloadOption();
   if (isOn(option.checkBoxCreateSubfolder)) KaLogUtility::writeInfoLog(u"Download CreateSubFolder Enabled"_s);
   if (isOn(option.checkBoxDownloadMetadata)) KaLogUtility::writeInfoLog(u"Download Metadata Enabled"_s);
-  content.beginRun();
+  with.content.beginRun();
 
-  KaResultCode result = KaResultCode::Success;
-  const Opening opening = openPass(u"Start 30days Storage Download"_s, result);
+  auto [opening, result] = openPass(u"Start 30days Storage Download"_s);
   if (opening == Opening::Stopped) return result;
   if (opening == Opening::Ready) result = downloadUntilNothingIsNew(notifyUserOfUpdate);
-  saveRecord(KaTargetStorage::Days30, u"Save GetImageInfo"_s);
+  saveRecord(KaTargetStorage::Days30);
   // The end of the program, and of the link, must not pass for a login that fails.
-  if (!isOn(option.checkBox10GDownload) || state.endAppFlag || !delegate.bLoggedIn()) return result;
+  if (!isOn(option.checkBox10GDownload) || with.session.isOver()) return result;
   return takeLongTermStorage(notifyUserOfUpdate);
 }
 
-KaDownloadRun::Opening KaDownloadRun::openPass(const QString &title, KaResultCode &result) {
+KaDownloadRun::Opened KaDownloadRun::openPass(const QString &title) {
   KaLogUtility::writeInfoLog(title);
-  std::optional<QString> idToken = delegate.loadLinkageSetting();
-  session.exchangeCodeVerifier(idToken);
-  if (idToken) KaLogUtility::writeInfoLog(u"Load PairingInfo"_s);
+  with.session.exchangeCodeVerifier();
+  KaLogUtility::writeInfoLog(u"Load PairingInfo"_s);
 
-  result = session.refreshIdToken(idToken);
+  KaResultCode result = with.session.refreshIdToken();
   if (result != KaResultCode::Success) {
-    state.bLinkSetup = true;
-    reportFailure(KaResultCode::ValidationFailed);
-    return Opening::Stopped;
+    // A run that has merely outlived its link says nothing of the next one's.
+    if (!with.session.isLinkOver()) with.state.bLinkSetup = true;
+    tellFailure(KaResultCode::ValidationFailed);
+    return {Opening::Stopped, result};
   }
-  if (state.endAppFlag) return Opening::Stopped;
+  if (with.session.isOver()) return {Opening::Stopped, result};
 
-  result = session.getCredential(*idToken);
-  if (result == KaResultCode::Success) return Opening::Ready;
-  reportFailure(result);
-  return Opening::Refused;
+  result = with.session.getCredential();
+  if (result == KaResultCode::Success) return {Opening::Ready, result};
+  tellFailure(result);
+  return {Opening::Refused, result};
+}
+
+/// A listing, and what the service's settings told on its way, also when a later step of it failed.
+KaListing KaDownloadRun::list(KaTargetStorage targetStorage, bool notifyUserOfUpdate) {
+  KaListing listing = with.listing.getContentsList(targetStorage);
+  if (listing.settings) tellSettings(*listing.settings, notifyUserOfUpdate);
+  if (listing.result == KaResultCode::Success) tellInitialAccess();
+  return listing;
 }
 
 KaResultCode KaDownloadRun::downloadUntilNothingIsNew(bool notifyUserOfUpdate) {
   ReCheck reCheck;
-  while (!state.endAppFlag && reCheck.emptyCount < kEmptyListings)
-    if (checkOnce(reCheck, notifyUserOfUpdate) == Round::Leave) break;
+  while (!reCheck.isDone && !with.session.isOver())
+    reCheck = checkOnce(reCheck, notifyUserOfUpdate);
   return reCheck.result;
 }
 
-KaDownloadRun::Round KaDownloadRun::checkOnce(ReCheck &reCheck, bool notifyUserOfUpdate) {
-  if (reCheck.retryCount > 0)
-    KaLogUtility::writeInfoLog(u"Retry CheckImage"_s, {u"RetryCount=%1"_s.arg(reCheck.retryCount)});
-  reCheck.result = listing.getContentsList(KaTargetStorage::Days30, notifyUserOfUpdate);
-  option = delegate.downloadOption();
-  if (reCheck.result == KaResultCode::Success) {
-    reportInitialAccess();
-    if (state.endAppFlag) return Round::Leave;
-    if (takeContents(reCheck) == Round::Leave) return Round::Leave;
+KaDownloadRun::ReCheck KaDownloadRun::checkOnce(ReCheck soFar, bool notifyUserOfUpdate) {
+  if (soFar.retryCount > 0) {
+    KaLogUtility::writeInfoLog(u"Retry CheckImage"_s, {u"RetryCount=%1"_s.arg(soFar.retryCount)});
+    // A pass may have lost the credentials, and the wait may have outlasted them.
+    soFar.result = with.session.renewIfExpiring();
   }
-  return state.endAppFlag ? Round::Leave : judge(reCheck);
+  KaListing listing{.result = soFar.result};
+  if (listing.result == KaResultCode::Success) listing = list(KaTargetStorage::Days30, notifyUserOfUpdate);
+  option = with.delegate.downloadOption();
+  soFar.result = listing.result;
+  if (soFar.result == KaResultCode::Success && !with.session.isOver())
+    soFar = takeContents(soFar, std::move(listing.images));
+  if (!soFar.isDone && !with.session.isOver()) soFar.isDone = conclude(soFar);
+  return soFar;
 }
 
-KaDownloadRun::Round KaDownloadRun::takeContents(ReCheck &reCheck) {
+KaDownloadRun::ReCheck KaDownloadRun::takeContents(ReCheck soFar, KaListedImages images) {
   // A copy that stayed unconfirmed is for a later run: fetching it again and again would never end this one.
-  listing.withhold(content.keptInThisRun());
-  if (!listing.contentsDictionary().isEmpty()) {
-    downloadContents();
-    reCheck.emptyCount = 0;
-  } else if (reCheck.retryCount == 0) {
-    reportNoTarget();
-    return Round::Leave;
+  const QSet<QString> &kept = with.content.keptInThisRun();
+  std::erase_if(images, [&](const KaListedImage &image) { return kept.contains(image.key.path()); });
+  if (!images.empty()) {
+    downloadContents(images);
+    soFar.emptyCount = 0;
+  } else if (soFar.retryCount == 0) {
+    tellNoTarget();
+    soFar.isDone = true;
   } else {
-    ++reCheck.emptyCount;
+    ++soFar.emptyCount;
   }
-  ++reCheck.retryCount;
-  return Round::Again;
+  ++soFar.retryCount;
+  return soFar;
 }
 
-KaDownloadRun::Round KaDownloadRun::judge(const ReCheck &reCheck) {
-  if (reCheck.result == KaResultCode::Success && reCheck.emptyCount < kEmptyListings) {
-    KaLogUtility::writeInfoLog(u"reCheck Wait"_s, {u"reCheckWaitTime="_s + secondsText(state.waitTimes.reCheck)});
-    state.waitcnd.wait(state.waitTimes.reCheck);
-    return Round::Again;
+/// Tells the end of the re-checks, or waits for the next one. @return whether it was the end.
+bool KaDownloadRun::conclude(const ReCheck &reCheck) {
+  if (reCheck.result != KaResultCode::Success) {
+    tellFailure(reCheck.result);
+    return true;
   }
-  if (reCheck.result == KaResultCode::Success) {
-    delegate.setProcessingResult(KaResultCode::DownloadComplete, /*userTrigger=*/false);
-    KaLogUtility::writeInfoLog(u"Download Complete"_s);
-    delegate.setAppStatus(KaAppStatus::Normal);
-  } else if (reCheck.result == KaResultCode::NothingToDownload) {
-    if (state.bUserTrigger) delegate.setProcessingResult(reCheck.result, /*userTrigger=*/true);
-    KaLogUtility::writeInfoLog(u"No Download Target"_s);
-    delegate.setAppStatus(KaAppStatus::Normal);
-  } else {
-    reportFailure(reCheck.result);
+  if (reCheck.emptyCount < kEmptyListings) {
+    const auto wait = with.state.waitTimes.reCheck;
+    KaLogUtility::writeInfoLog(u"reCheck Wait"_s, {u"reCheckWaitTime="_s + secondsText(wait)});
+    with.state.waitcnd.wait(wait, [this] { return with.session.isOver(); });
+    return false;
   }
-  return Round::Leave;
+  tellResult(KaResultCode::DownloadComplete, /*userTrigger=*/false);
+  KaLogUtility::writeInfoLog(u"Download Complete"_s);
+  tellStatus(KaAppStatus::Normal);
+  return true;
 }
 
-void KaDownloadRun::reportFailure(KaResultCode result) {
-  // What a run meets once the user has closed the link under it is no news.
-  if (!delegate.bLoggedIn()) return;
-  if (result == KaResultCode::NoHttpStatus) {
-    delegate.setAppStatus(KaAppStatus::Downloading);
-  } else {
-    delegate.setProcessingResult(result, state.bUserTrigger);
-  }
-}
-
-void KaDownloadRun::downloadContents() {
-  delegate.setAppStatus(KaAppStatus::Downloading);
+void KaDownloadRun::downloadContents(const KaListedImages &images) {
+  tellStatus(KaAppStatus::Downloading);
   const bool expand = isOn(option.checkBoxDownloadMetadata);
   const auto start = std::chrono::system_clock::now();
-  const KaResultCode result =
-      content.getContentsProcess(listing.contentsDictionary(), {.parentFolder = option.parentFolder,
-                                                                .childFolder = option.childFolder,
-                                                                .targetStorage = KaTargetStorage::Days30,
-                                                                .bExpandContent = expand,
-                                                                .bExpandExif = isOn(option.checkBoxCreateSubfolder)});
+  const KaPassOutcome pass =
+      with.content.getContentsProcess(images, {.parentFolder = option.parentFolder,
+                                               .childFolder = option.childFolder,
+                                               .targetStorage = KaTargetStorage::Days30,
+                                               .bExpandContent = expand,
+                                               .bExpandExif = isOn(option.checkBoxCreateSubfolder)});
   // What was saved is told even when the pass failed afterwards.
-  if (content.downloadSuccessCount() != 0)
+  if (pass.savedCount != 0)
     sendReport({KaApplicationConstants::awsLogsStreamName(), expand ? u"recent"_s : u"original"_s}, start,
-               content.downloadSuccessCount());
-  KaLogUtility::writeConnectionResultLog(KaLogStep::Complete, result == KaResultCode::Success);
+               pass.savedCount);
+  KaLogUtility::writeConnectionResultLog(KaLogStep::Complete, pass.result == KaResultCode::Success);
 }
 
 /// The 10G storage and the previews, which belong together. @return the result of the last pass that ran.
 KaResultCode KaDownloadRun::takeLongTermStorage(bool notifyUserOfUpdate) {
-  KaResultCode result = KaResultCode::Success;
-  const Opening opening = openPass(u"Start 10G Storage Download"_s, result);
-  if (opening == Opening::Stopped) return result;
+  const auto [opening, opened] = openPass(u"Start 10G Storage Download"_s);
+  KaPassOutcome both{.result = opened};
+  if (opening == Opening::Stopped) return opened;
   if (opening == Opening::Ready) {
-    quint64 savedCount = 0;
-    result = takeLongTermContents(notifyUserOfUpdate, savedCount);
-    if (result == KaResultCode::Success && !state.endAppFlag) result = takePreviews(savedCount);
-    if (!state.endAppFlag) concludeLongTerm(result, savedCount);
+    both = takeLongTermContents(notifyUserOfUpdate);
+    if (both.result == KaResultCode::Success && !with.session.isOver()) {
+      const KaPassOutcome previews = takePreviews(both.savedCount);
+      both = {.result = previews.result, .savedCount = both.savedCount + previews.savedCount};
+    }
+    if (!with.session.isOver()) concludeLongTerm(both);
   }
-  saveRecord(KaTargetStorage::LongTerm10G, u"Save 10G GetImageInfo"_s);
-  saveRecord(KaTargetStorage::Preview2K, u"Save 2K GetImageInfo"_s);
-  return result;
+  saveRecord(KaTargetStorage::LongTerm10G);
+  saveRecord(KaTargetStorage::Preview2K);
+  return both.result;
 }
 
-KaResultCode KaDownloadRun::takeLongTermContents(bool notifyUserOfUpdate, quint64 &savedCount) {
-  KaResultCode result = listing.getContentsList(KaTargetStorage::LongTerm10G, notifyUserOfUpdate);
-  if (result != KaResultCode::Success) return result;
-  reportInitialAccess();
-  if (state.endAppFlag) return result;
-  if (listing.contentsDictionary().isEmpty()) {
+KaPassOutcome KaDownloadRun::takeLongTermContents(bool notifyUserOfUpdate) {
+  const KaListing listing = list(KaTargetStorage::LongTerm10G, notifyUserOfUpdate);
+  if (listing.result != KaResultCode::Success || with.session.isOver()) return {.result = listing.result};
+  if (listing.images.empty()) {
     KaLogUtility::writeInfoLog(u"No Download Target"_s);
-    return result;
+    return {};
   }
-  delegate.setAppStatus(KaAppStatus::Downloading);
+  tellStatus(KaAppStatus::Downloading);
   const auto start = std::chrono::system_clock::now();
-  result = content.getContentsProcess(listing.contentsDictionary(), {.parentFolder = option.parent10GFolder,
-                                                                     .childFolder = option.childFolder,
-                                                                     .targetStorage = KaTargetStorage::LongTerm10G});
-  savedCount = content.downloadSuccessCount();
-  if (result == KaResultCode::Success && savedCount != 0)
-    sendReport({awsLogs10GStreamName(), u"10G"_s}, start, savedCount);
-  KaLogUtility::writeConnectionResultLog(KaLogStep::Complete, result == KaResultCode::Success);
-  return result;
+  const KaPassOutcome pass =
+      with.content.getContentsProcess(listing.images, {.parentFolder = option.parent10GFolder,
+                                                       .childFolder = option.childFolder,
+                                                       .targetStorage = KaTargetStorage::LongTerm10G});
+  const bool succeeded = pass.result == KaResultCode::Success;
+  if (succeeded && pass.savedCount != 0) sendReport({awsLogs10GStreamName(), u"10G"_s}, start, pass.savedCount);
+  KaLogUtility::writeConnectionResultLog(KaLogStep::Complete, succeeded);
+  return pass;
 }
 
-KaResultCode KaDownloadRun::takePreviews(quint64 &savedCount) {
-  KaResultCode result = preview.getPreviewList();
-  if (result != KaResultCode::Success || preview.previewList().empty()) return result;
-  delegate.setAppStatus(KaAppStatus::Downloading);
+KaPassOutcome KaDownloadRun::takePreviews(quint64 savedBefore) {
+  const KaResultCode listed = with.preview.getPreviewList();
+  if (listed != KaResultCode::Success || with.preview.previewList().empty()) return {.result = listed};
+  tellStatus(KaAppStatus::Downloading);
   const auto start = std::chrono::system_clock::now();
-  result = preview.getPreview(option.parent10GFolder, option.childFolder);
-  savedCount += preview.downloadSuccessCount();
+  const KaPassOutcome pass = with.preview.getPreview(option.parent10GFolder, option.childFolder);
   // Both passes decide whether a report is due, but it tells of this one alone: its count may be 0.
-  if (result == KaResultCode::Success && savedCount != 0)
-    sendReport({awsLogs10GStreamName(), u"2K"_s}, start, preview.downloadSuccessCount());
-  return result;
+  if (pass.result == KaResultCode::Success && savedBefore + pass.savedCount != 0)
+    sendReport({awsLogs10GStreamName(), u"2K"_s}, start, pass.savedCount);
+  return pass;
 }
 
-void KaDownloadRun::concludeLongTerm(KaResultCode result, quint64 savedCount) {
-  if (result != KaResultCode::Success) return reportFailure(result);
-  if (savedCount == 0) {
+void KaDownloadRun::concludeLongTerm(const KaPassOutcome &both) {
+  if (both.result != KaResultCode::Success) return tellFailure(both.result);
+  if (both.savedCount == 0) {
     KaLogUtility::writeInfoLog(u"No Download Target"_s);
   } else {
-    delegate.setProcessingResult(KaResultCode::Download10GComplete, /*userTrigger=*/false);
+    tellResult(KaResultCode::Download10GComplete, /*userTrigger=*/false);
     KaLogUtility::writeInfoLog(u"Download Complete"_s);
   }
-  delegate.setAppStatus(KaAppStatus::Normal);
+  tellStatus(KaAppStatus::Normal);
 }
 
 void KaDownloadRun::sendReport(const PassReport &pass, KaDownloadReport::Moment start, quint64 successCount) {
   const auto now = std::chrono::system_clock::now();
-  const KaDownloadReport report{.userId = session.userUUID().value_or(QString()),
+  const KaDownloadReport report{.userId = with.bookkeeping.account(),
                                 .logGroup = KaApplicationConstants::awsLogsGroupName(),
                                 .logStream = pass.logStream,
                                 .startDate = start,
@@ -219,48 +222,72 @@ void KaDownloadRun::sendReport(const PassReport &pass, KaDownloadReport::Moment 
                                 .successCount = successCount,
                                 .information = pass.information};
   // Best effort: a report that fails changes nothing.
-  request.notifyDownloadCompletion(session.access().credential, createLogMessage(report, now));
+  with.request.notifyDownloadCompletion(with.storage.credential(), createLogMessage(report, now));
 }
 
-void KaDownloadRun::reportInitialAccess() {
-  if (!state.bInitialAccess.exchange(false)) return;
-  delegate.setProcessingResult(KaResultCode::InitialAccessComplete, /*userTrigger=*/false);
-  KaLogUtility::writeInfoLog(u"Initial Access Complete"_s);
-}
-
-void KaDownloadRun::reportNoTarget() {
-  KaLogUtility::writeInfoLog(u"No Download Target"_s);
-  if (state.bUserTrigger) {
-    delegate.setProcessingResult(KaResultCode::NothingToDownload, /*userTrigger=*/true);
+void KaDownloadRun::saveRecord(KaTargetStorage targetStorage) {
+  if (!with.bookkeeping.hasUser()) return;
+  if (with.bookkeeping.save(targetStorage)) {
+    KaLogUtility::writeInfoLog(savedLogTitle(targetStorage));
   } else {
-    delegate.setAppStatus(KaAppStatus::Normal);
-  }
-}
-
-void KaDownloadRun::saveRecord(KaTargetStorage targetStorage, const QString &logTitle) {
-  // Without a user there is nothing new to keep, and an empty record would replace what an earlier process kept.
-  if (!session.userUUID()) return;
-  if (save(targetStorage)) {
-    KaLogUtility::writeInfoLog(logTitle);
-  } else {
-    delegate.setProcessingResult(KaResultCode::Unexpected, state.bUserTrigger);
+    tellResult(KaResultCode::Unexpected, with.state.bUserTrigger);
   }
 }
 
 void KaDownloadRun::saveAllRecords() {
-  if (!session.userUUID()) return;
+  thread.check();
+  if (!with.bookkeeping.hasUser()) return;
   bool saved = true;
-  for (const auto storage : {KaTargetStorage::Days30, KaTargetStorage::LongTerm10G, KaTargetStorage::Preview2K})
-    if (!save(storage)) saved = false;
+  for (const KaTargetStorage storage : kTargetStorages)
+    if (!with.bookkeeping.save(storage)) saved = false;
   if (saved) {
-    KaLogUtility::writeInfoLog(u"Save GetImageInfo"_s);
+    KaLogUtility::writeInfoLog(savedLogTitle(KaTargetStorage::Days30));
   } else {
-    delegate.setProcessingResult(KaResultCode::Unexpected, /*userTrigger=*/false);
+    with.delegate.setProcessingResult(KaResultCode::Unexpected, /*userTrigger=*/false);
   }
 }
 
-bool KaDownloadRun::save(KaTargetStorage targetStorage) {
-  content.syncFolders();
-  preview.syncFolders();
-  return delegate.saveGetImageInfo(recordName(targetStorage), uuidKey(*session.userUUID(), targetStorage));
+void KaDownloadRun::tellSettings(const KaServiceSettings &settings, bool notifyUserOfUpdate) {
+  const bool isNewer =
+      settings.latestVersion && isLaterVersion(*settings.latestVersion, platform::appInfo().shortVersion);
+  if (notifyUserOfUpdate && isNewer) tellResult(KaResultCode::NewVersionReleased, /*userTrigger=*/false);
+  if (settings.offers10GStorage || with.session.isLinkOver()) return;
+  KaDownloadOption changed = with.delegate.downloadOption();
+  changed.checkBox10GDownload = u"false"_s;
+  with.delegate.setDownloadOption(changed);
+}
+
+void KaDownloadRun::tellInitialAccess() {
+  bool isInitial = false;
+  // Looked at only while the link stands: else the end of an old one could take what is the new one's.
+  with.session.tell([&] {
+    isInitial = with.state.bInitialAccess.exchange(false);
+    if (isInitial) with.delegate.setProcessingResult(KaResultCode::InitialAccessComplete, /*userTrigger=*/false);
+  });
+  if (isInitial) KaLogUtility::writeInfoLog(u"Initial Access Complete"_s);
+}
+
+void KaDownloadRun::tellFailure(KaResultCode result) {
+  if (result == KaResultCode::NoHttpStatus) {
+    tellStatus(KaAppStatus::Downloading);
+  } else {
+    tellResult(result, with.state.bUserTrigger);
+  }
+}
+
+void KaDownloadRun::tellNoTarget() {
+  KaLogUtility::writeInfoLog(u"No Download Target"_s);
+  if (with.state.bUserTrigger) {
+    tellResult(KaResultCode::NothingToDownload, /*userTrigger=*/true);
+  } else {
+    tellStatus(KaAppStatus::Normal);
+  }
+}
+
+void KaDownloadRun::tellStatus(KaAppStatus status) {
+  with.session.tell([&] { with.delegate.setAppStatus(status); });
+}
+
+void KaDownloadRun::tellResult(KaResultCode result, bool userTrigger) {
+  with.session.tell([&] { with.delegate.setProcessingResult(result, userTrigger); });
 }

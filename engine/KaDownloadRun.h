@@ -1,32 +1,47 @@
 #pragma once
 
+#include "engine/KaAppStatus.h"
+#include "engine/KaContentListing.h"
 #include "engine/KaDownloadReport.h"
+#include "engine/KaPass.h"
 #include "engine/KaTargetStorage.h"
+#include "platform/ThreadBound.h"
 #include "service/KaResultCode.h"
 #include "settings/KaDownloadOption.h"
 
 #include <QString>
 
+class KaBookkeeping;
 class KaContentDownload;
-class KaContentListing;
 class KaDownloadProcessorDelegate;
 class KaDownloadSession;
 class KaPreviewDownload;
 class KaServerRequest;
+class KaStorage;
 struct KaDownloadState;
 
-/// One run over the account's storage: its passes, their reports, and the saving of the bookkeeping. Download thread.
+/// One run over the account's storage: its passes, what the user is told of them, their reports, and the saving of the
+/// bookkeeping. The session has begun with the run's link before. Download thread.
 class KaDownloadRun {
 public:
-  KaDownloadRun(KaDownloadProcessorDelegate &toTell, KaServerRequest &toReport, KaDownloadSession &current,
-                KaContentListing &contentListing, KaContentDownload &contentDownload,
-                KaPreviewDownload &previewDownload, KaDownloadState &shared)
-      : delegate(toTell), request(toReport), session(current), listing(contentListing), content(contentDownload),
-        preview(previewDownload), state(shared) {}
+  /// All of it outlives this object.
+  struct Parts {
+    KaDownloadProcessorDelegate &delegate;
+    KaDownloadState &state;
+    KaServerRequest &request;
+    KaStorage &storage;
+    KaDownloadSession &session;
+    KaBookkeeping &bookkeeping;
+    KaContentListing &listing;
+    KaContentDownload &content;
+    KaPreviewDownload &preview;
+  };
+  explicit KaDownloadRun(const Parts &parts) : with(parts) {}
   KaDownloadRun(const KaDownloadRun &) = delete;
   KaDownloadRun &operator=(const KaDownloadRun &) = delete;
 
   /// Sets the state's bLinkSetup when the token cannot be refreshed; no wait for the next run is due then.
+  /// @param notifyUserOfUpdate  a newer version of the program is worth telling.
   /// @return the result of the last pass.
   [[nodiscard]] KaResultCode perform(bool notifyUserOfUpdate);
 
@@ -34,49 +49,51 @@ public:
   void saveAllRecords();
 
 private:
-  /// How far a pass came.
+  /// How far the opening of a pass came.
   enum class Opening {
     Ready,   ///< fresh token, fresh credentials
-    Refused, ///< no credentials; reported
-    Stopped, ///< no token, or the program ends: nothing of this run is saved
+    Refused, ///< no credentials; told
+    Stopped, ///< no token, or the session is over: there is nothing new to save
   };
-  /// What a round of re-checks leads to.
-  enum class Round { Again, Leave };
-  struct ReCheck {
-    int retryCount = 0;
-    int emptyCount = 0;
+  struct Opened {
+    Opening opening = Opening::Stopped;
     KaResultCode result = KaResultCode::Success;
   };
-
+  /// How far the rounds of the ordinary storage have come.
+  struct ReCheck {
+    int retryCount = 0;
+    int emptyCount = 0; ///< listings in a row that found nothing
+    KaResultCode result = KaResultCode::Success;
+    bool isDone = false;
+  };
   /// What the report of a pass says besides its times.
   struct PassReport {
     QString logStream;
     QString information;
   };
 
-  [[nodiscard]] Opening openPass(const QString &title, KaResultCode &result);
+  [[nodiscard]] Opened openPass(const QString &title);
+  [[nodiscard]] KaListing list(KaTargetStorage targetStorage, bool notifyUserOfUpdate);
   [[nodiscard]] KaResultCode downloadUntilNothingIsNew(bool notifyUserOfUpdate);
-  [[nodiscard]] Round checkOnce(ReCheck &reCheck, bool notifyUserOfUpdate);
-  [[nodiscard]] Round takeContents(ReCheck &reCheck);
-  [[nodiscard]] Round judge(const ReCheck &reCheck);
-  void downloadContents();
+  [[nodiscard]] ReCheck checkOnce(ReCheck soFar, bool notifyUserOfUpdate);
+  [[nodiscard]] ReCheck takeContents(ReCheck soFar, KaListedImages images);
+  [[nodiscard]] bool conclude(const ReCheck &reCheck);
+  void downloadContents(const KaListedImages &images);
   [[nodiscard]] KaResultCode takeLongTermStorage(bool notifyUserOfUpdate);
-  [[nodiscard]] KaResultCode takeLongTermContents(bool notifyUserOfUpdate, quint64 &savedCount);
-  [[nodiscard]] KaResultCode takePreviews(quint64 &savedCount);
-  void concludeLongTerm(KaResultCode result, quint64 savedCount);
+  [[nodiscard]] KaPassOutcome takeLongTermContents(bool notifyUserOfUpdate);
+  [[nodiscard]] KaPassOutcome takePreviews(quint64 savedBefore);
+  void concludeLongTerm(const KaPassOutcome &both);
   void sendReport(const PassReport &pass, KaDownloadReport::Moment start, quint64 successCount);
-  void reportInitialAccess();
-  void reportFailure(KaResultCode result);
-  void reportNoTarget();
-  void saveRecord(KaTargetStorage targetStorage, const QString &logTitle);
-  [[nodiscard]] bool save(KaTargetStorage targetStorage);
+  void saveRecord(KaTargetStorage targetStorage);
 
-  KaDownloadProcessorDelegate &delegate;
-  KaServerRequest &request;
-  KaDownloadSession &session;
-  KaContentListing &listing;
-  KaContentDownload &content;
-  KaPreviewDownload &preview;
-  KaDownloadState &state;
+  void tellSettings(const KaServiceSettings &settings, bool notifyUserOfUpdate);
+  void tellInitialAccess();
+  void tellFailure(KaResultCode result);
+  void tellNoTarget();
+  void tellStatus(KaAppStatus status);
+  void tellResult(KaResultCode result, bool userTrigger);
+
+  const Parts with;
+  const platform::ThreadBound thread;
   KaDownloadOption option; ///< read anew with every listing: the service may have changed it
 };

@@ -2,15 +2,12 @@
 
 #include "engine/KaDownloadProcessorDelegate.h"
 #include "engine/KaTargetStorage.h"
-#include "engine/ListingParser.h"
 #include "identity/KaIdVerificationUtility.h"
-#include "identity/KaLinkageUtility.h"
 #include "log/KaLogUtility.h"
 #include "platform/JsonValue.h"
-#include "service/KaApplicationConstants.h"
 #include "service/KaServerRequest.h"
+#include "service/KaStorage.h"
 
-#include <QDateTime>
 #include <QJsonObject>
 #include <QUuid>
 
@@ -22,127 +19,108 @@ namespace {
 
 constexpr std::chrono::seconds kRenewalLead(600);
 
-QString httpLine(qint64 statusCode) {
-  return u"HTTP=%1"_s.arg(statusCode);
-}
-
-void writeRefreshFailure(const ServerAnswer &answer) {
+void writeRefreshFailure(const RefreshAnswer &answer) {
   QStringList lines{httpLine(answer.statusCode)};
-  if (const auto body = parseJsonObject(answer.data))
-    if (const auto error = jsonString(*body, "error"_L1)) lines << u"ErrorCode="_s + *error;
+  if (const auto body = platform::parseJsonObject(answer.data))
+    if (const auto error = platform::jsonString(*body, "error"_L1)) lines << u"ErrorCode="_s + *error;
   KaLogUtility::writeConnectionResultLog(KaLogStep::RefreshNorvaleId, false, lines);
-}
-
-/// Whole seconds since 1970, cut to 32 bits; 0 for what is no date.
-QString unixTime(const QString &expiration) {
-  // Not in one piece: that would be read as local time, which lacks the hour that a change to summer time skips.
-  constexpr qsizetype kDaySize = 10;
-  const QDate day = QDate::fromString(expiration.left(kDaySize), u"yyyy-MM-dd"_s);
-  const QTime time = QTime::fromString(expiration.mid(kDaySize), u"'T'HH:mm:ss'Z'"_s);
-  if (!day.isValid() || !time.isValid()) return u"0"_s;
-  return QString::number(static_cast<qint32>(QDateTime(day, time, Qt::UTC).toSecsSinceEpoch()));
 }
 
 } // namespace
 
-void KaDownloadSession::exchangeCodeVerifier(const std::optional<QString> &idToken) {
-  // The verifier is handed out once: without the token that goes with it, it would be wasted.
-  if (!idToken || !KaLinkageUtility::existCodeVerifier()) return;
-  if (const auto verifier = KaLinkageUtility::loadCodeVerifier())
-    static_cast<void>(request.getTokenCode(*verifier, *idToken));
+void KaDownloadSession::begin(const KaLinkSnapshot &link) {
+  thread.check();
+  current = link;
 }
 
-KaResultCode KaDownloadSession::refreshIdToken(std::optional<QString> &idToken) {
-  if (!idToken) {
+void KaDownloadSession::exchangeCodeVerifier() {
+  thread.check();
+  const auto verifier = with.link.takeCodeVerifier(current.number);
+  if (!verifier) return;
+  const TokenCodeAnswer answer = with.request.getTokenCode(*verifier, current.idToken);
+  if (answer.result == KaResultCode::Success && keepTokenCode(answer.tokenCode))
+    KaLogUtility::writeInfoLog(u"saveTokenCode_complete"_s);
+}
+
+/// At once: each one makes the one before it worthless.
+bool KaDownloadSession::keepTokenCode(const QString &tokenCode) {
+  const bool stored = with.link.storeTokenCode(current.number, tokenCode);
+  if (!stored && !isLinkOver()) KaLogUtility::writeErrorLog(u"the token code cannot be saved"_s);
+  return stored;
+}
+
+KaResultCode KaDownloadSession::refreshIdToken() {
+  thread.check();
+  if (current.idToken.isEmpty()) {
     KaLogUtility::writeErrorLog(u"ERR_LINK_INVALID : idToken is nil"_s);
     return KaResultCode::LinkInvalid;
   }
-  // A run may outlast its link; a link that the user has closed must not come back to life.
-  if (!delegate.bLoggedIn()) return KaResultCode::LinkInvalid;
-
-  const QString url = u"https://"_s + KaApplicationConstants::strataHostName() + u"/refreshToken"_s;
   const QString nonce = QUuid::createUuid().toString(QUuid::WithoutBraces).toUpper();
-  const ServerAnswer answer = request.refreshIdToken(url, *idToken, nonce);
+  const RefreshAnswer answer = with.request.refreshIdToken(current.idToken, nonce, with.link.tokenCode(current.number));
   if (answer.result != KaResultCode::Success) {
     writeRefreshFailure(answer);
     return answer.result;
   }
   KaLogUtility::writeConnectionResultLog(KaLogStep::RefreshNorvaleId, true);
-  return adoptToken(answer.data, nonce, idToken);
+  keepTokenCode(answer.tokenCode);
+  return adoptToken(answer.data, nonce);
 }
 
-KaResultCode KaDownloadSession::adoptToken(const QByteArray &answer, const QString &nonce,
-                                           std::optional<QString> &idToken) {
-  const QJsonObject body = parseJsonObject(answer).value_or(QJsonObject());
-  const auto newToken = jsonString(body, "idToken"_L1);
+KaResultCode KaDownloadSession::adoptToken(const QByteArray &answer, const QString &nonce) {
+  const QJsonObject body = platform::parseJsonObject(answer).value_or(QJsonObject());
+  const auto newToken = platform::jsonString(body, "idToken"_L1);
   if (!newToken) KaLogUtility::writeErrorLog(u"ERR_LINK_INVALID : refresh idToken failed"_s);
-  if (jsonString(body, "nonce"_L1) != nonce) {
+  if (platform::jsonString(body, "nonce"_L1) != nonce) {
     KaLogUtility::writeErrorLog(u"ERR_LINK_INVALID : nonce value failed"_s);
     return KaResultCode::LinkInvalid;
   }
   if (!newToken) return KaResultCode::LinkInvalid;
 
-  const KaResultCode verdict = KaIdVerificationUtility::validateJWT(request, newToken, /*checkNonce=*/false, {});
-  if (!delegate.bLoggedIn()) return KaResultCode::LinkInvalid;
-  if (verdict == KaResultCode::Success) idToken = newToken;
-  if (delegate.saveLinkageSetting(*idToken)) KaLogUtility::writeInfoLog(u"Save PairingInfo"_s);
-  return verdict;
+  const KaResultCode verdict = KaIdVerificationUtility::validateJWT(with.request, newToken, /*checkNonce=*/false, {});
+  if (verdict == KaResultCode::Success) current.idToken = *newToken;
+  // The old one, too, when the new one does not hold: then the file is as it was.
+  if (with.link.storeIdToken(current.number, current.idToken)) KaLogUtility::writeInfoLog(u"Save PairingInfo"_s);
+  return isLinkOver() ? KaResultCode::LinkInvalid : verdict;
 }
 
-KaResultCode KaDownloadSession::getCredential(const QString &idToken) {
-  KaStorageAccess next = storageAccess.get();
-  next.credential = {};
-  storageAccess.set(next);
-
-  const ServerAnswer answer = request.getAwsTemporaryCredential(createGetCredentialString(idToken));
+KaResultCode KaDownloadSession::getCredential() {
+  thread.check();
+  with.storage.deleteCredential();
+  const CredentialAnswer answer = with.request.getAwsTemporaryCredential(current.idToken);
   if (answer.result != KaResultCode::Success) {
     KaLogUtility::writeConnectionResultLog(KaLogStep::GetTemporaryCredentials, false, {httpLine(answer.statusCode)});
     return answer.result;
   }
-  if (!delegate.bLoggedIn()) return KaResultCode::LinkInvalid;
-  const KaResultCode result = parseXML(answer.data, next.credential);
   KaLogUtility::writeConnectionResultLog(KaLogStep::GetTemporaryCredentials, true);
-  if (result != KaResultCode::Success) return result;
+  if (!answer.credential) return KaResultCode::NoBody;
 
-  const KaCredential &credential = next.credential;
-  next.presigning = {credential.accessKeyId, credential.secretAccessKey, credential.sessionToken,
-                     unixTime(credential.expiration)};
-  storageAccess.set(next);
+  with.storage.setCredential(*answer.credential);
+  // Looked at afterwards: a log-out that comes later deletes them itself.
+  if (isLinkOver()) {
+    with.storage.deleteCredential();
+    return KaResultCode::LinkInvalid;
+  }
+  return takeUser();
+}
 
-  user = KaIdVerificationUtility::parseUserUUID(idToken);
+KaResultCode KaDownloadSession::takeUser() {
+  user = KaIdVerificationUtility::parseUserUUID(current.idToken);
   if (!user) {
     KaLogUtility::writeErrorLog(u"ERR_LINK_INVALID : userUUID is nil"_s);
     return KaResultCode::LinkInvalid;
   }
-  for (const auto storage : {KaTargetStorage::Days30, KaTargetStorage::LongTerm10G, KaTargetStorage::Preview2K})
-    delegate.setDownloadDataUUID(uuidKey(*user, storage));
+  for (const KaTargetStorage storage : kTargetStorages)
+    with.delegate.setDownloadDataUUID(uuidKey(*user, storage));
   return KaResultCode::Success;
 }
 
-KaResultCode KaDownloadSession::renewIfExpiring(std::optional<QString> &idToken) {
-  const qint64 expiry = access().presigning.expireUnixTime.toLongLong();
-  if (QDateTime::currentSecsSinceEpoch() + kRenewalLead.count() < expiry) return KaResultCode::Success;
-  const KaResultCode result = refreshIdToken(idToken);
-  return result == KaResultCode::Success ? getCredential(*idToken) : result;
+KaResultCode KaDownloadSession::renewIfExpiring() {
+  if (!with.storage.expiresWithin(kRenewalLead)) return KaResultCode::Success;
+  const KaResultCode result = refreshIdToken();
+  return result == KaResultCode::Success ? getCredential() : result;
 }
 
 void KaDownloadSession::deleteCredential() {
-  storageAccess.set({});
+  with.storage.deleteCredential();
   KaLogUtility::writeErrorLog(u"deleteCredential"_s);
-}
-
-QString KaDownloadSession::contentURL(const QString &objectKey) const {
-  return presignedObjectURL(access().presigning, KaApplicationConstants::awsS3BucketName(),
-                            KaApplicationConstants::awsS3AccelerateHostName(), objectKey);
-}
-
-QString KaDownloadSession::previewListURL() const {
-  return presignedObjectURL(access().presigning, KaApplicationConstants::awsS3PreviewListBucketName(),
-                            KaApplicationConstants::awsS3AccelerateHostName(), user.value_or(QString()) + u".json"_s);
-}
-
-QString KaDownloadSession::createGetCredentialString(const QString &idToken) {
-  return u"https://"_s + KaApplicationConstants::awsStsHostName() + u"/?Action=AssumeRoleWithWebIdentity"_s
-         + u"&Version=2011-06-15"_s + u"&RoleSessionName=downloaderpictora"_s + u"&RoleArn="_s
-         + KaApplicationConstants::awsStsRoleArn() + u"&WebIdentityToken="_s + idToken;
 }

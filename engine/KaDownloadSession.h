@@ -1,62 +1,72 @@
 #pragma once
 
-#include "engine/PresignedUrl.h"
-#include "platform/Mutex.h"
-#include "service/KaCredential.h"
+#include "identity/KaLink.h"
+#include "platform/ThreadBound.h"
 #include "service/KaResultCode.h"
 
+#include <QByteArray>
 #include <QString>
 
+#include <atomic>
+#include <functional>
 #include <optional>
 
 class KaDownloadProcessorDelegate;
 class KaServerRequest;
+class KaStorage;
+struct RefreshAnswer;
 
-/// What requests to the storage are made with; all empty without credentials.
-struct KaStorageAccess {
-  KaCredential credential{};
-  PresigningKeys presigning{};
-};
-
-/// Keeps the ID token and the temporary storage credentials fresh. Download thread, but for what says otherwise.
+/// What a run holds of its link: the number it began with, the ID token, the user, and fresh credentials in the
+/// storage. begin() comes first; once isOver() nothing more is listed, saved or told in its name. Download thread, but
+/// for deleteCredential.
 class KaDownloadSession {
 public:
-  KaDownloadSession(KaDownloadProcessorDelegate &toAsk, KaServerRequest &toSend) : delegate(toAsk), request(toSend) {}
+  /// All of it outlives this object.
+  struct Parts {
+    KaDownloadProcessorDelegate &delegate;
+    KaLink &link;
+    KaServerRequest &request;
+    KaStorage &storage;
+    const std::atomic<bool> &endAppFlag;
+  };
+  explicit KaDownloadSession(const Parts &parts) : with(parts) {}
   KaDownloadSession(const KaDownloadSession &) = delete;
   KaDownloadSession &operator=(const KaDownloadSession &) = delete;
 
-  /// Hands a login's code verifier in when one is held. A failure shows at the next refresh.
-  void exchangeCodeVerifier(const std::optional<QString> &idToken);
+  /// Takes @p link for the coming run.
+  void begin(const KaLinkSnapshot &link);
+  /// Whether the program ends or the run has outlived its link.
+  [[nodiscard]] bool isOver() const { return with.endAppFlag || isLinkOver(); }
+  [[nodiscard]] bool isLinkOver() const { return !with.link.isCurrent(current.number); }
+  /// The link that the last run began with; 0 before the first.
+  [[nodiscard]] KaLinkNumber linkNumber() const { return current.number; }
+  /// Calls @p told unless the link is over.
+  void tell(const std::function<void()> &told) { with.link.whileCurrent(current.number, told); }
 
-  /// Replaces @p idToken by a new one that holds. @return LinkInvalid when there is nothing to refresh or the answer
-  /// does not hold, else the request's code.
-  [[nodiscard]] KaResultCode refreshIdToken(std::optional<QString> &idToken);
-  /// Exchanges @p idToken for temporary credentials. @return LinkInvalid, too, when the token names no user.
-  [[nodiscard]] KaResultCode getCredential(const QString &idToken);
+  /// Hands the code verifier of the link's login in when it is still held. A failure shows at the next refresh.
+  void exchangeCodeVerifier();
+  /// Replaces the ID token by a new one that holds. @return LinkInvalid when there is no link or the answer does not
+  /// hold, else the request's code.
+  [[nodiscard]] KaResultCode refreshIdToken();
+  /// Exchanges the ID token for temporary credentials. @return LinkInvalid, too, when the token names no user; NoBody
+  /// for an answer that cannot be parsed.
+  [[nodiscard]] KaResultCode getCredential();
   /// Refreshes token and credentials when the latter expire within 600 seconds.
-  [[nodiscard]] KaResultCode renewIfExpiring(std::optional<QString> &idToken);
+  [[nodiscard]] KaResultCode renewIfExpiring();
 
   /// Forgets the credentials. Any thread.
   void deleteCredential();
 
-  /// Any thread.
-  [[nodiscard]] KaStorageAccess access() const { return storageAccess.get(); }
-  /// A presigned GET of an object in the content bucket.
-  [[nodiscard]] QString contentURL(const QString &objectKey) const;
-  /// A presigned GET of the user's list of previews.
-  [[nodiscard]] QString previewListURL() const;
-
   /// Absent until credentials were got for the first time.
   [[nodiscard]] const std::optional<QString> &userUUID() const { return user; }
 
-  [[nodiscard]] static QString createGetCredentialString(const QString &idToken);
-
 private:
-  [[nodiscard]] KaResultCode adoptToken(const QByteArray &answer, const QString &nonce,
-                                        std::optional<QString> &idToken);
+  bool keepTokenCode(const QString &tokenCode);
+  [[nodiscard]] KaResultCode adoptToken(const QByteArray &answer, const QString &nonce);
+  [[nodiscard]] KaResultCode takeUser();
 
-  KaDownloadProcessorDelegate &delegate;
-  KaServerRequest &request;
-  platform::Guarded<KaStorageAccess> storageAccess;
+  const Parts with;
+  const platform::ThreadBound thread;
+  KaLinkSnapshot current;
   std::optional<QString> user;
 };

@@ -2,97 +2,106 @@
 
 #include "engine/KaDownloadSession.h"
 #include "engine/KaDownloadState.h"
-#include "engine/ObjectKey.h"
 #include "log/KaLogUtility.h"
 #include "platform/JsonValue.h"
-#include "service/KaServerRequest.h"
+#include "service/KaStorage.h"
 
 #include <QJsonArray>
-#include <QRegularExpression>
+
+#include <algorithm>
 
 using namespace Qt::StringLiterals;
 
 namespace {
 
-constexpr int kLastAttempt = 3;
-constexpr qint64 kNotFound = 404;
+constexpr int kAttempts = 4;
 
-QString statusLine(const ServerAnswer &answer) {
-  return u"StatusCode=%1"_s.arg(answer.statusCode);
+QString statusLine(const StoredDocument &document) {
+  return u"StatusCode=%1"_s.arg(document.statusCode);
+}
+
+/// Whether @p text is @p form with any digits where that has zeros.
+bool hasForm(QStringView text, QLatin1StringView form) {
+  const auto fits = [](QChar character, char wanted) {
+    return wanted == '0' ? character >= u'0' && character <= u'9' : character == QLatin1Char(wanted);
+  };
+  return std::equal(text.begin(), text.end(), form.begin(), form.end(), fits);
 }
 
 } // namespace
 
-KaMetadata KaImageMetadata::getExif(const QString &imagePath) {
-  return read(imagePath, Kind::Plain);
+KaMetadata KaImageMetadata::getExif(const KaImageKey &image) {
+  return read(image, Kind::Plain);
 }
 
-KaMetadata KaImageMetadata::getExpandExif(const QString &imagePath) {
-  return read(imagePath, Kind::Expand);
+KaMetadata KaImageMetadata::getExpandExif(const KaImageKey &image) {
+  return read(image, Kind::Expand);
 }
 
 KaResultCode KaImageMetadata::getExifList(bool) {
   return KaResultCode::Success;
 }
 
-KaMetadata KaImageMetadata::read(const QString &imagePath, Kind kind) {
+KaMetadata KaImageMetadata::read(const KaImageKey &image, Kind kind) {
+  thread.check();
   const bool expand = kind == Kind::Expand;
-  const QString path = exifPathFromImagePath(imagePath, expand);
+  const QString path = image.exifPathFromImagePath(expand);
   const QString pathLine = (expand ? u"ExpandExifPath="_s : u"ExifPath="_s) + path;
-  const QString failureLine = expand ? u"ContentId="_s + contentIdFromPath(imagePath) : pathLine;
-  const QString url = session.contentURL(path);
+  const QString failureLine = expand ? u"ContentId="_s + image.contentId() : pathLine;
 
   for (int attempt = 0;; ++attempt) {
     if (attempt > 0) KaLogUtility::writeInfoLog(u"Retry CheckExif"_s, {u"RetryCount=%1"_s.arg(attempt)});
-    const ServerAnswer answer = request.getAwsS3KeyList(url, session.access().credential);
-    if (answer.result == KaResultCode::Success) {
-      if (!expand || answer.statusCode != kNotFound) return taken(answer, pathLine, kind);
-      KaLogUtility::writeInfoLog(u"GetExpandExif:NotFound"_s, {pathLine, statusLine(answer)});
-      return getExif(imagePath);
+    const StoredDocument document = with.storage.document(path);
+    if (expand && document.state == StoredDocument::State::Missing) {
+      KaLogUtility::writeInfoLog(u"GetExpandExif:NotFound"_s, {pathLine, statusLine(document)});
+      return getExif(image);
     }
+    if (document.state != StoredDocument::State::Failed) return taken(document, pathLine, kind);
 
-    KaLogUtility::writeConnectionResultLog(KaLogStep::GetExif, false, {failureLine, statusLine(answer)});
-    if (attempt == kLastAttempt) {
+    KaLogUtility::writeConnectionResultLog(KaLogStep::GetExif, false, {failureLine, statusLine(document)});
+    if (attempt + 1 == kAttempts) {
       KaLogUtility::writeInfoLog(u"Use Upload Datetime"_s);
-      return {answer.result};
+      return {document.result};
     }
-    state.waitcnd.wait(state.waitTimes.exifRetry);
-    if (state.endAppFlag) return {answer.result};
+    with.state.waitcnd.wait(with.state.waitTimes.exifRetry, [this] { return with.session.isOver(); });
+    if (with.session.isOver()) return {document.result};
   }
 }
 
-KaMetadata KaImageMetadata::taken(const ServerAnswer &answer, const QString &pathLine, Kind kind) {
-  const QJsonObject document = parseJsonObject(answer.data).value_or(QJsonObject());
-  if (const auto captureTime = jsonString(document, "captureTime"_L1)) {
+KaMetadata KaImageMetadata::taken(const StoredDocument &document, const QString &pathLine, Kind kind) {
+  const QJsonObject metadata = platform::parseJsonObject(document.content).value_or(QJsonObject());
+  if (const auto captureTime = platform::jsonString(metadata, "captureTime"_L1)) {
     KaLogUtility::writeConnectionResultLog(KaLogStep::GetExif, true, {pathLine, u"CaptureTime="_s + *captureTime});
-    return {KaResultCode::Success, document};
+    return {KaResultCode::Success, metadata};
   }
   // The two kinds have always been logged unlike, stray "%" included.
   const bool expand = kind == Kind::Expand;
   KaLogUtility::writeConnectionResultLog(
       KaLogStep::GetExif, expand,
-      {pathLine, statusLine(answer), expand ? u"CaptureTime=nil"_s : u"CaptureTime=%nil"_s});
-  return {KaResultCode::CaptureTimeMissing, document};
+      {pathLine, statusLine(document), expand ? u"CaptureTime=nil"_s : u"CaptureTime=%nil"_s});
+  return {KaResultCode::CaptureTimeMissing, metadata};
 }
 
 std::optional<QDateTime> getDateTimeFromString(const QString &text, KaDateFormat format) {
-  static const QRegularExpression captureTime(uR"(^\d{4}-\d\d-\d\dT\d\d:\d\d:\d\d\.\d{3}(Z|[+-]\d\d:\d\d)\z)"_s);
-  static const QRegularExpression shootingTime(uR"(^\d{4}-\d\d-\d\dT\d\d:\d\d:\d\d\z)"_s);
-  const QRegularExpression &form = format == KaDateFormat::CaptureTime ? captureTime : shootingTime;
-  if (!form.match(text).hasMatch()) return std::nullopt;
+  constexpr auto kShooting = "0000-00-00T00:00:00"_L1;
+  const QStringView rest = QStringView(text).mid(kShooting.size());
+  if (!hasForm(QStringView(text).first(std::min(text.size(), kShooting.size())), kShooting)) return std::nullopt;
+  const bool isCaptureTime =
+      hasForm(rest, ".000Z"_L1) || hasForm(rest, ".000+00:00"_L1) || hasForm(rest, ".000-00:00"_L1);
+  if (format == KaDateFormat::CaptureTime ? !isCaptureTime : !rest.isEmpty()) return std::nullopt;
 
   const QDateTime date = QDateTime::fromString(text, Qt::ISODateWithMs);
   if (!date.isValid()) return std::nullopt;
   return date;
 }
 
-QDateTime captureDate(const KaMetadata &metadata, const QString &imagePath) {
+QDateTime captureDate(const KaMetadata &metadata, const KaImageKey &image) {
   if (metadata.result == KaResultCode::Success) {
-    const QString text = jsonString(metadata.document, "captureTime"_L1).value_or(QString());
+    const QString text = platform::jsonString(metadata.document, "captureTime"_L1).value_or(QString());
     if (const auto parsed = getDateTimeFromString(text, KaDateFormat::CaptureTime))
       return parsed->addSecs(-QDateTime::currentDateTime().offsetFromUtc());
   }
-  return uploadHourFromPath(imagePath);
+  return image.uploadHour();
 }
 
 QStringList matchedRules(const QJsonObject &document) {

@@ -1,5 +1,7 @@
 #pragma once
 
+#include "engine/KaImageKey.h"
+#include "platform/ThreadBound.h"
 #include "service/KaResultCode.h"
 
 #include <QDateTime>
@@ -10,9 +12,9 @@
 #include <optional>
 
 class KaDownloadSession;
-class KaServerRequest;
+class KaStorage;
 struct KaDownloadState;
-struct ServerAnswer;
+struct StoredDocument;
 
 struct KaMetadata {
   KaResultCode result = KaResultCode::Success;
@@ -22,28 +24,33 @@ struct KaMetadata {
 /// Reads the metadata file that goes with an image. Download thread.
 class KaImageMetadata {
 public:
-  KaImageMetadata(KaServerRequest &toSend, const KaDownloadSession &current, KaDownloadState &shared)
-      : request(toSend), session(current), state(shared) {}
+  /// All of it outlives this object.
+  struct Parts {
+    KaStorage &storage;
+    const KaDownloadSession &session;
+    KaDownloadState &state;
+  };
+  explicit KaImageMetadata(const Parts &parts) : with(parts) {}
   KaImageMetadata(const KaImageMetadata &) = delete;
   KaImageMetadata &operator=(const KaImageMetadata &) = delete;
 
-  /// Tries up to four times, with a wait between, since the file may come after its image; the end of the program cuts
-  /// that short. @return CaptureTimeMissing for a file without "captureTime", else the last request's code.
-  [[nodiscard]] KaMetadata getExif(const QString &imagePath);
+  /// Tries up to four times, with a wait between, since the file may come after its image; the end of the program or
+  /// the link cuts that short. @return CaptureTimeMissing for a file without "captureTime", else the last request's
+  /// code.
+  [[nodiscard]] KaMetadata getExif(const KaImageKey &image);
   /// The same of the expand metadata; where there is none, the plain metadata.
-  [[nodiscard]] KaMetadata getExpandExif(const QString &imagePath);
+  [[nodiscard]] KaMetadata getExpandExif(const KaImageKey &image);
   /// Metadata is read image by image, so there is nothing to list.
   [[nodiscard]] static KaResultCode getExifList(bool notifyUserOfUpdate);
 
 private:
   enum class Kind { Plain, Expand };
 
-  [[nodiscard]] KaMetadata read(const QString &imagePath, Kind kind);
-  [[nodiscard]] static KaMetadata taken(const ServerAnswer &answer, const QString &pathLine, Kind kind);
+  [[nodiscard]] KaMetadata read(const KaImageKey &image, Kind kind);
+  [[nodiscard]] static KaMetadata taken(const StoredDocument &document, const QString &pathLine, Kind kind);
 
-  KaServerRequest &request;
-  const KaDownloadSession &session;
-  KaDownloadState &state;
+  const Parts with;
+  const platform::ThreadBound thread;
 };
 
 enum class KaDateFormat {
@@ -56,7 +63,7 @@ enum class KaDateFormat {
 
 /// When the image was taken: by its metadata, whose text is local time marked as UTC and moves back by the current
 /// offset, else the upload hour of its key.
-[[nodiscard]] QDateTime captureDate(const KaMetadata &metadata, const QString &imagePath);
+[[nodiscard]] QDateTime captureDate(const KaMetadata &metadata, const KaImageKey &image);
 
 /// The names of the sort rules that the image matched.
 [[nodiscard]] QStringList matchedRules(const QJsonObject &document);

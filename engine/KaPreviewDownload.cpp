@@ -1,23 +1,18 @@
 #include "engine/KaPreviewDownload.h"
 
-#include "engine/DiskSpace.h"
 #include "engine/FileFetch.h"
-#include "engine/KaDownloadProcessorDelegate.h"
-#include "engine/KaDownloadSession.h"
-#include "engine/KaDownloadState.h"
+#include "engine/KaBookkeeping.h"
+#include "engine/KaImageKey.h"
 #include "engine/KaImageMetadata.h"
-#include "engine/KaTargetStorage.h"
-#include "engine/ObjectKey.h"
 #include "engine/OutputFolder.h"
 #include "log/KaLogUtility.h"
 #include "platform/FileDates.h"
-#include "service/KaServerRequest.h"
+#include "service/KaStorage.h"
 
 using namespace Qt::StringLiterals;
+using Loop = KaPass::Loop;
 
 namespace {
-
-constexpr qint64 kNotFound = 404;
 
 QString contentIdLine(const KaPreview &preview) {
   return u"ContentId="_s + preview.preview_object_key;
@@ -39,98 +34,83 @@ QDateTime dateOf(const KaPreview &preview) {
 } // namespace
 
 KaResultCode KaPreviewDownload::getPreviewList() {
-  const ServerAnswer answer = request.getAwsS3KeyList(session.previewListURL(), session.access().credential);
-  const QString httpLine = u"HTTP="_s + QString::number(answer.statusCode);
-  if (answer.statusCode == kNotFound) {
+  thread.check();
+  const StoredDocument list = with.storage.previewList(with.bookkeeping.account());
+  if (list.state == StoredDocument::State::Failed) {
+    KaLogUtility::writeInfoLog(u"GetPreviewList FAILURE"_s, {httpLine(list.statusCode)});
+    return list.result;
+  }
+  if (list.state == StoredDocument::State::Missing) {
     previews.clear();
-    KaLogUtility::writeInfoLog(u"GetPreviewList SUCCESS"_s, {httpLine});
+    KaLogUtility::writeInfoLog(u"GetPreviewList SUCCESS"_s, {httpLine(list.statusCode)});
     return KaResultCode::Success;
   }
-  if (answer.result != KaResultCode::Success) {
-    KaLogUtility::writeInfoLog(u"GetPreviewList FAILURE"_s, {httpLine});
-    return answer.result;
-  }
-  previews = previewsIn(answer.data);
-  dropTaken(previews, delegate.downloadDataContentIds(recordKey()).value_or(QStringList()).value(0).toLongLong());
+  previews = withoutTaken(previewsIn(list.content), with.bookkeeping.lastPreview());
   KaLogUtility::writeInfoLog(u"GetPreviewList SUCCESS"_s, {u"countPreviewList=%1"_s.arg(previews.size())});
   return KaResultCode::Success;
 }
 
-KaResultCode KaPreviewDownload::getPreview(const QString &parentFolder, qint64 childFolder) {
-  Carried carried{KaResultCode::Success, delegate.loadLinkageSetting()};
-  session.exchangeCodeVerifier(carried.linkage);
-  successCount = 0;
+KaPassOutcome KaPreviewDownload::getPreview(const QString &parentFolder, qint64 childFolder) {
+  thread.check();
+  KaPass pass(with.pass, parentFolder);
   for (const KaPreview &preview : previews)
-    if (getOne(preview, {parentFolder, childFolder}, carried) == Loop::Stop) break;
-  return carried.rc;
+    if (getOne(preview, childFolder, pass) == Loop::Stop) break;
+  return pass.outcome();
 }
 
-KaPreviewDownload::Loop KaPreviewDownload::getOne(const KaPreview &preview, const Target &target, Carried &carried) {
-  KaResultCode &rc = carried.rc;
-  KaLogUtility::writeInfoLog(u"GetPreview Start"_s, {contentIdLine(preview)});
-  if (rc == KaResultCode::Success) rc = session.renewIfExpiring(carried.linkage);
-  if (state.endAppFlag || !delegate.bLoggedIn()) return Loop::Stop;
-  // The failure carries over, on purpose, to all that follow.
-  if (rc != KaResultCode::Success) return Loop::GoOn;
-
-  if (delegate.verifyDownloadOptionParentFolder(target.parentFolder) != KaResultCode::Success) {
-    rc = KaResultCode::FileNotSaved;
+Loop KaPreviewDownload::getOne(const KaPreview &preview, qint64 childFolder, KaPass &pass) {
+  if (!pass.beginItem(u"GetPreview Start"_s, contentIdLine(preview))) return Loop::Stop;
+  switch (pass.judgeItem(preview.file_size)) {
+  case KaPass::Verdict::Take:
+    return saveByDate(preview, childFolder, pass);
+  case KaPass::Verdict::PassOver:
+    return Loop::GoOn;
+  case KaPass::Verdict::Stop:
     return Loop::Stop;
   }
-  if (!hasRoomFor(preview.file_size, target.parentFolder)) {
-    rc = KaResultCode::DiskFull;
-    return state.endAppFlag ? Loop::Stop : Loop::GoOn;
-  }
+  Q_UNREACHABLE();
+}
+
+Loop KaPreviewDownload::saveByDate(const KaPreview &preview, qint64 childFolder, KaPass &pass) {
   const QDateTime date = dateOf(preview);
-  if (state.endAppFlag) return Loop::Stop;
+  if (pass.isOver()) return Loop::Stop;
   if (!date.isValid()) {
     KaLogUtility::writeInfoLog(u"GetPreview"_s, {u"Without a date it is passed over."_s, contentIdLine(preview)});
     return Loop::GoOn;
   }
-  const QString folder = target.parentFolder + getOutputDateFolderString(date, target.childFolder);
-  if (!filledFolders.make(folder, target.parentFolder)) {
+  const QString folder = pass.parentFolder() + getOutputDateFolderString(date, childFolder);
+  if (!pass.makeFolder(folder)) {
     KaLogUtility::writeErrorLog(u"ERR_DOWNLOAD : Create outputFolder failed"_s);
-    rc = KaResultCode::FileNotSaved;
     return Loop::GoOn;
   }
-  return save(preview, date, folder, rc);
+  return save(preview, date, folder, pass);
 }
 
-KaPreviewDownload::Loop KaPreviewDownload::save(const KaPreview &preview, const QDateTime &date, const QString &folder,
-                                                KaResultCode &rc) {
-  const QString url = session.contentURL(preview.preview_object_key);
-  const QString defaultPath = defaultFilePath(folder, date, preview.preview_object_key);
+Loop KaPreviewDownload::save(const KaPreview &preview, const QDateTime &date, const QString &folder, KaPass &pass) {
+  const QString &key = preview.preview_object_key;
+  const QString defaultPath = defaultFilePath(folder, date, KaImageKey(key).extension());
   const QString indexText = u"Index=%1"_s.arg(preview.index);
   const FileOrder order{
       .logLine = indexText, .missingName = indexText, .refFileSize = preview.file_size, .request = [&] {
-        return request.getAwsS3Preview(url, session.access().credential, defaultPath, preview.original_file_name);
+        return with.storage.savePreview(key, defaultPath, preview.original_file_name);
       }};
-  const auto [outcome, saved] = fetchFile(order, state);
+  const auto [outcome, saved] = fetchFile(order, pass);
   switch (outcome) {
   case FileOutcome::Confirmed:
   case FileOutcome::Unconfirmed:
     // Unlike an image's, the last copy of a preview counts: it can be had from the image at any time.
-    settle(preview, date, order, saved);
-    break;
+    platform::setFileDates(saved.outputFilePath, date);
+    writeSavedLog(order, saved, saved.outputFilePath);
+    with.bookkeeping.savePreviewInfo(preview.index);
+    pass.countSaved();
+    return pass.next();
   case FileOutcome::Missing:
-    break;
+    return pass.next();
   case FileOutcome::Failed:
-    rc = saved.result;
+    pass.carry(saved.result);
     return Loop::Stop;
   case FileOutcome::Stopped:
     return Loop::Stop;
   }
-  return state.endAppFlag ? Loop::Stop : Loop::GoOn;
-}
-
-void KaPreviewDownload::settle(const KaPreview &preview, const QDateTime &date, const FileOrder &order,
-                               const SavedObject &saved) {
-  platform::setFileDates(saved.outputFilePath, date);
-  writeSavedLog(order, saved, saved.outputFilePath);
-  delegate.setDownloadDataNewDate(recordKey(), QString(), QString::number(preview.index));
-  ++successCount;
-}
-
-QString KaPreviewDownload::recordKey() const {
-  return uuidKey(session.userUUID().value_or(QString()), KaTargetStorage::Preview2K);
+  Q_UNREACHABLE();
 }

@@ -1,28 +1,28 @@
 #pragma once
 
-#include "engine/FilledFolders.h"
+#include "engine/KaPass.h"
 #include "engine/PreviewList.h"
+#include "platform/ThreadBound.h"
 #include "service/KaResultCode.h"
 
 #include <QDateTime>
 #include <QString>
 
-#include <optional>
 #include <vector>
 
-class KaDownloadProcessorDelegate;
-class KaDownloadSession;
-class KaServerRequest;
-struct FileOrder;
-struct KaDownloadState;
-struct SavedObject;
+class KaBookkeeping;
+class KaStorage;
 
 /// Fetches the reduced previews that the service makes of a user's images. Download thread.
 class KaPreviewDownload {
 public:
-  KaPreviewDownload(KaDownloadProcessorDelegate &toAsk, KaServerRequest &toSend, KaDownloadSession &current,
-                    const KaDownloadState &shared)
-      : delegate(toAsk), request(toSend), session(current), state(shared) {}
+  /// All of it outlives this object.
+  struct Parts {
+    KaPass::Parts pass;
+    KaStorage &storage;
+    KaBookkeeping &bookkeeping;
+  };
+  explicit KaPreviewDownload(const Parts &parts) : with(parts) {}
   KaPreviewDownload(const KaPreviewDownload &) = delete;
   KaPreviewDownload &operator=(const KaPreviewDownload &) = delete;
 
@@ -35,33 +35,14 @@ public:
   /// that cannot be made) and a lost session are carried over: the entries after it are passed over.
   /// @return the code that the last entry left; FileNotSaved at once when the parent folder is not usable, and the
   /// request's code at once when a download fails.
-  [[nodiscard]] KaResultCode getPreview(const QString &parentFolder, qint64 childFolder);
-  /// Files that the last getPreview saved.
-  [[nodiscard]] quint64 downloadSuccessCount() const { return successCount; }
-  /// Due before the bookkeeping is saved, lest a power cut leaves it with previews that have no name.
-  void syncFolders() { filledFolders.sync(); }
+  [[nodiscard]] KaPassOutcome getPreview(const QString &parentFolder, qint64 childFolder);
 
 private:
-  enum class Loop { GoOn, Stop };
-  struct Target {
-    QString parentFolder;
-    qint64 childFolder = 0;
-  };
-  struct Carried {
-    KaResultCode rc = KaResultCode::Success;
-    std::optional<QString> linkage;
-  };
+  [[nodiscard]] KaPass::Loop getOne(const KaPreview &preview, qint64 childFolder, KaPass &pass);
+  [[nodiscard]] KaPass::Loop saveByDate(const KaPreview &preview, qint64 childFolder, KaPass &pass);
+  [[nodiscard]] KaPass::Loop save(const KaPreview &preview, const QDateTime &date, const QString &folder, KaPass &pass);
 
-  [[nodiscard]] Loop getOne(const KaPreview &preview, const Target &target, Carried &carried);
-  [[nodiscard]] Loop save(const KaPreview &preview, const QDateTime &date, const QString &folder, KaResultCode &rc);
-  void settle(const KaPreview &preview, const QDateTime &date, const FileOrder &order, const SavedObject &saved);
-  [[nodiscard]] QString recordKey() const;
-
-  KaDownloadProcessorDelegate &delegate;
-  KaServerRequest &request;
-  KaDownloadSession &session;
-  const KaDownloadState &state;
-  FilledFolders filledFolders;
+  const Parts with;
+  const platform::ThreadBound thread;
   std::vector<KaPreview> previews;
-  quint64 successCount = 0;
 };

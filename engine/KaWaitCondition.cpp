@@ -9,18 +9,18 @@ constexpr std::chrono::hours kLongestWait(24 * 365);
 
 } // namespace
 
-void KaWaitCondition::wait(const std::atomic<bool> &kept) {
+void KaWaitCondition::wait(const Kept &kept) {
   const platform::MutexLock scope(lock);
   const quint64 before = beginWait();
-  while (!ended && !kept && signalCount == before)
+  while (!isOver(before, kept))
     changed.wait(lock);
 }
 
-void KaWaitCondition::wait(std::chrono::milliseconds duration) {
-  const auto deadline = std::chrono::steady_clock::now() + std::min<std::chrono::milliseconds>(duration, kLongestWait);
+void KaWaitCondition::wait(std::chrono::milliseconds longest, const Kept &kept) {
+  const auto deadline = std::chrono::steady_clock::now() + std::min<std::chrono::milliseconds>(longest, kLongestWait);
   const platform::MutexLock scope(lock);
   const quint64 before = beginWait();
-  while (!ended && signalCount == before)
+  while (!isOver(before, kept))
     if (changed.wait_until(lock, deadline) == std::cv_status::timeout) return;
 }
 
@@ -40,6 +40,10 @@ void KaWaitCondition::retire() {
   const platform::MutexLock scope(lock);
   waitedOn = true;
   changed.notify_all();
+}
+
+bool KaWaitCondition::isOver(quint64 signalsBefore, const Kept &kept) const {
+  return ended || signalCount != signalsBefore || (kept && kept());
 }
 
 quint64 KaWaitCondition::beginWait() {

@@ -8,20 +8,24 @@
 #include <atomic>
 #include <chrono>
 #include <condition_variable>
+#include <functional>
 
-/// What one thread sleeps on until another one signals it. A signal without a waiter is lost; the end of the program
-/// never is.
+/// What one thread sleeps on until another one signals it. A signal without a waiter is lost, but for what a wait is
+/// told to keep; the end of the program never is.
 class KaWaitCondition {
 public:
+  /// Whether there is nothing to wait for. Whoever makes it true signals afterwards.
+  using Kept = std::function<bool()>;
+
   /// @param endAppFlag  outlives this object; whoever sets it signals afterwards.
   explicit KaWaitCondition(const std::atomic<bool> &endAppFlag) : ended(endAppFlag) {}
   KaWaitCondition(const KaWaitCondition &) = delete;
   KaWaitCondition &operator=(const KaWaitCondition &) = delete;
 
-  /// Until signalled or the end. Whoever sets @p kept signals afterwards; while it is set there is nothing to wait for.
-  void wait(const std::atomic<bool> &kept) KA_EXCLUDES(lock);
-  /// Until signalled or the end, for at most @p duration.
-  void wait(std::chrono::milliseconds duration) KA_EXCLUDES(lock);
+  /// Until signalled, kept or the end.
+  void wait(const Kept &kept) KA_EXCLUDES(lock);
+  /// The same for at most @p longest.
+  void wait(std::chrono::milliseconds longest, const Kept &kept = {}) KA_EXCLUDES(lock);
   void signal() KA_EXCLUDES(lock);
 
   /// Returns once some thread has begun to wait here, or retire() was called.
@@ -32,6 +36,7 @@ public:
 private:
   /// @return the number of signals before this wait.
   quint64 beginWait() KA_REQUIRES(lock);
+  [[nodiscard]] bool isOver(quint64 signalsBefore, const Kept &kept) const KA_REQUIRES(lock);
 
   const std::atomic<bool> &ended;
   platform::Mutex lock;

@@ -1,7 +1,5 @@
 #include "engine/OutputFolder.h"
 
-#include "engine/ObjectKey.h"
-
 #include <QDir>
 
 #include <algorithm>
@@ -40,23 +38,22 @@ bool staysInParentFolder(const QString &destination, const QString &parentFolder
   return cleaned == parent || cleaned.startsWith(parent.endsWith(u'/') ? parent : parent + u'/');
 }
 
-QString defaultFilePath(const QString &folder, const QDateTime &date, const QString &objectKey) {
+QString defaultFilePath(const QString &folder, const QDateTime &date, const QString &extension) {
   const QString path = folder + u'/' + date.toLocalTime().toString(u"yyyy-MM-dd"_s);
-  const QString extension = extensionFromPath(objectKey);
   return extension.isEmpty() ? path : path + u'.' + extension;
 }
 
-QString getFolderNameFromPath(const QString &path, qint64 level) {
+QStringView getFolderNameFromPath(QStringView path, qint64 level) {
   // From its end, without splitting all of it: every listed object comes through here.
-  QStringView rest(path);
+  QStringView rest = path;
   QStringView component;
   for (qint64 above = std::max<qint64>(level, 0);; --above) {
     while (rest.endsWith(u'/'))
       rest.chop(1);
     if (rest.isEmpty()) break;
     component = rest.mid(rest.lastIndexOf(u'/') + 1);
-    if (above == 0) return component.toString();
+    if (above == 0) return component;
     rest.chop(component.size());
   }
-  return path.startsWith(u'/') ? u"/"_s : component.toString();
+  return path.startsWith(u'/') ? QStringView(u"/") : component;
 }

@@ -25,12 +25,12 @@ std::optional<KaPreview> previewIn(const QJsonValue &value) {
   const QJsonObject entry = value.toObject();
   const auto index = jsonInteger(entry, "index"_L1);
   const auto size = jsonInteger(entry, "file_size"_L1);
-  const auto key = jsonString(entry, "preview_object_key"_L1);
-  const auto name = jsonString(entry, "original_file_name"_L1);
+  const auto key = platform::jsonString(entry, "preview_object_key"_L1);
+  const auto name = platform::jsonString(entry, "original_file_name"_L1);
   // Nothing known is as good as nothing said.
   const bool unknown = entry.contains("shooting_time"_L1) && entry.value("shooting_time"_L1).isNull();
-  const auto shot = unknown ? QString() : jsonString(entry, "shooting_time"_L1);
-  const auto uploaded = jsonString(entry, "upload_time"_L1);
+  const auto shot = unknown ? QString() : platform::jsonString(entry, "shooting_time"_L1);
+  const auto uploaded = platform::jsonString(entry, "upload_time"_L1);
   if (!index || !size || !key || !name || !shot || !uploaded) return std::nullopt;
   return KaPreview{*index, *key, *size, *name, *shot, *uploaded};
 }
@@ -38,7 +38,7 @@ std::optional<KaPreview> previewIn(const QJsonValue &value) {
 } // namespace
 
 std::vector<KaPreview> previewsIn(const QByteArray &document) {
-  const QJsonArray data = parseJsonObject(document).value_or(QJsonObject()).value("data"_L1).toArray();
+  const QJsonArray data = platform::parseJsonObject(document).value_or(QJsonObject()).value("data"_L1).toArray();
   std::vector<KaPreview> previews;
   previews.reserve(static_cast<std::size_t>(data.size()));
   for (const QJsonValue &value : data)
@@ -48,8 +48,9 @@ std::vector<KaPreview> previewsIn(const QByteArray &document) {
   return previews;
 }
 
-void dropTaken(std::vector<KaPreview> &previews, qint64 threshold) {
+std::vector<KaPreview> withoutTaken(std::vector<KaPreview> previews, qint64 threshold) {
   const auto firstNew = std::find_if(previews.begin(), previews.end(),
                                      [threshold](const KaPreview &preview) { return preview.index > threshold; });
   previews.erase(previews.begin(), firstNew);
+  return previews;
 }

@@ -19,6 +19,6 @@ struct KaPreview {
 /// without a "data" array has none.
 [[nodiscard]] std::vector<KaPreview> previewsIn(const QByteArray &document);
 
-/// Takes the entries off the front whose index is not above @p threshold. Only the front: an older entry behind a newer
-/// one stays.
-void dropTaken(std::vector<KaPreview> &previews, qint64 threshold);
+/// @p previews without those at the front whose index is not above @p threshold. Only the front: an older entry behind
+/// a newer one stays.
+[[nodiscard]] std::vector<KaPreview> withoutTaken(std::vector<KaPreview> previews, qint64 threshold);

@@ -68,25 +68,23 @@ std::optional<QString> KaCryptionUtility::decrypt(const QString &text) {
 }
 
 std::optional<QString> KaCryptionUtility::encrypt(const QString &text, const QString &key) {
-  std::optional<QString> result;
-  const bool ended = runGuarded([&] {
+  return guardedOr(std::optional<QString>(), [&]() -> std::optional<QString> {
     const auto enciphered = aes256Ecb(text.toUtf8(), key, Direction::Encipher);
-    if (enciphered) result = QString::fromLatin1(inLines(enciphered->toBase64()));
+    if (!enciphered) return std::nullopt;
+    return QString::fromLatin1(inLines(enciphered->toBase64()));
   });
-  return ended ? result : std::nullopt;
 }
 
 std::optional<QString> KaCryptionUtility::decrypt(const QString &text, const QString &key) {
-  std::optional<QString> result;
-  const bool ended = runGuarded([&] {
+  return guardedOr(std::optional<QString>(), [&]() -> std::optional<QString> {
     const auto plain = aes256Ecb(QByteArray::fromBase64(text.toLatin1()), key, Direction::Decipher);
-    if (!plain) return;
+    if (!plain) return std::nullopt;
     // A wrong key passes the padding check once in 256 times; what comes out then is hardly ever text.
     QStringDecoder utf8(QStringDecoder::Utf8, QStringDecoder::Flag::Stateless);
     QString decoded = utf8(*plain);
-    if (!utf8.hasError()) result = std::move(decoded);
+    if (utf8.hasError()) return std::nullopt;
+    return decoded;
   });
-  return ended ? result : std::nullopt;
 }
 
 QString KaCryptionUtility::secretKey() {
@@ -95,11 +93,11 @@ QString KaCryptionUtility::secretKey() {
 }
 
 QString KaCryptionUtility::toSHA256hash(const QString &text) {
-  return toHex(toSHA256DataFrom(text));
+  return signature_v4::toHex(toSHA256DataFrom(text));
 }
 
 QByteArray KaCryptionUtility::toSHA256DataFrom(const QString &text) {
-  return ::toSHA256hash(text);
+  return signature_v4::toSHA256hash(text);
 }
 
 QString KaCryptionUtility::GenerateCodeS256Challenge(const QString &verifier) {

@@ -24,23 +24,21 @@ constexpr qsizetype kTokenParts = 3;
 platform::Guarded<QString> appId;
 
 void logFailedRequest(KaLogStep step, const ServerAnswer &answer) {
-  KaLogUtility::writeConnectionResultLog(step, /*connectionResult=*/false, {u"HTTP=%1"_s.arg(answer.statusCode)});
+  KaLogUtility::writeConnectionResultLog(step, /*connectionResult=*/false, {httpLine(answer.statusCode)});
 }
 
 std::optional<QJsonObject> decodePart(const QString &part) {
   const auto bytes = KaIdVerificationUtility::base64UrlSafeDecode(part);
-  return bytes ? parseJsonObject(*bytes) : std::nullopt;
+  return bytes ? platform::parseJsonObject(*bytes) : std::nullopt;
 }
 
 std::optional<QString> unverifiedClaim(const QString &token, QLatin1StringView name) {
-  std::optional<QString> claim;
-  const bool ended = runGuarded([&] {
+  return guardedOr(std::optional<QString>(), [&]() -> std::optional<QString> {
     const QStringList parts = token.split(u'.');
-    if (parts.size() != kTokenParts) return;
+    if (parts.size() != kTokenParts) return std::nullopt;
     const auto payload = decodePart(parts[1]);
-    if (payload) claim = jsonString(*payload, name);
+    return payload ? platform::jsonString(*payload, name) : std::nullopt;
   });
-  return ended ? claim : std::nullopt;
 }
 
 bool isUnexpired(const QJsonObject &payload) {
@@ -55,7 +53,7 @@ std::optional<QJsonObject> fetchDocument(KaServerRequest &request, const QString
     logFailedRequest(KaLogStep::GetPublicKey, answer);
     return std::nullopt;
   }
-  return parseJsonObject(answer.data);
+  return platform::parseJsonObject(answer.data);
 }
 
 /// The provider's signing keys, fetched afresh: a key that was withdrawn must not go on counting.
@@ -63,7 +61,7 @@ QJsonArray fetchKeys(KaServerRequest &request) {
   const QString discovery =
       u"https://"_s + KaApplicationConstants::idTokenHostName() + u"/.well-known/openid-configuration"_s;
   const auto configuration = fetchDocument(request, discovery);
-  const auto keysUrl = configuration ? jsonString(*configuration, "jwks_uri"_L1) : std::nullopt;
+  const auto keysUrl = configuration ? platform::jsonString(*configuration, "jwks_uri"_L1) : std::nullopt;
   const auto keySet = keysUrl ? fetchDocument(request, *keysUrl) : std::nullopt;
   return keySet ? keySet->value("keys"_L1).toArray() : QJsonArray();
 }
@@ -73,22 +71,21 @@ QJsonArray fetchKeys(KaServerRequest &request) {
 KaResultCode KaIdVerificationUtility::validateJWT(KaServerRequest &request, const std::optional<QString> &token,
                                                   bool checkNonce, const std::optional<QString> &nonce) {
   if (!token) return KaResultCode::LinkInvalid;
-  bool valid = false;
-  const bool ended = runGuarded([&] {
+  const bool valid = guardedOr(false, [&] {
     const QStringList parts = token->split(u'.');
-    if (parts.size() != kTokenParts) return;
-    QString kid;
-    valid = validateHeader(parts[0], kid) && validatePayload(request, parts[1], checkNonce, nonce)
-            && validateSignature(request, parts[2], parts[0], parts[1], kid);
+    if (parts.size() != kTokenParts) return false;
+    const Header header = validateHeader(parts[0]);
+    return header.valid && validatePayload(request, parts[1], checkNonce, nonce)
+           && validateSignature(request, parts[2], parts[0], parts[1], header.kid);
   });
-  return ended && valid ? KaResultCode::Success : KaResultCode::LinkInvalid;
+  return valid ? KaResultCode::Success : KaResultCode::LinkInvalid;
 }
 
-bool KaIdVerificationUtility::validateHeader(const QString &header, QString &kid) {
+KaIdVerificationUtility::Header KaIdVerificationUtility::validateHeader(const QString &header) {
   const auto fields = decodePart(header);
-  if (!fields) return false;
-  kid = jsonString(*fields, "kid"_L1).value_or(QString());
-  return jsonString(*fields, "alg"_L1) == u"RS256"_s;
+  if (!fields) return {};
+  return {.valid = platform::jsonString(*fields, "alg"_L1) == u"RS256"_s,
+          .kid = platform::jsonString(*fields, "kid"_L1).value_or(QString())};
 }
 
 bool KaIdVerificationUtility::validatePayload(KaServerRequest &request, const QString &payload, bool checkNonce,
@@ -96,20 +93,21 @@ bool KaIdVerificationUtility::validatePayload(KaServerRequest &request, const QS
   initializeAppId(request);
   const auto claims = decodePart(payload);
   if (!claims) return false;
-  if (jsonString(*claims, "iss"_L1) != u"https://"_s + KaApplicationConstants::idTokenHostName()) return false;
+  if (platform::jsonString(*claims, "iss"_L1) != u"https://"_s + KaApplicationConstants::idTokenHostName())
+    return false;
   const QString audience = appId.get();
-  if (audience.isEmpty() || jsonString(*claims, "aud"_L1) != audience) return false;
+  if (audience.isEmpty() || platform::jsonString(*claims, "aud"_L1) != audience) return false;
   if (!isUnexpired(*claims)) return false;
-  return !checkNonce || (nonce && jsonString(*claims, "nonce"_L1) == *nonce);
+  return !checkNonce || (nonce && platform::jsonString(*claims, "nonce"_L1) == *nonce);
 }
 
 bool KaIdVerificationUtility::validateSignature(KaServerRequest &request, const QString &signature,
                                                 const QString &header, const QString &payload, const QString &kid) {
   for (const QJsonValue &value : fetchKeys(request)) {
     const QJsonObject key = value.toObject();
-    if (jsonString(key, "kid"_L1) != kid) continue;
-    const auto exponent = jsonString(key, "e"_L1);
-    const auto modulus = jsonString(key, "n"_L1);
+    if (platform::jsonString(key, "kid"_L1) != kid) continue;
+    const auto exponent = platform::jsonString(key, "e"_L1);
+    const auto modulus = platform::jsonString(key, "n"_L1);
     return exponent && modulus && verify(*exponent, *modulus, signature, header, payload);
   }
   return false;
@@ -146,7 +144,7 @@ void KaIdVerificationUtility::initializeAppId(KaServerRequest &request) {
   if (!appId.get().isEmpty()) return;
   const ServerAnswer answer = request.getKaAppId();
   if (answer.result != KaResultCode::Success) return logFailedRequest(KaLogStep::GetClientId, answer);
-  const auto configuration = parseJsonObject(answer.data);
-  const auto clientId = configuration ? jsonString(*configuration, "clientId"_L1) : std::nullopt;
+  const auto configuration = platform::parseJsonObject(answer.data);
+  const auto clientId = configuration ? platform::jsonString(*configuration, "clientId"_L1) : std::nullopt;
   if (clientId) appId.set(*clientId);
 }

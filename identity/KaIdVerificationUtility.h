@@ -19,8 +19,11 @@ public:
   [[nodiscard]] static KaResultCode validateJWT(KaServerRequest &request, const std::optional<QString> &token,
                                                 bool checkNonce, const std::optional<QString> &nonce);
 
-  /// @param kid  set to the header's "kid" whenever the header could be decoded.
-  [[nodiscard]] static bool validateHeader(const QString &header, QString &kid);
+  struct Header {
+    bool valid = false; ///< names the one algorithm that counts
+    QString kid{};      ///< empty when there is none, or the header could not be decoded
+  };
+  [[nodiscard]] static Header validateHeader(const QString &header);
   [[nodiscard]] static bool validatePayload(KaServerRequest &request, const QString &payload, bool checkNonce,
                                             const std::optional<QString> &nonce);
   [[nodiscard]] static bool validateSignature(KaServerRequest &request, const QString &signature, const QString &header,

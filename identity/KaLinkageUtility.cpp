@@ -31,22 +31,18 @@ QString pairingFile(QLatin1StringView name) {
 }
 
 bool save(QLatin1StringView name, const QString &text) {
-  bool saved = false;
-  const bool ended = runGuarded([&] {
-    if (!platform::makePrivateFolder(pairingFolder())) return;
+  return guardedOr(false, [&] {
+    if (!platform::makePrivateFolder(pairingFolder())) return false;
     const auto enciphered = KaCryptionUtility::encrypt(text);
-    saved = enciphered && writePrivateFile(pairingFile(name), enciphered->toUtf8());
+    return enciphered && platform::writePrivateFile(pairingFile(name), enciphered->toUtf8());
   });
-  return ended && saved;
 }
 
 std::optional<QString> load(QLatin1StringView name) {
-  std::optional<QString> text;
-  const bool ended = runGuarded([&] {
-    const auto content = readPrivateFile(pairingFile(name));
-    if (content) text = KaCryptionUtility::decrypt(QString::fromUtf8(*content));
+  return guardedOr(std::optional<QString>(), [&]() -> std::optional<QString> {
+    const auto content = platform::readPrivateFile(pairingFile(name));
+    return content ? KaCryptionUtility::decrypt(QString::fromUtf8(*content)) : std::nullopt;
   });
-  return ended ? text : std::nullopt;
 }
 
 QString sitePage(const QString &path) {
@@ -68,31 +64,25 @@ QString logoutUrl() {
 } // namespace
 
 bool KaLinkageUtility::setupLinkage(const QString &nonce) {
-  bool done = false;
-  const bool ended = runGuarded([&] {
+  return guardedOr(false, [&] {
     const QString codeVerifier = GenerateNonce();
-    if (codeVerifier.isEmpty()) return;
+    if (codeVerifier.isEmpty()) return false;
     const QString codeChallenge = KaCryptionUtility::GenerateCodeS256Challenge(codeVerifier);
-    done = platform::openUrl(loginUrl(nonce, codeChallenge)) && saveCodeVerifier(codeVerifier);
+    return platform::openUrl(loginUrl(nonce, codeChallenge)) && saveCodeVerifier(codeVerifier);
   });
-  return ended && done;
 }
 
 bool KaLinkageUtility::closeLinkage() {
-  bool opened = false;
-  const bool ended = runGuarded([&] { opened = platform::openUrl(logoutUrl()); });
-  return ended && opened;
+  return guardedOr(false, [] { return platform::openUrl(logoutUrl()); });
 }
 
 QString KaLinkageUtility::GenerateNonce() {
-  QString nonce;
-  const bool ended = runGuarded([&] {
+  return guardedOr(QString(), [] {
     QByteArray bytes(kNonceBytes, Qt::Uninitialized);
     if (RAND_bytes(reinterpret_cast<unsigned char *>(bytes.data()), kNonceBytes) != 1)
       throw KaException(u"GenerateNonce"_s, u"no random bytes"_s);
-    nonce = QString::fromLatin1(bytes.toBase64(QByteArray::Base64UrlEncoding | QByteArray::OmitTrailingEquals));
+    return QString::fromLatin1(bytes.toBase64(QByteArray::Base64UrlEncoding | QByteArray::OmitTrailingEquals));
   });
-  return ended ? nonce : QString();
 }
 
 bool KaLinkageUtility::saveLinkageSetting(const QString &idToken) {
@@ -124,6 +114,10 @@ bool KaLinkageUtility::saveTokenCode(const QString &tokenCode) {
 
 std::optional<QString> KaLinkageUtility::loadTokenCode() {
   return load(kTokenCodeFile);
+}
+
+void KaLinkageUtility::deleteTokenCode() {
+  QFile::remove(pairingFile(kTokenCodeFile));
 }
 
 void KaLinkageUtility::deletePairingInfo() {

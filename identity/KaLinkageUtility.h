@@ -5,7 +5,8 @@
 #include <optional>
 
 /// The link between this computer and the user's account: the browser pages that make and end it, and the three
-/// enciphered files that keep it. Files that are missing, damaged or another user's read as absent. Any thread.
+/// enciphered files that keep it. Files that are missing, damaged or another user's read as absent. Any thread, one at
+/// a time for each file: KaLink, which knows whose they are, sees to that and is the only one to write them.
 class KaLinkageUtility {
 public:
   KaLinkageUtility() = delete;
@@ -28,6 +29,7 @@ public:
 
   static bool saveTokenCode(const QString &tokenCode);
   [[nodiscard]] static std::optional<QString> loadTokenCode();
+  static void deleteTokenCode();
 
   static void deletePairingInfo();
 };

@@ -1,7 +1,5 @@
 #include "service/KaServerRequest.h"
 
-#include "identity/KaLinkageUtility.h"
-#include "log/KaLogUtility.h"
 #include "platform/JsonValue.h"
 #include "service/KaApplicationConstants.h"
 
@@ -16,21 +14,18 @@ QByteArray compactJson(const QJsonObject &object) {
   return QJsonDocument(object).toJson(QJsonDocument::Compact);
 }
 
-/// Keeps the "tokenCode" of an answer for the next refresh.
-/// @return Offline when @p body is no JSON, NoBody when it holds no token code.
-KaResultCode storeTokenCode(const QByteArray &body) {
+/// The "tokenCode" of an answer that came well.
+TokenCodeAnswer tokenCodeOf(const QByteArray &body) {
   const QJsonDocument document = QJsonDocument::fromJson(body);
-  if (document.isNull()) return KaResultCode::Offline;
-  const auto tokenCode = jsonString(document.object(), "tokenCode"_L1);
-  if (!tokenCode) return KaResultCode::NoBody;
-
-  if (!KaLinkageUtility::saveTokenCode(*tokenCode)) KaLogUtility::writeErrorLog(u"the token code cannot be saved"_s);
-  return KaResultCode::Success;
+  if (document.isNull()) return {.result = KaResultCode::Offline};
+  const auto tokenCode = platform::jsonString(document.object(), "tokenCode"_L1);
+  if (!tokenCode) return {.result = KaResultCode::NoBody};
+  return {.tokenCode = *tokenCode};
 }
 
 } // namespace
 
-KaResultCode KaServerRequest::getTokenCode(const QString &codeVerifier, const QString &linkage) {
+TokenCodeAnswer KaServerRequest::getTokenCode(const QString &codeVerifier, const QString &linkage) {
   HttpRequest request;
   request.method = "POST";
   request.url = u"https://"_s + KaApplicationConstants::strataHostName() + u"/getTokenCode"_s;
@@ -39,24 +34,25 @@ KaResultCode KaServerRequest::getTokenCode(const QString &codeVerifier, const QS
   request.body = compactJson({{u"codeVerifier"_s, codeVerifier}});
 
   const ServerAnswer answer = exchange(request);
-  const KaResultCode result = answer.result == KaResultCode::Success ? storeTokenCode(answer.data) : answer.result;
-  if (result == KaResultCode::Success) KaLogUtility::writeInfoLog(u"saveTokenCode_complete"_s);
-  return result;
+  if (answer.result != KaResultCode::Success) return {.result = answer.result};
+  return tokenCodeOf(answer.data);
 }
 
-ServerAnswer KaServerRequest::refreshIdToken(const QString &url, const QString &oldIdToken, const QString &nonce) {
+RefreshAnswer KaServerRequest::refreshIdToken(const QString &oldIdToken, const QString &nonce,
+                                              const std::optional<QString> &tokenCode) {
   QJsonObject body{{u"idToken"_s, oldIdToken}, {u"nonce"_s, nonce}};
-  if (const auto tokenCode = KaLinkageUtility::loadTokenCode()) body.insert(u"tokenCode"_s, *tokenCode);
+  if (tokenCode) body.insert(u"tokenCode"_s, *tokenCode);
 
   HttpRequest request;
   request.method = "POST";
-  request.url = url;
+  request.url = u"https://"_s + KaApplicationConstants::strataHostName() + u"/refreshToken"_s;
   request.headers = {{"Content-Type", "application/json"}};
   request.body = compactJson(body);
 
-  ServerAnswer answer = exchange(request);
-  if (answer.result == KaResultCode::Success) answer.result = storeTokenCode(answer.data);
-  return answer;
+  const ServerAnswer answer = exchange(request);
+  const auto [result, newCode] =
+      answer.result == KaResultCode::Success ? tokenCodeOf(answer.data) : TokenCodeAnswer{.result = answer.result};
+  return {.result = result, .statusCode = answer.statusCode, .data = answer.data, .tokenCode = newCode};
 }
 
 ServerAnswer KaServerRequest::requestJWKS(const QString &url) {

@@ -1,16 +1,14 @@
 #pragma once
 
+#include "platform/ReleasedBy.h"
+
 #include <openssl/err.h>
 
 #include <memory>
 
 /// Owners for what OpenSSL hands out. For source files of this room only.
 
-template <auto Release> struct ReleasedBy {
-  template <class T> void operator()(T *handle) const noexcept { Release(handle); }
-};
-
-template <class T, auto Release> using OpenSslHandle = std::unique_ptr<T, ReleasedBy<Release>>;
+template <class T, auto Release> using OpenSslHandle = std::unique_ptr<T, platform::ReleasedBy<Release>>;
 
 /// Leaves this thread's error queue as empty as it was found: the TLS layer on the same thread reads it too.
 class OpenSslErrorScope {

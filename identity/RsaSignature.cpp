@@ -18,13 +18,15 @@ using DigestContext = OpenSslHandle<EVP_MD_CTX, &EVP_MD_CTX_free>;
 
 /// Longer ones are no real keys, only work for whoever has to compute with them.
 constexpr int kMaxModulusBits = 16384;
+/// With a zero byte before it, which some encoders keep from signed numbers.
+constexpr qsizetype kMaxNumberBytes = kMaxModulusBits / 8 + 1;
 
 const unsigned char *bytesOf(const QByteArray &bytes) {
   return reinterpret_cast<const unsigned char *>(bytes.constData());
 }
 
 BigNumber makeNumber(const QByteArray &bytes) {
-  if (bytes.isEmpty() || bytes.size() > kMaxModulusBits) return nullptr;
+  if (bytes.isEmpty() || bytes.size() > kMaxNumberBytes) return nullptr;
   return BigNumber(BN_bin2bn(bytesOf(bytes), static_cast<int>(bytes.size()), nullptr));
 }
 

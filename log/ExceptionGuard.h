@@ -5,6 +5,8 @@
 
 #include <functional>
 #include <stdexcept>
+#include <type_traits>
+#include <utility>
 
 /// An exception of ours: remembers the call stack of the place that threw it.
 class KaException : public std::runtime_error {
@@ -23,3 +25,10 @@ private:
 /// throwing place when it is ours, else of the guard).
 /// @return whether the action ended without an exception.
 [[nodiscard]] bool runGuarded(const std::function<void()> &action);
+
+/// What @p action returns under the same guard; @p fallback when an exception ended it.
+template <class T> [[nodiscard]] T guardedOr(T fallback, const std::function<std::type_identity_t<T>()> &action) {
+  T result = std::move(fallback);
+  static_cast<void>(runGuarded([&] { result = action(); }));
+  return result;
+}

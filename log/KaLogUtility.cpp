@@ -9,7 +9,6 @@
 
 #include <array>
 #include <atomic>
-#include <tuple>
 
 using namespace Qt::StringLiterals;
 
@@ -20,23 +19,23 @@ constexpr qsizetype kTitleStartIndex = 3;
 
 std::atomic<bool> outputLogSwitch = false;
 
-QString stepTitle(KaLogStep step) {
-  static const std::array<QString, 11> titles = {
-      u"Get ClientId"_s,
-      u"Get NorvaleId"_s,
-      u"Get PublicKey"_s,
-      u"Refresh NorvaleId"_s,
-      u"Get Temporary Credentials"_s,
-      u"Get DeviceList"_s,
-      u"Get ExcludeDeviceList"_s,
-      u"Get ImageList"_s,
-      u"Get Exif"_s,
-      u"Download"_s,
-      u"Complete"_s,
+QLatin1StringView stepTitle(KaLogStep step) {
+  constexpr std::array kTitles = {
+      "Get ClientId"_L1,
+      "Get NorvaleId"_L1,
+      "Get PublicKey"_L1,
+      "Refresh NorvaleId"_L1,
+      "Get Temporary Credentials"_L1,
+      "Get DeviceList"_L1,
+      "Get ExcludeDeviceList"_L1,
+      "Get ImageList"_L1,
+      "Get Exif"_L1,
+      "Download"_L1,
+      "Complete"_L1,
   };
-  static_assert(std::tuple_size_v<decltype(titles)> == static_cast<std::size_t>(KaLogStep::Complete) + 1);
+  static_assert(kTitles.size() == static_cast<std::size_t>(KaLogStep::Complete) + 1);
   const auto index = static_cast<std::size_t>(step);
-  return index < titles.size() ? titles[index] : QString();
+  return index < kTitles.size() ? kTitles[index] : QLatin1StringView();
 }
 
 void writeBlock(const QString &title, QChar symbol, const QStringList &message) {
@@ -89,6 +88,7 @@ void KaLogUtility::writeErrorLog(const std::optional<QString> &message, const st
 }
 
 void KaLogUtility::switchLogStatus() {
+  // Two at once must invert twice.
   bool before = outputLogSwitch;
   while (!outputLogSwitch.compare_exchange_weak(before, !before)) {
   }

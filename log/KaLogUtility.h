@@ -22,7 +22,8 @@ enum class KaLogStep : quint64 {
 
 /// The diagnostic log: a file per local calendar day in the app folder's "Log" folder, made of titled blocks.
 /// Off at every start. With logging on the files may hold tokens, so only the user can read them.
-/// Every operation may be called from any thread; none reports a failure; a block is appended in one write.
+/// Every operation may be called from any thread, until the process ends; none reports a failure; a block is appended
+/// in one write. A writer touches the disk: not to be called under a lock, nor with details made for a log that is off.
 class KaLogUtility {
 public:
   KaLogUtility() = delete;

@@ -4,43 +4,18 @@
 #include "log/ExceptionGuard.h"
 #include "log/KaLogUtility.h"
 #include "platform/AppInfo.h"
-#include "platform/LoginItem.h"
-#include "platform/UserDefaults.h"
-#include "ui/DesktopStatusItem.h"
+#include "platform/ThreadBound.h"
+#include "ui/KaDesktopStatusItem.h"
 #include "ui/KaNotifyIcon.h"
-#include "ui/Texts.h"
+#include "ui/LoginItemQuestion.h"
 
 #include <QCoreApplication>
-#include <QMessageBox>
-#include <QPushButton>
 #include <QUrl>
 #include <QUrlQuery>
 
 #include <utility>
 
 using namespace Qt::StringLiterals;
-
-namespace {
-
-const QString kFirstLaunch = u"firstLaunch"_s;
-const QString kLaunchAtLogin = u"LaunchAtLogin"_s;
-
-bool askWhetherToLaunchAtLogin() {
-  QMessageBox question(QMessageBox::Question, localised("APP_SHORT_NAME"_L1), localised("MSG_FIRST_LAUNCH"_L1));
-  question.setTextFormat(Qt::PlainText);
-  QPushButton *const ok = question.addButton(localised("DLG_COMMON_BUTTON_OK_MAC"_L1), QMessageBox::AcceptRole);
-  QPushButton *const cancel = question.addButton(localised("DLG_COMMON_BUTTON_CANCEL"_L1), QMessageBox::RejectRole);
-  question.setDefaultButton(ok);
-  question.setEscapeButton(cancel);
-  question.exec();
-  return question.clickedButton() == ok;
-}
-
-void setLaunchAtLogin(bool enable) {
-  if (platform::setLoginItemEnabled(enable)) platform::standardUserDefaults().setBool(kLaunchAtLogin, enable);
-}
-
-} // namespace
 
 AppDelegate::AppDelegate(QObject *parent) : QObject(parent) {
 }
@@ -57,6 +32,7 @@ QString AppDelegate::getUserAgent() {
 }
 
 void AppDelegate::applicationDidFinishLaunching() {
+  platform::assertMainThread();
   if (!runGuarded([this] { launch(); })) terminate();
 }
 
@@ -64,28 +40,16 @@ void AppDelegate::launch() {
   KaLogUtility::initialize();
   // Logging is off at this point, so this writes nothing.
   KaLogUtility::writeStartLog({getUserAgent()});
-  platform::standardUserDefaults().registerDefaults({{kFirstLaunch, u"YES"_s}});
-  if (!askAtFirstLaunch()) return;
+  if (!askAtFirstLaunch([this] { return isTerminating; })) return;
 
-  statusItem = std::make_unique<DesktopStatusItem>();
+  statusItem = std::make_unique<KaDesktopStatusItem>();
   kaNotify = std::make_unique<KaNotifyIcon>(KaModelFacade::sharedInstance(), *statusItem);
   for (const auto &job : std::exchange(kept, {}))
     job(*kaNotify);
 }
 
-/// @return false when the program was told to end meanwhile: nobody has answered then, so the next launch asks again.
-bool AppDelegate::askAtFirstLaunch() const {
-  auto &defaults = platform::standardUserDefaults();
-  if (!defaults.boolValue(kFirstLaunch)) return true;
-  const bool accepted = askWhetherToLaunchAtLogin();
-  if (isTerminating) return false;
-  setLaunchAtLogin(accepted);
-  defaults.setBool(kFirstLaunch, false);
-  defaults.synchronize();
-  return true;
-}
-
 bool AppDelegate::applicationWillTerminate() {
+  platform::assertMainThread();
   const bool finished = !kaNotify || kaNotify->appFinalize();
   KaLogUtility::writeEndLog();
   KaLogUtility::terminate();
@@ -112,11 +76,13 @@ void AppDelegate::performAction(const QString &action) {
 }
 
 void AppDelegate::whenStarted(std::function<void(KaNotifyIcon &)> job) {
+  platform::assertMainThread();
   if (kaNotify) return job(*kaNotify);
   kept.push_back(std::move(job));
 }
 
 void AppDelegate::terminate() {
+  platform::assertMainThread();
   isTerminating = true;
   QCoreApplication::quit();
 }

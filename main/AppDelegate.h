@@ -1,6 +1,6 @@
 #pragma once
 
-#include "ui/StatusItemView.h"
+#include "ui/KaStatusItemView.h"
 
 #include <QObject>
 #include <QString>
@@ -42,12 +42,11 @@ public:
 
 private:
   void launch();
-  [[nodiscard]] bool askAtFirstLaunch() const;
   void whenStarted(std::function<void(KaNotifyIcon &)> job);
 
   bool isTerminating = false;
   std::vector<std::function<void(KaNotifyIcon &)>> kept;
-  std::unique_ptr<StatusItemView> statusItem;
+  std::unique_ptr<KaStatusItemView> statusItem;
   std::unique_ptr<KaNotifyIcon> kaNotify;
 };
 

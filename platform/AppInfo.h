@@ -4,7 +4,7 @@
 
 namespace platform {
 
-/// What the build knows of the program.
+/// What the build knows of the program. Fixed texts: copying them costs nothing.
 struct AppInfo {
   QString name;
   QString version;
@@ -14,7 +14,8 @@ struct AppInfo {
   QString copyright;
 };
 
-[[nodiscard]] const AppInfo &appInfo();
+/// Any thread.
+[[nodiscard]] AppInfo appInfo();
 
 struct OperatingSystemVersion {
   qint64 major = 0;

@@ -5,6 +5,8 @@
 
 namespace platform {
 
+/// Absolute paths without a "/" at the end, whether they exist or not. Any thread.
+
 [[nodiscard]] QString applicationSupportFolder();
 [[nodiscard]] QString picturesFolder();
 /// The program's own files, as they were installed with it.

@@ -3,6 +3,8 @@
 #include <QJsonDocument>
 #include <QJsonValue>
 
+namespace platform {
+
 std::optional<QJsonObject> parseJsonObject(const QByteArray &body) {
   const QJsonDocument document = QJsonDocument::fromJson(body);
   if (!document.isObject()) return std::nullopt;
@@ -14,3 +16,5 @@ std::optional<QString> jsonString(const QJsonObject &object, QLatin1StringView n
   if (!value.isString()) return std::nullopt;
   return value.toString();
 }
+
+} // namespace platform

@@ -6,7 +6,12 @@
 
 #include <optional>
 
-/// JSON from outside: a body that is no object, or a member of another type than asked for, is a missing value.
+namespace platform {
+
+/// JSON from outside: a body that is no object, or a member of another type than asked for, is a missing value. Any
+/// thread.
 
 [[nodiscard]] std::optional<QJsonObject> parseJsonObject(const QByteArray &body);
 [[nodiscard]] std::optional<QString> jsonString(const QJsonObject &object, QLatin1StringView name);
+
+} // namespace platform

@@ -2,7 +2,8 @@
 
 namespace platform {
 
-/// Whether the desktop starts the program at login. @return whether the wish took effect.
+/// Whether the desktop starts the program at login: this executable, by its path of now. Any thread.
+/// @return whether the wish took effect.
 [[nodiscard]] bool setLoginItemEnabled(bool enabled);
 
 } // namespace platform

@@ -6,7 +6,8 @@
 
 namespace platform {
 
-/// Opens with the desktop's handler, as xdg-open does. Blocks shortly to learn of failures; runs no event loop.
+/// Opens with the desktop's handler, as xdg-open does. Blocks up to a second to learn of failures; runs no event
+/// loop. Any thread.
 /// @return false when nothing could be started.
 [[nodiscard]] bool openUrl(const QString &url);
 /// Shows a folder in the file manager, which may take its time to start. Main thread.

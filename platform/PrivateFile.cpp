@@ -4,6 +4,8 @@
 #include <QFileInfo>
 #include <QSaveFile>
 
+namespace platform {
+
 bool writePrivateFile(const QString &path, const QByteArray &content) {
   QSaveFile file(path);
   if (!file.open(QIODevice::WriteOnly)) return false;
@@ -22,3 +24,5 @@ std::optional<QByteArray> readPrivateFile(const QString &path) {
   if (file.error() != QFile::NoError) return std::nullopt;
   return content;
 }
+
+} // namespace platform

@@ -11,6 +11,8 @@ namespace platform {
 /// Holds an object to one thread, the first that calls check(). Looked at in debug builds alone.
 class ThreadBound {
 public:
+  ThreadBound() {} // not defaulted: it is a constant where it stands
+
   void check() const {
 #ifndef QT_NO_DEBUG
     std::thread::id nobody;

@@ -8,15 +8,22 @@
 
 namespace platform {
 
+/// Why a file cannot be kept.
+enum class FileFault {
+  DiskFull, ///< or the user's share of it
+  Other,
+};
+
 /// A file that is being written and has no visible name until it is whole. Discarded with the object unless published;
-/// a crash leaves nothing behind under a visible name.
+/// a crash leaves nothing behind under a visible name. In order: create, write, sync, publish until a name is free.
+/// Once one of them has failed, fault() tells why, and those after it fail too. One thread at a time.
 class UnpublishedFile {
 public:
   enum class Naming { Unnamed, Hidden }; ///< Hidden: what file systems without unnamed files get
   enum class Publish { Published, NameTaken, Failed };
 
-  /// @return nothing when the folder takes no file; errno tells why.
-  [[nodiscard]] static std::optional<UnpublishedFile> create(const QString &folder, Naming naming = Naming::Unnamed);
+  /// A folder that takes no file shows in fault().
+  [[nodiscard]] static UnpublishedFile create(const QString &folder, Naming naming = Naming::Unnamed);
   UnpublishedFile(UnpublishedFile &&) noexcept;
   UnpublishedFile &operator=(UnpublishedFile &&) noexcept;
   ~UnpublishedFile();
@@ -26,8 +33,8 @@ public:
   [[nodiscard]] bool sync();
   /// Gives the file its name, in the same folder; never overwrites. On disk the name is after syncFolder.
   [[nodiscard]] Publish publish(const QString &path);
-  /// errno of the last operation that failed; 0 when none has.
-  [[nodiscard]] int error() const;
+  /// Absent while nothing has failed. A name that is taken is no failure.
+  [[nodiscard]] std::optional<FileFault> fault() const;
 
 private:
   class Private;

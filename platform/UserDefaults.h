@@ -24,12 +24,11 @@ public:
   [[nodiscard]] bool boolValue(const QString &key) const;      ///< "YES", "true" or a number but 0; missing is false
   [[nodiscard]] qint64 integerValue(const QString &key) const; ///< the leading whole number, else 0
   [[nodiscard]] std::optional<double> doubleValue(const QString &key) const;
-  [[nodiscard]] bool contains(const QString &key) const;
 
+  /// On disk when it returns, as far as the disk allows: a kill must not lose an answer that the user gave.
   void setString(const QString &key, const QString &value);
   void setBool(const QString &key, bool value);
   void registerDefaults(const QHash<QString, QString> &defaults); ///< in memory only
-  bool synchronize();                                             ///< @return whether all is on disk
 
 private:
   class Private;

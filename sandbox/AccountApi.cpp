@@ -53,13 +53,13 @@ QString randomText() {
   return QString::fromLatin1(base64Url(randomBytes(32)));
 }
 
-HttpAnswer refusal(int status, const QString &error, const QString &description) {
-  HttpAnswer answer = jsonAnswer(compactJson({{u"error"_s, error}, {u"errorDescription"_s, description}}));
+ServedAnswer refusal(int status, const QString &error, const QString &description) {
+  ServedAnswer answer = jsonAnswer(compactJson({{u"error"_s, error}, {u"errorDescription"_s, description}}));
   answer.status = status;
   return answer;
 }
 
-HttpAnswer invalidRequest(const QString &description) {
+ServedAnswer invalidRequest(const QString &description) {
   return refusal(400, u"invalid_request"_s, description);
 }
 
@@ -72,7 +72,7 @@ QString challengeOf(const QString &verifier) {
   return QString::fromLatin1(base64Url(sha256(verifier.toUtf8())));
 }
 
-HttpAnswer spoiledMembers(QJsonObject members, std::optional<TokenFault> fault) {
+ServedAnswer spoiledMembers(QJsonObject members, std::optional<TokenFault> fault) {
   if (fault == TokenFault::WrongNonce) members[u"nonce"_s] = u"not the nonce"_s;
   if (fault == TokenFault::MissingNonce) members.remove(u"nonce"_s);
   if (fault == TokenFault::NonceOfWrongType) members[u"nonce"_s] = 7;
@@ -80,7 +80,7 @@ HttpAnswer spoiledMembers(QJsonObject members, std::optional<TokenFault> fault) 
   if (fault == TokenFault::IdTokenOfWrongType) members[u"idToken"_s] = QJsonArray{members[u"idToken"_s]};
   if (fault == TokenFault::MissingTokenCode) members.remove(u"tokenCode"_s);
   if (fault == TokenFault::TokenCodeOfWrongType) members[u"tokenCode"_s] = QJsonObject{{u"value"_s, 1}};
-  HttpAnswer answer = jsonAnswer(compactJson(members));
+  ServedAnswer answer = jsonAnswer(compactJson(members));
   if (fault == TokenFault::AnswerIsArray) answer.body = '[' + answer.body + ']';
   return answer;
 }
@@ -93,25 +93,25 @@ AccountApi::AccountApi(const Tokens &idTokens, Faults &orderedFaults, const Libr
   loadLinks();
 }
 
-HttpAnswer AccountApi::configuration() const {
+ServedAnswer AccountApi::configuration() const {
   return jsonAnswer(compactJson({{u"clientId"_s, settings.clientId}}));
 }
 
-HttpAnswer AccountApi::getLogin(const HttpRequest &request) {
+ServedAnswer AccountApi::getLogin(const ReceivedRequest &request) {
   const QueryParameters query = request.query();
   const auto login = startLogin(query);
   if (!login) return invalidRequest(u"A parameter of the login is missing or wrong."_s);
   return redirectTo(query.text("appRedirectUrl") + "?session=" + login->toLatin1());
 }
 
-HttpAnswer AccountApi::logout(const HttpRequest &request) const {
+ServedAnswer AccountApi::logout(const ReceivedRequest &request) const {
   const QByteArray page = request.query().text("appRedirectUrl");
   if (page != settings.siteUrl.toUtf8() + "/st/downloader-logout.html")
     return invalidRequest(u"appRedirectUrl is not the logout page."_s);
   return redirectTo(page);
 }
 
-HttpAnswer AccountApi::exchangeVerifier(const HttpRequest &request, const QDateTime &now) {
+ServedAnswer AccountApi::exchangeVerifier(const ReceivedRequest &request, const QDateTime &now) {
   if (request.header("strataclient") != kClientVersion) return invalidRequest(u"Unknown strataclient."_s);
   const QString verifier = QJsonDocument::fromJson(request.body).object()[u"codeVerifier"_s].toString();
   if (verifier.isEmpty()) return invalidRequest(u"codeVerifier is missing."_s);
@@ -123,7 +123,7 @@ HttpAnswer AccountApi::exchangeVerifier(const HttpRequest &request, const QDateT
   return spoiledMembers({{u"tokenCode"_s, *code}}, faults.take(kExchangeFaults));
 }
 
-HttpAnswer AccountApi::refresh(const HttpRequest &request, const QDateTime &now) {
+ServedAnswer AccountApi::refresh(const ReceivedRequest &request, const QDateTime &now) {
   const QJsonObject asked = QJsonDocument::fromJson(request.body).object();
   const QString nonce = asked[u"nonce"_s].toString();
   if (nonce.isEmpty() || !asked[u"idToken"_s].isString() || !asked[u"tokenCode"_s].isString())

@@ -1,8 +1,8 @@
 #pragma once
 
 #include "sandbox/Faults.h"
-#include "sandbox/Guarded.h"
 #include "sandbox/HttpMessage.h"
+#include "sandbox/Locked.h"
 #include "sandbox/Service.h"
 #include "sandbox/Tokens.h"
 
@@ -31,11 +31,11 @@ public:
   };
   AccountApi(const Tokens &idTokens, Faults &faults, const Library &library, const Settings &settings);
 
-  [[nodiscard]] HttpAnswer configuration() const;
-  [[nodiscard]] HttpAnswer getLogin(const HttpRequest &request);
-  [[nodiscard]] HttpAnswer logout(const HttpRequest &request) const;
-  [[nodiscard]] HttpAnswer exchangeVerifier(const HttpRequest &request, const QDateTime &now);
-  [[nodiscard]] HttpAnswer refresh(const HttpRequest &request, const QDateTime &now);
+  [[nodiscard]] ServedAnswer configuration() const;
+  [[nodiscard]] ServedAnswer getLogin(const ReceivedRequest &request);
+  [[nodiscard]] ServedAnswer logout(const ReceivedRequest &request) const;
+  [[nodiscard]] ServedAnswer exchangeVerifier(const ReceivedRequest &request, const QDateTime &now);
+  [[nodiscard]] ServedAnswer refresh(const ReceivedRequest &request, const QDateTime &now);
 
   /// @return the login's id; nothing when a parameter of the login URL is wrong.
   [[nodiscard]] std::optional<QString> startLogin(const QueryParameters &query);
@@ -69,7 +69,7 @@ private:
   const Library &library;
   const Settings settings;
   std::atomic<std::chrono::seconds> lifetime = std::chrono::seconds(3600);
-  Guarded<Logins> logins;
+  Locked<Logins> logins;
   std::mutex saving; ///< one writer of the links file at a time, each with the newest state
 };
 

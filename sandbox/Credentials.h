@@ -1,6 +1,6 @@
 #pragma once
 
-#include "sandbox/Guarded.h"
+#include "sandbox/Locked.h"
 #include "sandbox/Service.h"
 
 #include <QDateTime>
@@ -27,7 +27,7 @@ public:
   void revokeAll();
 
 private:
-  Guarded<QHash<QString, KnownCredential>> known;
+  Locked<QHash<QString, KnownCredential>> known;
 };
 
 } // namespace sandbox

@@ -18,10 +18,14 @@ struct Fault {
     Body,              ///< `status` (200 when left 0) with `body`
     DroppedConnection, ///< closed without an answer
     NoAnswer,          ///< held until the client leaves, clearFaults() or the service's end; then closed
-    // These three let the service answer and spoil the delivery.
-    Delay,         ///< the right answer after `delay`
-    TruncatedBody, ///< the right length announced, half of it sent, then closed
-    SlowBody,      ///< the first half at once, the rest when clearFaults() lets it go
+    // The rest let the service answer and spoil the delivery.
+    Delay,          ///< the right answer after `delay`
+    TruncatedBody,  ///< the right length announced, half of it sent, then closed
+    SlowBody,       ///< the first half at once, the rest when clearFaults() lets it go
+    Uncounted,      ///< neither length nor chunks; the TLS goodbye ends the body
+    UncountedCut,   ///< the same without the goodbye
+    Deflated,       ///< deflated as a transfer encoding, else like Uncounted
+    DeflatedChunks, ///< deflated and then in chunks, as two header lines say
   };
 
   Kind kind = Kind::Status;

@@ -49,8 +49,8 @@ QByteArray errorDocument(Endpoint endpoint) {
          "<Error><Code>Ordered</Code><Message>This answer was ordered.</Message></Error>";
 }
 
-HttpAnswer replacement(const Fault &fault, Endpoint endpoint) {
-  HttpAnswer answer{.contentType = speaksJson(endpoint) ? "application/json" : "application/xml"};
+ServedAnswer replacement(const Fault &fault, Endpoint endpoint) {
+  ServedAnswer answer{.contentType = speaksJson(endpoint) ? "application/json" : "application/xml"};
   switch (fault.kind) {
   case Fault::Kind::Status:
     answer.status = fault.status == 0 ? 500 : fault.status;
@@ -73,9 +73,40 @@ HttpAnswer replacement(const Fault &fault, Endpoint endpoint) {
   case Fault::Kind::Delay:
   case Fault::Kind::TruncatedBody:
   case Fault::Kind::SlowBody:
+  case Fault::Kind::Uncounted:
+  case Fault::Kind::UncountedCut:
+  case Fault::Kind::Deflated:
+  case Fault::Kind::DeflatedChunks:
     break;
   }
   return answer;
+}
+
+/// How a fault that lets the service answer has the answer travel.
+Delivery deliveryOf(Fault::Kind kind) {
+  switch (kind) {
+  case Fault::Kind::TruncatedBody:
+    return Delivery::Truncated;
+  case Fault::Kind::SlowBody:
+    return Delivery::Slow;
+  case Fault::Kind::Uncounted:
+    return Delivery::Uncounted;
+  case Fault::Kind::UncountedCut:
+    return Delivery::UncountedCut;
+  case Fault::Kind::Deflated:
+    return Delivery::Deflated;
+  case Fault::Kind::DeflatedChunks:
+    return Delivery::DeflatedChunks;
+  case Fault::Kind::Status:
+  case Fault::Kind::EmptyBody:
+  case Fault::Kind::MalformedBody:
+  case Fault::Kind::Body:
+  case Fault::Kind::DroppedConnection:
+  case Fault::Kind::NoAnswer:
+  case Fault::Kind::Delay:
+    return Delivery::Whole;
+  }
+  Q_UNREACHABLE();
 }
 
 } // namespace
@@ -127,16 +158,19 @@ bool replacesService(Fault::Kind kind) {
   case Fault::Kind::Delay:
   case Fault::Kind::TruncatedBody:
   case Fault::Kind::SlowBody:
+  case Fault::Kind::Uncounted:
+  case Fault::Kind::UncountedCut:
+  case Fault::Kind::Deflated:
+  case Fault::Kind::DeflatedChunks:
     return false;
   }
   Q_UNREACHABLE();
 }
 
-HttpAnswer spoiled(const Fault &fault, Endpoint endpoint, HttpAnswer right) {
+ServedAnswer spoiled(const Fault &fault, Endpoint endpoint, ServedAnswer right) {
   if (replacesService(fault.kind)) return replacement(fault, endpoint);
   if (fault.kind == Fault::Kind::Delay) right.delay = fault.delay;
-  if (fault.kind == Fault::Kind::TruncatedBody) right.delivery = Delivery::Truncated;
-  if (fault.kind == Fault::Kind::SlowBody) right.delivery = Delivery::Slow;
+  right.delivery = deliveryOf(fault.kind);
   return right;
 }
 

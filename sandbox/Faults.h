@@ -2,8 +2,8 @@
 
 #include "sandbox/Endpoint.h"
 #include "sandbox/Fault.h"
-#include "sandbox/Guarded.h"
 #include "sandbox/HttpMessage.h"
+#include "sandbox/Locked.h"
 
 #include <QHash>
 #include <QList>
@@ -30,13 +30,13 @@ private:
     TokenFault fault{};
     int times = 1;
   };
-  Guarded<QHash<Endpoint, QList<Fault>>> answers;
-  Guarded<QList<OrderedTokenFault>> tokens;
+  Locked<QHash<Endpoint, QList<Fault>>> answers;
+  Locked<QList<OrderedTokenFault>> tokens;
 };
 
 /// Whether the fault takes the place of the service, so that there is no right answer to ask for.
 [[nodiscard]] bool replacesService(Fault::Kind kind);
 /// The answer that a fault makes of @p right, which is unused where the fault replaces the service.
-[[nodiscard]] HttpAnswer spoiled(const Fault &fault, Endpoint endpoint, HttpAnswer right);
+[[nodiscard]] ServedAnswer spoiled(const Fault &fault, Endpoint endpoint, ServedAnswer right);
 
 } // namespace sandbox

@@ -37,31 +37,35 @@ std::optional<QByteArray> QueryParameters::value(const QByteArray &name) const {
   return std::nullopt;
 }
 
-QByteArray HttpRequest::host() const {
+QByteArray ReceivedRequest::host() const {
   return textBefore(hostHeader, ':').toLower();
 }
 
-QByteArray HttpRequest::rawPath() const {
+QByteArray ReceivedRequest::rawPath() const {
   return textBefore(target, '?');
 }
 
-QByteArray HttpRequest::path() const {
+QByteArray ReceivedRequest::path() const {
   return QByteArray::fromPercentEncoding(rawPath());
 }
 
-QueryParameters HttpRequest::query() const {
+QueryParameters ReceivedRequest::query() const {
   const auto mark = target.indexOf('?');
   return QueryParameters(mark < 0 ? QByteArray() : target.mid(mark + 1));
 }
 
-HttpAnswer redirectTo(const QByteArray &location) {
+bool namesBucketInPath(const ReceivedRequest &request) {
+  return request.host() == "localhost";
+}
+
+ServedAnswer redirectTo(const QByteArray &location) {
   return {.status = 302,
           .contentType = "text/html; charset=utf-8",
           .body = "<a href=\"" + escaped(location) + "\">Continue</a>\n",
           .headers = {{"Location", location}, {"Cache-Control", "no-store"}}};
 }
 
-HttpAnswer jsonAnswer(const QByteArray &document) {
+ServedAnswer jsonAnswer(const QByteArray &document) {
   return {.contentType = "application/json", .body = document};
 }
 

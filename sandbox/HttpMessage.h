@@ -32,7 +32,7 @@ private:
   HeaderList pairs;
 };
 
-struct HttpRequest {
+struct ReceivedRequest {
   QByteArray method{};
   QByteArray hostHeader{}; ///< as sent, with the port
   QByteArray target{};     ///< path and query as on the wire
@@ -46,10 +46,13 @@ struct HttpRequest {
   [[nodiscard]] QByteArray header(const QByteArray &name) const { return headerValue(headers, name); }
 };
 
-/// How an answer travels; see Fault for the odd ways.
-enum class Delivery { Whole, Truncated, Slow, Dropped, Held };
+/// Whether a storage request names its bucket first in the path, as clients do that cannot look "BUCKET.HOST" up.
+[[nodiscard]] bool namesBucketInPath(const ReceivedRequest &request);
 
-struct HttpAnswer {
+/// How an answer travels; see Fault for the odd ways.
+enum class Delivery { Whole, Truncated, Slow, Dropped, Held, Uncounted, UncountedCut, Deflated, DeflatedChunks };
+
+struct ServedAnswer {
   int status = 200;
   QByteArray contentType{};
   QByteArray body{};
@@ -58,8 +61,8 @@ struct HttpAnswer {
   std::chrono::milliseconds delay{};
 };
 
-[[nodiscard]] HttpAnswer redirectTo(const QByteArray &location);
-[[nodiscard]] HttpAnswer jsonAnswer(const QByteArray &document);
+[[nodiscard]] ServedAnswer redirectTo(const QByteArray &location);
+[[nodiscard]] ServedAnswer jsonAnswer(const QByteArray &document);
 
 /// @p text with the characters escaped that XML and HTML give a meaning.
 [[nodiscard]] QByteArray escaped(const QByteArray &text);

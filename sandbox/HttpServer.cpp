@@ -1,6 +1,6 @@
 #include "sandbox/HttpServer.h"
 
-#include "sandbox/Guarded.h"
+#include "sandbox/Locked.h"
 #include "sandbox/OpenSsl.h"
 #include "sandbox/Pem.h"
 
@@ -111,7 +111,7 @@ private:
     QSet<int> sockets{};
     bool closing = false;
   };
-  Guarded<State> open;
+  Locked<State> open;
 };
 
 void connectionEnded(void *, void *connections, CRYPTO_EX_DATA *data, int, long, void *);
@@ -160,11 +160,11 @@ public:
   void lengthenQueue() { ::listen(svr_sock_, kBacklog); }
 };
 
-HttpRequest requestOf(const httplib::Request &request) {
-  HttpRequest result{.method = QByteArray::fromStdString(request.method),
-                     .hostHeader = QByteArray::fromStdString(request.get_header_value("Host")),
-                     .target = QByteArray::fromStdString(request.target),
-                     .body = QByteArray::fromStdString(request.body)};
+ReceivedRequest requestOf(const httplib::Request &request) {
+  ReceivedRequest result{.method = QByteArray::fromStdString(request.method),
+                         .hostHeader = QByteArray::fromStdString(request.get_header_value("Host")),
+                         .target = QByteArray::fromStdString(request.target),
+                         .body = QByteArray::fromStdString(request.body)};
   for (const auto &[name, value] : request.headers) {
     // The library adds these four itself.
     static const std::array kOwn{"REMOTE_ADDR", "REMOTE_PORT", "LOCAL_ADDR", "LOCAL_PORT"};
@@ -172,6 +172,11 @@ HttpRequest requestOf(const httplib::Request &request) {
     result.headers.append({QByteArray::fromStdString(name), QByteArray::fromStdString(value)});
   }
   return result;
+}
+
+bool isUncounted(Delivery delivery) {
+  return delivery == Delivery::Uncounted || delivery == Delivery::UncountedCut || delivery == Delivery::Deflated
+         || delivery == Delivery::DeflatedChunks;
 }
 
 bool writeSlice(httplib::DataSink &sink, const QByteArray &body, size_t offset, size_t end) {
@@ -194,10 +199,11 @@ private:
   void setUpServer(int requestsPerConnection);
   void bind(quint16 port);
   void answer(const httplib::Request &request, httplib::Response &response);
-  void setBody(const HttpAnswer &answer, const Client &client, httplib::Response &response);
+  static void setUncountedBody(const ServedAnswer &answer, const Client &client, httplib::Response &response);
+  void setBody(const ServedAnswer &answer, const Client &client, httplib::Response &response);
 
   const Handler handle;
-  Guarded<std::shared_ptr<const WakeUp>> wakeUp{std::make_shared<const WakeUp>()};
+  Locked<std::shared_ptr<const WakeUp>> wakeUp{std::make_shared<const WakeUp>()};
   std::atomic<bool> stopping = false;
   std::latch threadsMade{1};
   Connections connections;
@@ -277,7 +283,7 @@ void HttpServer::Private::releaseWaiting() {
 void HttpServer::Private::answer(const httplib::Request &request, httplib::Response &response) {
   // Taken before the handler decides to wait, so that a release in between is not missed.
   const Client client{socketOf(request), wakeUp.with([](const auto &current) { return current; })};
-  const HttpAnswer answer = handle(requestOf(request));
+  const ServedAnswer answer = handle(requestOf(request));
   if (answer.delay > 0ms) (void)client.wait(answer.delay);
   if (answer.delivery == Delivery::Held) (void)client.wait(std::nullopt);
   if (answer.delivery == Delivery::Held || answer.delivery == Delivery::Dropped) {
@@ -287,10 +293,33 @@ void HttpServer::Private::answer(const httplib::Request &request, httplib::Respo
   response.status = answer.status;
   for (const auto &[name, value] : answer.headers)
     response.set_header(name.toStdString(), value.toStdString());
-  setBody(answer, client, response);
+  if (isUncounted(answer.delivery))
+    setUncountedBody(answer, client, response);
+  else
+    setBody(answer, client, response);
 }
 
-void HttpServer::Private::setBody(const HttpAnswer &answer, const Client &client, httplib::Response &response) {
+void HttpServer::Private::setUncountedBody(const ServedAnswer &answer, const Client &client,
+                                           httplib::Response &response) {
+  constexpr qsizetype kLengthBefore = 4; // what Qt puts in front of the deflated bytes
+  const bool deflated = answer.delivery == Delivery::Deflated || answer.delivery == Delivery::DeflatedChunks;
+  if (deflated) response.set_header("Transfer-Encoding", "deflate");
+  const auto provide = [client, goodbye = answer.delivery != Delivery::UncountedCut,
+                        body = deflated ? qCompress(answer.body).mid(kLengthBefore)
+                                        : answer.body](size_t offset, httplib::DataSink &sink) {
+    if (offset < size_t(body.size())) return writeSlice(sink, body, offset, size_t(body.size()));
+    if (!goodbye) cut(client.socket);
+    sink.done();
+    return goodbye;
+  };
+  const std::string type = answer.contentType.toStdString();
+  if (answer.delivery == Delivery::DeflatedChunks)
+    response.set_chunked_content_provider(type, provide);
+  else
+    response.set_content_provider(type, provide);
+}
+
+void HttpServer::Private::setBody(const ServedAnswer &answer, const Client &client, httplib::Response &response) {
   const std::string type = answer.contentType.toStdString();
   if (answer.body.isEmpty()) {
     response.set_content(std::string(), type);

@@ -14,7 +14,7 @@ namespace sandbox {
 class HttpServer {
 public:
   /// Called on the server's threads, many at a time.
-  using Handler = std::function<HttpAnswer(const HttpRequest &)>;
+  using Handler = std::function<ServedAnswer(const ReceivedRequest &)>;
 
   /// Has its port once constructed. Throws std::runtime_error when that cannot be had.
   HttpServer(const CertifiedKey &certificate, quint16 port, Handler handler, int requestsPerConnection = 1);

@@ -1,6 +1,6 @@
 #include "sandbox/Library.h"
 
-#include "sandbox/Guarded.h"
+#include "sandbox/Locked.h"
 
 #include <QCryptographicHash>
 #include <QStringList>
@@ -107,7 +107,7 @@ QDateTime hourOf(const ManyObjects &many, int index) {
 
 class Library::Private {
 public:
-  Guarded<Account> account;
+  Locked<Account> account;
 };
 
 Library::Library() : d(std::make_unique<Private>()) {

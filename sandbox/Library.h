@@ -59,7 +59,7 @@ struct ListQuery {
   int maxKeys = 1000;
 };
 
-struct ListedObject {
+struct StoredEntry {
   QByteArray key{};
   qint64 size = 0;
   QByteArray etag{};
@@ -67,7 +67,7 @@ struct ListedObject {
 };
 
 struct ListPage {
-  QList<ListedObject> objects{};
+  QList<StoredEntry> objects{};
   QList<QByteArray> commonPrefixes{};
   bool truncated = false;
   QByteArray resumeAfter{}; ///< `after` of the next page

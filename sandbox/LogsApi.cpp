@@ -15,7 +15,7 @@ namespace {
 
 constexpr char kContentType[] = "application/x-amz-json-1.1";
 
-HttpAnswer refusal(int status, const QString &type, const QString &message) {
+ServedAnswer refusal(int status, const QString &type, const QString &message) {
   return {.status = status,
           .contentType = kContentType,
           .body = compactJson({{u"__type"_s, type}, {u"message"_s, message}})};
@@ -50,7 +50,7 @@ std::optional<QList<LogEvent>> parsedEvents(const QByteArray &body) {
 
 } // namespace
 
-HttpAnswer LogsApi::answer(const HttpRequest &request, const QDateTime &now) {
+ServedAnswer LogsApi::answer(const ReceivedRequest &request, const QDateTime &now) {
   if (request.method != "POST" || request.header("x-amz-target") != "Logs_20140328.PutLogEvents")
     return refusal(400, u"UnknownOperationException"_s, u"Only events can be put here"_s);
   const SignatureVerdict verdict = checkSignatureV4(request, "logs", credentials, now);

@@ -1,8 +1,8 @@
 #pragma once
 
 #include "sandbox/Credentials.h"
-#include "sandbox/Guarded.h"
 #include "sandbox/HttpMessage.h"
+#include "sandbox/Locked.h"
 #include "sandbox/Service.h"
 
 #include <QDateTime>
@@ -15,12 +15,12 @@ class LogsApi {
 public:
   explicit LogsApi(const Credentials &issued) : credentials(issued) {}
 
-  [[nodiscard]] HttpAnswer answer(const HttpRequest &request, const QDateTime &now);
+  [[nodiscard]] ServedAnswer answer(const ReceivedRequest &request, const QDateTime &now);
   [[nodiscard]] QList<LogEvent> events() const;
 
 private:
   const Credentials &credentials;
-  Guarded<QList<LogEvent>> kept;
+  Locked<QList<LogEvent>> kept;
 };
 
 } // namespace sandbox

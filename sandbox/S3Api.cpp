@@ -31,12 +31,12 @@ QByteArray element(const char *name, const QByteArray &text) {
   return QByteArray("<") + name + '>' + escaped(text) + "</" + name + '>';
 }
 
-HttpAnswer xml(const QByteArray &document) {
+ServedAnswer xml(const QByteArray &document) {
   return {.contentType = "application/xml", .body = kXmlHead + document};
 }
 
-HttpAnswer refusalAnswer(const Refusal &refusal, const HttpRequest &request) {
-  HttpAnswer answer =
+ServedAnswer refusalAnswer(const Refusal &refusal, const ReceivedRequest &request) {
+  ServedAnswer answer =
       xml("<Error>" + element("Code", refusal.code) + element("Message", refusal.message)
           + element("Resource", request.path())
           + element("RequestId", QUuid::createUuid().toByteArray(QUuid::Id128).left(16).toUpper()) + "</Error>");
@@ -72,11 +72,11 @@ bool mayRead(const QByteArray &bucket, const QByteArray &key, const QString &use
   const QByteArray user = userId.toUtf8();
   if (bucket == previewListBucket().toLatin1()) return key == user + ".json";
   if (key.startsWith("conf/")) return true;
-  const QByteArrayList parts = key.split('/');
-  return parts.size() > 3 && parts[2] == user;
+  const qsizetype variantEnd = key.indexOf('/', key.indexOf('/') + 1);
+  return variantEnd > 0 && key.sliced(variantEnd + 1).startsWith(user + '/');
 }
 
-QByteArray listedXml(const ListedObject &object, const QByteArray &lastModified) {
+QByteArray listedXml(const StoredEntry &object, const QByteArray &lastModified) {
   return "<Contents>" + element("Key", object.key) + element("LastModified", lastModified)
          + element("ETag", object.etag) + element("Size", QByteArray::number(object.size))
          + "<StorageClass>STANDARD</StorageClass></Contents>";
@@ -98,7 +98,7 @@ QByteArray listingXml(const QByteArray &bucket, const QueryParameters &query, co
   // Neighbours are often of the same moment, and writing one out takes longer than all the rest.
   QDateTime moment;
   QByteArray lastModified;
-  for (const ListedObject &object : page.objects) {
+  for (const StoredEntry &object : page.objects) {
     if (object.lastModified != moment) {
       moment = object.lastModified;
       lastModified = isoTime(moment);
@@ -110,7 +110,7 @@ QByteArray listingXml(const QByteArray &bucket, const QueryParameters &query, co
   return document + "</ListBucketResult>";
 }
 
-HttpAnswer tagging(const RawObject &object) {
+ServedAnswer tagging(const RawObject &object) {
   QByteArray tags;
   QStringList names = object.tags.keys();
   names.sort();
@@ -119,8 +119,8 @@ HttpAnswer tagging(const RawObject &object) {
   return xml(QByteArray("<Tagging") + kNamespace + "><TagSet>" + tags + "</TagSet></Tagging>");
 }
 
-HttpAnswer content(const RawObject &object) {
-  HttpAnswer answer{.contentType = object.contentType, .body = object.body};
+ServedAnswer content(const RawObject &object) {
+  ServedAnswer answer{.contentType = object.contentType, .body = object.body};
   answer.headers = {{"ETag", object.etag}, {"Last-Modified", httpTime(object.lastModified)}};
   if (object.fileNameMetadata) answer.headers.append({"x-amz-meta-file-name", *object.fileNameMetadata});
   return answer;
@@ -128,7 +128,7 @@ HttpAnswer content(const RawObject &object) {
 
 } // namespace
 
-HttpAnswer S3Api::answer(const HttpRequest &request, const QDateTime &now) const {
+ServedAnswer S3Api::answer(const ReceivedRequest &request, const QDateTime &now) const {
   const StorageAddress address = storageAddress(request).value_or(StorageAddress());
   const QByteArray &bucket = address.bucket;
   if (!library.hasBucket(QString::fromLatin1(bucket))) return refusalAnswer(kNoSuchBucket, request);
@@ -144,7 +144,7 @@ void S3Api::setPageSize(int keys) {
   pageSize = std::clamp(keys, 1, kMostKeys);
 }
 
-HttpAnswer S3Api::listing(const HttpRequest &request, const QByteArray &bucket, const QString &userId) const {
+ServedAnswer S3Api::listing(const ReceivedRequest &request, const QByteArray &bucket, const QString &userId) const {
   const QueryParameters query = request.query();
   const ListQuery plain{.prefix = query.text("prefix"),
                         .after = query.text("start-after"),
@@ -162,17 +162,17 @@ HttpAnswer S3Api::listing(const HttpRequest &request, const QByteArray &bucket, 
   return xml(listingXml(bucket, query, asked, library.list(QString::fromLatin1(bucket), asked)));
 }
 
-HttpAnswer S3Api::object(const HttpRequest &request, const StorageAddress &address, const QString &userId) const {
+ServedAnswer S3Api::object(const ReceivedRequest &request, const StorageAddress &address, const QString &userId) const {
   if (!mayRead(address.bucket, address.key, userId)) return refusalAnswer(kAccessDenied, request);
   const auto found = library.find(QString::fromLatin1(address.bucket), address.key);
   if (!found) return refusalAnswer(kNoSuchKey, request);
   return request.query().contains("tagging") ? tagging(*found) : content(*found);
 }
 
-std::optional<StorageAddress> storageAddress(const HttpRequest &request) {
+std::optional<StorageAddress> storageAddress(const ReceivedRequest &request) {
   const QByteArray host = request.host();
   const QByteArray path = request.path().mid(1);
-  if (host == "localhost") {
+  if (namesBucketInPath(request)) {
     const QByteArray bucket = textBefore(path, '/');
     return StorageAddress{bucket, path.mid(bucket.size() + 1)};
   }
@@ -181,7 +181,7 @@ std::optional<StorageAddress> storageAddress(const HttpRequest &request) {
   return StorageAddress{host.chopped(tail.size()), path};
 }
 
-Endpoint storageEndpoint(const HttpRequest &request, const StorageAddress &address) {
+Endpoint storageEndpoint(const ReceivedRequest &request, const StorageAddress &address) {
   const QueryParameters query = request.query();
   if (address.bucket == previewListBucket().toLatin1()) return Endpoint::PreviewList;
   if (address.key.isEmpty()) return query.contains("delimiter") ? Endpoint::ListDevices : Endpoint::ListItems;

@@ -26,13 +26,14 @@ class S3Api {
 public:
   S3Api(const Library &objects, const Credentials &issued) : library(objects), credentials(issued) {}
 
-  [[nodiscard]] HttpAnswer answer(const HttpRequest &request, const QDateTime &now) const;
+  [[nodiscard]] ServedAnswer answer(const ReceivedRequest &request, const QDateTime &now) const;
   void setPageSize(int keys);
 
 private:
-  [[nodiscard]] HttpAnswer listing(const HttpRequest &request, const QByteArray &bucket, const QString &userId) const;
-  [[nodiscard]] HttpAnswer object(const HttpRequest &request, const StorageAddress &address,
-                                  const QString &userId) const;
+  [[nodiscard]] ServedAnswer listing(const ReceivedRequest &request, const QByteArray &bucket,
+                                     const QString &userId) const;
+  [[nodiscard]] ServedAnswer object(const ReceivedRequest &request, const StorageAddress &address,
+                                    const QString &userId) const;
 
   const Library &library;
   const Credentials &credentials;
@@ -40,8 +41,8 @@ private:
 };
 
 /// Nothing for a host that is not the object store's.
-[[nodiscard]] std::optional<StorageAddress> storageAddress(const HttpRequest &request);
+[[nodiscard]] std::optional<StorageAddress> storageAddress(const ReceivedRequest &request);
 /// What a request to @p address is for.
-[[nodiscard]] Endpoint storageEndpoint(const HttpRequest &request, const StorageAddress &address);
+[[nodiscard]] Endpoint storageEndpoint(const ReceivedRequest &request, const StorageAddress &address);
 
 } // namespace sandbox

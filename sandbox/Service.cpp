@@ -79,7 +79,7 @@ std::unique_ptr<HttpServer> serverFor(const QDir &folder, const ServiceOptions &
 }
 
 /// What is asked for, by host and path.
-Endpoint endpointOf(const HttpRequest &request) {
+Endpoint endpointOf(const ReceivedRequest &request) {
   if (const auto address = storageAddress(request)) return storageEndpoint(request, *address);
   static const QHash<QByteArray, Endpoint> kPaths{{"api/configuration", Endpoint::Configuration},
                                                   {"api/getLogin", Endpoint::GetLogin},
@@ -96,7 +96,7 @@ Endpoint endpointOf(const HttpRequest &request) {
   return kPaths.value(textBefore(request.host(), '.') + request.path(), Endpoint::Other);
 }
 
-HttpAnswer plain(int status, const QByteArray &text) {
+ServedAnswer plain(int status, const QByteArray &text) {
   return {.status = status, .contentType = "text/plain", .body = text + '\n'};
 }
 
@@ -112,7 +112,7 @@ public:
   [[nodiscard]] QString url(const QString &name) const { return u"https://"_s + host(name, server->port()); }
   [[nodiscard]] QString filePath(const QString &name) const { return QDir(folder).filePath(name); }
   [[nodiscard]] CertifiedKey badCertificate(BadCertificate kind) const;
-  [[nodiscard]] HttpAnswer answer(const HttpRequest &request);
+  [[nodiscard]] ServedAnswer answer(const ReceivedRequest &request);
 
   const std::unique_ptr<QTemporaryDir> temporary; ///< only when no folder was given
   const QString folder;
@@ -137,7 +137,7 @@ public:
   std::unique_ptr<HttpServer> server;
 
 private:
-  [[nodiscard]] HttpAnswer rightAnswer(const HttpRequest &request, Endpoint endpoint);
+  [[nodiscard]] ServedAnswer rightAnswer(const ReceivedRequest &request, Endpoint endpoint);
 };
 
 Service::Private::Private(const ServiceOptions &options)
@@ -145,7 +145,7 @@ Service::Private::Private(const ServiceOptions &options)
       folder(madeFolder(temporary ? temporary->path() : options.folder)), authority(authorityIn(QDir(folder))) {
 }
 
-HttpAnswer Service::Private::answer(const HttpRequest &request) {
+ServedAnswer Service::Private::answer(const ReceivedRequest &request) {
   const Endpoint endpoint = endpointOf(request);
   const quint64 number = requests.arrived({.endpoint = endpoint,
                                            .method = request.method,
@@ -154,7 +154,7 @@ HttpAnswer Service::Private::answer(const HttpRequest &request) {
                                            .headers = request.headers,
                                            .body = request.body});
   const auto fault = faults.take(endpoint, request.target);
-  HttpAnswer answer;
+  ServedAnswer answer;
   if (!fault || !replacesService(fault->kind)) answer = rightAnswer(request, endpoint);
   if (fault) answer = spoiled(*fault, endpoint, std::move(answer));
   if (answer.delivery != Delivery::Dropped && answer.delivery != Delivery::Held)
@@ -162,7 +162,7 @@ HttpAnswer Service::Private::answer(const HttpRequest &request) {
   return answer;
 }
 
-HttpAnswer Service::Private::rightAnswer(const HttpRequest &request, Endpoint endpoint) {
+ServedAnswer Service::Private::rightAnswer(const ReceivedRequest &request, Endpoint endpoint) {
   const QDateTime now = QDateTime::currentDateTimeUtc();
   switch (endpoint) {
   case Endpoint::Configuration:
@@ -217,7 +217,7 @@ CertifiedKey Service::Private::badCertificate(BadCertificate kind) const {
 }
 
 Service::Service(const ServiceOptions &options) : d(std::make_unique<Private>(options)) {
-  const auto answerIt = [this](const HttpRequest &request) { return d->answer(request); };
+  const auto answerIt = [this](const ReceivedRequest &request) { return d->answer(request); };
   d->server = serverFor(QDir(d->folder), options, makeServerCertificate(d->authority, kNames), answerIt);
   const bool kept = d->temporary == nullptr;
   d->tokens = std::make_unique<Tokens>(kept ? d->filePath(u"token.key.pem"_s) : QString(), issuer(), d->clientId);
@@ -262,7 +262,7 @@ QHash<QString, QString> Service::userDefaults(quint16 towards) const {
 
 quint16 Service::badlyCertifiedPort(BadCertificate kind) {
   auto another = std::make_unique<HttpServer>(d->badCertificate(kind), 0,
-                                              [this](const HttpRequest &request) { return d->answer(request); });
+                                              [this](const ReceivedRequest &request) { return d->answer(request); });
   another->start();
   const std::lock_guard lock(d->opening);
   return d->badlyCertified.emplace_back(std::move(another))->port();
@@ -326,7 +326,7 @@ QList<LogEvent> Service::logEvents() const {
 
 QString Service::signIn(const QString &getLoginUrl) {
   if (!getLoginUrl.startsWith(d->url(u"api"_s) + u"/getLogin?"_s)) return {};
-  const HttpRequest request{.method = "GET", .target = getLoginUrl.section(u'/', 3).toUtf8()};
+  const ReceivedRequest request{.method = "GET", .target = getLoginUrl.section(u'/', 3).toUtf8()};
   const auto login = d->account->startLogin(request.query());
   if (!login) return {};
   const auto callback = d->account->finishLogin(*login, QDateTime::currentDateTimeUtc());

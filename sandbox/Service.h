@@ -77,7 +77,6 @@ public:
   [[nodiscard]] QHash<QString, QString> userDefaults(quint16 towards) const;
   /// Opens one more port with the same service behind a certificate that no client may accept.
   [[nodiscard]] quint16 badlyCertifiedPort(BadCertificate kind);
-
   [[nodiscard]] Library &library();
 
   /// Faults of one endpoint are met in the order given; each request meets at most one.
@@ -86,30 +85,25 @@ public:
   void setTokenFault(TokenFault fault, int times = 1);
   /// Drops all faults, token faults too, and lets go of what they hold.
   void clearFaults();
-
   void setIdTokenLifetime(std::chrono::seconds lifetime);    ///< 3600 s
   void setCredentialLifetime(std::chrono::seconds lifetime); ///< 3600 s
   void setListPageSize(int keys);                            ///< 1000, which is also the most
   /// Every credential issued so far is refused from now on.
   void revokeCredentials();
 
-  /// Requests count as they arrive, before they are answered.
+  /// Requests count as they arrive, before they are answered. A reset also forgets requests().
   [[nodiscard]] int requestCount(Endpoint endpoint) const;
-  /// Also forgets requests().
   void resetRequestCounts();
   /// The latest 20,000 requests, oldest first.
   [[nodiscard]] QList<RequestRecord> requests() const;
   /// @return false when @p timeout passed before @p count requests had arrived since the last reset.
   [[nodiscard]] bool waitForRequests(Endpoint endpoint, int count, std::chrono::milliseconds timeout) const;
-
   [[nodiscard]] QList<LogEvent> logEvents() const;
-
-  /// Does what a person does in the browser with the agent's login URL.
-  /// @return the callback URL; empty when the service refuses the login URL.
+  /// What a person does in the browser with the agent's login URL. @return the callback URL; empty when that is
+  /// refused.
   [[nodiscard]] QString signIn(const QString &getLoginUrl);
-  /// A finished login whose verifier was exchanged, past all faults.
+  /// A finished login, past all faults, whose verifier was exchanged, or was not yet.
   [[nodiscard]] LinkedToken issueLinkedToken();
-  /// A finished login whose verifier was not exchanged yet, past all faults.
   [[nodiscard]] LinkedToken issueUnlinkedToken();
   /// The ID token of a login with @p nonce, token faults included.
   [[nodiscard]] QString issueIdToken(const QString &nonce);

@@ -6,6 +6,7 @@
 #include <QMessageAuthenticationCode>
 
 #include <algorithm>
+#include <array>
 
 using namespace Qt::StringLiterals;
 
@@ -88,23 +89,27 @@ std::optional<Authorization> parsedAuthorization(const QByteArray &header) {
                        .signature = headerValue(fields, "Signature")};
 }
 
-QByteArray canonicalHeaders(const HttpRequest &request, const QByteArrayList &names) {
+QByteArray canonicalHeaders(const ReceivedRequest &request, const QByteArrayList &names) {
   QByteArray block;
   for (const QByteArray &name : names)
     block += name + ':' + request.header(name).simplified() + '\n';
   return block;
 }
 
-/// The host and everything of the service's own must be under the signature.
-bool signsWhatItMust(const HttpRequest &request, const QByteArrayList &signedHeaders) {
-  if (!signedHeaders.contains("host")) return false;
+/// The host and everything of the service's own must be under the signature, in order and small letters.
+bool signsWhatItMust(const ReceivedRequest &request, const QByteArrayList &signedHeaders) {
+  if (!signedHeaders.contains("host") || !std::is_sorted(signedHeaders.begin(), signedHeaders.end())) return false;
+  const auto isThere = [&](const QByteArray &name) {
+    return name == name.toLower() && !request.header(name).isEmpty();
+  };
+  if (!std::all_of(signedHeaders.begin(), signedHeaders.end(), isThere)) return false;
   return std::all_of(request.headers.begin(), request.headers.end(), [&](const auto &header) {
     const QByteArray name = header.first.toLower();
     return !name.startsWith("x-amz-") || signedHeaders.contains(name);
   });
 }
 
-QByteArray signatureV4(const HttpRequest &request, const Authorization &authorization, const QByteArray &uri,
+QByteArray signatureV4(const ReceivedRequest &request, const Authorization &authorization, const QByteArray &uri,
                        const QByteArray &payloadHash, const QByteArray &secret) {
   const QByteArray canonical = QByteArrayList{request.method,
                                               uri,
@@ -123,13 +128,18 @@ QByteArray signatureV4(const HttpRequest &request, const Authorization &authoriz
   return hmacSha256(key, stringToSign).toHex();
 }
 
-/// The path that may stand in a signature: encoded once, as the real service demands, or bare, as clients sign that
-/// send keys as they stand. For the keys that cameras make the two are the same.
-QByteArrayList signablePaths(const HttpRequest &request) {
-  return {uriEncoded(request.path(), "/"), request.path(), request.rawPath()};
+/// Whether the path travels as it is signed: percent-encoded once, with nothing more or less left plain.
+bool hasSignablePath(const ReceivedRequest &request) {
+  return request.rawPath() == uriEncoded(request.path(), "/");
 }
 
-std::optional<Refusal> datingFlaw(const HttpRequest &request, const Authorization &authorization,
+/// What a presigned GET signs: "/BUCKET/KEY", wherever the bucket stands in the URL.
+QByteArray presignedResource(const ReceivedRequest &request, const QByteArray &bucket) {
+  const QByteArray path = namesBucketInPath(request) ? request.rawPath() : '/' + bucket + request.rawPath();
+  return path + (request.query().contains("tagging") ? "?tagging" : "");
+}
+
+std::optional<Refusal> datingFlaw(const ReceivedRequest &request, const Authorization &authorization,
                                   const QDateTime &now) {
   const QByteArray stamp = request.header("x-amz-date");
   QDateTime signedAt = QDateTime::fromString(QString::fromLatin1(stamp), u"yyyyMMdd'T'HHmmss'Z'"_s);
@@ -146,6 +156,24 @@ std::optional<Refusal> tokenFlaw(const QByteArray &sessionToken, const Temporary
   return std::nullopt;
 }
 
+/// Whether the string to sign below is all that a client has to sign of @p request: what else belongs into it makes
+/// another string, which these clients have no use for.
+bool signsAllThatItMust(const ReceivedRequest &request, const QueryParameters &query) {
+  const auto isOdd = [](const auto &header) {
+    const QByteArray name = header.first.toLower();
+    return name == "content-md5" || name == "content-type"
+           || (name.startsWith("x-amz-") && name != "x-amz-security-token");
+  };
+  static constexpr std::array kKnown{
+      "AWSAccessKeyId", "Expires",     "Signature", "x-amz-security-token", "list-type", "prefix",
+      "delimiter",      "start-after", "max-keys",  "continuation-token",   "tagging"};
+  const auto isKnown = [](const auto &parameter) {
+    return std::find(kKnown.begin(), kKnown.end(), parameter.first) != kKnown.end();
+  };
+  return std::none_of(request.headers.begin(), request.headers.end(), isOdd)
+         && std::all_of(query.all().begin(), query.all().end(), isKnown);
+}
+
 } // namespace
 
 QByteArray presignedSignature(const QByteArray &stringToSign, const QByteArray &secretAccessKey) {
@@ -157,12 +185,12 @@ QByteArray presignedStringToSign(const QByteArray &expires, const QByteArray &se
   return "GET\n\n\n" + expires + "\nx-amz-security-token:" + sessionToken + '\n' + resource;
 }
 
-bool isPresigned(const HttpRequest &request) {
+bool isPresigned(const ReceivedRequest &request) {
   return request.query().contains("Signature");
 }
 
-SignatureVerdict checkPresigned(const HttpRequest &request, const QByteArray &bucket, const Credentials &credentials,
-                                const QDateTime &now) {
+SignatureVerdict checkPresigned(const ReceivedRequest &request, const QByteArray &bucket,
+                                const Credentials &credentials, const QDateTime &now) {
   const QueryParameters query = request.query();
   const auto known = credentials.find(QString::fromLatin1(query.text("AWSAccessKeyId")));
   if (!known) return refused(kUnknownKey);
@@ -172,19 +200,16 @@ SignatureVerdict checkPresigned(const HttpRequest &request, const QByteArray &bu
   const QByteArray expires = query.text("Expires");
   if (now.toSecsSinceEpoch() > expires.toLongLong()) return refused(kRequestExpired);
   const QByteArray secret = known->credential.secretAccessKey.toLatin1();
-  const QByteArrayList paths = signablePaths(request);
-  const bool matches = std::any_of(paths.begin(), paths.end(), [&](const QByteArray &path) {
-    const QByteArray resource = '/' + bucket + path + (query.contains("tagging") ? "?tagging" : "");
-    return presignedSignature(presignedStringToSign(expires, sessionToken, resource), secret)
-           == query.text("Signature");
-  });
-  if (!matches || request.method != "GET") return refused(kMismatch);
+  const QByteArray signature =
+      presignedSignature(presignedStringToSign(expires, sessionToken, presignedResource(request, bucket)), secret);
+  const bool isWhole = hasSignablePath(request) && signsAllThatItMust(request, query) && request.method == "GET";
+  if (!isWhole || signature != query.text("Signature")) return refused(kMismatch);
   if (now.toSecsSinceEpoch() > known->credential.expiration) return refused(kExpiredToken);
   return {.userId = known->userId};
 }
 
-SignatureVerdict checkSignatureV4(const HttpRequest &request, const QByteArray &service, const Credentials &credentials,
-                                  const QDateTime &now) {
+SignatureVerdict checkSignatureV4(const ReceivedRequest &request, const QByteArray &service,
+                                  const Credentials &credentials, const QDateTime &now) {
   if (request.header("Authorization").isEmpty()) return refused(kUnsigned);
   const auto authorization = parsedAuthorization(request.header("Authorization"));
   if (!authorization) return refused(malformed("its parts cannot be told apart."));
@@ -202,11 +227,9 @@ SignatureVerdict checkSignatureV4(const HttpRequest &request, const QByteArray &
   const QByteArray payloadHash = service == "s3" ? saidHash : bodyHash;
   if (service == "s3" && saidHash != bodyHash && saidHash != "UNSIGNED-PAYLOAD") return refused(kWrongHash);
   const QByteArray secret = known->credential.secretAccessKey.toLatin1();
-  const QByteArrayList paths = signablePaths(request);
-  const bool matches = std::any_of(paths.begin(), paths.end(), [&](const QByteArray &path) {
-    return signatureV4(request, *authorization, path, payloadHash, secret) == authorization->signature;
-  });
-  if (!matches) return refused(kMismatch);
+  if (!hasSignablePath(request)
+      || signatureV4(request, *authorization, request.rawPath(), payloadHash, secret) != authorization->signature)
+    return refused(kMismatch);
   if (now.toSecsSinceEpoch() > known->credential.expiration) return refused(kExpiredToken);
   return {.userId = known->userId};
 }

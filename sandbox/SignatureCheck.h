@@ -30,12 +30,12 @@ struct SignatureVerdict {
                                                const QByteArray &resource);
 
 /// Whether the query carries a presigned signature.
-[[nodiscard]] bool isPresigned(const HttpRequest &request);
+[[nodiscard]] bool isPresigned(const ReceivedRequest &request);
 /// Checks a presigned GET of something in @p bucket.
-[[nodiscard]] SignatureVerdict checkPresigned(const HttpRequest &request, const QByteArray &bucket,
+[[nodiscard]] SignatureVerdict checkPresigned(const ReceivedRequest &request, const QByteArray &bucket,
                                               const Credentials &credentials, const QDateTime &now);
 /// Checks an Authorization header of Signature Version 4 for @p service ("s3" or "logs") in region eu-west-1.
-[[nodiscard]] SignatureVerdict checkSignatureV4(const HttpRequest &request, const QByteArray &service,
+[[nodiscard]] SignatureVerdict checkSignatureV4(const ReceivedRequest &request, const QByteArray &service,
                                                 const Credentials &credentials, const QDateTime &now);
 
 } // namespace sandbox

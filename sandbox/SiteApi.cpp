@@ -22,7 +22,7 @@ constexpr char kStyle[] =
     "table{border-collapse:collapse;width:100%}td,th{text-align:left;padding:.2rem .8rem .2rem 0}"
     "td.n{text-align:right}code{font-size:.85em;word-break:break-all}";
 
-HttpAnswer page(const QByteArray &title, const QByteArray &content, int status = 200) {
+ServedAnswer page(const QByteArray &title, const QByteArray &content, int status = 200) {
   return {.status = status,
           .contentType = "text/html; charset=utf-8",
           .body = "<!doctype html>\n<html lang=\"en\"><head><meta charset=\"utf-8\"><title>" + title
@@ -31,7 +31,7 @@ HttpAnswer page(const QByteArray &title, const QByteArray &content, int status =
           .headers = {{"Cache-Control", "no-store"}}};
 }
 
-HttpAnswer staleLogin() {
+ServedAnswer staleLogin() {
   return page("This login is over", "<p>Start it again from the menu of the downloader.</p>\n", 400);
 }
 
@@ -41,7 +41,7 @@ QByteArray cell(const QByteArray &text) {
 
 } // namespace
 
-HttpAnswer SiteApi::answer(const HttpRequest &request, const QDateTime &now) {
+ServedAnswer SiteApi::answer(const ReceivedRequest &request, const QDateTime &now) {
   const QByteArray path = request.path();
   if (path == "/st/sign-in" && request.method == "POST") return signIn(request, now);
   if (path == "/st/downloader-login.html") return loginPage(request);
@@ -53,7 +53,7 @@ HttpAnswer SiteApi::answer(const HttpRequest &request, const QDateTime &now) {
   return page("There is no such page", {}, 404);
 }
 
-HttpAnswer SiteApi::loginPage(const HttpRequest &request) const {
+ServedAnswer SiteApi::loginPage(const ReceivedRequest &request) const {
   const QByteArray login = request.query().text("session");
   if (!account.isStarted(QString::fromLatin1(login))) return staleLogin();
   return page("Sign in to your photographs",
@@ -62,13 +62,13 @@ HttpAnswer SiteApi::loginPage(const HttpRequest &request) const {
                   + escaped(login) + "\"><button type=\"submit\" id=\"sign-in\" autofocus>Sign in</button></form>\n");
 }
 
-HttpAnswer SiteApi::signIn(const HttpRequest &request, const QDateTime &now) {
+ServedAnswer SiteApi::signIn(const ReceivedRequest &request, const QDateTime &now) {
   const QByteArray login = QueryParameters(request.body).text("session");
   const auto callback = account.finishLogin(QString::fromLatin1(login), now);
   return callback ? redirectTo(*callback) : staleLogin();
 }
 
-HttpAnswer SiteApi::frontPage() const {
+ServedAnswer SiteApi::frontPage() const {
   QByteArray rows;
   for (const Endpoint endpoint : allEndpoints())
     if (const int count = requests.count(endpoint))
@@ -85,7 +85,7 @@ HttpAnswer SiteApi::frontPage() const {
                     "<a href=\"/reports.json\">the reports</a></p>\n");
 }
 
-HttpAnswer SiteApi::requestsJson() const {
+ServedAnswer SiteApi::requestsJson() const {
   QJsonObject counts;
   for (const Endpoint endpoint : allEndpoints())
     counts.insert(endpointName(endpoint), requests.count(endpoint));
@@ -100,7 +100,7 @@ HttpAnswer SiteApi::requestsJson() const {
   return jsonAnswer(compactJson({{u"counts"_s, counts}, {u"requests"_s, latest}}) + '\n');
 }
 
-HttpAnswer SiteApi::reportsJson() const {
+ServedAnswer SiteApi::reportsJson() const {
   QByteArrayList lines;
   for (const LogEvent &event : logs.events())
     lines << compactJson({{u"group"_s, event.group},

@@ -15,14 +15,14 @@ public:
   SiteApi(AccountApi &accounts, const RequestLog &log, const LogsApi &reports)
       : account(accounts), requests(log), logs(reports) {}
 
-  [[nodiscard]] HttpAnswer answer(const HttpRequest &request, const QDateTime &now);
+  [[nodiscard]] ServedAnswer answer(const ReceivedRequest &request, const QDateTime &now);
 
 private:
-  [[nodiscard]] HttpAnswer loginPage(const HttpRequest &request) const;
-  [[nodiscard]] HttpAnswer signIn(const HttpRequest &request, const QDateTime &now);
-  [[nodiscard]] HttpAnswer frontPage() const;
-  [[nodiscard]] HttpAnswer requestsJson() const;
-  [[nodiscard]] HttpAnswer reportsJson() const; ///< a line per report
+  [[nodiscard]] ServedAnswer loginPage(const ReceivedRequest &request) const;
+  [[nodiscard]] ServedAnswer signIn(const ReceivedRequest &request, const QDateTime &now);
+  [[nodiscard]] ServedAnswer frontPage() const;
+  [[nodiscard]] ServedAnswer requestsJson() const;
+  [[nodiscard]] ServedAnswer reportsJson() const; ///< a line per report
 
   AccountApi &account;
   const RequestLog &requests;

@@ -15,7 +15,7 @@ QByteArray requestId() {
   return QUuid::createUuid().toByteArray(QUuid::WithoutBraces);
 }
 
-HttpAnswer refusal(int status, const QByteArray &code, const QByteArray &message) {
+ServedAnswer refusal(int status, const QByteArray &code, const QByteArray &message) {
   const QByteArray document = QByteArray("<ErrorResponse") + kNamespace + ">\n  <Error>\n    <Type>Sender</Type>\n"
                               + "    <Code>" + code + "</Code>\n    <Message>" + escaped(message)
                               + "</Message>\n  </Error>\n  <RequestId>" + requestId()
@@ -29,7 +29,7 @@ bool matches(const QByteArray &text, const QString &pattern) {
 }
 
 /// What is wrong with the parameters beside the token; no code when nothing is.
-std::optional<HttpAnswer> parameterFlaw(const QueryParameters &query) {
+std::optional<ServedAnswer> parameterFlaw(const QueryParameters &query) {
   if (!query.contains("Action")) return refusal(400, "MissingAction", "No action was supplied with this request");
   if (query.text("Action") != "AssumeRoleWithWebIdentity" || query.text("Version") != "2011-06-15")
     return refusal(400, "InvalidAction", "Could not find operation for the requested version");
@@ -40,7 +40,7 @@ std::optional<HttpAnswer> parameterFlaw(const QueryParameters &query) {
   return std::nullopt;
 }
 
-HttpAnswer tokenRefusal(TokenFlaw flaw) {
+ServedAnswer tokenRefusal(TokenFlaw flaw) {
   switch (flaw) {
   case TokenFlaw::Expired:
     return refusal(400, "ExpiredTokenException", "Token expired");
@@ -81,7 +81,7 @@ QByteArray resultXml(const TemporaryCredential &credential, const QJsonObject &p
 
 } // namespace
 
-HttpAnswer StsApi::answer(const HttpRequest &request, const QDateTime &now) {
+ServedAnswer StsApi::answer(const ReceivedRequest &request, const QDateTime &now) {
   const QueryParameters query = request.method == "POST" ? QueryParameters(request.body) : request.query();
   if (auto flaw = parameterFlaw(query)) return *flaw;
   const Tokens::Checked checked = tokens.check(query.text("WebIdentityToken"), now);

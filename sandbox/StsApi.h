@@ -16,7 +16,7 @@ class StsApi {
 public:
   StsApi(const Tokens &idTokens, Credentials &issued) : tokens(idTokens), credentials(issued) {}
 
-  [[nodiscard]] HttpAnswer answer(const HttpRequest &request, const QDateTime &now);
+  [[nodiscard]] ServedAnswer answer(const ReceivedRequest &request, const QDateTime &now);
   void setLifetime(std::chrono::seconds seconds) { lifetime = seconds; }
   [[nodiscard]] TemporaryCredential issue(const QString &userId, const QDateTime &now);
 

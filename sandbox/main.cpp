@@ -129,10 +129,21 @@ bool verifyFolder(const QDir &folder, const QList<sandbox::ExpectedFile> &expect
   return right == expected.size() && unexpected.isEmpty();
 }
 
+sandbox::ExpectedOptions expectedOptions(const QCommandLineParser &options) {
+  return {.childFolder = number(options, u"child-folder"_s),
+          .createSubfolder = !options.isSet(u"no-sort-folders"_s),
+          .downloadMetadata = !options.isSet(u"no-expand"_s)};
+}
+
+int count(const QCommandLineParser &options) {
+  const sandbox::ExpectedOptions expected = expectedOptions(options);
+  output() << sandbox::expectedSampleFiles(expected).size() + sandbox::expectedLongTermSampleFiles(expected).size()
+           << Qt::endl;
+  return 0;
+}
+
 int verify(const QCommandLineParser &options) {
-  const sandbox::ExpectedOptions expected{.childFolder = number(options, u"child-folder"_s),
-                                          .createSubfolder = !options.isSet(u"no-sort-folders"_s),
-                                          .downloadMetadata = !options.isSet(u"no-expand"_s)};
+  const sandbox::ExpectedOptions expected = expectedOptions(options);
   bool right = verifyFolder(QDir(required(options, u"folder"_s)), sandbox::expectedSampleFiles(expected));
   if (options.isSet(u"10g-folder"_s))
     right &= verifyFolder(QDir(options.value(u"10g-folder"_s)), sandbox::expectedLongTermSampleFiles(expected));
@@ -148,18 +159,20 @@ int run(const QStringList &arguments) {
                       {u"sample"_s, u"serve: fill the account with the sample pictures."_s},
                       {u"folder"_s, u"verify: the download folder."_s, u"folder"_s},
                       {u"10g-folder"_s, u"verify: the folder of the 10G storage and the previews."_s, u"folder"_s},
-                      {u"child-folder"_s, u"verify: the date folder scheme."_s, u"0-4"_s, u"0"_s},
-                      {u"no-sort-folders"_s, u"verify: the agent makes no sort-rule folders."_s},
-                      {u"no-expand"_s, u"verify: the agent takes the originals."_s}});
-  options.addPositionalArgument(u"command"_s, u"serve, verify or sign-in"_s);
+                      {u"child-folder"_s, u"verify, count: the date folder scheme."_s, u"0-4"_s, u"0"_s},
+                      {u"no-sort-folders"_s, u"verify, count: the agent makes no sort-rule folders."_s},
+                      {u"no-expand"_s, u"verify, count: the agent takes the originals."_s}});
+  options.addPositionalArgument(
+      u"command"_s, u"serve, verify, count (of the files that verify expects in both folders) or sign-in"_s);
   options.addPositionalArgument(u"url"_s, u"sign-in: the login URL that the agent opened"_s, u"[url]"_s);
   options.process(arguments);
   const QStringList words = options.positionalArguments();
   const QString command = words.value(0);
   if (command == u"serve") return serve(options);
   if (command == u"verify") return verify(options);
+  if (command == u"count") return count(options);
   if (command == u"sign-in") return signIn(options, words.mid(1));
-  throw Usage("the command is one of serve, verify, sign-in");
+  throw Usage("the command is one of serve, verify, count, sign-in");
 }
 
 } // namespace

@@ -7,7 +7,7 @@ struct KaCredential {
   QString accessKeyId{};
   QString secretAccessKey{};
   QString sessionToken{};
-  QString expiration{}; ///< "yyyy-MM-dd'T'HH:mm:ss'Z'", UTC; empty when the answer held none
+  QString expireUnixTime{}; ///< whole seconds since 1970, decimal, cut to 32 bits; "0" when the answer held no date
 
   friend bool operator==(const KaCredential &, const KaCredential &) = default;
 };

@@ -1,10 +1,11 @@
 #include "service/KaServerRequest.h"
 
+#include "service/HttpStatus.h"
 #include "service/KaApplicationConstants.h"
 
 using namespace Qt::StringLiterals;
 
-KaServerRequest::KaServerRequest(const std::atomic<bool> *endAppFlag) : transfer(endAppFlag) {
+KaServerRequest::KaServerRequest(std::function<bool()> shallEnd) : transfer(std::move(shallEnd)) {
 }
 
 void KaServerRequest::stopServerRequest() {
@@ -12,20 +13,7 @@ void KaServerRequest::stopServerRequest() {
 }
 
 KaResultCode KaServerRequest::checkHTTPResponse(qint64 statusCode) {
-  switch (statusCode) {
-  case 200:
-  case 404: // deliberately: a missing object is no error of the request
-    return KaResultCode::Success;
-  case 400:
-  case 401:
-  case 403:
-    return KaResultCode::LinkInvalid;
-  case 500:
-  case 503:
-    return KaResultCode::RetryLater;
-  default:
-    return KaResultCode::ServerError;
-  }
+  return meaningOf(statusCode).result;
 }
 
 KaResultCode KaServerRequest::resultOf(const HttpAnswer &answer) {

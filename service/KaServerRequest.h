@@ -1,39 +1,13 @@
 #pragma once
 
-#include "service/HttpTransfer.h"
-#include "service/KaCredential.h"
-#include "service/KaResultCode.h"
+#include "service/KaHttpTransfer.h"
+#include "service/ServerAnswer.h"
 
 #include <QByteArray>
 #include <QString>
 
-#include <atomic>
 #include <functional>
 #include <optional>
-
-struct ServerAnswer {
-  KaResultCode result = KaResultCode::Success;
-  qint64 statusCode = 0; ///< HTTP status; 0 when no answer arrived
-  QByteArray data{};     ///< the body; kept whatever the result
-};
-
-struct SavedObject {
-  KaResultCode result = KaResultCode::Success;
-  qint64 statusCode = 0;
-  qint64 outputFileSize = 0; ///< bytes on disk
-  QString outputFilePath{};  ///< empty when nothing was saved
-};
-
-struct ObjectHead {
-  KaResultCode result = KaResultCode::Success;
-  qint64 statusCode = 0;
-  qint64 contentLength = 0;
-};
-
-struct TagVerdict {
-  KaResultCode result = KaResultCode::Success;
-  bool bDownloadContent = true;
-};
 
 /// Every HTTP exchange with the service. Each operation blocks its thread until the answer or a limit and returns a
 /// result code; nothing is retried and nothing is carried between requests. One thread at a time, but for
@@ -43,8 +17,9 @@ struct TagVerdict {
 /// out, or 500 and 503), NoBody (success without a body), LinkInvalid (400, 401, 403), ServerError (another status).
 class KaServerRequest {
 public:
-  /// @param endAppFlag  once true, requests end at once with Offline; may be null, else it outlives this object.
-  explicit KaServerRequest(const std::atomic<bool> *endAppFlag = nullptr);
+  /// @param shallEnd  asked on the thread of the request: once true, requests end at once with Offline, and what has
+  /// arrived is not saved. May be empty.
+  explicit KaServerRequest(std::function<bool()> shallEnd = {});
 
   /// Ends the request in flight at once. Any thread.
   void stopServerRequest();
@@ -59,8 +34,8 @@ public:
   [[nodiscard]] ServerAnswer getAwsS3KeyList(const QString &url, const KaCredential &credential);
   [[nodiscard]] ServerAnswer getAwsPreviewlList(const QString &url, const KaCredential &credential);
   /// Saves the object beside @p defaultFilePath under its own name, or under that path with DefaultFileName when it
-  /// carries none; an existing file is never touched. FileNotSaved, or DiskFull when the disk fills up meanwhile. An
-  /// object that is not there gives NoBody with status 404. Nothing is on disk unless an output path is returned.
+  /// carries none; an existing file is never touched. FileNotSaved, or DiskFull when the disk fills up meanwhile;
+  /// ObjectMissing for an object that is not there. Nothing is on disk unless an output path is returned.
   [[nodiscard]] SavedObject getAwsS3Object(const QString &url, const KaCredential &credential,
                                            const QString &defaultFilePath);
   /// As getAwsS3Object, with the name given by the caller.
@@ -76,18 +51,20 @@ public:
   [[nodiscard]] TagVerdict checkObjectTagIs10GStorage(const KaCredential &credential, const QString &objectKey);
   /// @}
 
-  /// The STS answer (XML) for a URL that holds the whole query.
-  [[nodiscard]] ServerAnswer getAwsTemporaryCredential(const QString &url);
+  /// Exchanges an ID token for temporary storage credentials, at STS.
+  [[nodiscard]] CredentialAnswer getAwsTemporaryCredential(const QString &idToken);
+  [[nodiscard]] static QString createGetCredentialString(const QString &idToken);
 
   /// Posts one report, a whole PutLogEvents document, to the log service. An answer without a body is a success.
   ServerAnswer notifyDownloadCompletion(const KaCredential &credential, const QString &logMessage);
 
   /// @name Identity: defined in the identity room.
   /// @{
-  /// Exchanges the login's code verifier for a token code and stores that. @p linkage is the stored ID token.
-  [[nodiscard]] KaResultCode getTokenCode(const QString &codeVerifier, const QString &linkage);
-  /// Asks for a new ID token; the answer's token code replaces the stored one.
-  [[nodiscard]] ServerAnswer refreshIdToken(const QString &url, const QString &oldIdToken, const QString &nonce);
+  /// Exchanges a login's code verifier for a token code. @p linkage is the ID token of that login.
+  [[nodiscard]] TokenCodeAnswer getTokenCode(const QString &codeVerifier, const QString &linkage);
+  /// Asks for a new ID token, showing the token code when there is one.
+  [[nodiscard]] RefreshAnswer refreshIdToken(const QString &oldIdToken, const QString &nonce,
+                                             const std::optional<QString> &tokenCode);
   [[nodiscard]] ServerAnswer requestJWKS(const QString &url);
   /// @}
 
@@ -98,10 +75,12 @@ private:
 
   /// The result of an exchange before its body is looked at.
   [[nodiscard]] static KaResultCode resultOf(const HttpAnswer &answer);
+  /// The same for an object that is to be saved, its body counted.
+  [[nodiscard]] static KaResultCode objectResultOf(const HttpAnswer &answer);
   [[nodiscard]] ServerAnswer exchange(const HttpRequest &request, EmptyBody emptyBody = EmptyBody::IsNoBody);
   [[nodiscard]] ServerAnswer presignedList(const QString &url, const KaCredential &credential);
   [[nodiscard]] SavedObject saveObject(const QString &url, const KaCredential &credential,
                                        const QString &defaultFilePath, const NameOf &nameOf);
 
-  HttpTransfer transfer;
+  KaHttpTransfer transfer;
 };

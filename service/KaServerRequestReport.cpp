@@ -1,10 +1,10 @@
 #include "log/KaLogUtility.h"
+#include "platform/JsonValue.h"
 #include "service/KaApplicationConstants.h"
 #include "service/KaServerRequest.h"
 #include "service/SignatureV4.h"
 
 #include <QDateTime>
-#include <QJsonDocument>
 #include <QJsonObject>
 
 using namespace Qt::StringLiterals;
@@ -31,10 +31,10 @@ QString authorizationFor(const KaCredential &credential, const QString &timestam
 }
 
 void writeFailureLog(const ServerAnswer &answer) {
-  QStringList lines{u"HTTP="_s + QString::number(answer.statusCode)};
-  const QJsonValue error = QJsonDocument::fromJson(answer.data).object().value("error"_L1);
+  QStringList lines{httpLine(answer.statusCode)};
+  const auto error = platform::jsonString(platform::parseJsonObject(answer.data).value_or(QJsonObject()), "error"_L1);
   // One line, whatever the service sends.
-  if (error.isString()) lines << u"ErrorCode="_s + error.toString().left(kLongestErrorCode).simplified();
+  if (error) lines << u"ErrorCode="_s + error->left(kLongestErrorCode).simplified();
   KaLogUtility::writeInfoLog(u"notifyDownloadCompletion"_s, lines);
 }
 
@@ -42,7 +42,7 @@ void writeFailureLog(const ServerAnswer &answer) {
 
 ServerAnswer KaServerRequest::notifyDownloadCompletion(const KaCredential &credential, const QString &logMessage) {
   const QString host = KaApplicationConstants::awsLogsHostName();
-  const QString timestamp = getCurrentTimeStampUTCFormat(QDateTime::currentDateTimeUtc());
+  const QString timestamp = signature_v4::getCurrentTimeStampUTCFormat(QDateTime::currentDateTimeUtc());
   ServerAnswer answer =
       exchange({.method = "POST",
                 .url = u"https://"_s + host,

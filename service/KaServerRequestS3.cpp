@@ -1,15 +1,15 @@
 #include "log/KaLogUtility.h"
 #include "platform/UnpublishedFile.h"
+#include "service/HttpStatus.h"
 #include "service/KaApplicationConstants.h"
 #include "service/KaServerRequest.h"
 #include "service/KaXMLParser.h"
+#include "service/PercentEncoding.h"
 #include "service/SavedFileName.h"
 #include "service/SignatureV4.h"
 
 #include <QDateTime>
 #include <QFileInfo>
-
-#include <cerrno>
 
 using namespace Qt::StringLiterals;
 
@@ -35,40 +35,39 @@ public:
 
   [[nodiscard]] bool take(const char *bytes, std::size_t count) {
     if (!file) file = platform::UnpublishedFile::create(folder);
-    if (file && file->write(bytes, count)) return true;
-    return failed();
+    return file->write(bytes, count);
   }
 
-  /// Gives the file its name, or the next one that is free.
-  /// @return whether @p path now holds the file.
-  [[nodiscard]] bool publish(const QString &targetPath, QString &path) {
-    using Publish = platform::UnpublishedFile::Publish;
-    path = targetPath;
-    if (!file || !file->sync()) return failed();
-    for (unsigned counter = 1;; ++counter) {
-      const Publish outcome = file->publish(path);
-      if (outcome == Publish::Published) return true;
-      if (outcome == Publish::Failed) return failed();
-      path = numberedFilePath(targetPath, counter);
+  [[nodiscard]] bool sync() { return file && file->sync(); }
+
+  /// The path that was tried last, and whether the file is there now.
+  struct Placing {
+    QString path;
+    bool isDone = false;
+  };
+  /// Gives the file its name, or the next one that is free. After sync.
+  [[nodiscard]] Placing publish(const QString &targetPath) {
+    using enum platform::UnpublishedFile::Publish;
+    Placing placing{.path = targetPath};
+    auto outcome = file->publish(placing.path);
+    for (unsigned counter = 1; outcome == NameTaken; ++counter) {
+      placing.path = numberedFilePath(targetPath, counter);
+      outcome = file->publish(placing.path);
     }
+    placing.isDone = outcome == Published;
+    return placing;
   }
 
   /// What a failure means, with its log entry.
   [[nodiscard]] KaResultCode failure(const QString &path) const {
-    if (error == ENOSPC || error == EDQUOT) return KaResultCode::DiskFull;
+    if (file && file->fault() == platform::FileFault::DiskFull) return KaResultCode::DiskFull;
     KaLogUtility::writeInfoLog(u"Save File Error"_s, {u"FilePath="_s + path});
     return KaResultCode::FileNotSaved;
   }
 
 private:
-  bool failed() {
-    error = file ? file->error() : errno;
-    return false;
-  }
-
   const QString folder;
   std::optional<platform::UnpublishedFile> file;
-  int error = 0;
 };
 
 /// A request to the content bucket that we sign ourselves.
@@ -84,16 +83,17 @@ SignedRequest signedRequest(const KaCredential &credential, const QString &objec
                             const QString &query) {
   const QString host =
       KaApplicationConstants::awsS3BucketName() + u'.' + KaApplicationConstants::awsS3AccelerateHostName();
+  const QString path = u'/' + percentEncodedKey(objectKey);
   SignedRequest made;
-  made.url = u"https://"_s + host + u'/' + objectKey + u'?' + query;
-  made.timestamp = getCurrentTimeStampUTCFormat(QDateTime::currentDateTimeUtc());
+  made.url = u"https://"_s + host + path + u'?' + query;
+  made.timestamp = signature_v4::getCurrentTimeStampUTCFormat(QDateTime::currentDateTimeUtc());
   made.sessionToken = credential.sessionToken;
-  made.payloadHash = toHex(toSHA256hash(QString()));
+  made.payloadHash = signature_v4::toHex(signature_v4::toSHA256hash(QString()));
   made.authorization =
       signRequests(credential, {.timestamp = made.timestamp,
                                 .service = u"s3"_s,
                                 .method = method,
-                                .canonicalUri = u'/' + objectKey,
+                                .canonicalUri = path,
                                 .canonicalQuery = query,
                                 .canonicalHeaders = u"host:"_s + host + u"\nx-amz-content-sha256:"_s + made.payloadHash
                                                     + u"\nx-amz-date:"_s + made.timestamp + u"\nx-amz-security-token:"_s
@@ -147,37 +147,36 @@ SavedObject KaServerRequest::getAwsS3Preview(const QString &url, const KaCredent
   return saveObject(url, credential, defaultFilePath, [&fileName](const HttpAnswer &) { return fileName; });
 }
 
+KaResultCode KaServerRequest::objectResultOf(const HttpAnswer &answer) {
+  if (answer.status == 0) return KaResultCode::NoHttpStatus;
+  const StatusMeaning meaning = meaningOf(answer.status);
+  // A body that tells of a missing object is no picture.
+  if (meaning.document == StatusMeaning::Document::Missing) return KaResultCode::ObjectMissing;
+  const bool isEmpty = meaning.result == KaResultCode::Success && answer.bodySize == 0;
+  return isEmpty ? KaResultCode::NoBody : meaning.result;
+}
+
 SavedObject KaServerRequest::saveObject(const QString &url, const KaCredential &credential,
                                         const QString &defaultFilePath, const NameOf &nameOf) {
   ArrivingObject object(defaultFilePath);
   const HttpAnswer answer =
       transfer.perform(presignedRequest(url, credential),
                        [&object](const char *bytes, std::size_t count) { return object.take(bytes, count); });
-
-  SavedObject saved = {.result = resultOf(answer), .statusCode = answer.status};
-  if (answer.sinkRefused) {
-    saved.result = object.failure(defaultFilePath);
-    saved.statusCode = 200; // the sink sees no other answer's body
-    return saved;
-  }
-  if (answer.status == 0) saved.result = KaResultCode::NoHttpStatus;
-  if (saved.result != KaResultCode::Success) return saved;
-  // A body that tells of a missing object is no picture.
-  if (answer.status != 200 || answer.bodySize == 0) {
-    saved.result = KaResultCode::NoBody;
-    return saved;
-  }
+  const auto failed = [&](KaResultCode result) { return SavedObject{.result = result, .statusCode = answer.status}; };
+  if (answer.sinkRefused) return failed(object.failure(defaultFilePath));
+  if (const KaResultCode result = objectResultOf(answer); result != KaResultCode::Success) return failed(result);
 
   const std::optional<QString> name = nameOf(answer);
-  QString path;
-  if (!object.publish(targetFilePath(defaultFilePath, name.value_or(QString())), path)) {
-    saved.result = object.failure(path);
-    return saved;
-  }
-  saved.result = name ? KaResultCode::Success : KaResultCode::DefaultFileName;
-  saved.outputFileSize = answer.bodySize;
-  saved.outputFilePath = path;
-  return saved;
+  const QString targetPath = targetFilePath(defaultFilePath, name.value_or(QString()));
+  if (!object.sync()) return failed(object.failure(targetPath));
+  // What has taken so long may have outlived its link: then it is as if nothing had come.
+  if (transfer.shallEnd()) return {.result = KaResultCode::NoHttpStatus};
+  const auto placing = object.publish(targetPath);
+  if (!placing.isDone) return failed(object.failure(placing.path));
+  return {.result = name ? KaResultCode::Success : KaResultCode::DefaultFileName,
+          .statusCode = answer.status,
+          .outputFileSize = answer.bodySize,
+          .outputFilePath = placing.path};
 }
 
 ServerAnswer KaServerRequest::getAWSS3ObjectTag(const KaCredential &credential, const QString &objectKey) {
@@ -192,7 +191,9 @@ ServerAnswer KaServerRequest::getAWSS3ObjectTag(const KaCredential &credential, 
 ObjectHead KaServerRequest::headAWSS3Object(const KaCredential &credential, const QString &objectKey) {
   const SignedRequest made = signedRequest(credential, objectKey, u"HEAD"_s, {});
   const HttpAnswer answer = transfer.perform(httpRequest(made, "HEAD"));
-  const ObjectHead head = {.result = checkHTTPResponse(answer.status),
+  const StatusMeaning meaning = meaningOf(answer.status);
+  const ObjectHead head = {.result = meaning.result,
+                           .isThere = meaning.document == StatusMeaning::Document::There,
                            .statusCode = answer.status,
                            .contentLength = answer.status == 0 ? 0 : answer.contentLength};
   if (head.result != KaResultCode::Success)

@@ -1,16 +1,15 @@
 #include "service/KaXMLParser.h"
 
-#include "service/XmlText.h"
+void KaXMLParser::setTarget(const QStringList &names) {
+  targetNames.clear();
+  for (const QString &name : names)
+    targetNames << name.toUtf8();
+}
 
 KaResultCode KaXMLParser::parseXML(const QByteArray &data, qint64 xmlType) {
   type = xmlType;
   initProperty();
-  const XmlTextEvents events = {
-      .startElement = {},
-      .text = [this](const QString &, const QString &text) { foundCharacters(text); },
-      .endElement = {},
-  };
-  if (!walkXmlText(data, events)) return KaResultCode::NoBody;
+  if (!walkXmlText(data, *this)) return KaResultCode::NoBody;
   valueCount = static_cast<quint64>(values.size());
   return KaResultCode::Success;
 }
@@ -21,13 +20,14 @@ void KaXMLParser::initProperty() {
   isTargetValue = false;
 }
 
-void KaXMLParser::foundCharacters(const QString &text) {
+void KaXMLParser::foundText(std::string_view, std::string_view text) {
   if (type != kKeyValueType) return;
+  const auto bytes = QByteArray::fromRawData(text.data(), static_cast<qsizetype>(text.size()));
   if (isTargetValue) {
-    values.insert(currentName, text);
+    values.insert(currentName, QString::fromUtf8(bytes));
     isTargetValue = false;
   }
-  if (!targetNames.contains(text)) return;
-  currentName = text;
+  if (!targetNames.contains(bytes)) return;
+  currentName = QString::fromUtf8(bytes);
   isTargetValue = true;
 }

@@ -14,6 +14,8 @@ const QString kRegion = u"eu-west-1"_s;
 const QString kScopeEnd = u"aws4_request"_s;
 constexpr int kDigestSize = 32;
 
+using namespace signature_v4;
+
 const unsigned char *unsignedBytes(const QByteArray &bytes) {
   return reinterpret_cast<const unsigned char *>(bytes.constData());
 }
@@ -48,7 +50,7 @@ QString signRequests(const KaCredential &credential, const SignatureV4Request &r
          + request.signedHeaders + u", Signature="_s + toHex(toHmacSHA256hash(key, stringToSign));
 }
 
-QByteArray toSHA256hash(const QString &text) {
+QByteArray signature_v4::toSHA256hash(const QString &text) {
   QByteArray bytes = text.toUtf8();
   if (const qsizetype nul = bytes.indexOf('\0'); nul >= 0) bytes.truncate(nul);
 
@@ -61,7 +63,7 @@ QByteArray toSHA256hash(const QString &text) {
   return digest;
 }
 
-QByteArray toHmacSHA256hash(const QByteArray &key, const QString &message) {
+QByteArray signature_v4::toHmacSHA256hash(const QByteArray &key, const QString &message) {
   const QByteArray bytes = message.toUtf8();
   QByteArray code(kDigestSize, '\0');
   unsigned int size = 0;
@@ -71,10 +73,10 @@ QByteArray toHmacSHA256hash(const QByteArray &key, const QString &message) {
   return code;
 }
 
-QString toHex(const QByteArray &bytes) {
+QString signature_v4::toHex(const QByteArray &bytes) {
   return QString::fromLatin1(bytes.toHex());
 }
 
-QString getCurrentTimeStampUTCFormat(const QDateTime &date) {
+QString signature_v4::getCurrentTimeStampUTCFormat(const QDateTime &date) {
   return date.toUTC().toString(u"yyyyMMdd'T'HHmmss'Z'");
 }

@@ -1,17 +1,23 @@
 #pragma once
 
 #include <QByteArray>
-#include <QString>
 
-#include <functional>
+#include <string_view>
 
-/// What a walk over a document's text tells. @p element is the name of the innermost open element; a text node arrives
-/// whole, however entities and CDATA sections cut it.
-struct XmlTextEvents {
-  std::function<void(const QString &element)> startElement;
-  std::function<void(const QString &element, const QString &text)> text;
-  std::function<void(const QString &element)> endElement;
+/// Is told what a walk over a document's text comes across. Names come without their prefix; names and texts are UTF-8
+/// and hold until the call returns.
+class KaXmlTextTaker {
+public:
+  virtual ~KaXmlTextTaker() = default;
+
+  virtual void startElement(std::string_view) {}
+  /// @param element  the innermost open one. @param text  a whole text node, however entities, comments and CDATA
+  /// sections cut it; never empty.
+  virtual void foundText(std::string_view element, std::string_view text) = 0;
+  virtual void endElement(std::string_view) {}
 };
 
-/// @return false when the document is malformed; what came before the error has been told.
-[[nodiscard]] bool walkXmlText(const QByteArray &document, const XmlTextEvents &events);
+/// A document comes from outside: it may cost half a second and a few times its size in memory, no more.
+/// @return false when it cannot be parsed: malformed, over 16 MiB, deeper than 32 elements, with a document type or an
+/// entity of its own, or with more names and attributes than any answer has. What came before has been told.
+[[nodiscard]] bool walkXmlText(const QByteArray &document, KaXmlTextTaker &taker);

@@ -31,6 +31,7 @@ FolderFacts factsOf(const QString &path) {
   const QFileInfo info(path);
   FolderFacts facts;
   facts.resolvedPath = info.canonicalFilePath();
+  // A path that is not there has no volume, whatever its parent lies on.
   if (!facts.resolvedPath.isEmpty()) facts.volume = platform::fileSystemInfo(facts.resolvedPath);
   facts.directory = info.isDir();
   facts.readable = info.isReadable();

@@ -18,7 +18,7 @@ struct FolderFacts {
   QStringList reservedFolders; ///< the system's and the applications' places
 };
 
-/// Whether a folder can hold downloads.
+/// Whether a folder can hold downloads, as far as can be told without writing into it. Any thread.
 /// @return Success, FolderNotAccessible (missing, no folder, not readable or writable), FolderNotSupported (removable,
 /// network, system or application place) or FolderPathTooLong (over 200 characters).
 [[nodiscard]] KaResultCode verifyDownloadFolder(const QString &path);

@@ -1,5 +1,7 @@
 #include "settings/PropertyList.h"
 
+#include "platform/ReleasedBy.h"
+
 #include <plist/plist.h>
 
 #include <cstdlib>
@@ -10,9 +12,7 @@ using namespace Qt::StringLiterals;
 
 namespace {
 
-template <auto Release> struct ReleasedBy {
-  template <class T> void operator()(T *handle) const noexcept { Release(handle); }
-};
+using platform::ReleasedBy;
 using Node = std::unique_ptr<void, ReleasedBy<&plist_free>>;
 using Xml = std::unique_ptr<char, ReleasedBy<&plist_to_xml_free>>;
 using Key = std::unique_ptr<char, ReleasedBy<&std::free>>;
@@ -33,6 +33,7 @@ std::optional<QString> textOf(plist_t node) {
   return length == 0 ? u""_s : QString::fromUtf8(bytes, static_cast<qsizetype>(length));
 }
 
+/// Unsigned in the library's interface alone: a negative number comes back as it was.
 qint64 integerOf(plist_t node) {
   uint64_t value = 0;
   plist_get_uint_val(node, &value);
@@ -70,6 +71,7 @@ std::optional<QByteArray> PropertyList::toXml() const {
 }
 
 std::optional<PropertyList> PropertyList::fromXml(const QByteArray &xml) {
+  // The library takes the length in 32 bits.
   if (xml.isEmpty() || xml.size() > std::numeric_limits<int>::max()) return std::nullopt;
   plist_t document = nullptr;
   plist_from_xml(xml.constData(), static_cast<uint32_t>(xml.size()), &document);

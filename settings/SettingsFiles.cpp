@@ -25,6 +25,7 @@ constexpr auto kParentFolder = "ParentFolder"_L1;
 constexpr auto kParent10GFolder = "Parent10GFolder"_L1;
 constexpr auto kCheckBox10GDownload = "CheckBox10GDownload"_L1;
 constexpr auto kCheckBoxCreateSubfolder = "CheckBoxCreateSubfolder"_L1;
+/// The odd "Key" stays: settings of users are stored under it.
 constexpr auto kCheckBoxDownloadMetadata = "CheckBoxDownloadMetadataKey"_L1;
 constexpr auto kChildFolder = "ChildFolder"_L1;
 
@@ -79,7 +80,7 @@ QByteArray toJson(const QString &uuidKey, const KaDownloadData &data) {
 
 std::optional<KaDownloadData> recordFromJson(const QJsonValue &value) {
   const QJsonObject record = value.toObject();
-  const auto lastDateTime = jsonString(record, kLastDateTime);
+  const auto lastDateTime = platform::jsonString(record, kLastDateTime);
   const QJsonValue contentIds = record.value(kContentIds);
   if (!lastDateTime || !contentIds.isArray()) return std::nullopt;
 
@@ -92,7 +93,7 @@ std::optional<KaDownloadData> recordFromJson(const QJsonValue &value) {
 }
 
 std::optional<QHash<QString, KaDownloadData>> fromJson(const QByteArray &json) {
-  const auto targets = parseJsonObject(json);
+  const auto targets = platform::parseJsonObject(json);
   if (!targets) return std::nullopt;
   QHash<QString, KaDownloadData> records;
   for (auto target = targets->begin(); target != targets->end(); ++target)
@@ -100,9 +101,9 @@ std::optional<QHash<QString, KaDownloadData>> fromJson(const QByteArray &json) {
   return records;
 }
 
-void overrideWait(std::chrono::milliseconds &wait, const QString &key) {
+std::chrono::milliseconds waitFrom(const QString &key, std::chrono::milliseconds builtIn) {
   const qint64 seconds = platform::standardUserDefaults().integerValue(key);
-  if (seconds > 0) wait = std::chrono::seconds(std::min(seconds, kLongestWaitSeconds));
+  return seconds > 0 ? std::chrono::seconds(std::min(seconds, kLongestWaitSeconds)) : builtIn;
 }
 
 /// The user's pictures folder by its real name, so that a link that moves later does not split the downloads.
@@ -134,47 +135,39 @@ KaDownloadOption defaultDownloadOption() {
 }
 
 bool saveDownloadOption(const KaDownloadOption &option) {
-  bool saved = false;
-  const bool ended = runGuarded([&] {
+  return guardedOr(false, [&] {
     const auto xml = toPropertyList(option).toXml();
-    saved = xml && writePrivateFile(settingsFile(), *xml);
+    return xml && platform::writePrivateFile(settingsFile(), *xml);
   });
-  return ended && saved;
 }
 
 std::optional<KaDownloadOption> loadDownloadOption() {
-  std::optional<KaDownloadOption> option;
-  const bool ended = runGuarded([&] {
-    const auto xml = readPrivateFile(settingsFile());
+  return guardedOr(std::optional<KaDownloadOption>(), [] {
+    const auto xml = platform::readPrivateFile(settingsFile());
     const auto list = xml ? PropertyList::fromXml(*xml) : std::nullopt;
-    if (list) option = fromPropertyList(*list);
+    return list ? fromPropertyList(*list) : std::nullopt;
   });
-  return ended ? option : std::nullopt;
 }
 
 bool saveBookkeeping(const QString &fileName, const QString &uuidKey, const KaDownloadData &data) {
-  bool saved = false;
-  const bool ended = runGuarded([&] {
-    if (!ensureAppFolder()) return;
+  return guardedOr(false, [&] {
+    if (!ensureAppFolder()) return false;
     const auto enciphered = KaCryptionUtility::encrypt(QString::fromUtf8(toJson(uuidKey, data)));
-    saved = enciphered && writePrivateFile(inAppFolder(fileName), enciphered->toUtf8());
+    return enciphered && platform::writePrivateFile(inAppFolder(fileName), enciphered->toUtf8());
   });
-  return ended && saved;
 }
 
 std::optional<QHash<QString, KaDownloadData>> loadBookkeeping(const QString &fileName) {
-  std::optional<QHash<QString, KaDownloadData>> records;
-  const bool ended = runGuarded([&] {
-    const auto content = readPrivateFile(inAppFolder(fileName));
+  return guardedOr(std::optional<QHash<QString, KaDownloadData>>(), [&] {
+    const auto content = platform::readPrivateFile(inAppFolder(fileName));
     const auto json = content ? KaCryptionUtility::decrypt(QString::fromUtf8(*content)) : std::nullopt;
-    if (json) records = fromJson(json->toUtf8());
+    return json ? fromJson(json->toUtf8()) : std::nullopt;
   });
-  return ended ? records : std::nullopt;
 }
 
-void loadWaitTimeOverrides(KaWaitTimes &waitTimes) {
-  overrideWait(waitTimes.pollingNormal, u"PollingNormalWaitTime"_s);
-  overrideWait(waitTimes.pollingError, u"PollingErrorWaitTime"_s);
-  overrideWait(waitTimes.reCheck, u"ImageRetryWaitTime"_s);
-  overrideWait(waitTimes.exifRetry, u"ExifRetryWaitTime"_s);
+KaWaitTimes loadWaitTimes(const KaWaitTimes &builtIn) {
+  return {.pollingNormal = waitFrom(u"PollingNormalWaitTime"_s, builtIn.pollingNormal),
+          .pollingError = waitFrom(u"PollingErrorWaitTime"_s, builtIn.pollingError),
+          .reCheck = waitFrom(u"ImageRetryWaitTime"_s, builtIn.reCheck),
+          .exifRetry = waitFrom(u"ExifRetryWaitTime"_s, builtIn.exifRetry)};
 }

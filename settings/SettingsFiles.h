@@ -10,7 +10,7 @@
 #include <optional>
 
 /// The files of the app folder. Each is replaced as a whole and readable by the user alone; a file that cannot be read,
-/// deciphered or parsed is absent.
+/// deciphered or parsed is absent. Any thread: of two that save one file at once, the later one's content stays.
 
 /// The app folder's path, whether it exists or not.
 [[nodiscard]] QString appFolder();
@@ -29,5 +29,5 @@ bool saveDownloadOption(const KaDownloadOption &option);
 /// Every target in the file.
 [[nodiscard]] std::optional<QHash<QString, KaDownloadData>> loadBookkeeping(const QString &fileName);
 
-/// Replaces each wait that the user defaults override with a whole number of seconds above 0.
-void loadWaitTimeOverrides(KaWaitTimes &waitTimes);
+/// @p builtIn, but for each wait that the user defaults override with a whole number of seconds above 0.
+[[nodiscard]] KaWaitTimes loadWaitTimes(const KaWaitTimes &builtIn);

@@ -3,30 +3,23 @@
 #include "app/KaModelFacade.h"
 #include "log/ExceptionGuard.h"
 #include "log/KaLogUtility.h"
-#include "platform/LoginItem.h"
 #include "platform/Opening.h"
-#include "platform/UserDefaults.h"
+#include "platform/ThreadBound.h"
 #include "ui/HelpPages.h"
 #include "ui/KaDownloadFolderSettingView.h"
 #include "ui/KaVersionInformationView.h"
+#include "ui/LoginItemQuestion.h"
 #include "ui/Texts.h"
 
 #include <QCoreApplication>
 
-#include <utility>
-
 using namespace Qt::StringLiterals;
 
-namespace {
-
-const QString kLaunchAtLogin = u"LaunchAtLogin"_s;
-
-} // namespace
-
-KaNotifyIcon::KaNotifyIcon(KaModelFacade &facade, StatusItemView &view, const KaNotifyIconTimes &waits)
+KaNotifyIcon::KaNotifyIcon(KaModelFacade &facade, KaStatusItemView &view, const KaNotifyIconTimes &waits)
     : model(facade), statusItem(view), times(waits) {
-  connect(&statusItem, &StatusItemView::entryTriggered, this, &KaNotifyIcon::perform);
-  connect(&statusItem, &StatusItemView::notificationActivated, this, &KaNotifyIcon::notificationActivated);
+  platform::assertMainThread();
+  connect(&statusItem, &KaStatusItemView::entryTriggered, this, &KaNotifyIcon::perform);
+  connect(&statusItem, &KaStatusItemView::notificationActivated, this, &KaNotifyIcon::notificationActivated);
   connect(&iconDrawTimer, &QTimer::timeout, this, &KaNotifyIcon::iconDraw);
   iconDrawTimer.start(times.tick);
 
@@ -55,6 +48,7 @@ void KaNotifyIcon::onProcessingResult(KaModelFacade & /*facade*/, KaResultCode r
 }
 
 void KaNotifyIcon::onCompleteLinkageSetting() {
+  platform::assertMainThread();
   guarded([this] { confirmFolders(); });
 }
 
@@ -70,11 +64,12 @@ void KaNotifyIcon::onFinishDownloadProcess() {
 }
 
 void KaNotifyIcon::onChangeLinkage(bool linked) {
-  linkedOnceConfirmed = linked && awaitsFolders;
-  if (!linkedOnceConfirmed) bLinkage = linked;
+  platform::assertMainThread();
+  linkHolds = linked;
 }
 
 void KaNotifyIcon::setIdCode(const QString &token) {
+  platform::assertMainThread();
   model.setIdCode(token);
 }
 
@@ -93,7 +88,6 @@ template <class Dialog, class... Arguments> void KaNotifyIcon::openDialog(Argume
 }
 
 void KaNotifyIcon::confirmFolders() {
-  awaitsFolders = true;
   const bool otherWindowOpen = dialog && !qobject_cast<KaDownloadFolderSettingView *>(dialog);
   openDialog<KaDownloadFolderSettingView>(model);
   if (otherWindowOpen) {
@@ -103,11 +97,10 @@ void KaNotifyIcon::confirmFolders() {
   }
 }
 
-/// Once the user has seen where the pictures go, whatever the answer, the link counts and its first run begins.
+/// Once the user has seen where the pictures go, whatever the answer, the first run begins.
 void KaNotifyIcon::foldersConfirmed() {
-  awaitsFolders = false;
-  // The user may have logged out again meanwhile.
-  if (std::exchange(linkedOnceConfirmed, false) && model.bLoggedIn()) bLinkage = true;
+  // An error shown meanwhile was not this link's.
+  linkHolds = true;
   QTimer::singleShot(times.startDelay, this, [this] { guarded([this] { startInitialRun(); }); });
 }
 
@@ -119,9 +112,15 @@ void KaNotifyIcon::confirmDialog() {
 
 void KaNotifyIcon::startInitialRun() {
   // The user may have logged out again meanwhile.
-  if (!model.bLoggedIn()) return;
+  if (model.linkState() == KaLinkState::Unlinked) return;
+  // Not before, or the thread could run for this link by itself, and then again for being told of it.
+  model.confirmFolders();
   onChangeStatus(model, KaAppStatus::Normal);
   model.downloadNow(/*initialAccess=*/true);
+}
+
+bool KaNotifyIcon::bLinkage() const {
+  return linkHolds && model.linkState() == KaLinkState::Linked;
 }
 
 void KaNotifyIcon::iconDraw() {
@@ -131,7 +130,7 @@ void KaNotifyIcon::iconDraw() {
   shown.frame = effect.frame;
   shown.tooltipKey = tooltipKey(appStatus, errSubStatus);
   // Unlike the other entries this one is asked for its state whenever the menu opens.
-  shown.isDownloadEnabled = bLinkage;
+  shown.isDownloadEnabled = bLinkage();
   statusItem.show(shown);
 }
 
@@ -139,16 +138,16 @@ void KaNotifyIcon::startMenu(bool linked) {
   shown = {.frame = StatusFrame::Unlink,
            .tooltipKey = {},
            .isLinked = linked,
-           .isDownloadEnabled = bLinkage,
+           .isDownloadEnabled = bLinkage(),
            .isLogginEnabled = bLogginEnabled,
-           .isLaunchedAtLogin = platform::standardUserDefaults().boolValue(kLaunchAtLogin)};
+           .isLaunchedAtLogin = isLaunchedAtLogin()};
 }
 
 void KaNotifyIcon::applyResult(KaResultCode result, bool userTrigger) {
   const ResultEffect effect = resultEffect(result);
   if (effect.appStatus) appStatus = *effect.appStatus;
   if (effect.errSubStatus) errSubStatus = *effect.errSubStatus;
-  if (effect.clearsLinkage) bLinkage = false;
+  if (effect.clearsLinkage) linkHolds = false;
   reportResult(result, effect.messageKey, userTrigger);
 }
 
@@ -160,6 +159,7 @@ void KaNotifyIcon::reportResult(KaResultCode result, QLatin1StringView messageKe
 }
 
 void KaNotifyIcon::perform(StatusEntry entry) {
+  platform::assertMainThread();
   switch (entry) {
   case StatusEntry::Download:
     return menuAction_Download();
@@ -213,13 +213,8 @@ void KaNotifyIcon::menuAction_Logout() {
 
 void KaNotifyIcon::menuAction_LaunchSetting() {
   guarded([this] {
-    auto &defaults = platform::standardUserDefaults();
-    const bool enable = !defaults.boolValue(kLaunchAtLogin);
-    if (platform::setLoginItemEnabled(enable)) {
-      defaults.setBool(kLaunchAtLogin, enable);
-      defaults.synchronize();
-      shown.isLaunchedAtLogin = enable;
-    }
+    setLaunchedAtLogin(!isLaunchedAtLogin());
+    shown.isLaunchedAtLogin = isLaunchedAtLogin();
     // Shown in either case: the entry has changed its own check mark already.
     statusItem.show(shown);
   });
@@ -253,6 +248,7 @@ void KaNotifyIcon::guarded(const std::function<void()> &action) {
 }
 
 bool KaNotifyIcon::appFinalize() {
+  platform::assertMainThread();
   iconDrawTimer.stop();
   model.saveDownloadFolderSetting();
   model.endDownloadProcess();

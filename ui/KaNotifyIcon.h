@@ -4,8 +4,8 @@
 #include "platform/Mailbox.h"
 #include "platform/Mutex.h"
 #include "platform/ThreadAnnotations.h"
+#include "ui/KaStatusItemView.h"
 #include "ui/StatusItemState.h"
-#include "ui/StatusItemView.h"
 
 #include <QDialog>
 #include <QObject>
@@ -34,7 +34,7 @@ class KaNotifyIcon final : public QObject, public KaDownloadDelegate {
 public:
   /// Becomes the facade's delegate, loads the settings and the link, so the first run may begin. @p model and
   /// @p statusItem outlive this object; destroy it only after appFinalize.
-  KaNotifyIcon(KaModelFacade &model, StatusItemView &statusItem, const KaNotifyIconTimes &times = {});
+  KaNotifyIcon(KaModelFacade &model, KaStatusItemView &statusItem, const KaNotifyIconTimes &times = {});
   ~KaNotifyIcon() override;
 
   void onChangeStatus(KaModelFacade &facade, KaAppStatus statusMode) override;
@@ -72,6 +72,8 @@ private:
     void operator()(KaModelFacade *facade) const;
   };
 
+  /// Whether the user may ask for a run: linked, and no error result since.
+  [[nodiscard]] bool bLinkage() const;
   void iconDraw();
   void startMenu(bool linked);
   void applyResult(KaResultCode result, bool userTrigger);
@@ -86,7 +88,7 @@ private:
   void guarded(const std::function<void()> &action);
 
   KaModelFacade &model;
-  StatusItemView &statusItem;
+  KaStatusItemView &statusItem;
   const KaNotifyIconTimes times;
 
   // Main thread.
@@ -94,11 +96,10 @@ private:
   KaErrorStatus errSubStatus = KaErrorStatus::Offline;
   QTimer iconDrawTimer;
   qint32 animationCount = 0;
-  bool bLinkage = false;
+  /// The link that was told of, until an error result: what it says clears bLinkage although the link itself is kept.
+  bool linkHolds = false;
   StatusItemState shown;
-  QPointer<QDialog> dialog;   ///< the settings or the about window, one at a time; deletes itself
-  bool awaitsFolders = false; ///< a new link and its first run wait for the settings window to close
-  bool linkedOnceConfirmed = false;
+  QPointer<QDialog> dialog; ///< the settings or the about window, one at a time; deletes itself
 
   std::atomic<bool> bLogginEnabled = true;
 

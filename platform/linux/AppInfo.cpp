@@ -7,10 +7,9 @@ using namespace Qt::StringLiterals;
 
 namespace platform {
 
-const AppInfo &appInfo() {
-  static const AppInfo info{u"Downloaderpictora"_s,   QStringLiteral(KA_VERSION), QStringLiteral(KA_VERSION),
-                            QStringLiteral(__DATE__), QStringLiteral(__TIME__),   u"Copyright © 2024 NORVALE INC"_s};
-  return info;
+AppInfo appInfo() {
+  return {u"Downloaderpictora"_s,   QStringLiteral(KA_VERSION), QStringLiteral(KA_VERSION),
+          QStringLiteral(__DATE__), QStringLiteral(__TIME__),   u"Copyright © 2024 NORVALE INC"_s};
 }
 
 OperatingSystemVersion operatingSystemVersion() {

@@ -3,11 +3,26 @@
 #include <QDir>
 #include <QFile>
 #include <QFileInfo>
-#include <QRegularExpression>
+
+#include <algorithm>
+#include <array>
 
 using namespace Qt::StringLiterals;
 
 namespace platform {
+namespace {
+
+/// As "usb2": a bus that devices leave at run time.
+bool isNumberedBus(const QString &name) {
+  constexpr std::array kBuses = {"usb"_L1, "mmc"_L1, "firewire"_L1, "fw"_L1, "pcmcia"_L1, "thunderbolt"_L1};
+  return std::ranges::any_of(kBuses, [&name](QLatin1StringView bus) {
+    if (!name.startsWith(bus) || name.size() == bus.size()) return false;
+    const QChar next = name[bus.size()];
+    return next >= u'0' && next <= u'9';
+  });
+}
+
+} // namespace
 
 QStringList disksOf(const QString &device) {
   if (device.isEmpty()) return {};
@@ -20,8 +35,8 @@ QStringList disksOf(const QString &device) {
 }
 
 bool isHotPluggable(const QString &sysfsPath) {
-  static const QRegularExpression kBuses(u"/(usb|mmc|firewire|fw|pcmcia|thunderbolt)[0-9]"_s);
-  return kBuses.match(sysfsPath).hasMatch();
+  const QStringList names = sysfsPath.split(u'/');
+  return std::ranges::any_of(names, isNumberedBus);
 }
 
 bool isRemovableDisk(const QString &disk) {

@@ -1,6 +1,6 @@
 #include "platform/linux/DesktopEntry.h"
 
-#include <QRegularExpression>
+#include <string_view>
 
 using namespace Qt::StringLiterals;
 
@@ -9,8 +9,11 @@ namespace {
 
 /// Small openers split an Exec line at its blanks and take quotes for a part of the name: they go only where needed.
 bool needsQuotes(const QString &argument) {
-  static const QRegularExpression kReserved(uR"([\s"'\\><~|&;$*?#()`])"_s);
-  return argument.isEmpty() || kReserved.match(argument).hasMatch();
+  constexpr std::u16string_view kReserved = u" \t\n\v\f\r\"'\\><~|&;$*?#()`";
+  for (const QChar character : argument) {
+    if (kReserved.find(character.unicode()) != kReserved.npos) return true;
+  }
+  return argument.isEmpty();
 }
 
 } // namespace

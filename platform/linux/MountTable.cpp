@@ -1,6 +1,9 @@
 #include "platform/linux/MountTable.h"
 
-#include <QRegularExpression>
+#include <poll.h>
+
+#include <algorithm>
+#include <array>
 
 using namespace Qt::StringLiterals;
 
@@ -25,11 +28,7 @@ std::optional<Mount> parseLine(const QByteArray &line) {
   if (separator < 0 || fields.size() < separator + 3) return std::nullopt;
   const QList<QByteArray> device = fields[2].split(':');
   if (device.size() != 2) return std::nullopt;
-  return Mount{device[0].toUInt(),
-               device[1].toUInt(),
-               unescaped(fields[4]),
-               fields[5].split(',').contains("ro"),
-               QString::fromUtf8(fields[separator + 1]),
+  return Mount{device[0].toUInt(), device[1].toUInt(), unescaped(fields[4]), QString::fromUtf8(fields[separator + 1]),
                QString::fromUtf8(unescaped(fields[separator + 2]))};
 }
 
@@ -38,6 +37,17 @@ bool holds(const QByteArray &folder, const QByteArray &path) {
 }
 
 } // namespace
+
+const QList<Mount> &MountTable::mounts() {
+  if (hasChanged()) known = file.seek(0) ? parseMountTable(file.readAll()) : QList<Mount>();
+  return known;
+}
+
+bool MountTable::hasChanged() {
+  if (!file.isOpen()) return file.open(QFile::ReadOnly | QFile::Unbuffered);
+  pollfd watched = {.fd = file.handle(), .events = POLLPRI, .revents = 0};
+  return ::poll(&watched, 1, 0) != 0;
+}
 
 QList<Mount> parseMountTable(const QByteArray &text) {
   QList<Mount> mounts;
@@ -57,18 +67,19 @@ std::optional<Mount> mountOf(const QList<Mount> &mounts, const QByteArray &path)
 }
 
 bool isNetworkFileSystem(const QString &type) {
-  static const QStringList kTypes = {
-      u"nfs"_s,         u"nfs4"_s,      u"cifs"_s,           u"smb3"_s,           u"smbfs"_s,          u"ncpfs"_s,
-      u"afs"_s,         u"coda"_s,      u"ceph"_s,           u"lustre"_s,         u"glusterfs"_s,      u"davfs"_s,
-      u"gfs2"_s,        u"ocfs2"_s,     u"fuse.sshfs"_s,     u"fuse.davfs2"_s,    u"fuse.glusterfs"_s, u"fuse.ceph"_s,
-      u"fuse.rclone"_s, u"fuse.s3fs"_s, u"fuse.curlftpfs"_s, u"fuse.gvfsd-fuse"_s};
-  return kTypes.contains(type);
+  constexpr std::array kTypes = {
+      "nfs"_L1,         "nfs4"_L1,      "cifs"_L1,           "smb3"_L1,           "smbfs"_L1,          "ncpfs"_L1,
+      "afs"_L1,         "coda"_L1,      "ceph"_L1,           "lustre"_L1,         "glusterfs"_L1,      "davfs"_L1,
+      "gfs2"_L1,        "ocfs2"_L1,     "fuse.sshfs"_L1,     "fuse.davfs2"_L1,    "fuse.glusterfs"_L1, "fuse.ceph"_L1,
+      "fuse.rclone"_L1, "fuse.s3fs"_L1, "fuse.curlftpfs"_L1, "fuse.gvfsd-fuse"_L1};
+  return std::find(kTypes.begin(), kTypes.end(), type) != kTypes.end();
 }
 
 bool isUnmountablePlace(const QByteArray &mountPoint) {
-  static const QRegularExpression kGvfs(u"^/run/user/[0-9]+/gvfs(/|$)|/\\.gvfs(/|$)"_s);
-  return holds("/media", mountPoint) || holds("/run/media", mountPoint)
-         || kGvfs.match(QString::fromUtf8(mountPoint)).hasMatch();
+  if (holds("/media", mountPoint) || holds("/run/media", mountPoint)) return true;
+  const QList<QByteArray> names = mountPoint.split('/');
+  if (names.contains(".gvfs")) return true;
+  return holds("/run/user", mountPoint) && names.value(4) == "gvfs"; // below the number of the user
 }
 
 } // namespace platform

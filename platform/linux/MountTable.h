@@ -1,6 +1,7 @@
 #pragma once
 
 #include <QByteArray>
+#include <QFile>
 #include <QList>
 #include <QString>
 
@@ -13,11 +14,24 @@ struct Mount {
   unsigned major = 0;
   unsigned minor = 0;
   QByteArray mountPoint;
-  bool readOnly = false;
-  QString type;
+  QString type; ///< the file system's name
   QString source;
 
   friend bool operator==(const Mount &, const Mount &) = default;
+};
+
+/// The mounts of this process, read anew only when the kernel tells that they have changed: its table is dear for
+/// something asked before every picture. One thread.
+class MountTable {
+public:
+  /// Empty when the system does not tell.
+  [[nodiscard]] const QList<Mount> &mounts();
+
+private:
+  [[nodiscard]] bool hasChanged();
+
+  QFile file{QStringLiteral("/proc/self/mountinfo")};
+  QList<Mount> known;
 };
 
 /// @param text  in the form of /proc/self/mountinfo; lines of another form are passed over.

@@ -1,6 +1,7 @@
 #include "platform/NotificationCenter.h"
 
 #include "platform/AppInfo.h"
+#include "platform/ThreadBound.h"
 
 #include "NotificationsProxy.h"
 
@@ -94,6 +95,7 @@ NotificationCenter::NotificationCenter(QObject *parent) : QObject(parent) {
 NotificationCenter::~NotificationCenter() = default;
 
 void NotificationCenter::post(const QString &title, const QString &text, const QString &processingResult) {
+  assertMainThread();
   if (d && hasBus()) d->post(title, text, processingResult);
 }
 

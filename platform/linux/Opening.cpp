@@ -1,5 +1,7 @@
 #include "platform/Opening.h"
 
+#include "platform/ThreadBound.h"
+
 #include <QDBusConnection>
 #include <QDBusMessage>
 #include <QDBusPendingCallWatcher>
@@ -95,6 +97,7 @@ bool openUrl(const QString &url) {
 }
 
 void openFolder(const QString &path, const std::function<void()> &onFailure) {
+  assertMainThread();
   if (!QFileInfo(path).isDir()) return onFailure();
   const auto askOpener = [path, onFailure] {
     if (!runXdgOpen(path)) onFailure();

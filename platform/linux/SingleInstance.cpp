@@ -1,6 +1,7 @@
 #include "platform/SingleInstance.h"
 
 #include "platform/AppInfo.h"
+#include "platform/ThreadBound.h"
 #include "platform/linux/ApplicationAdaptor.h"
 
 #include <QDBusConnection>
@@ -79,6 +80,7 @@ SingleInstance::HandOver SingleInstance::handOver(const std::optional<QString> &
 }
 
 bool SingleInstance::becomePrimary() {
+  assertMainThread();
   auto bus = QDBusConnection::sessionBus();
   if (!bus.isConnected()) {
     d->lock = std::make_unique<QLockFile>(lockPath());

@@ -1,5 +1,8 @@
 #include "platform/TrayHost.h"
 
+#include "platform/ReleasedBy.h"
+#include "platform/ThreadBound.h"
+
 #include <QDBusConnection>
 #include <QDBusMessage>
 #include <QDBusPendingCallWatcher>
@@ -16,15 +19,11 @@
 using namespace Qt::StringLiterals;
 
 namespace platform {
-
 namespace {
 
 constexpr auto kPollInterval = std::chrono::seconds(1);
 
-struct Freed {
-  void operator()(void *reply) const { std::free(reply); }
-};
-template <class Reply> using XcbReply = std::unique_ptr<Reply, Freed>;
+template <class Reply> using XcbReply = std::unique_ptr<Reply, ReleasedBy<&std::free>>;
 
 /// Asks without starting a watcher service that is not there: it would be there without a host.
 QDBusPendingCall askForNotifierHost() {
@@ -56,6 +55,7 @@ bool ownsTraySelection() {
 class TrayHost::Private : public QObject {
 public:
   explicit Private(TrayHost &host) : owner(host) {
+    assertMainThread();
     poll.setInterval(kPollInterval);
     connect(&poll, &QTimer::timeout, this, &Private::look);
     poll.start();

@@ -39,6 +39,7 @@ void sweepHiddenFiles(const QString &folder) {
 
 class UnpublishedFile::Private {
 public:
+  Private() = default;
   Private(FileDescriptor opened, QByteArray hidden) : file(std::move(opened)), hiddenPath(std::move(hidden)) {}
   ~Private() {
     if (!hiddenPath.isEmpty()) ::unlink(hiddenPath.constData());
@@ -72,7 +73,7 @@ public:
   }
 
   bool check(bool success) {
-    if (!success) lastError = errno;
+    if (!success) fault = errno == ENOSPC || errno == EDQUOT ? FileFault::DiskFull : FileFault::Other;
     return success;
   }
 
@@ -102,13 +103,15 @@ public:
   }
 
   Publish publish(const QByteArray &path) {
-    if (check(giveName(path))) return Publish::Published;
-    return lastError == EEXIST ? Publish::NameTaken : Publish::Failed;
+    if (giveName(path)) return Publish::Published;
+    if (errno == EEXIST) return Publish::NameTaken;
+    check(false);
+    return Publish::Failed;
   }
 
   FileDescriptor file;
   QByteArray hiddenPath; ///< empty for a file without a name
-  int lastError = 0;
+  std::optional<FileFault> fault;
 };
 
 UnpublishedFile::UnpublishedFile(std::unique_ptr<Private> made) : d(std::move(made)) {
@@ -117,30 +120,33 @@ UnpublishedFile::UnpublishedFile(UnpublishedFile &&) noexcept = default;
 UnpublishedFile &UnpublishedFile::operator=(UnpublishedFile &&) noexcept = default;
 UnpublishedFile::~UnpublishedFile() = default;
 
-std::optional<UnpublishedFile> UnpublishedFile::create(const QString &folder, Naming naming) {
+UnpublishedFile UnpublishedFile::create(const QString &folder, Naming naming) {
   std::unique_ptr<Private> made;
   if (naming == Naming::Unnamed) made = Private::createUnnamed(folder);
   // EISDIR: a kernel or file system that does not know unnamed files takes the folder for the file.
   const bool unsupported = errno == EOPNOTSUPP || errno == EISDIR || errno == EINVAL || errno == ENOSYS;
   if (!made && (naming == Naming::Hidden || unsupported)) made = Private::createHidden(folder);
-  if (!made) return std::nullopt;
+  if (!made) {
+    made = std::make_unique<Private>();
+    made->check(false);
+  }
   return UnpublishedFile(std::move(made));
 }
 
 bool UnpublishedFile::write(const char *bytes, std::size_t count) {
-  return d->writeAll(bytes, count);
+  return !d->fault && d->writeAll(bytes, count);
 }
 
 bool UnpublishedFile::sync() {
-  return d->check(::fdatasync(d->file.get()) == 0);
+  return !d->fault && d->check(::fdatasync(d->file.get()) == 0);
 }
 
 UnpublishedFile::Publish UnpublishedFile::publish(const QString &path) {
-  return d->publish(QFile::encodeName(QFileInfo(path).absoluteFilePath()));
+  return d->fault ? Publish::Failed : d->publish(QFile::encodeName(QFileInfo(path).absoluteFilePath()));
 }
 
-int UnpublishedFile::error() const {
-  return d->lastError;
+std::optional<FileFault> UnpublishedFile::fault() const {
+  return d->fault;
 }
 
 } // namespace platform

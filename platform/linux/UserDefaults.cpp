@@ -26,10 +26,9 @@ public:
     if (!file.exists()) file.open(QFile::WriteOnly | QFile::NewOnly, QFile::ReadOwner | QFile::WriteOwner);
   }
 
-  bool writeOut() KA_REQUIRES(lock) {
+  void writeOut() KA_REQUIRES(lock) {
     settings.sync();
     QFile::setPermissions(settings.fileName(), QFile::ReadOwner | QFile::WriteOwner);
-    return settings.status() == QSettings::NoError;
   }
 
   mutable Mutex lock;
@@ -74,15 +73,10 @@ std::optional<double> UserDefaults::doubleValue(const QString &key) const {
   return isNumber ? std::optional(number) : std::nullopt;
 }
 
-bool UserDefaults::contains(const QString &key) const {
-  return string(key).has_value();
-}
-
 void UserDefaults::setString(const QString &key, const QString &value) {
   const MutexLock scope(d->lock);
   d->makeFile();
   d->settings.setValue(key, value);
-  // A process that is killed must not lose an answer that the user gave.
   d->writeOut();
 }
 
@@ -93,11 +87,6 @@ void UserDefaults::setBool(const QString &key, bool value) {
 void UserDefaults::registerDefaults(const QHash<QString, QString> &defaults) {
   const MutexLock scope(d->lock);
   d->registered.insert(defaults);
-}
-
-bool UserDefaults::synchronize() {
-  const MutexLock scope(d->lock);
-  return d->writeOut();
 }
 
 UserDefaults &standardUserDefaults() {

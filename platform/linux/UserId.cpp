@@ -1,16 +1,17 @@
 #include "platform/UserId.h"
 
 #include "platform/Folders.h"
+#include "platform/PrivateFile.h"
 
 #include <QCryptographicHash>
 #include <QFile>
 #include <QFileInfo>
-#include <QRegularExpression>
-#include <QSaveFile>
 #include <QStandardPaths>
 #include <QUuid>
 
 #include <unistd.h>
+
+#include <string_view>
 
 using namespace Qt::StringLiterals;
 
@@ -20,22 +21,24 @@ namespace {
 /// A machine id is not to be shown to others as it is; hashed with this it is ours alone.
 constexpr char kApplicationConstant[] = "com.norvale.Downloaderpictora/user/1";
 
+/// 32 hexadecimal digits, with or without hyphens.
+bool isId(const QByteArray &text) {
+  const std::string_view characters(text.constData(), static_cast<std::size_t>(text.size()));
+  return text.size() >= 32 && text.size() <= 36
+         && characters.find_first_not_of("0123456789abcdef-") == std::string_view::npos;
+}
+
 QByteArray readId(const QString &path) {
   QFile file(path);
   if (!file.open(QFile::ReadOnly)) return {};
   const QByteArray id = file.read(256).trimmed();
-  static const QRegularExpression form(u"^[0-9a-f-]{32,36}$"_s);
-  return form.match(QString::fromLatin1(id)).hasMatch() ? id : QByteArray();
+  return isId(id) ? id : QByteArray();
 }
 
 QByteArray makeKeptId(const QString &path) {
   if (!makePrivateFolder(QFileInfo(path).path())) return {};
   const QByteArray id = QUuid::createUuid().toByteArray(QUuid::WithoutBraces);
-  QSaveFile file(path);
-  if (!file.open(QFile::WriteOnly)) return {};
-  file.setPermissions(QFile::ReadOwner | QFile::WriteOwner);
-  file.write(id);
-  return file.commit() ? id : QByteArray();
+  return writePrivateFile(path, id) ? id : QByteArray();
 }
 
 QString hashed(const QByteArray &id) {

@@ -6,7 +6,6 @@
 #include <QFile>
 #include <QFileInfo>
 
-#include <poll.h>
 #include <sys/stat.h>
 #include <sys/statvfs.h>
 #include <sys/sysmacros.h>
@@ -17,26 +16,6 @@ using namespace Qt::StringLiterals;
 
 namespace platform {
 namespace {
-
-/// The mounts of this process. The kernel's table is dear for something asked before every picture: so it is read
-/// anew only when the kernel tells that it has changed.
-class MountTable {
-public:
-  [[nodiscard]] const QList<Mount> &mounts() {
-    if (hasChanged()) known = file.seek(0) ? parseMountTable(file.readAll()) : QList<Mount>();
-    return known;
-  }
-
-private:
-  [[nodiscard]] bool hasChanged() {
-    if (!file.isOpen()) return file.open(QFile::ReadOnly | QFile::Unbuffered);
-    pollfd watched = {.fd = file.handle(), .events = POLLPRI, .revents = 0};
-    return ::poll(&watched, 1, 0) != 0;
-  }
-
-  QFile file{u"/proc/self/mountinfo"_s};
-  QList<Mount> known;
-};
 
 QString deviceFolder(unsigned major, unsigned minor) {
   return QFileInfo(u"/sys/dev/block/%1:%2"_s.arg(major).arg(minor)).canonicalFilePath();
@@ -71,11 +50,8 @@ std::optional<VolumeFacts> fileSystemInfo(const QString &path) {
   // Inside a changed root the table lacks the mount that holds it; nothing speaks against such a folder.
   if (!mount) return VolumeFacts{};
   return VolumeFacts{.removable = isRemovable(*mount, mountOf(mounts, "/")),
-                     .writable = !mount->readOnly,
                      .unmountable = isUnmountablePlace(mount->mountPoint),
-                     .network = isNetworkFileSystem(mount->type),
-                     .description = mount->source,
-                     .type = mount->type};
+                     .network = isNetworkFileSystem(mount->type)};
 }
 
 std::optional<qint64> freeSpace(const QString &path) {

@@ -9,6 +9,7 @@ set(system_sources
   linux/DesktopEntry.cpp linux/DesktopEntry.h
   linux/FileDates.cpp
   linux/FileDescriptor.h
+  linux/FileIdentity.cpp
   linux/Folders.cpp
   linux/LoginItem.cpp
   linux/ModifierKeys.cpp

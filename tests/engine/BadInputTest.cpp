@@ -33,8 +33,8 @@ TEST_P(BadInput, endsThePassWithItsCodeAndLeavesNoBrokenFile) {
   for (std::size_t index = 0; index < kFaults.size(); ++index) {
     SCOPED_TRACE(index);
     service.order(endpoint, kFaults[index]);
-    EngineParts parts(delegate);
-    EXPECT_EQ(parts.pass(expanding), KaResultCode(results[index]));
+    EngineParts parts(delegate, link);
+    EXPECT_EQ(parts.pass(expanding).result, KaResultCode(results[index]));
     // What arrived whole but could not be confirmed may stay.
     for (const QString &file : files()) {
       EXPECT_TRUE(contentOf(path(file)) == QByteArray(5000, 'p') || !parts.content.keptInThisRun().isEmpty());

@@ -1,5 +1,4 @@
-#include "engine/KeptCopies.h"
-#include "identity/KaLinkageUtility.h"
+#include "engine/KaKeptCopies.h"
 #include "tests/engine/EngineFixture.h"
 
 #include <QFileInfo>
@@ -20,7 +19,9 @@ protected:
   /// Makes a pass and holds it against its result, the objects asked for so far, the files and the ids recorded.
   void expectPass(const KaContentTarget &wanted, KaResultCode result, const char *asked, const char *there,
                   const char *recorded) {
-    EXPECT_EQ(parts.pass(wanted), result);
+    const KaPassOutcome outcome = parts.pass(wanted);
+    EXPECT_EQ(outcome.result, result);
+    savedCount = outcome.savedCount;
     EXPECT_EQ(fetched(), names(asked));
     EXPECT_EQ(files(), names(there));
     const QString key = uuidKey(service.library().userId(), wanted.targetStorage);
@@ -28,22 +29,20 @@ protected:
   }
 
   const KaContentTarget longTerm = target({.childFolder = 4, .targetStorage = KaTargetStorage::LongTerm10G});
-  EngineParts parts{delegate};
+  EngineParts parts{delegate, link};
+  quint64 savedCount = 0; ///< by the last pass
 };
 
 TEST_F(ContentDownload, fetchesInOrderOverAllDevicesAndRecords) {
-  KaLinkageUtility::saveCodeVerifier(u"verifier"_s);
   addImages("dev2/10/C.JPG 11/B.JPG 10/C.JPG 11/A.JPG");
   sandbox::LibraryObject early = image(u"23"_s, u"Z.JPG"_s);
   early.date = u"20240430"_s;
   add(early);
   expectPass(target(), Success, "Z.JPG C.JPG C.JPG A.JPG B.JPG", "A.JPG B.JPG C.JPG C_1.JPG Z.JPG", "A B");
   EXPECT_EQ(record().LastDateTime, u"20240501/11");
-  EXPECT_EQ(parts.content.downloadSuccessCount(), 5U);
+  EXPECT_EQ(savedCount, 5U);
   EXPECT_EQ(service.requestCount(Endpoint::ObjectTagging) + service.requestCount(Endpoint::ObjectHead), 0);
-  EXPECT_EQ(service.requestCount(Endpoint::TokenCode), 1);
-  EXPECT_EQ(parts.content.getContentsProcess({}, target()), Success);
-  EXPECT_EQ(parts.content.downloadSuccessCount(), 0U);
+  EXPECT_EQ(parts.content.getContentsProcess({}, target()).savedCount, 0U);
 }
 
 TEST_F(ContentDownload, renewsASessionThatExpiresWithinTenMinutes) {
@@ -55,7 +54,7 @@ TEST_F(ContentDownload, renewsASessionThatExpiresWithinTenMinutes) {
     service.resetRequestCounts();
     service.order(Endpoint::Sts, {.kind = Fault::Kind::Delay});
     if (refused) service.order(Endpoint::Sts, {.status = 503});
-    EXPECT_EQ(parts.pass(target()), result);
+    EXPECT_EQ(parts.pass(target()).result, result);
     EXPECT_EQ(service.requestCount(Endpoint::RefreshToken), 1 + renewals);
     EXPECT_EQ(service.requestCount(Endpoint::Sts), 1 + renewals);
     EXPECT_EQ(fetched().size(), got);
@@ -117,7 +116,7 @@ TEST_F(ContentDownload, fetchesUntilTheSizeIsRightAndNeverTouchesAFileThatIsTher
   expectPass(target(), Success, "A.JPG A.JPG A.JPG A.JPG", "A.JPG A_1.JPG", "A");
   EXPECT_EQ(contentOf(path(u"A.JPG"_s)), "mine");
   EXPECT_EQ(contentOf(path(u"A_1.JPG"_s)), QByteArray(5000, 'p'));
-  EXPECT_EQ(parts.content.downloadSuccessCount(), 1U);
+  EXPECT_EQ(savedCount, 1U);
 }
 
 TEST_F(ContentDownload, keepsTheFourthCopyAndReplacesItUnlessTheUserTouchedIt) {
@@ -125,12 +124,14 @@ TEST_F(ContentDownload, keepsTheFourthCopyAndReplacesItUnlessTheUserTouchedIt) {
   object.listedSize = 5001;
   const auto fetchAgain = [&](const KaContentTarget &wanted, const char *there) {
     add(object);
-    EXPECT_EQ(parts.pass(wanted), Success);
+    const KaPassOutcome outcome = parts.pass(wanted);
+    EXPECT_EQ(outcome.result, Success);
+    savedCount = outcome.savedCount;
     EXPECT_EQ(files(), names(there));
   };
   fetchAgain(target(), "A.JPG");
   EXPECT_EQ(modified(u"A.JPG"_s), 1714478400);
-  EXPECT_EQ(parts.content.downloadSuccessCount() + record().ContentIds.size(), 0U);
+  EXPECT_EQ(savedCount + record().ContentIds.size(), 0U);
   object.body = "another";
   fetchAgain(target(), "A.JPG");
   EXPECT_EQ(contentOf(path(u"A.JPG"_s)), object.body);
@@ -148,7 +149,7 @@ TEST_F(ContentDownload, keepsTheFourthCopyAndReplacesItUnlessTheUserTouchedIt) {
   fetchAgain(target(), "H.JPG H_1.JPG H_2.JPG H_3.JPG I.JPG");
   EXPECT_EQ(record().ContentIds, names("A"));
   // With its name and inode reused and its dates set, a new file cannot be told from the copy that is gone.
-  KeptCopies copies;
+  KaKeptCopies copies;
   copies.keep(u"key"_s, path(u"I.JPG"_s));
   EXPECT_EQ(copies.replaceKept(u"key"_s, path(u"I.JPG"_s)), path(u"I.JPG"_s));
   EXPECT_TRUE(QFile::exists(path(u"I.JPG"_s)));
@@ -179,7 +180,7 @@ TEST_P(Placings, followTheMetadata) {
   writeFile(path(u"Taken"_s), "mine");
   if (refusals > 0) service.order(Endpoint::Metadata, {.status = 500, .times = refusals});
   const bool saved = !folder.isEmpty();
-  EXPECT_EQ(parts.pass(target({.childFolder = 3, .bExpandExif = sorting})), saved ? Success : FileNotSaved);
+  EXPECT_EQ(parts.pass(target({.childFolder = 3, .bExpandExif = sorting})).result, saved ? Success : FileNotSaved);
   const QString file = folder + u"/A.JPG"_s;
   EXPECT_EQ(files(), saved ? (QStringList{file, u"Taken"_s}) : names("Taken"));
   EXPECT_EQ(fetched().size() + record().ContentIds.size(), saved ? 2 : 0);

@@ -4,37 +4,40 @@
 #include "log/KaLogUtility.h"
 #include "tests/log/LogFile.h"
 
+#include <QUrl>
+#include <QUrlQuery>
+
 using namespace Qt::StringLiterals;
 
-EngineParts::EngineParts(FakeDelegate &toAsk) : delegate(toAsk) {
+EngineParts::EngineParts(FakeDelegate &delegate, KaLink &link) : KaDownloadPieces(delegate, link) {
   state.bLinkSetup = false;
-  delegate.loadWaitTimeInfo(state.waitTimes);
+  state.waitTimes = delegate.loadWaitTimeInfo({});
+  session.begin(link.forRun().value());
 }
 
 KaResultCode EngineParts::open() {
-  auto token = delegate.loadLinkageSetting();
-  const KaResultCode result = session.refreshIdToken(token);
-  return result == KaResultCode::Success ? session.getCredential(*token) : result;
+  const KaResultCode result = session.refreshIdToken();
+  return result == KaResultCode::Success ? session.getCredential() : result;
 }
 
-KaResultCode EngineParts::list(KaTargetStorage storage) {
-  return listing.getContentsList(storage, /*notifyUserOfUpdate=*/false);
-}
-
-KaResultCode EngineParts::pass(const KaContentTarget &target) {
+KaPassOutcome EngineParts::pass(const KaContentTarget &target) {
   KaResultCode result = open();
-  if (result == KaResultCode::Success) result = list(target.targetStorage);
-  return result == KaResultCode::Success ? content.getContentsProcess(listing.contentsDictionary(), target) : result;
+  if (result != KaResultCode::Success) return {result};
+  const KaListing found = listing.getContentsList(target.targetStorage);
+  return found.result == KaResultCode::Success ? content.getContentsProcess(found.images, target)
+                                               : KaPassOutcome{found.result};
 }
 
-EngineTest::EngineTest(const QHash<QString, QString> &defaults) {
+EngineTest::EngineTest(const QHash<QString, QString> &defaults, const QString &account) {
+  service.library().setUserId(account);
   QHash<QString, QString> values = service.userDefaults();
   values.insert(defaults);
   profile.writeUserDefaults(values);
   const sandbox::LinkedToken linked = service.issueLinkedToken();
+  KaLinkageUtility::saveLinkageSetting(linked.idToken);
   KaLinkageUtility::saveTokenCode(linked.tokenCode);
+  link.load();
   delegate.change([&](FakeDelegate::Answers &answers) {
-    answers.token = linked.idToken;
     answers.option.parentFolder = profile.picturesFolder();
     answers.option.checkBox10GDownload = u"false"_s;
     answers.option.checkBoxCreateSubfolder = u"false"_s;
@@ -51,6 +54,16 @@ void EngineTest::addImages(const char *paths) {
     if (path.count(u'/') == 2) object.deviceId = path.section(u'/', 0, 0);
     add(object);
   }
+}
+
+QString EngineTest::signIn() {
+  link.beginLogin();
+  const QString callback = service.signIn(browser.takeUrl().value_or(QString()));
+  return QUrlQuery(QUrl(callback)).queryItemValue(u"idToken"_s);
+}
+
+QStringList EngineTest::pairingFiles() const {
+  return filesBelow(profile.dataFolder() + u"/NORVALE INC/Downloaderpictora Shared/PairingInfo"_s);
 }
 
 KaContentTarget EngineTest::target(KaContentTarget rest) const {

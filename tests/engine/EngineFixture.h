@@ -1,44 +1,33 @@
 #pragma once
 
-#include "engine/KaContentDownload.h"
-#include "engine/KaContentListing.h"
+#include "engine/KaDownloadPieces.h"
 #include "engine/KaDownloadProcessor.h"
-#include "engine/KaDownloadSession.h"
-#include "engine/KaDownloadState.h"
-#include "engine/KaImageMetadata.h"
+#include "identity/KaLink.h"
 #include "sandbox/Library.h"
 #include "sandbox/Service.h"
-#include "service/KaServerRequest.h"
 #include "tests/engine/FakeDelegate.h"
+#include "tests/support/FakeBrowser.h"
 #include "tests/support/Image.h"
 #include "tests/support/TestProfile.h"
 
 #include <gmock/gmock.h>
 
 /// The pieces of the download thread, for a test to drive.
-struct EngineParts {
-  explicit EngineParts(FakeDelegate &toAsk);
+struct EngineParts : KaDownloadPieces {
+  EngineParts(FakeDelegate &delegate, KaLink &link);
 
   /// Refreshes the token and gets credentials. @return the first code that is no success.
   [[nodiscard]] KaResultCode open();
-  [[nodiscard]] KaResultCode list(KaTargetStorage storage = KaTargetStorage::Days30);
   /// Opens, lists and downloads what was found. @return the first code that is no success.
-  [[nodiscard]] KaResultCode pass(const KaContentTarget &target);
-
-  FakeDelegate &delegate;
-  KaDownloadState state;
-  KaServerRequest request{&state.endAppFlag};
-  KaDownloadSession session{delegate, request};
-  KaContentListing listing{delegate, request, session, state};
-  KaImageMetadata metadata{request, session, state};
-  KaContentDownload content{delegate, request, session, listing, metadata, state};
+  [[nodiscard]] KaPassOutcome pass(const KaContentTarget &target);
 };
 
 /// The service on this machine, a linked account in a home of its own, logging on.
 class EngineTest : public testing::Test {
 protected:
   /// @param defaults  user defaults besides those that lead to the service.
-  explicit EngineTest(const QHash<QString, QString> &defaults = {});
+  explicit EngineTest(const QHash<QString, QString> &defaults = {},
+                      const QString &account = QStringLiteral("user-0001"));
 
   void add(const sandbox::LibraryObject &object) { service.library().add(object); }
   /// Images "NAME", "HOUR/NAME" or "DEVICE/HOUR/NAME", with blanks between.
@@ -59,16 +48,25 @@ protected:
   /// The file names of the objects that were asked for, in order.
   [[nodiscard]] QStringList fetched() const;
 
+  /// A login as a person makes it, up to the callback. @return its ID token.
+  [[nodiscard]] QString signIn();
+  /// What the pairing folder holds.
+  [[nodiscard]] QStringList pairingFiles() const;
+
   const TestProfile profile;
   sandbox::Service service;
+  const FakeBrowser browser{profile};
   FakeDelegate delegate;
+  KaLink link{std::chrono::hours(1)};
 };
 
 /// The download thread itself.
 class ProcessorTest : public EngineTest {
 protected:
+  using EngineTest::EngineTest;
+
   void start(bool initialAccess = false) {
-    processor = std::make_unique<KaDownloadProcessor>(delegate);
+    processor = std::make_unique<KaDownloadProcessor>(delegate, link);
     processor->startReceiving(initialAccess);
   }
   /// Starts, and waits for the end of the first run.

@@ -27,8 +27,13 @@ bool FakeDelegate::waitForEvent(const QString &event, int times, int seconds) co
 }
 
 bool FakeDelegate::note(const QString &event) {
-  const std::lock_guard lock(mutex);
-  told << event;
-  noted.notify_all();
+  std::function<void(const QString &)> hook;
+  {
+    const std::lock_guard lock(mutex);
+    told << event;
+    hook = current.onEvent;
+    noted.notify_all();
+  }
+  if (hook) hook(event);
   return true;
 }

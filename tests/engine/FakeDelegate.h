@@ -11,18 +11,16 @@
 #include <mutex>
 
 /// Answers the engine from memory and notes what it was told, as one line each: "result 3 by user", "status 1",
-/// "enableLoggin 0", "load NAME", "save NAME KEY", "saveLinkage", "finish". Any thread.
+/// "enableLoggin 0", "load NAME", "save NAME KEY", "finish". Any thread.
 class FakeDelegate final : public KaDownloadProcessorDelegate {
 public:
   struct Answers {
     KaDownloadOption option;
     KaWaitTimes waits{.reCheck = std::chrono::milliseconds(1), .exifRetry = std::chrono::milliseconds(1)};
-    bool loggedIn = true;
     bool saves = true;
-    std::optional<QString> token;
     KaResultCode folderVerdict = KaResultCode::Success;
     QHash<QString, KaDownloadData> records;
-    std::function<void()> onBLoggedIn; ///< called without the lock held
+    std::function<void(const QString &event)> onEvent; ///< called once it is noted, without the lock held
   };
 
   void change(const std::function<void(Answers &)> &edit) {
@@ -40,16 +38,7 @@ public:
     change([&](auto &now) { now.option = to; });
   }
   KaResultCode verifyDownloadOptionParentFolder(const QString &) const override { return answers().folderVerdict; }
-  void loadWaitTimeInfo(KaWaitTimes &waitTimes) const override { waitTimes = answers().waits; }
-  bool bLoggedIn() const override {
-    if (const auto before = answers(); before.onBLoggedIn) before.onBLoggedIn();
-    return answers().loggedIn;
-  }
-  std::optional<QString> loadLinkageSetting() const override { return answers().token; }
-  bool saveLinkageSetting(const QString &idToken) override {
-    change([&](auto &now) { now.token = idToken; });
-    return note(QStringLiteral("saveLinkage"));
-  }
+  KaWaitTimes loadWaitTimeInfo(KaWaitTimes) const override { return answers().waits; }
   void setDownloadDataUUID(const QString &key) override {
     change([&](auto &now) { now.records[key]; });
   }

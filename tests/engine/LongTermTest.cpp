@@ -1,5 +1,4 @@
 #include "engine/KaDownloadReport.h"
-#include "engine/KaPreviewDownload.h"
 #include "tests/engine/EngineFixture.h"
 
 #include <QDir>
@@ -151,16 +150,16 @@ const Scene kListingRefused = fault(Endpoint::ListItems, {.status = 403, .pathCo
 const Scene kPreviewsGone = fault(Endpoint::PreviewObject, {.status = 404});
 const Scene kSecondPreviewRefused = second(Endpoint::PreviewObject, {.status = 403});
 const Scene kNoSettings = [](Service &service) { service.library().setSettingsObject({}); };
-const QString kOne = u"|saveLinkage|status 1|result 2|status 0"_s;
-const QString kBoth = u"|saveLinkage|status 1|status 1|result 2|status 0"_s;
-const QString kBusy = u"|saveLinkage|status 1"_s;
-const QString kRefused = u"|saveLinkage|result 16"_s;
+const QString kOne = u"|status 1|result 2|status 0"_s;
+const QString kBoth = u"|status 1|status 1|result 2|status 0"_s;
+const QString kBusy = u"|status 1"_s;
+const QString kRefused = u"|result 16"_s;
 const QString k10G = u"10G 10G 1"_s;
 
 INSTANTIATE_TEST_SUITE_P(
     Engine, LongTermBranches,
     testing::Values(
-        Branch{"nothing", {}, u"|saveLinkage|status 0"_s}, Branch{"onlyImages", {kImage}, kOne, 1, k10G},
+        Branch{"nothing", {}, u"|status 0"_s}, Branch{"onlyImages", {kImage}, kOne, 1, k10G},
         Branch{"onlyPreviews", {previews(2)}, kOne, 1, u"10G 2K 2"_s},
         Branch{"both", {kImage, previews(1)}, kBoth, 1, k10G + u"|10G 2K 1"_s},
         Branch{"ordinaryImages", {kOrdinary}, kBusy + u"|status 0"_s},
@@ -200,7 +199,7 @@ TEST_F(LongTerm, hasItsNamesOnDiskBeforeItIsBooked) {
   processor.reset();
   onFolderSync = nullptr;
   synced.sort();
-  EXPECT_EQ(synced, names("10G 10G 10G/2024_04_30 10G/2024_05_01 10G/2024_05_02"));
+  EXPECT_EQ(synced, names("10G 10G/2024_04_30 10G/2024_05_01 10G/2024_05_02"));
 }
 
 TEST_F(LongTerm, isReportedBesideTheOrdinaryStorageWhoseReportsComeWhateverTheResult) {
@@ -237,13 +236,13 @@ TEST_F(LongTerm, endsQuietlyInMidRequest) {
 
 class Preview : public LongTerm {
 protected:
-  [[nodiscard]] KaResultCode take() {
+  [[nodiscard]] KaPassOutcome take() {
     const KaResultCode listed = preview.getPreviewList();
-    return listed == KaResultCode::Success ? preview.getPreview(folder10G, 0) : listed;
+    return listed == KaResultCode::Success ? preview.getPreview(folder10G, 0) : KaPassOutcome{listed};
   }
 
-  EngineParts parts{delegate};
-  KaPreviewDownload preview{delegate, parts.request, parts.session, parts.state};
+  EngineParts parts{delegate, link};
+  KaPreviewDownload &preview = parts.preview;
 };
 
 TEST_F(Preview, isDatedByShootingTimeOrUploadHour) {
@@ -251,7 +250,7 @@ TEST_F(Preview, isDatedByShootingTimeOrUploadHour) {
   tzset();
   previews(3)(service);
   ASSERT_EQ(parts.open(), KaResultCode::Success);
-  EXPECT_EQ(take(), KaResultCode::Success);
+  EXPECT_EQ(take().result, KaResultCode::Success);
   const auto modified = [&](const QString &file) {
     return QFileInfo(folder10G + u'/' + file).lastModified().toSecsSinceEpoch();
   };
@@ -277,12 +276,13 @@ TEST_P(PreviewTroubles, loseNothing) {
   writeFile(folder10G + u"/2024_05_09"_s, "in the way");
   GetParam().scene(service);
   delegate.change([](auto &answers) { answers.folderVerdict = GetParam().folderVerdict; });
-  EXPECT_EQ(take(), GetParam().result);
+  const KaPassOutcome outcome = take();
+  EXPECT_EQ(outcome.result, GetParam().result);
   QStringList saved;
   for (const QString &file : files())
     if (file.endsWith(u".JPG")) saved << QFileInfo(file).baseName();
   EXPECT_EQ(saved.join(u' '), GetParam().saved);
-  EXPECT_EQ(preview.downloadSuccessCount(), quint64(saved.size()));
+  EXPECT_EQ(outcome.savedCount, quint64(saved.size()));
   EXPECT_EQ(delegate.answers().records[kUser + u"_(2K)"_s].ContentIds.value(0), saved.value(saved.size() - 1));
   EXPECT_EQ(service.requestCount(Endpoint::PreviewObject), GetParam().requests);
 }
@@ -325,10 +325,8 @@ TEST_F(Preview, forgetsAListThatIsGoneAndKeepsOneThatIsRefused) {
 
 TEST(PreviewList, keepsWhatIsWholeAndNewAtTheFront) {
   const auto indices = [](const QByteArray &document, qint64 threshold) {
-    auto found = previewsIn(document);
-    dropTaken(found, threshold);
     QString text;
-    for (const KaPreview &preview : found)
+    for (const KaPreview &preview : withoutTaken(previewsIn(document), threshold))
       text += QString::number(preview.index) + u' ';
     return text;
   };

@@ -20,8 +20,25 @@ protected:
     });
   }
   void logOut() {
-    delegate.change([](auto &answers) { answers.loggedIn = false; });
+    link.close();
     processor->deleteCredential();
+  }
+  /// Links to what @p idToken is of, as the facade does.
+  void linkTo(const QString &idToken) {
+    link.completeLogin(idToken);
+    link.confirmFolders();
+    processor->startReceiving(/*initialAccess=*/true);
+  }
+  [[nodiscard]] bool waitForRequest(Endpoint endpoint, int count = 1) {
+    return service.waitForRequests(endpoint, count, std::chrono::seconds(20));
+  }
+  /// The endpoints asked since the counts were reset, but for those that a verification asks.
+  [[nodiscard]] QList<Endpoint> asked() const {
+    QList<Endpoint> endpoints;
+    for (const sandbox::RequestRecord &request : service.requests())
+      if (request.host != u"idp.localhost" && request.endpoint != Endpoint::Configuration)
+        endpoints << request.endpoint;
+    return endpoints;
   }
   /// What was told since the records were loaded or forgetEvents().
   QStringList told() const { return delegate.events().filter(QRegularExpression(u"^(?!load)"_s)); }
@@ -33,10 +50,9 @@ TEST_F(Processor, fillsTheFolderChecksThreeTimesMoreAndFetchesWhatIsNewLater) {
   delegate.change([](auto &answers) { answers.waits.exifRetry = std::chrono::hours(1); });
   addImages("A.JPG");
   ASSERT_TRUE(run(/*initialAccess=*/true));
-  EXPECT_EQ(delegate.events(),
-            (QStringList{u"load RecentDownloadData"_s, u"load Recent10GDownloadData"_s,
-                         u"load RecentPreviewDownloadData"_s, u"enableLoggin 0"_s, u"saveLinkage"_s, u"result 4"_s,
-                         u"status 1"_s, u"result 1"_s, u"status 0"_s, saved, u"enableLoggin 1"_s}));
+  EXPECT_EQ(delegate.events(), (QStringList{u"load RecentDownloadData"_s, u"load Recent10GDownloadData"_s,
+                                            u"load RecentPreviewDownloadData"_s, u"enableLoggin 0"_s, u"result 4"_s,
+                                            u"status 1"_s, u"result 1"_s, u"status 0"_s, saved, u"enableLoggin 1"_s}));
   EXPECT_EQ(service.requestCount(Endpoint::ListDevices), 4);
 
   // Its metadata comes at the second attempt, whose wait the asking cuts short.
@@ -68,18 +84,54 @@ TEST_F(Processor, goesOnAfterAFailedPassAndCountsAnewWhenAReCheckFindsSomething)
 }
 
 TEST_F(Processor, waitsForANewLinkAfterABadTokenAndTellsOnlyTheUserWhoAskedThatThereIsNothing) {
-  KaLinkageUtility::saveCodeVerifier(u"verifier"_s);
   service.setTokenFault(sandbox::TokenFault::WrongNonce);
   ASSERT_TRUE(run());
   EXPECT_EQ(told(), (QStringList{u"enableLoggin 0"_s, u"result 17"_s, u"enableLoggin 1"_s}));
-  EXPECT_EQ(service.requestCount(Endpoint::TokenCode), 1);
   delegate.forgetEvents();
   processor->startReceiving(/*initialAccess=*/false); // in a wait for the next run nothing would come of it
   ASSERT_TRUE(delegate.waitForEvent(u"enableLoggin 1"_s));
-  EXPECT_EQ(told(), (QStringList{u"enableLoggin 0"_s, u"saveLinkage"_s, u"status 0"_s, saved, u"enableLoggin 1"_s}));
+  EXPECT_EQ(told(), (QStringList{u"enableLoggin 0"_s, u"status 0"_s, saved, u"enableLoggin 1"_s}));
   delegate.forgetEvents();
   ASSERT_TRUE(askUntil(u"result 3 by user"_s));
   EXPECT_FALSE(delegate.events().contains(u"status 0"_s));
+}
+
+TEST_F(Processor, keepsAWishThatComesWhileARunEnds) {
+  delegate.change([this](auto &answers) {
+    answers.onEvent = [this](const QString &event) {
+      // The run is over, and the wait for the next one has not begun.
+      if (event == u"enableLoggin 1" && delegate.events().count(event) == 1) processor->getContentsNow();
+    };
+  });
+  start();
+  EXPECT_TRUE(delegate.waitForEvent(u"result 3 by user"_s));
+}
+
+TEST_F(Processor, tellsWhatTheSettingsSayAlsoWhenALaterStepOfTheListingFails) {
+  const std::optional<QByteArray> none;
+  for (const auto &[document, keeps10G, newVersion] :
+       {std::tuple(none, false, false),
+        {R"({"isEnableDownload10GStorage":null,"applicationAliasIds":1})", true, false},
+        {R"({"isEnableDownload10GStorage":1,"kaLatestVersion":"99.0.0"})", true, true},
+        {R"({"kaLatestVersion":"99.0.0"})", false, true},
+        {R"({"isEnableDownload10GStorage":1,"kaLatestVersion":"0.9.9"})", true, false}})
+    for (const bool fails : {false, true}) {
+      addImages("A.JPG");
+      service.library().setSettingsObject(document);
+      if (fails) service.order(Endpoint::ListItems, {.status = 403, .times = -1});
+      delegate.change([](auto &answers) { answers.option.checkBox10GDownload = u"true"_s; });
+      delegate.forgetEvents();
+      ASSERT_TRUE(run());
+      EXPECT_EQ(delegate.events().contains(u"result 24"_s), newVersion);
+      EXPECT_EQ(delegate.events().contains(u"result 16"_s), fails);
+      EXPECT_LE(delegate.events().indexOf(u"result 24"_s),
+                delegate.events().indexOf(fails ? u"result 16"_s : u"status 1"_s));
+      EXPECT_EQ(delegate.answers().option.checkBox10GDownload, keeps10G ? u"true"_s : u"false"_s);
+      EXPECT_EQ(delegate.answers().option.parentFolder, profile.picturesFolder());
+      processor.reset();
+      service.clearFaults();
+      delegate.change([](auto &answers) { answers.records.clear(); });
+    }
 }
 
 TEST_F(Processor, reportsTroubleAndChoosesTheWait) {
@@ -89,7 +141,7 @@ TEST_F(Processor, reportsTroubleAndChoosesTheWait) {
         {Endpoint::SettingsObject, {.status = 503}, u"result 11"_s, u"1800"_s}}) {
     service.order(endpoint, fault);
     EXPECT_TRUE(run());
-    QStringList expected{u"enableLoggin 0"_s, u"saveLinkage"_s, event, saved, u"enableLoggin 1"_s};
+    QStringList expected{u"enableLoggin 0"_s, event, saved, u"enableLoggin 1"_s};
     // Without credentials it does not know the user whose record to save.
     if (endpoint == Endpoint::Sts) expected.removeAll(saved);
     EXPECT_EQ(told(), expected);
@@ -113,35 +165,136 @@ TEST_F(Processor, waitsForALinkAfterALogOutWhileWaiting) {
   EXPECT_EQ(delegate.events().count(u"result 14"_s), 2) << "the record could be saved neither then nor at the end";
 }
 
-TEST_F(Processor, endsTheRunOfAClosedLinkWithoutAWordAndWaitsForANewOne) {
+/// A run whose link ends while a request of it is under way, whose answer comes all the same.
+class OldLink : public Processor, public testing::WithParamInterface<Endpoint> {
+protected:
+  /// Starts in a way that leads to a request for @p endpoint: a verifier is exchanged for a fresh login alone.
+  void startBy(Endpoint endpoint) {
+    const QString idToken = endpoint == Endpoint::TokenCode ? signIn() : QString();
+    start();
+    if (!idToken.isEmpty()) linkTo(idToken);
+  }
+};
+
+TEST_P(OldLink, endsItsRunWithoutAWordAndLeavesTheNewOneAlone) {
   addImages("A.JPG");
-  processor = std::make_unique<KaDownloadProcessor>(delegate);
-  for (const Endpoint endpoint : {Endpoint::RefreshToken, Endpoint::Sts, Endpoint::ListDevices, Endpoint::Metadata}) {
+  service.order(GetParam(), {.kind = Delay, .delay = std::chrono::hours(1)});
+  startBy(GetParam());
+  ASSERT_TRUE(waitForRequest(GetParam()));
+  delegate.forgetEvents();
+  service.library().setUserId(u"user-0002"_s);
+  const QString other = service.issueLinkedToken().idToken;
+  link.completeLogin(other); // nothing ends the request under way
+  service.clearFaults();
+  ASSERT_TRUE(delegate.waitForEvent(u"enableLoggin 1"_s));
+  EXPECT_TRUE(delegate.events().filter(QRegularExpression(u"^(result|status)"_s)).isEmpty());
+  EXPECT_EQ(link.idToken(), other);
+  EXPECT_EQ(KaLinkageUtility::loadLinkageSetting(), other);
+  EXPECT_EQ(pairingFiles(), names("PairingInfo"));
+  EXPECT_TRUE(files().isEmpty());
+  EXPECT_EQ(service.requests().back().endpoint, GetParam()) << "nothing was asked for in its name";
+}
+
+TEST_P(OldLink, isNotBroughtBackByItsLateAnswer) {
+  addImages("A.JPG");
+  for (const bool loginGivenUp : {false, true}) {
+    service.order(GetParam(), {.kind = Delay, .delay = std::chrono::hours(1)});
     service.resetRequestCounts();
+    loginGivenUp ? linkTo(signIn()) : startBy(GetParam());
+    ASSERT_TRUE(waitForRequest(GetParam()));
     delegate.forgetEvents();
-    service.order(endpoint, {.kind = Delay, .delay = std::chrono::hours(1)});
-    delegate.change([](auto &answers) { answers.loggedIn = true; });
-    processor->startReceiving(/*initialAccess=*/false);
-    ASSERT_TRUE(service.waitForRequests(endpoint, 1, std::chrono::seconds(20)));
-    logOut();
+    link.close();
+    EXPECT_EQ(loginGivenUp, loginGivenUp && link.beginLogin());
     service.clearFaults();
     ASSERT_TRUE(delegate.waitForEvent(u"enableLoggin 1"_s));
-    EXPECT_TRUE(delegate.events().filter(u"result "_s).isEmpty());
-    EXPECT_EQ(delegate.events().contains(u"saveLinkage"_s), endpoint != Endpoint::RefreshToken);
-    EXPECT_EQ(service.requestCount(Endpoint::RefreshToken), 1);
+    EXPECT_EQ(link.state(), KaLinkState::Unlinked);
+    EXPECT_EQ(pairingFiles(), loginGivenUp ? names("tmpFile") : QStringList());
     EXPECT_TRUE(files().isEmpty());
   }
-  // One that is made while the run of the old one ends is served at once.
-  service.order(Endpoint::ListDevices, {.kind = NoAnswer});
-  service.resetRequestCounts();
-  delegate.change([](auto &answers) { answers.loggedIn = true; });
-  processor->startReceiving(/*initialAccess=*/false);
-  ASSERT_TRUE(service.waitForRequests(Endpoint::ListDevices, 1, std::chrono::seconds(20)));
-  processor->deleteCredential();
-  processor->startReceiving(/*initialAccess=*/true);
-  service.clearFaults();
-  EXPECT_TRUE(delegate.waitForEvent(u"result 4"_s));
 }
+
+INSTANTIATE_TEST_SUITE_P(Engine, OldLink,
+                         testing::Values(Endpoint::TokenCode, Endpoint::RefreshToken, Endpoint::Keys, Endpoint::Sts,
+                                         Endpoint::ListDevices, Endpoint::Metadata, Endpoint::ObjectGet),
+                         [](const auto &row) { return sandbox::endpointName(row.param).toStdString(); });
+
+TEST_F(Processor, endsTheRequestOfAClosedLinkAtOnce) {
+  service.order(Endpoint::ListDevices, {.kind = NoAnswer});
+  start();
+  ASSERT_TRUE(waitForRequest(Endpoint::ListDevices));
+  logOut();
+  EXPECT_TRUE(delegate.waitForEvent(u"enableLoggin 1"_s, 1, kSlowness));
+  EXPECT_TRUE(delegate.events().filter(u"result"_s).isEmpty());
+}
+
+TEST_F(Processor, beginsNoRunWhileALoginIsUnderWayAndKeepsItsVerifierForIt) {
+  ASSERT_TRUE(run());
+  service.resetRequestCounts();
+  const QString idToken = signIn();
+  processor->getContentsNow(); // comes to nothing before the login has completed
+  ASSERT_TRUE(waitFor([&] { return !logged(u"Login Wait"_s).isEmpty(); }));
+  linkTo(idToken);
+  ASSERT_TRUE(delegate.waitForEvent(u"enableLoggin 1"_s, 2));
+  const QList<Endpoint> order = asked();
+  const auto exchanged = order.indexOf(Endpoint::TokenCode);
+  EXPECT_EQ(order.mid(exchanged, 2), (QList<Endpoint>{Endpoint::TokenCode, Endpoint::RefreshToken}));
+  EXPECT_EQ(order.count(Endpoint::RefreshToken), 1);
+  EXPECT_TRUE(delegate.events().contains(u"result 4"_s));
+  EXPECT_FALSE(delegate.events().contains(u"result 17"_s));
+}
+
+TEST_F(Processor, goesOnWithItsLinkWhenALoginIsGivenUpWhichALateCallbackStillCompletes) {
+  KaLink patient(std::chrono::milliseconds(50));
+  patient.load();
+  processor = std::make_unique<KaDownloadProcessor>(delegate, patient);
+  processor->startReceiving(/*initialAccess=*/false);
+  ASSERT_TRUE(delegate.waitForEvent(u"enableLoggin 1"_s));
+  patient.beginLogin();
+  const QString callback = service.signIn(browser.takeUrl().value_or(QString()));
+  processor->getContentsNow();
+  ASSERT_TRUE(delegate.waitForEvent(u"result 3 by user"_s)) << "the old link still works";
+  EXPECT_EQ(service.requestCount(Endpoint::TokenCode), 0);
+  patient.completeLogin(callback.section(u"idToken="_s, 1));
+  patient.confirmFolders();
+  processor->startReceiving(/*initialAccess=*/true);
+  EXPECT_TRUE(delegate.waitForEvent(u"result 4"_s));
+  EXPECT_EQ(service.requestCount(Endpoint::TokenCode), 1);
+  EXPECT_FALSE(delegate.events().contains(u"result 17"_s));
+}
+
+TEST_F(Processor, servesALinkThatIsMadeDuringAReCheckWaitOfTheOldOne) {
+  addImages("A.JPG");
+  delegate.change([](auto &answers) { answers.waits.reCheck = std::chrono::hours(1); });
+  start();
+  ASSERT_TRUE(waitFor([&] { return !logged(u"reCheck Wait"_s).isEmpty(); }));
+  logOut();
+  linkTo(signIn());
+  EXPECT_TRUE(delegate.waitForEvent(u"result 4"_s));
+  EXPECT_FALSE(delegate.events().contains(u"result 17"_s));
+  EXPECT_EQ(service.requestCount(Endpoint::TokenCode), 1);
+  EXPECT_EQ(files().size(), 1);
+}
+
+/// An error after which the thread waits for the next run (1 wait), or for a link (0).
+class AfterAnError : public Processor, public testing::WithParamInterface<std::pair<Endpoint, int>> {};
+
+TEST_P(AfterAnError, runsOnceForANewLink) {
+  const auto waits = [this] { return logged(u"Polling Wait"_s).size(); };
+  const auto &[endpoint, waitsBefore] = GetParam();
+  service.order(endpoint, {.status = 403});
+  ASSERT_TRUE(run());
+  ASSERT_TRUE(waitFor([&, before = waitsBefore] { return waits() == before; }));
+  delegate.forgetEvents();
+  linkTo(signIn());
+  ASSERT_TRUE(waitFor([&, before = waitsBefore] { return waits() == before + 1; }));
+  EXPECT_EQ(told().filter(QRegularExpression(u"^(?!save)"_s)),
+            names("enableLoggin_0 result_4 status_0 enableLoggin_1").replaceInStrings(u"_"_s, u" "_s));
+  EXPECT_EQ(logged(u"Start Monitoring"_s).size(), 2);
+}
+
+INSTANTIATE_TEST_SUITE_P(Engine, AfterAnError,
+                         testing::Values(std::pair(Endpoint::Sts, 1), std::pair(Endpoint::RefreshToken, 0)),
+                         [](const auto &row) { return sandbox::endpointName(row.param.first).toStdString(); });
 
 /// Where the thread stands when the program quits: in a wait that the log tells of, else in a request.
 struct Quitting {
@@ -187,13 +340,13 @@ INSTANTIATE_TEST_SUITE_P(
 
 TEST_F(Processor, endsByAnExceptionWithoutSaving) {
   delegate.change([this](auto &answers) {
-    answers.onBLoggedIn = [this] {
-      if (delegate.events().contains(u"enableLoggin 1"_s)) throw std::runtime_error("out of order");
+    answers.onEvent = [](const QString &event) {
+      if (event == u"enableLoggin 1") throw std::runtime_error("out of order");
     };
   });
   start();
   ASSERT_TRUE(delegate.waitForEvent(u"finish"_s));
-  EXPECT_EQ(told().mid(3), (QStringList{saved, u"enableLoggin 1"_s, u"result 14 by user"_s, u"finish"_s}));
+  EXPECT_EQ(told().mid(2), (QStringList{saved, u"enableLoggin 1"_s, u"result 14 by user"_s, u"finish"_s}));
 }
 
 } // namespace

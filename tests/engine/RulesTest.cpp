@@ -1,13 +1,10 @@
 #include "engine/DiskSpace.h"
+#include "engine/KaImageKey.h"
 #include "engine/KaWaitCondition.h"
-#include "engine/ObjectKey.h"
 #include "engine/OutputFolder.h"
-#include "engine/PresignedUrl.h"
 #include "engine/VersionOrder.h"
 #include "tests/engine/EngineFixture.h"
-#include "tests/identity/SigningVectors.h"
 
-#include <QJsonArray>
 #include <QLocale>
 
 #include <ctime>
@@ -26,7 +23,7 @@ TEST(OutputFolder, followsTheSchemeInLocalTime) {
   EXPECT_EQ(getOutputDateFolderString(oldYear, 0), u"/2024_12_31");
   EXPECT_EQ(getOutputDateFolderString(oldYear, 1), u"/2024/12");
   EXPECT_EQ(getOutputDateFolderString(oldYear, 2), u"/2024/2024_12_31");
-  EXPECT_EQ(defaultFilePath(u"/p"_s, oldYear, u"a/I.x.JPG"_s), u"/p/2024-12-31.JPG");
+  EXPECT_EQ(defaultFilePath(u"/p"_s, oldYear, KaImageKey(u"a/I.x.JPG"_s).extension()), u"/p/2024-12-31.JPG");
 }
 
 TEST(OutputFolder, isTakenFromThePlaceThatTheLevelNames) {
@@ -44,12 +41,24 @@ TEST(OutputFolder, isTakenFromThePlaceThatTheLevelNames) {
     EXPECT_EQ(getFolderNameFromPath(path, level), folder) << path.toStdString() << ' ' << level;
 }
 
-TEST(ObjectKey, isRewrittenByPosition) {
-  const QString key = u"A/B/20240501/10/IMG_0001.JPG"_s;
-  EXPECT_EQ(expandImagePathFromImagePath(key), u"A/expand_B/20240501/10/IMG_0001.JPG");
-  EXPECT_EQ(exifPathFromImagePath(key, false), u"metadata/exif/20240501/10/IMG_0001.json");
-  EXPECT_EQ(exifPathFromImagePath(key, true), u"metadata/expand_exif/20240501/10/IMG_0001.json");
-  EXPECT_EQ(exifPathFromImagePath(u"A/I.x.JPG"_s, true), u"metadata/I.x.json");
+TEST(ImageKey, isTakenApartByPositionAndRewritten) {
+  const KaImageKey key(u"A/B/user/dev/x/20240501/10/IMG_0001.JPG"_s);
+  EXPECT_EQ(key.order(), u"20240501/10/IMG_0001.JPG");
+  EXPECT_EQ(key.uploadHour(), QDateTime(QDate(2024, 5, 1), QTime(10, 0), Qt::UTC));
+  EXPECT_EQ(key.expandImagePathFromImagePath().path(), u"A/expand_B/user/dev/x/20240501/10/IMG_0001.JPG");
+  EXPECT_EQ(key.exifPathFromImagePath(false), u"metadata/exif/user/dev/x/20240501/10/IMG_0001.json");
+  EXPECT_EQ(key.exifPathFromImagePath(true), u"metadata/expand_exif/user/dev/x/20240501/10/IMG_0001.json");
+  EXPECT_EQ(KaImageKey(u"A/IMG.JPG"_s).exifPathFromImagePath(true), u"metadata/IMG.json");
+  const std::tuple<QString, QString, QString> names[] = {{u"a/I.x.JPG"_s, u"I.x"_s, u"JPG"_s},
+                                                         {u"a/.JPG"_s, u".JPG"_s, QString()},
+                                                         {u"a/I."_s, u"I."_s, QString()},
+                                                         {u"I"_s, u"I"_s, QString()},
+                                                         {QString(), QString(), QString()}};
+  for (const auto &[path, contentId, extension] : names) {
+    EXPECT_EQ(KaImageKey(path).contentId(), contentId);
+    EXPECT_EQ(KaImageKey(path).extension(), extension);
+    EXPECT_FALSE(KaImageKey(path).hasUploadHour() || KaImageKey(path).uploadHour().isValid());
+  }
 }
 
 TEST(DiskSpace, mustLeaveTheMargin) {
@@ -71,40 +80,21 @@ TEST(VersionOrder, isByNumbers) {
   EXPECT_FALSE(isLaterVersion(u"1.02", u"1.2"));
 }
 
-TEST(PresignedUrl, signsAsOtherImplementationsDo) {
-  const QJsonObject known = signingVectors();
-  const QJsonValue by = known["credential"_L1];
-  const QJsonArray rows = known["presignedV2"_L1].toArray();
-  ASSERT_FALSE(rows.isEmpty());
-  for (const auto &row : rows)
-    EXPECT_EQ(SignatureString(row["expires"_L1].toString(), row["bucket"_L1].toString(),
-                              by["SecretAccessKey"_L1].toString(), by["SessionToken"_L1].toString(),
-                              row["key"_L1].toString()),
-              row["signaturePercentEncoded"_L1].toString());
-}
-
-TEST(PresignedUrl, encodesNothingButTheContinuationToken) {
-  EXPECT_EQ(createS3URLString(baseURLString(u"https"_s, u"b"_s, u"host:1"_s, {}, u"list-type=2"_s),
-                              optionURLString(u"ID"_s, u"99"_s, u"S%3D"_s),
-                              {u"a/b c/"_s, u"a/b=1"_s, u"/"_s, u"t/+=-._~é"_s}),
-            u"https://b.host:1?list-type=2&prefix=a/b c/&start-after=a/b=1&delimiter=/"
-            "&continuation-token=t%2F%2B%3D%2D%2E%5F%7E%C3%A9&AWSAccessKeyId=ID&Expires=99&Signature=S%3D");
-}
-
-TEST(WaitCondition, losesASignalWithoutAWaiterButNeverTheEnd) {
-  const std::atomic<bool> never = false;
+TEST(WaitCondition, losesASignalWithoutAWaiterButNeitherWhatIsKeptNorTheEnd) {
   std::atomic<bool> ended = false;
   KaWaitCondition condition(ended);
   condition.signal();
+  condition.wait(std::chrono::hours(1), [] { return true; });
   std::jthread quitter([&] {
     condition.awaitWaiter();
+    const std::atomic<bool> never = false;
     KaWaitCondition(never).wait(std::chrono::milliseconds(20));
     ended = true;
     condition.signal();
   });
   condition.wait(std::chrono::milliseconds::max()); // beyond the clock
   EXPECT_TRUE(ended);
-  condition.wait(/*kept=*/never);
+  condition.wait([] { return false; });
 }
 
 } // namespace

@@ -13,41 +13,39 @@ namespace {
 
 class Session : public EngineTest {
 protected:
-  const std::optional<QString> old = delegate.answers().token;
-  std::optional<QString> idToken = old;
-  EngineParts parts{delegate};
+  const std::optional<QString> old = link.idToken();
+  EngineParts parts{delegate, link};
 };
 
 TEST_F(Session, keepsTokenAndCredentialsUntilTheLinkIsClosed) {
-  KaLinkageUtility::saveCodeVerifier(u"verifier"_s);
-  parts.session.exchangeCodeVerifier({});
-  EXPECT_TRUE(KaLinkageUtility::existCodeVerifier()) << "it can be handed in once, with a token";
-  ASSERT_EQ(parts.session.refreshIdToken(idToken), Success);
+  ASSERT_EQ(parts.session.refreshIdToken(), Success);
+  const auto idToken = link.idToken();
   EXPECT_NE(idToken, old);
-  EXPECT_EQ(delegate.answers().token, idToken);
+  EXPECT_EQ(KaLinkageUtility::loadLinkageSetting(), idToken);
+  EXPECT_EQ(KaLinkageUtility::loadTokenCode(), link.tokenCode(link.number()));
 
-  ASSERT_EQ(parts.session.getCredential(*idToken), Success);
+  ASSERT_EQ(parts.session.getCredential(), Success);
   const QString user = service.library().userId();
   EXPECT_THAT(delegate.answers().records.keys(),
               testing::UnorderedElementsAre(user, user + u"_(10G)"_s, user + u"_(2K)"_s));
+  EXPECT_NE(parts.storage.credential(), KaCredential());
   parts.session.deleteCredential();
-  EXPECT_EQ(parts.session.access().credential, KaCredential());
-  EXPECT_TRUE(parts.session.access().presigning.secretKey.isEmpty());
-  delegate.change([](auto &answers) { answers.loggedIn = false; });
-  EXPECT_EQ(parts.session.refreshIdToken(idToken), LinkInvalid);
-  idToken.reset();
-  EXPECT_EQ(parts.session.refreshIdToken(idToken), LinkInvalid);
+  EXPECT_EQ(parts.storage.credential(), KaCredential());
+  link.close();
+  EXPECT_EQ(parts.session.refreshIdToken(), Offline) << "no request in its name";
+  parts.session.begin({});
+  EXPECT_EQ(parts.session.refreshIdToken(), LinkInvalid);
   EXPECT_EQ(service.requestCount(Endpoint::RefreshToken), 1);
 }
 
-TEST_F(Session, adoptsNoTokenOfABadAnswer) {
+TEST_F(Session, adoptsNoTokenOfABadAnswerButTheTokenCodeThatMadeTheOldOneWorthless) {
   for (const auto fault : {WrongNonce, MissingNonce, MissingIdToken, IdTokenOfWrongType, BadSignature, Expired}) {
     service.setTokenFault(fault);
-    delegate.forgetEvents();
-    EXPECT_EQ(parts.session.refreshIdToken(idToken), LinkInvalid);
-    EXPECT_EQ(idToken, old);
-    EXPECT_EQ(delegate.answers().token, old);
-    EXPECT_EQ(delegate.events(), names(fault == BadSignature || fault == Expired ? "saveLinkage" : ""));
+    const auto codeBefore = link.tokenCode(link.number());
+    EXPECT_EQ(parts.session.refreshIdToken(), LinkInvalid);
+    EXPECT_EQ(link.idToken(), old);
+    EXPECT_EQ(KaLinkageUtility::loadLinkageSetting(), old);
+    EXPECT_NE(link.tokenCode(link.number()), codeBefore);
   }
 }
 
@@ -57,9 +55,11 @@ TEST_F(Session, readsTheExpiryAsUniversalTimeCutTo32Bits) {
   for (const QString &row : names("2024-03-31T02:30:00Z=1711852200 =0 soon=0 2038-01-19T03:14:08Z=-2147483648")) {
     const QByteArray answer = "<A><Expiration>" + row.section(u'=', 0, 0).toLatin1() + "</Expiration></A>";
     service.order(Endpoint::Sts, {.kind = sandbox::Fault::Kind::Body, .body = answer, .times = 2});
-    EXPECT_EQ(parts.session.getCredential(*old), Success);
-    EXPECT_EQ(parts.session.getCredential(u"e30.e30.e30"_s), LinkInvalid) << "no user";
-    EXPECT_EQ(parts.session.access().presigning.expireUnixTime, row.section(u'=', 1));
+    parts.session.begin({link.number(), u"e30.e30.e30"_s});
+    EXPECT_EQ(parts.session.getCredential(), LinkInvalid) << "no user";
+    parts.session.begin(*link.forRun());
+    EXPECT_EQ(parts.session.getCredential(), Success);
+    EXPECT_EQ(parts.storage.credential().expireUnixTime, row.section(u'=', 1));
   }
 }
 
@@ -78,44 +78,46 @@ TEST_F(ContentListing, findsWhatIsNewOnEachDeviceOverAllPages) {
   const QString device = u"images/original/%1/dev1/"_s.arg(service.library().userId());
   for (const QString &odd : names("zz 20240532/23 20240501/24 2024051/023 +0240501/23"))
     service.library().addRaw(sandbox::contentBucket(), device + odd + u"/N.JPG"_s, {.body = "text"});
-  EngineParts parts(delegate);
+  EngineParts parts(delegate, link);
   ASSERT_EQ(parts.open(), Success);
   for (const auto &[storage, expected] :
        {std::pair(Days30, names("11/B.JPG 12/D.JPG 12/E&amp;<F>.JPG")),
         {LongTerm10G, names("10/OLD.JPG 11/B.JPG 12/C.JPG 12/D.JPG 12/E&amp;<F>.JPG")}}) {
     const QString key = uuidKey(service.library().userId(), storage);
     delegate.change([&](auto &answers) { answers.records[key] = kHeld; });
-    ASSERT_EQ(parts.list(storage), Success);
+    const KaListing listing = parts.listing.getContentsList(storage);
+    ASSERT_EQ(listing.result, Success);
+    EXPECT_EQ(listing.settings.has_value(), storage == Days30);
     QStringList found;
-    for (const QString &object : sortImageList(parts.listing.contentsDictionary().keys()))
-      found << object.section(u'/', -2);
+    for (const KaListedImage &image : listing.images)
+      found << image.key.path().section(u'/', -2);
     EXPECT_EQ(found, expected);
-    EXPECT_EQ(parts.listing.contentsDictionary().value(service.library().imageKey(large)), large.listedSize);
+    EXPECT_EQ(listing.images.back().size, large.listedSize);
   }
 }
 
-TEST_F(ContentListing, learnsAboutThe10GStorageAndNewVersionsFromTheSettings) {
-  EngineParts parts(delegate);
+TEST_F(ContentListing, doesNotTakeAPageThatIsNotFoundForTheEnd) {
+  service.setListPageSize(1);
+  addImages("A.JPG B.JPG");
+  service.order(Endpoint::ListItems, {.status = 404, .pathContains = u"continuation-token"_s});
+  EngineParts parts(delegate, link);
   ASSERT_EQ(parts.open(), Success);
-  for (const auto &[document, keeps10G, newVersion] :
-       {std::tuple(std::optional<QByteArray>(), false, false),
-        {R"({"isEnableDownload10GStorage":null,"applicationAliasIds":1})", true, false},
-        {R"({"isEnableDownload10GStorage":1,"kaLatestVersion":"99.0.0"})", true, true},
-        {R"({"isEnableDownload10GStorage":1,"kaLatestVersion":"0.9.9"})", true, false}}) {
-    service.library().setSettingsObject(document);
-    delegate.change([](auto &answers) { answers.option.checkBox10GDownload = u"true"_s; });
-    delegate.forgetEvents();
-    for (const bool notify : {false, true}) {
-      EXPECT_EQ(parts.listing.getContentsList(Days30, notify), Success);
-      EXPECT_EQ(delegate.events().contains(u"result 24"_s), notify && newVersion);
-    }
-    EXPECT_EQ(delegate.answers().option.checkBox10GDownload, keeps10G ? u"true"_s : u"false"_s);
-    EXPECT_EQ(delegate.answers().option.parentFolder, profile.picturesFolder());
-  }
+  EXPECT_EQ(parts.listing.getContentsList(Days30).result, NoBody);
+}
+
+TEST_F(ContentListing, sortsOverAllDevicesAndCountsAKeyOnce) {
+  KaListedImages images;
+  for (const QString &path : names("b/d2/20240501/10/C b/d1/20240501/11/A b/d1/20240501/10/C b/d2/20240430/23/Z "
+                                   "b/d1/20240501/10/C"))
+    images.push_back({KaImageKey(u"images/original/"_s + path), 1});
+  QStringList sorted;
+  for (const KaListedImage &image : sortImageList(std::move(images)))
+    sorted << image.key.path().section(u'/', -4);
+  EXPECT_EQ(sorted, names("d2/20240430/23/Z d1/20240501/10/C d2/20240501/10/C d1/20240501/11/A"));
 }
 
 TEST_F(ContentListing, keepsTheNewestHourInTheRecordOfTheOrdinaryStorage) {
-  EngineParts parts(delegate);
+  EngineParts parts(delegate, link);
   ASSERT_EQ(parts.open(), Success);
   for (const auto &[storage, hour, lastDateTime, ids] : {std::tuple(Days30, u"10"_s, u"20240501/11"_s, "A"),
                                                          {Days30, u"11"_s, u"20240501/11"_s, "A B"},
@@ -123,7 +125,7 @@ TEST_F(ContentListing, keepsTheNewestHourInTheRecordOfTheOrdinaryStorage) {
                                                          {LongTerm10G, u"10"_s, u"20240501/11"_s, "A B"}}) {
     const QString key = uuidKey(service.library().userId(), storage);
     delegate.change([&](auto &answers) { answers.records[key] = kHeld; });
-    parts.listing.saveImageInfo(u"B"_s, u"20240501"_s, hour, storage);
+    parts.bookkeeping.saveImageInfo(KaImageKey(u"images/original/u/d/20240501/%1/B.JPG"_s.arg(hour)), storage);
     EXPECT_EQ(delegate.answers().records[key], (KaDownloadData{lastDateTime, names(ids)}));
   }
 }

@@ -23,11 +23,13 @@ TEST(Token, isDecodedStrictlyAndHasAHeaderThatNamesAlgorithmAndKey) {
   EXPECT_EQ(KaIdVerificationUtility::base64UrlSafeDecode(u"-_-_YQ"_s), "\xfb\xff\xbf\x61");
   for (const QString &bad : {u"YWI"_s, u"YWJjZ"_s, u"YW Jj"_s, u"YWJj\nYWJ"_s, u"YW写j"_s, u"YQ==YWJj"_s})
     EXPECT_EQ(KaIdVerificationUtility::base64UrlSafeDecode(bad), std::nullopt) << qPrintable(bad);
-  QString kid;
-  EXPECT_TRUE(KaIdVerificationUtility::validateHeader(encoded(R"({"alg":"RS256","kid":"k"})"), kid));
-  EXPECT_EQ(kid, u"k"_s);
-  EXPECT_FALSE(KaIdVerificationUtility::validateHeader(encoded(R"({"alg":"rs256","kid":"k"})"), kid));
-  EXPECT_FALSE(KaIdVerificationUtility::validateHeader(encoded(R"(["RS256"])"), kid));
+  for (const auto &[json, valid, kid] : {std::tuple(R"({"alg":"RS256","kid":"k"})", true, u"k"_s),
+                                         {R"({"alg":"rs256","kid":"k"})", false, u"k"_s},
+                                         {R"({"alg":"RS256","kid":7})", true, u""_s},
+                                         {R"(["RS256"])", false, u""_s}}) {
+    const auto header = KaIdVerificationUtility::validateHeader(encoded(json));
+    EXPECT_TRUE(header.valid == valid && header.kid == kid) << json;
+  }
 }
 
 struct Verification : ServiceTest {
@@ -53,7 +55,9 @@ TEST_F(Verification, judgesTokensOfAnotherImplementation) {
   for (const QString &exponent : {u"Aw"_s, u""_s, u"AAAA"_s})
     EXPECT_FALSE(holdsFor(exponent, modulus)) << qPrintable(exponent);
   const QString other = vectors["jwks"_L1]["keys"_L1][0]["n"_L1].toString();
-  for (const QString &bad : {other, u"not base64"_s, encoded(QByteArray(255, '\0')), encoded(QByteArray(2100, '\xff'))})
+  const QByteArray padded = QByteArray(3000, '\0') + *KaIdVerificationUtility::base64UrlSafeDecode(modulus);
+  for (const QString &bad : {other, u"not base64"_s, encoded(QByteArray(255, '\0')), encoded(QByteArray(2100, '\xff')),
+                             QString::fromLatin1(padded.toBase64(QByteArray::Base64UrlEncoding))})
     EXPECT_FALSE(holdsFor(u"AQAB"_s, bad)) << bad.size();
   for (const int part : {0, 1, 2}) {
     parts = whole;

@@ -9,7 +9,6 @@
 #include <QCoreApplication>
 #include <QFile>
 #include <QFileInfo>
-#include <QProcess>
 
 using namespace Qt::StringLiterals;
 
@@ -57,30 +56,24 @@ TEST_F(Desktop, keepsTheUsersIdWhichDiffersByMachine) {
   EXPECT_EQ(QFileInfo(kept).permissions(), kOwnerOnly);
 }
 
-TEST_F(Desktop, opensTheAgentsUrlsWithTheProgram) {
-  qputenv("DISPLAY", ":0"); // the opener only asks whether it is set
+TEST_F(Desktop, givesUrlsToTheProgramUnlessAnInstalledEntryDoes) {
   for (const char *variable : {"XDG_CURRENT_DESKTOP", "KDE_FULL_SESSION", "DESKTOP_SESSION", "XDG_DATA_DIRS"})
     qunsetenv(variable);
   const QString agent = profile.path(u"agent"_s);
-  writeFile(agent, "#!/bin/sh\nprintf '%s' \"$1\" >\"$HOME/url.new\" && mv \"$HOME/url.new\" \"$HOME/url\"\n");
-  QFile::setPermissions(agent, QFile::ReadOwner | QFile::WriteOwner | QFile::ExeOwner);
+  const QString entry = u"/applications/com.norvale.Downloaderpictora.desktop"_s;
   ASSERT_TRUE(platform::registerUrlScheme(agent));
   // The desktop's tools work on by themselves after the call.
   ASSERT_TRUE(waitFor([&] { return QFile::exists(profile.configFolder() + u"/mimeapps.list"_s); }));
-  const QString url = u"downloaderpictora://authenticate?idToken=a.b-c_d&x=%20%25"_s;
-  ASSERT_EQ(QProcess::execute(u"xdg-open"_s, {url}), 0);
-  EXPECT_EQ(contentOf(profile.path(u"url"_s)), url.toUtf8());
-
-  const QString entry = u"/applications/com.norvale.Downloaderpictora.desktop"_s;
+  const QByteArray made = contentOf(profile.dataFolder() + entry);
+  EXPECT_TRUE(made.contains("/agent %u\n") && made.contains("\nMimeType=x-scheme-handler/downloaderpictora;"));
   const QString system = profile.path(u"system"_s);
   writeFile(system + entry, "[Desktop Entry]\n");
   qputenv("XDG_DATA_DIRS", system.toUtf8());
-  ASSERT_TRUE(QFile::exists(profile.dataFolder() + entry));
-  ASSERT_TRUE(platform::registerUrlScheme(agent));
-  EXPECT_FALSE(QFile::exists(profile.dataFolder() + entry)) << "it would hide the installed one";
-  writeFile(profile.dataFolder() + entry, "[Desktop Entry]\nName=The user's own\n");
-  ASSERT_TRUE(platform::registerUrlScheme(agent));
-  EXPECT_TRUE(QFile::exists(profile.dataFolder() + entry));
+  for (const bool isUsersOwn : {false, true}) {
+    if (isUsersOwn) writeFile(profile.dataFolder() + entry, "[Desktop Entry]\nName=The user's own\n");
+    ASSERT_TRUE(platform::registerUrlScheme(agent));
+    EXPECT_EQ(QFile::exists(profile.dataFolder() + entry), isUsersOwn) << "ours would hide the installed one";
+  }
 
   EXPECT_EQ(platform::execArgument(u"/opt/a-b_c/100%"_s), u"/opt/a-b_c/100%%"_s);
   EXPECT_EQ(platform::execArgument(uR"(a"$`\)"_s), uR"("a\\"\\$\\`\\\\")"_s);

@@ -58,8 +58,9 @@ TEST(Notifications, areCarriedAndHandTheirResultBackWithAClick) {
                    [&](const QString &result) { clicked << result; });
   Server server;
   center.post(u"Title"_s, u"a < b & c"_s, u"17"_s);
-  const QVariantList expected{u"Title"_s, u"a &lt; b &amp; c"_s, u"default"_s, u"17"_s};
-  ASSERT_TRUE(waitFor([&] { return server.shown == expected; }));
+  ASSERT_TRUE(waitFor([&] {
+    return server.shown == QVariantList{u"Title"_s, u"a &lt; b &amp; c"_s, u"default"_s, u"17"_s};
+  }));
   // The id must have arrived before a click on it can mean anything.
   ASSERT_TRUE(waitFor([&] {
     Q_EMIT server.ActionInvoked(99, u"default"_s); // somebody else's

@@ -1,4 +1,5 @@
 #include "platform/FileDates.h"
+#include "platform/FileIdentity.h"
 #include "platform/UnpublishedFile.h"
 #include "platform/VolumeFacts.h"
 #include "platform/linux/BlockDevice.h"
@@ -20,8 +21,6 @@
 #include <sys/wait.h>
 #include <unistd.h>
 
-#include <cerrno>
-
 using namespace Qt::StringLiterals;
 using platform::UnpublishedFile;
 
@@ -31,8 +30,8 @@ class UnpublishedFileTest : public testing::TestWithParam<UnpublishedFile::Namin
 protected:
   [[nodiscard]] UnpublishedFile written(const QByteArray &text) const {
     auto file = UnpublishedFile::create(folder.path(), GetParam());
-    EXPECT_TRUE(file && file->write(text.constData(), static_cast<std::size_t>(text.size())) && file->sync());
-    return std::move(*file);
+    EXPECT_TRUE(file.write(text.constData(), static_cast<std::size_t>(text.size())) && file.sync() && !file.fault());
+    return file;
   }
   [[nodiscard]] QStringList entries(QDir::Filters more = QDir::Hidden | QDir::System) const {
     return QDir(folder.path()).entryList(QDir::Files | more);
@@ -50,9 +49,10 @@ TEST_P(UnpublishedFileTest, hasNoNameUntilPublishedAndNeverOverwrites) {
   EXPECT_EQ(entries({}), QStringList{u"a.jpg"_s});
   EXPECT_EQ(file.publish(folder.filePath(u"a.jpg"_s)), UnpublishedFile::Publish::NameTaken);
   EXPECT_EQ(file.publish(folder.filePath(u"b.jpg"_s)), UnpublishedFile::Publish::NameTaken) << "a link to nowhere";
+  EXPECT_FALSE(file.fault()) << "a taken name is none";
   EXPECT_EQ(file.publish(folder.filePath(u"c.jpg"_s)), UnpublishedFile::Publish::Published);
   EXPECT_EQ(entries(), (QStringList{u"a.jpg"_s, u"b.jpg"_s, u"c.jpg"_s}));
-  EXPECT_EQ(QFileInfo(folder.filePath(u"a.jpg"_s)).size(), 10);
+  EXPECT_EQ(contentOf(folder.filePath(u"a.jpg"_s)), "the user's");
   const QString ours = folder.filePath(u"c.jpg"_s);
   EXPECT_EQ(contentOf(ours), "ours");
   EXPECT_TRUE(platform::setFileDates(ours, QDateTime::fromMSecsSinceEpoch(-1500)));
@@ -65,10 +65,13 @@ TEST_P(UnpublishedFileTest, leavesNothingWhenDiscardedAndSaysWhyItCannotBePublis
   {
     auto file = written("half a picture");
     EXPECT_EQ(file.publish(folder.filePath(u"missing/a.jpg"_s)), UnpublishedFile::Publish::Failed);
-    EXPECT_EQ(file.error(), ENOENT);
+    EXPECT_EQ(file.fault(), platform::FileFault::Other);
+    EXPECT_FALSE(file.sync());
   }
   EXPECT_THAT(entries(), testing::IsEmpty());
-  EXPECT_FALSE(UnpublishedFile::create(folder.filePath(u"missing"_s), GetParam()));
+  auto nowhere = UnpublishedFile::create(folder.filePath(u"missing"_s), GetParam());
+  EXPECT_FALSE(nowhere.write("x", 1) || nowhere.sync());
+  EXPECT_EQ(nowhere.publish(folder.filePath(u"a.jpg"_s)), UnpublishedFile::Publish::Failed);
 }
 
 INSTANTIATE_TEST_SUITE_P(Naming, UnpublishedFileTest,
@@ -83,33 +86,48 @@ TEST(HiddenFiles, areSweptOnceTheirWriterIsGone) {
   ASSERT_TRUE(busy.open(QFile::ReadWrite) && ::flock(busy.handle(), LOCK_EX) == 0);
   const auto file = UnpublishedFile::create(folder.path(), UnpublishedFile::Naming::Hidden);
   EXPECT_FALSE(QFile::exists(dead));
-  EXPECT_TRUE(file && busy.exists() && QFile::exists(folder.filePath(u"other.part"_s)));
+  EXPECT_TRUE(!file.fault() && busy.exists() && QFile::exists(folder.filePath(u"other.part"_s)));
 }
 
 constexpr int kMayNotMount = 77;
+constexpr char kPlace[] = "/media"; // where desktops mount
 
 /// In a process of its own, whose mounts nobody else sees.
 [[noreturn]] void mountAndLook() {
-  const QByteArray folder = QDir::tempPath().toLocal8Bit();
-  const auto source = [&] { return platform::fileSystemInfo(QFile::decodeName(folder))->description; };
+  const auto isUnmountable = [] { return platform::fileSystemInfo(QString::fromLatin1(kPlace))->unmountable; };
   const bool apart = ::unshare(CLONE_NEWNS) == 0 || ::unshare(CLONE_NEWUSER | CLONE_NEWNS) == 0;
   if (!apart || ::mount(nullptr, "/", nullptr, MS_REC | MS_PRIVATE, nullptr) != 0) ::_exit(kMayNotMount);
-  const QString before = source();
-  if (::mount("a-new-disk", folder.constData(), "tmpfs", 0, nullptr) != 0) ::_exit(kMayNotMount);
-  const QString mounted = source();
-  ::umount(folder.constData());
-  ::_exit(mounted == u"a-new-disk" && before == source() ? 0 : 1);
+  const bool before = isUnmountable();
+  if (::mount("a-new-disk", kPlace, "tmpfs", 0, nullptr) != 0) ::_exit(kMayNotMount);
+  const bool mounted = isUnmountable();
+  ::umount(kPlace);
+  ::_exit(!before && mounted && !isUnmountable() ? 0 : 1);
 }
 
 TEST(Volumes, areLookedAtAnewWhenOneIsMountedOrTakenAway) {
   GTEST_FLAG_SET(death_test_style, "threadsafe");
-  bool mayMount = true;
-  const auto isRight = [&](int status) {
-    mayMount = WEXITSTATUS(status) != kMayNotMount;
-    return !mayMount || status == 0;
+  int status = -1;
+  EXPECT_EXIT(
+      mountAndLook(), [&](int ended) { return (status = WEXITSTATUS(ended)) == 0 || status == kMayNotMount; }, "");
+  if (status == kMayNotMount) GTEST_SKIP() << "this system lets nobody mount";
+}
+
+TEST(FileIdentity, tellsAFileFromOthersFromLinksToItAndFromItsOtherStates) {
+  const QTemporaryDir folder;
+  const auto identityOf = [&](const QString &name) { return platform::fileIdentity(folder.filePath(name)); };
+  const auto written = [&](const QString &name, const QByteArray &content, qint64 date = 1'700'000'000'500) {
+    writeFile(folder.filePath(name), content);
+    EXPECT_TRUE(platform::setFileDates(folder.filePath(name), QDateTime::fromMSecsSinceEpoch(date)));
+    return identityOf(name);
   };
-  EXPECT_EXIT(mountAndLook(), isRight, "");
-  if (!mayMount) GTEST_SKIP() << "this system lets nobody mount";
+  const auto identity = written(u"a.jpg"_s, "same");
+  ASSERT_TRUE(identity && QFile::link(folder.filePath(u"a.jpg"_s), folder.filePath(u"link.jpg"_s)));
+  EXPECT_TRUE(identity != identityOf(u"link.jpg"_s) && !identityOf(u"missing.jpg"_s));
+  EXPECT_NE(identity, written(u"other.jpg"_s, "same"));
+  EXPECT_NE(identity, written(u"a.jpg"_s, "same", 1'700'000'000'501)) << "of another date";
+  EXPECT_NE(identity, written(u"a.jpg"_s, "longer")) << "of another size";
+  ASSERT_TRUE(QFile::rename(folder.filePath(u"a.jpg"_s), folder.filePath(u"moved.jpg"_s)));
+  EXPECT_EQ(identity, written(u"moved.jpg"_s, "same")) << "by whatever name";
 }
 
 /// On a folder tree in the form of sysfs: an encrypted volume on the partition of a stick.
@@ -126,6 +144,7 @@ TEST(Volumes, knowWhatCanBeTakenAway) {
   for (const char *place : {"/", "/mediathek", "/run/user/1000/doc"})
     EXPECT_FALSE(platform::isUnmountablePlace(place)) << place;
   EXPECT_TRUE(platform::isHotPluggable(u"/sys/devices/pci0000:00/0000:00:14.0/usb2/2-1/host6/block/sdb"_s));
+  EXPECT_FALSE(platform::isHotPluggable(u"/sys/devices/platform/usb/fwnode"_s)) << "no number of a bus";
   EXPECT_FALSE(platform::isHotPluggable(u"/sys/devices/pci0000:00/0000:00:1f.2/ata1/host0/block/sda"_s));
   EXPECT_TRUE(platform::isNetworkFileSystem(u"cifs"_s) && !platform::isNetworkFileSystem(u"ext4"_s));
 

@@ -4,7 +4,6 @@
 #include <atomic>
 #include <cerrno>
 #include <sys/types.h>
-#include <thread>
 
 using namespace Qt::StringLiterals;
 using sandbox::Endpoint;
@@ -18,6 +17,16 @@ extern "C" ssize_t __wrap_write(int descriptor, const void *bytes, std::size_t c
   if (writeFailsWith == 0) return __real_write(descriptor, bytes, count);
   errno = writeFailsWith;
   return -1;
+}
+
+static std::atomic<bool> endsWithSync = false;
+static std::atomic<bool> ended = false;
+
+extern "C" int __real_fdatasync(int descriptor);
+extern "C" int __wrap_fdatasync(int descriptor);
+extern "C" int __wrap_fdatasync(int descriptor) {
+  if (endsWithSync) ended = true;
+  return __real_fdatasync(descriptor);
 }
 // NOLINTEND(bugprone-reserved-identifier)
 
@@ -71,27 +80,15 @@ TEST(SavedFileName, isCutBetweenCharactersToWhatFileSystemsTake) {
   EXPECT_EQ(numberedFilePath(u'/' + n(255), 4'000'000'000), u'/' + n(243) + u"_4000000000"_s);
 }
 
-TEST_F(Saving, countsUpForATakenNameAndTouchesNoOtherFile) {
-  ASSERT_TRUE(QFile::link(picture(u"elsewhere"_s), picture(u"IMG_1.JPG"_s)));
-  ASSERT_TRUE(QFile(picture(u"IMG_1_2.JPG"_s)).open(QFile::WriteOnly));
-  EXPECT_EQ(save().outputFilePath, picture(u"IMG_1_1.JPG"_s));
-  EXPECT_EQ(save().outputFilePath, picture(u"IMG_1_3.JPG"_s));
-  EXPECT_EQ(QFileInfo(picture(u"IMG_1_2.JPG"_s)).size(), 0);
-  EXPECT_FALSE(QFile::exists(picture(u"elsewhere"_s)));
-  EXPECT_EQ(savedFiles().size(), 4);
-}
-
-TEST_F(Saving, showsNoFileBeforeItIsWhole) {
-  service.order(Endpoint::ObjectGet, {.kind = sandbox::Fault::Kind::SlowBody});
-  std::thread other([this] {
-    EXPECT_TRUE(service.waitForRequests(Endpoint::ObjectGet, 1, std::chrono::seconds(20)));
-    for (const QString &name : savedFiles())
-      EXPECT_TRUE(name.startsWith(u'.')) << name.toStdString();
-    request.stopServerRequest();
-  });
-  EXPECT_EQ(save().result, NoHttpStatus);
-  other.join();
+TEST_F(Saving, savesNothingOnceItsLinkHasEndedEvenWhileTheFileWentToDisk) {
+  KaServerRequest ending([] { return ended.load(); });
+  EXPECT_EQ(ending.getAwsS3Object(presigned(imageKey), by, defaultPath).result, Success);
+  EXPECT_TRUE(QFile::remove(picture(u"IMG_1.JPG"_s)));
+  endsWithSync = true;
+  const SavedObject saved = ending.getAwsS3Object(presigned(imageKey), by, defaultPath);
+  EXPECT_EQ(std::tuple(saved.result, saved.statusCode, saved.outputFilePath), std::tuple(NoHttpStatus, 0, QString()));
   EXPECT_EQ(savedFiles(), QStringList());
+  EXPECT_EQ(service.requestCount(Endpoint::ObjectGet), 2) << "the second came whole";
 }
 
 TEST_F(Saving, leavesNoFileWhenTheDiskFails) {

@@ -4,6 +4,7 @@
 #include "sandbox/Library.h"
 #include "sandbox/Service.h"
 #include "service/KaServerRequest.h"
+#include "service/KaStorage.h"
 #include "tests/support/TestProfile.h"
 
 #include <QDir>
@@ -12,7 +13,10 @@
 
 /// The service on this machine with one image in its library, and user defaults that lead to it.
 struct ServiceTest : testing::Test {
-  ServiceTest() { service.library().add(image); }
+  ServiceTest() {
+    service.library().add(image);
+    storage.setCredential(by);
+  }
 
   [[nodiscard]] QString url(const QString &host, const QString &target) const {
     return QStringLiteral("https://%1.localhost:%2%3").arg(host).arg(service.port()).arg(target);
@@ -26,10 +30,12 @@ struct ServiceTest : testing::Test {
   sandbox::Service service;
   const TestProfile profile{service.userDefaults()};
   const sandbox::TemporaryCredential issued = service.issueCredential();
-  const KaCredential by = {issued.accessKeyId, issued.secretAccessKey, issued.sessionToken, {}};
+  const KaCredential by = {issued.accessKeyId, issued.secretAccessKey, issued.sessionToken,
+                           QString::number(issued.expiration)};
   sandbox::LibraryObject image = {QStringLiteral("dev01"),  QStringLiteral("20240501"),
                                   QStringLiteral("10"),     QStringLiteral("00 é"),
                                   QByteArray(100'000, 'p'), sandbox::fileNameHeader(QStringLiteral("IMG_1.JPG"))};
   const QString imageKey = service.library().imageKey(image);
   KaServerRequest request;
+  KaStorage storage{request};
 };

@@ -91,9 +91,7 @@ TEST_F(SettingsFiles, overrideWaitsByPositiveWholeNumbersOnly) {
                              {u"PollingErrorWaitTime"_s, u"0"_s},
                              {u"ImageRetryWaitTime"_s, u"soon"_s},
                              {u"ExifRetryWaitTime"_s, QString::number(INT64_MAX)}});
-  KaWaitTimes waitTimes;
-  loadWaitTimeOverrides(waitTimes);
-  EXPECT_EQ(waitTimes, (KaWaitTimes{7s, 180s, 60s, 876'000h}));
+  EXPECT_EQ(loadWaitTimes({1s, 2s, 3s, 4s}), (KaWaitTimes{7s, 2s, 3s, 876'000h}));
 }
 
 } // namespace

@@ -6,8 +6,6 @@
 #include <QFile>
 #include <QProcessEnvironment>
 
-#include <csignal>
-
 using namespace Qt::StringLiterals;
 
 #if defined(__SANITIZE_THREAD__)
@@ -20,11 +18,7 @@ extern "C" const char *__tsan_default_options() {
 }
 #endif
 
-namespace {
-
-const QString kName = u"com.norvale.Downloaderpictora"_s;
-
-} // namespace
+static const QString kName = u"com.norvale.Downloaderpictora"_s;
 
 AgentProcess::AgentProcess(const QStringList &arguments, const QString &display) {
   auto environment = QProcessEnvironment::systemEnvironment();
@@ -35,9 +29,7 @@ AgentProcess::AgentProcess(const QStringList &arguments, const QString &display)
 }
 
 AgentProcess::~AgentProcess() {
-  if (process.state() == QProcess::NotRunning) return;
-  process.kill();
-  process.waitForFinished();
+  kill9();
 }
 
 bool AgentProcess::waitUntilServing() {
@@ -52,15 +44,14 @@ bool AgentProcess::requestAction(const QString &action) {
 }
 
 void AgentProcess::kill9() {
-  ::kill(static_cast<pid_t>(process.processId()), SIGKILL);
+  process.kill();
   process.waitForFinished();
 }
 
 std::optional<int> AgentProcess::waitForEnd(std::chrono::milliseconds deadline) {
-  if (process.state() != QProcess::NotRunning && !process.waitForFinished(static_cast<int>(deadline.count()))) {
-    return std::nullopt;
-  }
-  if (process.exitStatus() != QProcess::NormalExit) return std::nullopt;
+  const bool hasEnded =
+      process.state() == QProcess::NotRunning || process.waitForFinished(static_cast<int>(deadline.count()));
+  if (!hasEnded || process.exitStatus() != QProcess::NormalExit) return std::nullopt;
   return process.exitCode();
 }
 

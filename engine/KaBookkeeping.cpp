@@ -1,0 +1,66 @@
+#include "engine/KaBookkeeping.h"
+
+#include "engine/KaDownloadProcessorDelegate.h"
+#include "engine/KaDownloadSession.h"
+#include "engine/KaFilledFolders.h"
+#include "engine/KaImageKey.h"
+
+using namespace Qt::StringLiterals;
+
+bool KaBookkeeping::load() {
+  thread.check();
+  bool loaded = true;
+  for (const KaTargetStorage storage : kTargetStorages)
+    if (!with.delegate.loadGetImageInfo(recordName(storage))) loaded = false;
+  return loaded;
+}
+
+bool KaBookkeeping::save(KaTargetStorage targetStorage) {
+  thread.check();
+  // Else a power cut could leave a record that counts on pictures that have no name.
+  with.filledFolders.sync();
+  return with.delegate.saveGetImageInfo(recordName(targetStorage), recordKey(targetStorage));
+}
+
+bool KaBookkeeping::hasUser() const {
+  return with.session.userUUID().has_value();
+}
+
+QString KaBookkeeping::account() const {
+  return with.session.userUUID().value_or(QString());
+}
+
+QString KaBookkeeping::lastDateTime(KaTargetStorage targetStorage) const {
+  return with.delegate.downloadDataLastDateTime(recordKey(targetStorage)).value_or(QString());
+}
+
+QStringList KaBookkeeping::contentIds(KaTargetStorage targetStorage) const {
+  return with.delegate.downloadDataContentIds(recordKey(targetStorage)).value_or(QStringList());
+}
+
+qint64 KaBookkeeping::lastPreview() const {
+  return contentIds(KaTargetStorage::Preview2K).value(0).toLongLong();
+}
+
+void KaBookkeeping::saveImageInfo(const KaImageKey &image, KaTargetStorage targetStorage) {
+  thread.check();
+  const QString key = recordKey(targetStorage);
+  // The 10G storage has no order by time: an object may come to it late, so all its ids stay.
+  if (targetStorage == KaTargetStorage::LongTerm10G)
+    return with.delegate.setDownloadDataAddContent(key, image.contentId());
+
+  const auto last = with.delegate.downloadDataLastDateTime(key);
+  if (!last) return;
+  const QString dateTime = u"%1/%2"_s.arg(image.date(), image.hour());
+  if (*last == dateTime) with.delegate.setDownloadDataAddContent(key, image.contentId());
+  if (*last < dateTime) with.delegate.setDownloadDataNewDate(key, dateTime, image.contentId());
+}
+
+void KaBookkeeping::savePreviewInfo(qint64 index) {
+  thread.check();
+  with.delegate.setDownloadDataNewDate(recordKey(KaTargetStorage::Preview2K), QString(), QString::number(index));
+}
+
+QString KaBookkeeping::recordKey(KaTargetStorage targetStorage) const {
+  return uuidKey(account(), targetStorage);
+}

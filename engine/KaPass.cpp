@@ -1,0 +1,39 @@
+#include "engine/KaPass.h"
+
+#include "engine/DiskSpace.h"
+#include "engine/KaDownloadProcessorDelegate.h"
+#include "engine/KaDownloadSession.h"
+#include "engine/KaFilledFolders.h"
+#include "log/KaLogUtility.h"
+
+KaPass::KaPass(const Parts &parts, const QString &parentFolder) : with(parts), parent(parentFolder) {
+}
+
+bool KaPass::beginItem(const QString &title, const QString &logLine) {
+  thread.check();
+  KaLogUtility::writeInfoLog(title, {logLine});
+  if (carried() == KaResultCode::Success) carry(with.session.renewIfExpiring());
+  return !isOver();
+}
+
+bool KaPass::isOver() const {
+  return with.session.isOver();
+}
+
+KaPass::Verdict KaPass::judgeItem(qint64 size) {
+  // A failure is carried over on purpose: what follows it is passed over until a check of a later item succeeds.
+  if (carried() != KaResultCode::Success) return Verdict::PassOver;
+  if (with.delegate.verifyDownloadOptionParentFolder(parent) != KaResultCode::Success) {
+    carry(KaResultCode::FileNotSaved);
+    return Verdict::Stop;
+  }
+  if (hasRoomFor(size, parent)) return Verdict::Take;
+  carry(KaResultCode::DiskFull);
+  return isOver() ? Verdict::Stop : Verdict::PassOver;
+}
+
+bool KaPass::makeFolder(const QString &folder) {
+  if (with.filledFolders.make(folder, parent)) return true;
+  carry(KaResultCode::FileNotSaved);
+  return false;
+}

@@ -1,0 +1,77 @@
+#pragma once
+
+#include "platform/Mutex.h"
+#include "platform/ThreadBound.h"
+#include "service/KaCredential.h"
+#include "service/ServerAnswer.h"
+
+#include <QString>
+
+#include <chrono>
+#include <functional>
+#include <optional>
+
+class KaServerRequest;
+struct ListParameters;
+
+/// The object store: holds the temporary credentials and answers in values. Keys are plain text here; how they travel
+/// and are signed is decided below. Download thread, but for the credentials.
+///
+/// Without credentials everything fails with LinkInvalid, unasked; and so it does, by the service's word, once they
+/// have expired.
+class KaStorage {
+public:
+  /// Takes each page of a listing as it comes.
+  using PageTaker = std::function<void(const ListingPage &page)>;
+
+  /// @param request  outlives this object.
+  explicit KaStorage(KaServerRequest &request) : toSend(request) {}
+  KaStorage(const KaStorage &) = delete;
+  KaStorage &operator=(const KaStorage &) = delete;
+
+  /// @name Credentials. Any thread.
+  /// @{
+  void setCredential(const KaCredential &credential) { held.set(credential); }
+  void deleteCredential() { held.set({}); }
+  /// All empty without one.
+  [[nodiscard]] KaCredential credential() const { return held.get(); }
+  /// Whether the credentials end within @p lead from now, or there are none.
+  [[nodiscard]] bool expiresWithin(std::chrono::seconds lead) const;
+  /// @}
+
+  /// @name Listings, over all their pages. NoHttpStatus when no status arrived; NoBody, too, for a page that cannot be
+  /// parsed and for pages that go round in circles.
+  /// @{
+  /// The names directly below @p prefix, which ends in "/".
+  [[nodiscard]] ListingOutcome listDevices(const QString &prefix, const PageTaker &take);
+  /// The objects whose keys begin with @p prefix and come after @p startAfter.
+  [[nodiscard]] ListingOutcome listObjects(const QString &prefix, const QString &startAfter, const PageTaker &take);
+  /// @}
+
+  /// @name Documents. NoHttpStatus when no status arrived.
+  /// @{
+  [[nodiscard]] StoredDocument document(const QString &key);
+  /// The list of previews of an account.
+  [[nodiscard]] StoredDocument previewList(const QString &account);
+  /// @}
+
+  /// @name Objects
+  /// @{
+  /// No answer gives ServerError.
+  [[nodiscard]] ObjectHead head(const QString &key);
+  /// Whether an object belongs to the 10G storage. No answer gives ServerError, and a yes.
+  [[nodiscard]] TagVerdict checkObjectTagIs10GStorage(const QString &key);
+  /// Saves an object beside @p defaultFilePath under the name that came with it; see KaServerRequest::getAwsS3Object.
+  [[nodiscard]] SavedObject save(const QString &key, const QString &defaultFilePath);
+  /// The same under a name given by the caller.
+  [[nodiscard]] SavedObject savePreview(const QString &key, const QString &defaultFilePath,
+                                        const std::optional<QString> &fileName);
+  /// @}
+
+private:
+  [[nodiscard]] ListingOutcome readPages(ListParameters parameters, const PageTaker &take);
+
+  KaServerRequest &toSend;
+  const platform::ThreadBound downloadThread{};
+  platform::Guarded<KaCredential> held;
+};

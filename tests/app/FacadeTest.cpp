@@ -1,0 +1,203 @@
+#include "app/KaDownloadDelegate.h"
+#include "app/KaModelFacade.h"
+#include "identity/KaLinkageUtility.h"
+#include "sandbox/Service.h"
+#include "settings/SettingsFiles.h"
+#include "tests/support/FakeBrowser.h"
+#include "tests/support/TestProfile.h"
+
+#include <QCoreApplication>
+#include <QThread>
+#include <QUrl>
+#include <QUrlQuery>
+
+#include <gtest/gtest.h>
+
+#include <atomic>
+
+using namespace Qt::StringLiterals;
+using namespace std::chrono_literals;
+using sandbox::Endpoint;
+using sandbox::Fault;
+
+namespace {
+
+/// Notes what the thread that made it is told. The download thread's reports are others' to test, but for its end.
+class RecordingDelegate final : public KaDownloadDelegate {
+public:
+  void onChangeStatus(KaModelFacade &, KaAppStatus status) override { note(u"status"_s, static_cast<int>(status)); }
+  void onProcessingResult(KaModelFacade &, KaResultCode code, bool) override {
+    note(u"result"_s, static_cast<int>(code));
+  }
+  void onCompleteLinkageSetting() override { note(u"login"_s, true); }
+  void onSetEnableLogginMenu(bool) override {}
+  void onFinishDownloadProcess() override { finished = true; }
+  void onChangeLinkage(bool linked) override { note(u"linkage"_s, linked); }
+
+  QStringList reports;
+  std::atomic<bool> finished = false;
+
+private:
+  void note(const QString &report, int value) {
+    if (QThread::currentThreadId() == ownThread) reports << u"%1 %2"_s.arg(report).arg(value);
+  }
+
+  const Qt::HANDLE ownThread = QThread::currentThreadId();
+};
+
+class FacadeLinkage : public testing::Test {
+protected:
+  FacadeLinkage() { facade().setDlDelegate(&delegate); }
+  ~FacadeLinkage() override {
+    facade().endDownloadProcess();
+    EXPECT_TRUE(waitFor([this] { return delegate.finished.load(); }));
+    facade().setDlDelegate(nullptr);
+  }
+
+  static KaModelFacade &facade() { return KaModelFacade::sharedInstance(); }
+
+  /// The user's part of a login: what the callback URL of the page brings.
+  [[nodiscard]] QString signIn() {
+    const QString callback = service.signIn(browser.takeUrl().value_or(QString()));
+    return QUrlQuery(QUrl(callback)).queryItemValue(u"idToken"_s);
+  }
+  /// Starts a login whose verification is under way on return.
+  QString startLogin() {
+    facade().setupLinkage();
+    const QString token = signIn();
+    facade().setIdCode(token);
+    EXPECT_TRUE(service.waitForRequests(Endpoint::Keys, 1, 20s));
+    return token;
+  }
+  [[nodiscard]] bool waitForReports(const QStringList &expected) const {
+    return waitFor([&] { return delegate.reports.size() >= expected.size(); }) && delegate.reports == expected;
+  }
+
+  int noArguments = 0;
+  const QCoreApplication application{noArguments, nullptr};
+  sandbox::Service service;
+  const TestProfile profile{service.userDefaults()};
+  const FakeBrowser browser{profile};
+  RecordingDelegate delegate;
+};
+
+TEST_F(FacadeLinkage, storesALoginForWhichTheBrowserCallsAgainAndAgainAndClosesIt) {
+  ASSERT_TRUE(KaLinkageUtility::saveLinkageSetting(u"old"_s) && KaLinkageUtility::saveTokenCode(u"old"_s));
+  facade().initializeLinkageSetting();
+  EXPECT_EQ(delegate.reports, (QStringList{u"status 0"_s, u"linkage 1"_s}));
+  service.order(Endpoint::Keys, {.kind = Fault::Kind::SlowBody});
+  const QString token = startLogin();
+  EXPECT_FALSE(KaLinkageUtility::loadLinkageSetting() || KaLinkageUtility::loadTokenCode()) << "of an older link";
+  EXPECT_EQ(facade().linkState(), KaLinkState::Linked) << "until the login has completed";
+  for (int times = 0; times < 5; ++times)
+    facade().setIdCode(token);
+  service.clearFaults();
+  QStringList expected{u"status 0"_s, u"linkage 1"_s, u"login 1"_s, u"linkage 1"_s};
+  EXPECT_TRUE(waitForReports(expected));
+  EXPECT_EQ(facade().linkState(), KaLinkState::AwaitsFolders);
+  facade().confirmFolders();
+  EXPECT_EQ(facade().linkState(), KaLinkState::Linked);
+  facade().setIdCode(token);
+  facade().setIdCode(u"not that token"_s);
+  EXPECT_TRUE(waitForReports(expected << u"result 16"_s)) << "the nonce counts once";
+  EXPECT_EQ(facade().loadLinkageSetting(), token);
+  EXPECT_EQ(KaLinkageUtility::loadLinkageSetting(), token);
+  EXPECT_TRUE(KaLinkageUtility::existCodeVerifier());
+  facade().closeLinkage();
+  EXPECT_EQ(delegate.reports, expected << u"status 3"_s << u"result 5"_s);
+  EXPECT_TRUE(browser.takeUrl().value_or(QString()).contains(u"/logout?"_s));
+  EXPECT_FALSE(facade().bLoggedIn() || facade().linkState() != KaLinkState::Unlinked);
+  EXPECT_FALSE(KaLinkageUtility::loadLinkageSetting() || KaLinkageUtility::existCodeVerifier());
+  EXPECT_EQ(facade().loadLinkageSetting(), token) << "the token in memory stays";
+}
+
+TEST_F(FacadeLinkage, completesALoginAlthoughAnEarlierOneCallsBackAgain) {
+  const QString first = startLogin();
+  EXPECT_TRUE(waitForReports({u"login 1"_s, u"linkage 1"_s}));
+  facade().setupLinkage();
+  facade().setIdCode(first);
+  const QString second = signIn();
+  facade().setIdCode(second);
+  EXPECT_TRUE(waitForReports({u"login 1"_s, u"linkage 1"_s, u"login 1"_s, u"linkage 1"_s}));
+  EXPECT_EQ(facade().loadLinkageSetting(), second);
+}
+
+TEST_F(FacadeLinkage, storesNothingOfALoginThatNobodyAskedForOrThatDoesNotHold) {
+  facade().initializeLinkageSetting();
+  facade().setIdCode(service.issueLinkedToken().idToken);
+  EXPECT_TRUE(waitForReports({u"result 10"_s, u"result 16"_s}));
+  facade().setupLinkage();
+  service.setTokenFault(sandbox::TokenFault::BadSignature);
+  facade().setIdCode(signIn());
+  EXPECT_TRUE(waitForReports({u"result 10"_s, u"result 16"_s, u"result 16"_s}));
+  EXPECT_TRUE(facade().linkState() == KaLinkState::Unlinked && !facade().loadLinkageSetting());
+}
+
+TEST_F(FacadeLinkage, goesOnWithItsLinkWhenALoginDoesNotHold) {
+  const sandbox::LinkedToken linked = service.issueLinkedToken();
+  ASSERT_TRUE(KaLinkageUtility::saveLinkageSetting(linked.idToken)
+              && KaLinkageUtility::saveTokenCode(linked.tokenCode));
+  facade().initializeLinkageSetting();
+  ASSERT_TRUE(service.waitForRequests(Endpoint::ListDevices, 1, 20s));
+  facade().setupLinkage();
+  facade().setIdCode(service.issueLinkedToken().idToken); // of another nonce
+  EXPECT_TRUE(waitFor([&] {
+    facade().downloadNow(/*initialAccess=*/false);
+    return service.requestCount(Endpoint::RefreshToken) >= 2;
+  })) << "the patience with a login is over before its time";
+}
+
+TEST_F(FacadeLinkage, hearsNoMoreOfALoginThatTheUserClosedOrReplaced) {
+  service.order(Endpoint::Keys, {.kind = Fault::Kind::SlowBody, .times = -1});
+  startLogin();
+  EXPECT_EQ(delegate.reports, QStringList()) << "nothing waits for the verification";
+  facade().closeLinkage();
+  EXPECT_FALSE(facade().bLoggedIn());
+  EXPECT_TRUE(browser.takeUrl());
+  service.resetRequestCounts();
+  startLogin();
+  facade().setupLinkage();
+  service.clearFaults();
+  const QString token = signIn();
+  facade().setIdCode(token);
+  EXPECT_TRUE(waitForReports({u"status 3"_s, u"result 5"_s, u"login 1"_s, u"linkage 1"_s}));
+  EXPECT_EQ(facade().loadLinkageSetting(), token);
+}
+
+struct FacadeData : testing::Test {
+  const TestProfile profile;
+  KaModelFacade &facade = KaModelFacade::sharedInstance();
+};
+
+TEST_F(FacadeData, changesARecordOnlyWhereThereIsOneAndBringsItBack) {
+  const QString key = u"user30days"_s;
+  const KaDownloadData added{u"20240101/01"_s, {u"a"_s, u"a"_s}};
+  for (const auto &before : {std::optional<KaDownloadData>(), {{u"19700101/00"_s, {}}}}) {
+    if (before) facade.setDownloadDataUUID(key);
+    EXPECT_EQ(facade.downloadData(key), before);
+    facade.setDownloadDataAddContent(key, u"x"_s);
+    facade.setDownloadDataNewDate(key, added.LastDateTime, u"a"_s);
+    facade.setDownloadDataAddContent(key, u"a"_s);
+  }
+  facade.setDownloadDataUUID(key);
+  facade.setDownloadData(u"another key"_s, u"20240101/01"_s, {u"b"_s});
+  EXPECT_EQ(facade.downloadData(key), added) << "what is there stays";
+  ASSERT_TRUE(facade.saveGetImageInfo(u"RecentDownloadData"_s, key));
+  facade.setDownloadData(key, u"20250101/01"_s, {});
+  EXPECT_TRUE(facade.loadGetImageInfo(u"RecentDownloadData"_s));
+  EXPECT_EQ(facade.downloadData(key), added);
+}
+
+TEST_F(FacadeData, startsWithTheDefaultSettingsAndKeepsChosenOnesAtOnce) {
+  EXPECT_FALSE(facade.loadDownloadFolderSetting());
+  EXPECT_EQ(facade.downloadOption(), defaultDownloadOption());
+  const KaDownloadOption chosen{u"/a"_s, u"/b"_s, u"false"_s, u"true"_s, u"maybe"_s, 3};
+  facade.setDownloadOption(chosen);
+  EXPECT_EQ(loadDownloadOption(), chosen) << "the app folder is there from the start";
+  const KaDownloadOption saved{u"/c"_s, u"/d"_s, u"false"_s, u"false"_s, u"false"_s, 2};
+  ASSERT_TRUE(saveDownloadOption(saved));
+  EXPECT_FALSE(facade.loadDownloadFolderSetting());
+  EXPECT_EQ(facade.downloadOption(), saved);
+}
+
+} // namespace

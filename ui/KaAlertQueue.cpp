@@ -1,0 +1,39 @@
+#include "ui/KaAlertQueue.h"
+
+#include "platform/ThreadBound.h"
+#include "ui/Texts.h"
+
+#include <QMessageBox>
+
+using namespace Qt::StringLiterals;
+
+KaAlertQueue::~KaAlertQueue() {
+  delete current;
+}
+
+void KaAlertQueue::show(const QString &text) {
+  platform::assertMainThread();
+  if (!current) return open(text);
+  if (current->text() == text) return current->raise();
+  if (!waiting.contains(text)) waiting << text;
+}
+
+void KaAlertQueue::open(const QString &text) {
+  current = new QMessageBox(QMessageBox::Warning, localised("APP_SHORT_NAME"_L1), text);
+  current->addButton(localised("DLG_COMMON_BUTTON_OK_MAC"_L1), QMessageBox::AcceptRole);
+  current->setTextFormat(Qt::PlainText);
+  current->setAttribute(Qt::WA_DeleteOnClose);
+  // A modal window would take the menu of the status item away on some desktops, and with it the way to quit.
+  current->setModal(false);
+  // The closed window goes away later; from here on it is no longer the one that is open.
+  connect(current, &QMessageBox::finished, this, [this] { current = nullptr; });
+  // Queued, so that the end of the program, which closes its windows, does not show the next one for a moment.
+  connect(current, &QMessageBox::finished, this, &KaAlertQueue::openNext, Qt::QueuedConnection);
+  current->show();
+  current->raise();
+  current->activateWindow();
+}
+
+void KaAlertQueue::openNext() {
+  if (!current && !waiting.isEmpty()) open(waiting.takeFirst());
+}

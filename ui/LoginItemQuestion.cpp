@@ -1,0 +1,52 @@
+#include "ui/LoginItemQuestion.h"
+
+#include "platform/LoginItem.h"
+#include "platform/ThreadBound.h"
+#include "platform/UserDefaults.h"
+#include "ui/Texts.h"
+
+#include <QMessageBox>
+#include <QPushButton>
+
+using namespace Qt::StringLiterals;
+
+namespace {
+
+const QString kFirstLaunch = u"firstLaunch"_s;
+const QString kLaunchAtLogin = u"LaunchAtLogin"_s;
+
+bool askWhetherToLaunchAtLogin() {
+  QMessageBox question(QMessageBox::Question, localised("APP_SHORT_NAME"_L1), localised("MSG_FIRST_LAUNCH"_L1));
+  question.setTextFormat(Qt::PlainText);
+  QPushButton *const ok = question.addButton(localised("DLG_COMMON_BUTTON_OK_MAC"_L1), QMessageBox::AcceptRole);
+  QPushButton *const cancel = question.addButton(localised("DLG_COMMON_BUTTON_CANCEL"_L1), QMessageBox::RejectRole);
+  question.setDefaultButton(ok);
+  question.setEscapeButton(cancel);
+  question.exec();
+  return question.clickedButton() == ok;
+}
+
+} // namespace
+
+bool isLaunchedAtLogin() {
+  return platform::standardUserDefaults().boolValue(kLaunchAtLogin);
+}
+
+bool setLaunchedAtLogin(bool enable) {
+  platform::assertMainThread();
+  if (!platform::setLoginItemEnabled(enable)) return false;
+  platform::standardUserDefaults().setBool(kLaunchAtLogin, enable);
+  return true;
+}
+
+bool askAtFirstLaunch(const std::function<bool()> &isTerminating) {
+  platform::assertMainThread();
+  auto &defaults = platform::standardUserDefaults();
+  defaults.registerDefaults({{kFirstLaunch, u"YES"_s}});
+  if (!defaults.boolValue(kFirstLaunch)) return true;
+  const bool accepted = askWhetherToLaunchAtLogin();
+  if (isTerminating()) return false;
+  setLaunchedAtLogin(accepted);
+  defaults.setBool(kFirstLaunch, false);
+  return true;
+}
