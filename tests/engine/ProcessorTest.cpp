@@ -83,6 +83,13 @@ TEST_F(Processor, goesOnAfterAFailedPassAndCountsAnewWhenAReCheckFindsSomething)
   EXPECT_EQ(files(), names("2024_04_30/2024-04-30.JPG 2024_04_30/A.JPG"));
 }
 
+TEST_F(Processor, renewsCredentialsThatExpireBeforeEachReCheckToo) {
+  service.setCredentialLifetime(std::chrono::seconds(300));
+  addImages("A.JPG");
+  ASSERT_TRUE(run());
+  EXPECT_EQ(asked().count(Endpoint::Sts), 1 + 1 + 3) << "for the pass, its image, and the re-checks";
+}
+
 TEST_F(Processor, waitsForANewLinkAfterABadTokenAndTellsOnlyTheUserWhoAskedThatThereIsNothing) {
   service.setTokenFault(sandbox::TokenFault::WrongNonce);
   ASSERT_TRUE(run());
@@ -240,23 +247,24 @@ TEST_F(Processor, beginsNoRunWhileALoginIsUnderWayAndKeepsItsVerifierForIt) {
   EXPECT_EQ(order.mid(exchanged, 2), (QList<Endpoint>{Endpoint::TokenCode, Endpoint::RefreshToken}));
   EXPECT_EQ(order.count(Endpoint::RefreshToken), 1);
   EXPECT_TRUE(delegate.events().contains(u"result 4"_s));
-  EXPECT_FALSE(delegate.events().contains(u"result 17"_s));
+  EXPECT_TRUE(delegate.events().filter(QRegularExpression(u"^result (17|3 by user)"_s)).isEmpty());
 }
 
 TEST_F(Processor, goesOnWithItsLinkWhenALoginIsGivenUpWhichALateCallbackStillCompletes) {
   KaLink patient(std::chrono::milliseconds(50));
   patient.load();
-  processor = std::make_unique<KaDownloadProcessor>(delegate, patient);
-  processor->startReceiving(/*initialAccess=*/false);
+  processor.reset();
+  KaDownloadProcessor patientOne(delegate, patient); // goes away before its link
+  patientOne.startReceiving(/*initialAccess=*/false);
   ASSERT_TRUE(delegate.waitForEvent(u"enableLoggin 1"_s));
   patient.beginLogin();
   const QString callback = service.signIn(browser.takeUrl().value_or(QString()));
-  processor->getContentsNow();
+  patientOne.getContentsNow();
   ASSERT_TRUE(delegate.waitForEvent(u"result 3 by user"_s)) << "the old link still works";
   EXPECT_EQ(service.requestCount(Endpoint::TokenCode), 0);
   patient.completeLogin(callback.section(u"idToken="_s, 1));
   patient.confirmFolders();
-  processor->startReceiving(/*initialAccess=*/true);
+  patientOne.startReceiving(/*initialAccess=*/true);
   EXPECT_TRUE(delegate.waitForEvent(u"result 4"_s));
   EXPECT_EQ(service.requestCount(Endpoint::TokenCode), 1);
   EXPECT_FALSE(delegate.events().contains(u"result 17"_s));
