@@ -4,6 +4,7 @@
 #include "app/LoginVerification.h"
 #include "engine/KaDownloadProcessor.h"
 #include "log/KaLogUtility.h"
+#include "platform/NoDestructor.h"
 #include "platform/ThreadBound.h"
 #include "settings/FolderCheck.h"
 #include "settings/SettingsFiles.h"
@@ -11,8 +12,8 @@
 using namespace Qt::StringLiterals;
 
 KaModelFacade &KaModelFacade::sharedInstance() {
-  static KaModelFacade instance;
-  return instance;
+  static platform::NoDestructor<KaModelFacade> instance;
+  return *instance;
 }
 
 KaModelFacade::KaModelFacade() : dOption(defaultDownloadOption()) {
@@ -21,11 +22,7 @@ KaModelFacade::KaModelFacade() : dOption(defaultDownloadOption()) {
   dlProc = std::make_unique<KaDownloadProcessor>(*this, link);
 }
 
-KaModelFacade::~KaModelFacade() {
-  dlDelegate = nullptr;
-  logins.clear();
-  dlProc.reset();
-}
+KaModelFacade::~KaModelFacade() = default;
 
 KaDownloadOption KaModelFacade::downloadOption() const {
   const platform::MutexLock lock(optionLock);
@@ -174,6 +171,11 @@ void KaModelFacade::endDownloadProcess() {
   // A login under verification would outlive what it uses.
   logins.clear();
   dlProc->endDownloadProcess();
+}
+
+void KaModelFacade::joinDownloadProcess() {
+  platform::assertMainThread();
+  dlProc->join();
 }
 
 void KaModelFacade::switchLogMode() {

@@ -19,12 +19,15 @@
 class KaDownloadDelegate;
 class KaDownloadProcessor;
 
+namespace platform {
+template <class T> class NoDestructor;
+}
+
 /// The one object through which the user interface and the download engine meet: it owns the settings, the bookkeeping,
-/// the link, the login in progress and the download processor. Made on the main thread.
+/// the link, the login in progress and the download processor. Made on the main thread, and never destroyed.
 class KaModelFacade final : public KaDownloadProcessorDelegate {
 public:
   [[nodiscard]] static KaModelFacade &sharedInstance();
-  ~KaModelFacade() override;
 
   /// Receiver of all reports; not owned, may be null. Any thread.
   void setDlDelegate(KaDownloadDelegate *delegate) { dlDelegate = delegate; }
@@ -74,6 +77,7 @@ public:
   void downloadNow(bool initialAccess);
   void cancelPollingWait();
   void endDownloadProcess();
+  void joinDownloadProcess(); ///< after onFinishDownloadProcess: waits for the last lines of the thread
   /// @}
   // The log.
   void switchLogMode();
@@ -97,7 +101,10 @@ public:
   /// @}
 
 private:
+  friend class platform::NoDestructor<KaModelFacade>;
+
   KaModelFacade();
+  ~KaModelFacade() override;
 
   class LoginVerification;
 

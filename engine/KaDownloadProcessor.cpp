@@ -45,7 +45,11 @@ KaDownloadProcessor::KaDownloadProcessor(KaDownloadProcessorDelegate &delegate, 
 
 KaDownloadProcessor::~KaDownloadProcessor() {
   endDownloadProcess();
-  d->thread.join();
+  join();
+}
+
+void KaDownloadProcessor::join() {
+  if (d->thread.joinable()) d->thread.join();
 }
 
 void KaDownloadProcessor::startReceiving(bool initialAccess) {

@@ -27,6 +27,8 @@ public:
   void loginEnded();
   /// Tells the thread to end: a request in flight stops, waits end, the bookkeeping is saved. Returns at once.
   void endDownloadProcess();
+  /// Waits for the end of a thread that was told to. Main thread.
+  void join();
   /// Forgets the temporary credentials, and ends the request in flight and waits of the run: its link is over.
   void deleteCredential();
 

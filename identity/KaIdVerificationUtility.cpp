@@ -5,6 +5,7 @@
 #include "log/KaLogUtility.h"
 #include "platform/JsonValue.h"
 #include "platform/Mutex.h"
+#include "platform/NoDestructor.h"
 #include "service/KaApplicationConstants.h"
 #include "service/KaServerRequest.h"
 
@@ -20,8 +21,11 @@ namespace {
 
 constexpr qsizetype kTokenParts = 3;
 
-/// The expected audience. At namespace scope, so that it outlives every thread that checks a token.
-platform::Guarded<QString> appId;
+/// The expected audience.
+platform::Guarded<QString> &appId() {
+  static platform::NoDestructor<platform::Guarded<QString>> known;
+  return *known;
+}
 
 void logFailedRequest(KaLogStep step, const ServerAnswer &answer) {
   KaLogUtility::writeConnectionResultLog(step, /*connectionResult=*/false, {httpLine(answer.statusCode)});
@@ -95,7 +99,7 @@ bool KaIdVerificationUtility::validatePayload(KaServerRequest &request, const QS
   if (!claims) return false;
   if (platform::jsonString(*claims, "iss"_L1) != u"https://"_s + KaApplicationConstants::idTokenHostName())
     return false;
-  const QString audience = appId.get();
+  const QString audience = appId().get();
   if (audience.isEmpty() || platform::jsonString(*claims, "aud"_L1) != audience) return false;
   if (!isUnexpired(*claims)) return false;
   return !checkNonce || (nonce && platform::jsonString(*claims, "nonce"_L1) == *nonce);
@@ -141,10 +145,10 @@ std::optional<QString> KaIdVerificationUtility::ParseNonce(const QString &token)
 }
 
 void KaIdVerificationUtility::initializeAppId(KaServerRequest &request) {
-  if (!appId.get().isEmpty()) return;
+  if (!appId().get().isEmpty()) return;
   const ServerAnswer answer = request.getKaAppId();
   if (answer.result != KaResultCode::Success) return logFailedRequest(KaLogStep::GetClientId, answer);
   const auto configuration = platform::parseJsonObject(answer.data);
   const auto clientId = configuration ? platform::jsonString(*configuration, "clientId"_L1) : std::nullopt;
-  if (clientId) appId.set(*clientId);
+  if (clientId) appId().set(*clientId);
 }

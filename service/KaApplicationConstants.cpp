@@ -1,8 +1,10 @@
 #include "service/KaApplicationConstants.h"
 
+#include "platform/NoDestructor.h"
 #include "platform/UserDefaults.h"
 
 using namespace Qt::StringLiterals;
+using platform::NoDestructor;
 
 namespace {
 
@@ -23,61 +25,62 @@ QString lookUp(const Constant &constant) {
 } // namespace
 
 QString KaApplicationConstants::strataHostName() {
-  static const QString value = lookUp({u"strataHostName"_s, u"api.norvale.example"_s});
-  return value;
+  static const NoDestructor<QString> value(lookUp({u"strataHostName"_s, u"api.norvale.example"_s}));
+  return *value;
 }
 
 QString KaApplicationConstants::strataSiteTopHostName() {
-  static const QString value = lookUp({u"strataSiteTopHostName"_s, u"www.norvale.example"_s});
-  return value;
+  static const NoDestructor<QString> value(lookUp({u"strataSiteTopHostName"_s, u"www.norvale.example"_s}));
+  return *value;
 }
 
 QString KaApplicationConstants::idTokenHostName() {
-  static const QString value = lookUp({u"idTokenHostName"_s, u"id.norvale.example"_s});
-  return value;
+  static const NoDestructor<QString> value(lookUp({u"idTokenHostName"_s, u"id.norvale.example"_s}));
+  return *value;
 }
 
 QString KaApplicationConstants::awsS3BucketName() {
-  static const QString value = lookUp({u"awsS3BucketName"_s, u"strata-prd-content"_s});
-  return value;
+  static const NoDestructor<QString> value(lookUp({u"awsS3BucketName"_s, u"strata-prd-content"_s}));
+  return *value;
 }
 
 QString KaApplicationConstants::awsS3PreviewListBucketName() {
   // The registered value is not the returned one: kept, since later readers of the key see it.
-  static const QString value = lookUp({.key = u"awsS3PreviewListBucketName"_s,
-                                       .builtIn = u"strata-prd-ka-preview-list"_s,
-                                       .registeredValue = u"strata-prd-Ka-S3AccessLog"_s});
-  return value;
+  static const NoDestructor<QString> value(lookUp({.key = u"awsS3PreviewListBucketName"_s,
+                                                   .builtIn = u"strata-prd-ka-preview-list"_s,
+                                                   .registeredValue = u"strata-prd-Ka-S3AccessLog"_s}));
+  return *value;
 }
 
 QString KaApplicationConstants::awsS3AccelerateHostName() {
-  static const QString value = lookUp({u"awsS3AccelerateHostName"_s, u"s3-accelerate.amazonaws.com"_s});
-  return value;
+  static const NoDestructor<QString> value(lookUp({u"awsS3AccelerateHostName"_s, u"s3-accelerate.amazonaws.com"_s}));
+  return *value;
 }
 
 QString KaApplicationConstants::awsStsHostName() {
-  static const QString value = lookUp({u"awsStsHostName"_s, u"sts.amazonaws.com"_s});
-  return value;
+  static const NoDestructor<QString> value(lookUp({u"awsStsHostName"_s, u"sts.amazonaws.com"_s}));
+  return *value;
 }
 
 QString KaApplicationConstants::awsStsRoleArn() {
-  static const QString value = lookUp({u"awsStsRoleArn"_s, u"arn:aws:iam::000000000000:role/strata-prd-download"_s});
-  return value;
+  static const NoDestructor<QString> value(
+      lookUp({u"awsStsRoleArn"_s, u"arn:aws:iam::000000000000:role/strata-prd-download"_s}));
+  return *value;
 }
 
 QString KaApplicationConstants::awsLogsHostName() {
-  static const QString value = lookUp({u"awsLogsHostName"_s, u"logs.eu-west-1.amazonaws.com"_s});
-  return value;
+  static const NoDestructor<QString> value(lookUp({u"awsLogsHostName"_s, u"logs.eu-west-1.amazonaws.com"_s}));
+  return *value;
 }
 
 QString KaApplicationConstants::awsLogsGroupName() {
   // Read under one key and registered under another: kept, overrides are stored under "awsLogGroupName".
-  static const QString value = lookUp(
-      {.key = u"awsLogGroupName"_s, .builtIn = u"strata-prd-Ka-LogGroup"_s, .registeredKey = u"awsLogsGroupName"_s});
-  return value;
+  static const NoDestructor<QString> value(lookUp(
+      {.key = u"awsLogGroupName"_s, .builtIn = u"strata-prd-Ka-LogGroup"_s, .registeredKey = u"awsLogsGroupName"_s}));
+  return *value;
 }
 
 QString KaApplicationConstants::awsLogsStreamName() {
-  static const QString value = lookUp({u"awsLogsStreamName"_s, u"strata-prd-Ka-S3AccessLog"_s});
-  return value;
+  static const NoDestructor<QString> value(lookUp({u"awsLogsStreamName"_s, u"strata-prd-Ka-S3AccessLog"_s}));
+  return *value;
 }

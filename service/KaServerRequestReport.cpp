@@ -11,9 +11,9 @@ using namespace Qt::StringLiterals;
 
 namespace {
 
-const QString kContentType = u"application/x-amz-json-1.1"_s;
+constexpr auto kContentType = "application/x-amz-json-1.1"_L1;
 constexpr qsizetype kLongestErrorCode = 200;
-const QString kTarget = u"Logs_20140328.PutLogEvents"_s;
+constexpr auto kTarget = "Logs_20140328.PutLogEvents"_L1;
 
 QString authorizationFor(const KaCredential &credential, const QString &timestamp, const QString &host,
                          const QString &logMessage) {
@@ -48,8 +48,8 @@ ServerAnswer KaServerRequest::notifyDownloadCompletion(const KaCredential &crede
                 .url = u"https://"_s + host,
                 .headers = {{"x-amz-date", timestamp.toUtf8()},
                             {"x-amz-security-token", credential.sessionToken.toUtf8()},
-                            {"x-amz-target", kTarget.toUtf8()},
-                            {"content-type", kContentType.toUtf8()},
+                            {"x-amz-target", kTarget.data()},
+                            {"content-type", kContentType.data()},
                             {"Authorization", authorizationFor(credential, timestamp, host, logMessage).toUtf8()}},
                 .body = logMessage.toUtf8()},
                EmptyBody::IsSuccess);

@@ -9,9 +9,9 @@ using namespace Qt::StringLiterals;
 
 namespace {
 
-const QString kAlgorithm = u"AWS4-HMAC-SHA256"_s;
-const QString kRegion = u"eu-west-1"_s;
-const QString kScopeEnd = u"aws4_request"_s;
+constexpr auto kAlgorithm = "AWS4-HMAC-SHA256"_L1;
+constexpr auto kRegion = "eu-west-1"_L1;
+constexpr auto kScopeEnd = "aws4_request"_L1;
 constexpr int kDigestSize = 32;
 
 using namespace signature_v4;
@@ -26,7 +26,7 @@ QString hashText(const QString &text) {
 
 QByteArray signingKey(const QString &secret, const QString &dateStamp, const QString &service) {
   QByteArray key = "AWS4" + secret.toUtf8();
-  for (const QString &part : {dateStamp, kRegion, service, kScopeEnd})
+  for (const QString &part : QStringList{dateStamp, kRegion, service, kScopeEnd})
     key = toHmacSHA256hash(key, part);
   return key;
 }

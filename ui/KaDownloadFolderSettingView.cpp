@@ -2,6 +2,7 @@
 
 #include "app/KaModelFacade.h"
 #include "log/ExceptionGuard.h"
+#include "platform/NoDestructor.h"
 #include "ui/Texts.h"
 #include "ui_DownloadFolderSettingWindow.h"
 
@@ -28,8 +29,8 @@ QString stateWord(const QCheckBox &checkBox) {
 
 /// A text as it is read out: without the mark of its mnemonic, and without the letter that scripts of other kinds add.
 QString spoken(QString text) {
-  static const QRegularExpression mark(uR"(\(&\w\)|&)"_s);
-  return text.remove(mark);
+  static const platform::NoDestructor<QRegularExpression> mark(uR"(\(&\w\)|&)"_s);
+  return text.remove(*mark);
 }
 
 /// Empty for a code that has no message.

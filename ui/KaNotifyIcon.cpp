@@ -247,13 +247,18 @@ void KaNotifyIcon::guarded(const std::function<void()> &action) {
   if (!runGuarded(action)) onProcessingResult(model, KaResultCode::Unexpected, /*userTrigger=*/true);
 }
 
-bool KaNotifyIcon::appFinalize() {
+bool KaNotifyIcon::appFinalize(std::chrono::milliseconds finishWait) {
   platform::assertMainThread();
   iconDrawTimer.stop();
   model.saveDownloadFolderSetting();
   model.endDownloadProcess();
 
-  const auto deadline = std::chrono::steady_clock::now() + times.finishWait;
+  const bool finished = waitForFinish(std::chrono::steady_clock::now() + finishWait);
+  if (finished) model.joinDownloadProcess();
+  return finished;
+}
+
+bool KaNotifyIcon::waitForFinish(std::chrono::steady_clock::time_point deadline) {
   const platform::MutexLock scope(finishLock);
   while (!hasFinished) {
     if (appcnd.wait_until(finishLock, deadline) == std::cv_status::timeout) break;

@@ -21,8 +21,7 @@
 
 struct KaNotifyIconTimes {
   std::chrono::milliseconds tick{800};
-  std::chrono::milliseconds startDelay{1000};   ///< from a completed login to its first run
-  std::chrono::milliseconds finishWait{10'000}; ///< at most this long for the download thread's end
+  std::chrono::milliseconds startDelay{1000}; ///< from a completed login to its first run
 };
 
 /// The controller of the status item: turns what the facade reports into icon, tooltip, menu, notifications and alerts,
@@ -64,8 +63,8 @@ public:
   /// @}
 
   /// Saves the folder settings, ends the download thread and waits for its end; no wait when it has ended before.
-  /// @return false when the thread still runs after the longest wait.
-  [[nodiscard]] bool appFinalize();
+  /// Needs no event loop. @return false when the thread still runs after @p finishWait.
+  [[nodiscard]] bool appFinalize(std::chrono::milliseconds finishWait = std::chrono::seconds(10));
 
 private:
   struct Detach {
@@ -85,6 +84,7 @@ private:
   void startInitialRun();
   void notificationActivated(const QString &processingResult);
   void openFolder(const QString &path);
+  [[nodiscard]] bool waitForFinish(std::chrono::steady_clock::time_point deadline);
   void guarded(const std::function<void()> &action);
 
   KaModelFacade &model;

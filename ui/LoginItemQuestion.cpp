@@ -12,8 +12,8 @@ using namespace Qt::StringLiterals;
 
 namespace {
 
-const QString kFirstLaunch = u"firstLaunch"_s;
-const QString kLaunchAtLogin = u"LaunchAtLogin"_s;
+constexpr auto kFirstLaunch = "firstLaunch"_L1;
+constexpr auto kLaunchAtLogin = "LaunchAtLogin"_L1;
 
 bool askWhetherToLaunchAtLogin() {
   QMessageBox question(QMessageBox::Question, localised("APP_SHORT_NAME"_L1), localised("MSG_FIRST_LAUNCH"_L1));

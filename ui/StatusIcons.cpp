@@ -1,6 +1,7 @@
 #include "ui/StatusIcons.h"
 
 #include "platform/AppInfo.h"
+#include "platform/NoDestructor.h"
 
 #include <QPixmap>
 
@@ -57,11 +58,12 @@ QIcon loadIcon(StatusFrame frame) {
 } // namespace
 
 const QIcon &statusIcon(StatusFrame frame) {
-  static const auto icons = [] {
-    std::array<QIcon, kFrames.size()> loaded;
+  using Icons = std::array<QIcon, kFrames.size()>;
+  static const platform::NoDestructor<Icons> icons([] {
+    Icons loaded;
     for (std::size_t i = 0; i < kFrames.size(); ++i)
       loaded[i] = loadIcon(kFrames[i]);
     return loaded;
-  }();
-  return icons[static_cast<std::size_t>(frame)];
+  }());
+  return (*icons)[static_cast<std::size_t>(frame)];
 }

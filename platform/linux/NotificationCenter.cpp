@@ -18,7 +18,7 @@ using namespace Qt::StringLiterals;
 namespace platform {
 namespace {
 
-const QString kService = u"org.freedesktop.Notifications"_s;
+constexpr auto kService = "org.freedesktop.Notifications"_L1;
 constexpr int kCallWaitMs = 5000;
 
 /// Without a bus, one that ended too, calls would never end, not even in an error.

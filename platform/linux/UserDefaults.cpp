@@ -1,6 +1,7 @@
 #include "platform/UserDefaults.h"
 
 #include "platform/Folders.h"
+#include "platform/NoDestructor.h"
 
 #include <QDir>
 #include <QFile>
@@ -56,14 +57,14 @@ std::optional<QString> UserDefaults::string(const QString &key) const {
 
 bool UserDefaults::boolValue(const QString &key) const {
   const QString text = string(key).value_or(QString()).trimmed();
-  static const QRegularExpression kTrue(u"^([yYtT]|[+-]?0*[1-9])"_s);
-  return kTrue.match(text).hasMatch();
+  static const NoDestructor<QRegularExpression> kTrue(u"^([yYtT]|[+-]?0*[1-9])"_s);
+  return kTrue->match(text).hasMatch();
 }
 
 qint64 UserDefaults::integerValue(const QString &key) const {
-  static const QRegularExpression kLeadingNumber(u"^\\s*([+-]?[0-9]+)"_s);
+  static const NoDestructor<QRegularExpression> kLeadingNumber(u"^\\s*([+-]?[0-9]+)"_s);
   const QString text = string(key).value_or(QString());
-  return kLeadingNumber.match(text).captured(1).toLongLong();
+  return kLeadingNumber->match(text).captured(1).toLongLong();
 }
 
 std::optional<double> UserDefaults::doubleValue(const QString &key) const {
@@ -90,9 +91,9 @@ void UserDefaults::registerDefaults(const QHash<QString, QString> &defaults) {
 }
 
 UserDefaults &standardUserDefaults() {
-  static UserDefaults defaults(QStandardPaths::writableLocation(QStandardPaths::GenericConfigLocation)
-                               + u"/NORVALE INC/Downloaderpictora.conf"_s);
-  return defaults;
+  static NoDestructor<UserDefaults> defaults(QStandardPaths::writableLocation(QStandardPaths::GenericConfigLocation)
+                                             + u"/NORVALE INC/Downloaderpictora.conf"_s);
+  return *defaults;
 }
 
 } // namespace platform

@@ -51,6 +51,7 @@ protected:
   ~FacadeLinkage() override {
     facade().endDownloadProcess();
     EXPECT_TRUE(waitFor([this] { return delegate.finished.load(); }));
+    facade().joinDownloadProcess();
     facade().setDlDelegate(nullptr);
   }
 

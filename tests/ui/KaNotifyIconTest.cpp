@@ -58,14 +58,14 @@ protected:
     QLocale::setDefault(QLocale(u"eo"_s)); // English has to do
     installTexts();
     FakeStatusItem earlier;
-    EXPECT_TRUE(KaNotifyIcon(facade, earlier, {.finishWait = 1h}).appFinalize()) << "comes with the thread's end";
+    EXPECT_TRUE(KaNotifyIcon(facade, earlier).appFinalize(1h)) << "comes with the thread's end";
   }
   ~NotifyIcon() override {
     icon->onFinishDownloadProcess();
-    EXPECT_TRUE(icon->appFinalize()) << "a thread that has ended costs no wait";
+    EXPECT_TRUE(icon->appFinalize(1h)) << "a thread that has ended costs no wait";
   }
 
-  void start(const KaNotifyIconTimes &times = {.tick = 5ms, .startDelay = 50ms, .finishWait = 1h}) {
+  void start(const KaNotifyIconTimes &times = {.tick = 5ms, .startDelay = 50ms}) {
     icon = std::make_unique<KaNotifyIcon>(facade, view, times);
   }
   /// Reports as the download thread does, and waits until it has shown in full.
@@ -87,13 +87,13 @@ protected:
 
 TEST_F(NotifyIcon, startsLinkedWithoutShowingABrokenLinkFirstAndGivesUpOnAThreadThatDoesNotEnd) {
   ASSERT_TRUE(KaLinkageUtility::saveLinkageSetting(u"token"_s));
-  start({.tick = 1h, .finishWait = 50ms});
+  start({.tick = 1h});
   ASSERT_TRUE(waitFor([&] { return !view.states.empty(); }));
   const StatusItemState expected{.frame = Standby, .tooltipKey = kNormal, .isLinked = true, .isDownloadEnabled = true};
   EXPECT_EQ(view.states.front(), expected);
   QElapsedTimer sinceQuit;
   sinceQuit.start();
-  EXPECT_FALSE(icon->appFinalize());
+  EXPECT_FALSE(icon->appFinalize(50ms));
   EXPECT_GE(sinceQuit.elapsed(), 50);
 }
 
