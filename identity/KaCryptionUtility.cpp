@@ -64,7 +64,9 @@ std::optional<QString> KaCryptionUtility::encrypt(const QString &text) {
 }
 
 std::optional<QString> KaCryptionUtility::decrypt(const QString &text) {
-  return decrypt(text, secretKey());
+  for (const QString &id : platform::stableUserIds())
+    if (auto plain = decrypt(text, toSHA256hash(id))) return plain;
+  return std::nullopt;
 }
 
 std::optional<QString> KaCryptionUtility::encrypt(const QString &text, const QString &key) {
@@ -88,8 +90,8 @@ std::optional<QString> KaCryptionUtility::decrypt(const QString &text, const QSt
 }
 
 QString KaCryptionUtility::secretKey() {
-  const QString id = platform::stableUserId();
-  return id.isEmpty() ? QString() : toSHA256hash(id);
+  const QStringList ids = platform::stableUserIds();
+  return ids.isEmpty() ? QString() : toSHA256hash(ids.first());
 }
 
 QString KaCryptionUtility::toSHA256hash(const QString &text) {

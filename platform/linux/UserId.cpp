@@ -1,7 +1,10 @@
 #include "platform/UserId.h"
 
 #include "platform/Folders.h"
+#include "platform/Mutex.h"
+#include "platform/NoDestructor.h"
 #include "platform/PrivateFile.h"
+#include "platform/linux/FileDescriptor.h"
 
 #include <QCryptographicHash>
 #include <QFile>
@@ -9,8 +12,11 @@
 #include <QStandardPaths>
 #include <QUuid>
 
+#include <fcntl.h>
 #include <unistd.h>
 
+#include <array>
+#include <cerrno>
 #include <string_view>
 
 using namespace Qt::StringLiterals;
@@ -28,11 +34,19 @@ bool isId(const QByteArray &text) {
          && characters.find_first_not_of("0123456789abcdef-") == std::string_view::npos;
 }
 
-QByteArray readId(const QString &path) {
-  QFile file(path);
-  if (!file.open(QFile::ReadOnly)) return {};
-  const QByteArray id = file.read(256).trimmed();
-  return isId(id) ? id : QByteArray();
+struct IdFile {
+  QByteArray id;          ///< empty when the file holds none, as on a system that has yet to get one
+  bool isReadable = true; ///< or not there
+};
+
+IdFile readId(const QString &path) {
+  const FileDescriptor file(::open(QFile::encodeName(path).constData(), O_RDONLY | O_CLOEXEC));
+  if (!file) return {.id = {}, .isReadable = errno == ENOENT || errno == ENOTDIR};
+  std::array<char, 256> text{};
+  const ssize_t count = ::read(file.get(), text.data(), text.size());
+  if (count < 0) return {.id = {}, .isReadable = false};
+  const QByteArray id = QByteArray(text.data(), count).trimmed();
+  return {.id = isId(id) ? id : QByteArray()};
 }
 
 QByteArray makeKeptId(const QString &path) {
@@ -50,26 +64,34 @@ QString hashed(const QByteArray &id) {
 
 QString stateFolder() {
   const QString state = qEnvironmentVariable("XDG_STATE_HOME");
-  const QString base = state.startsWith(u'/')
-                           ? state
-                           : QStandardPaths::writableLocation(QStandardPaths::HomeLocation) + u"/.local/state"_s;
+  const QString base =
+      state.isEmpty() ? QStandardPaths::writableLocation(QStandardPaths::HomeLocation) + u"/.local/state"_s : state;
   return base + u"/NORVALE INC/Downloaderpictora"_s;
 }
 
 } // namespace
 
-QString stableUserId() {
-  return stableUserId({u"/etc/machine-id"_s, u"/var/lib/dbus/machine-id"_s}, stateFolder() + u"/user-id"_s);
+QStringList stableUserIds() {
+  static NoDestructor<Guarded<QStringList>> known;
+  if (const QStringList ids = known->get(); !ids.isEmpty()) return ids;
+  const QStringList ids =
+      stableUserIds({u"/etc/machine-id"_s, u"/var/lib/dbus/machine-id"_s}, stateFolder() + u"/user-id"_s);
+  known->set(ids);
+  return ids;
 }
 
-QString stableUserId(const QStringList &machineIdFiles, const QString &keptIdFile) {
-  // An id made once stays in use when the machine gets one later: what it enciphered must stay readable.
-  if (const QByteArray kept = readId(keptIdFile); !kept.isEmpty()) return hashed(kept);
-  for (const QString &path : machineIdFiles) {
-    if (const QByteArray id = readId(path); !id.isEmpty()) return hashed(id);
+QStringList stableUserIds(const QStringList &machineIdFiles, const QString &keptIdFile) {
+  QStringList ids;
+  // An id made once stays in use when the machine gets one later.
+  for (const QString &path : QStringList{keptIdFile} + machineIdFiles) {
+    const IdFile file = readId(path);
+    // Whatever came after it would be another identity, which could read nothing and would be kept.
+    if (!file.isReadable && ids.isEmpty()) return {};
+    if (!file.id.isEmpty() && !ids.contains(hashed(file.id))) ids << hashed(file.id);
   }
+  if (!ids.isEmpty()) return ids;
   const QByteArray made = makeKeptId(keptIdFile);
-  return made.isEmpty() ? QString() : hashed(made);
+  return made.isEmpty() ? QStringList() : QStringList{hashed(made)};
 }
 
 } // namespace platform

@@ -47,12 +47,22 @@ TEST_F(Desktop, keepsTheUsersIdWhichDiffersByMachine) {
   const QString one = profile.path(u"one"_s);
   writeFile(one, "0123456789abcdef0123456789abcdef\n");
   writeFile(profile.path(u"two"_s), "fedcba9876543210fedcba9876543210\n");
-  EXPECT_EQ(platform::stableUserId({one}, kept), platform::stableUserId({profile.path(u"missing"_s), one}, kept));
-  EXPECT_NE(platform::stableUserId({one}, kept), platform::stableUserId({profile.path(u"two"_s)}, kept));
+  writeFile(profile.path(u"empty"_s), "uninitialized\n");
+  const QString missing = profile.path(u"missing"_s);
+  const QString unreadable = profile.path(u"state"_s);
+  const QStringList ofOne = platform::stableUserIds({one}, kept);
+  EXPECT_EQ(ofOne.size(), 1);
+  EXPECT_EQ(platform::stableUserIds({missing, profile.path(u"empty"_s), one}, kept), ofOne);
+  EXPECT_EQ(platform::stableUserIds({one, unreadable}, kept), ofOne);
+  EXPECT_NE(platform::stableUserIds({profile.path(u"two"_s)}, kept), ofOne);
+  EXPECT_EQ(platform::stableUserIds({unreadable, one}, kept), QStringList()) << "it may be another one";
+  EXPECT_FALSE(QFile::exists(kept));
 
-  const QString made = platform::stableUserId({profile.path(u"missing"_s)}, kept);
-  EXPECT_FALSE(made.isEmpty());
-  EXPECT_EQ(made, platform::stableUserId({one}, kept)) << "what it enciphered must stay readable";
+  const QStringList made = platform::stableUserIds({missing, profile.path(u"empty"_s)}, kept);
+  EXPECT_EQ(made.size(), 1);
+  EXPECT_EQ(platform::stableUserIds({unreadable}, kept), made);
+  EXPECT_EQ(platform::stableUserIds({one}, kept), made + ofOne) << "what either enciphered must stay readable";
+  EXPECT_EQ(platform::stableUserIds({one}, unreadable), QStringList());
   EXPECT_EQ(QFileInfo(kept).permissions(), kOwnerOnly);
 }
 
