@@ -26,8 +26,10 @@ QString typeName(const std::type_info *type) {
   return type ? QString::fromStdString(boost::core::demangle(type->name())) : u"foreign exception"_s;
 }
 
-void writeExceptionLog(const QString &name, const QString &reason, const QStringList &frames) {
-  KaLogUtility::writeErrorLog(u"%1 : %2"_s.arg(name, reason), frames);
+QString logged(const QString &name, const QString &reason, const QStringList &frames) {
+  const QString message = u"%1 : %2"_s.arg(name, reason);
+  KaLogUtility::writeErrorLog(message, frames);
+  return message;
 }
 
 } // namespace
@@ -36,16 +38,15 @@ KaException::KaException(const QString &name, const QString &reason)
     : std::runtime_error(reason.toStdString()), exceptionName(name), frames(currentFrames(1)) {
 }
 
-bool runGuarded(const std::function<void()> &action) {
+std::optional<QString> failureOf(const std::function<void()> &action) {
   try {
     action();
-    return true;
+    return std::nullopt;
   } catch (const KaException &exception) {
-    writeExceptionLog(exception.name(), QString::fromUtf8(exception.what()), exception.stackTrace());
+    return logged(exception.name(), QString::fromUtf8(exception.what()), exception.stackTrace());
   } catch (const std::exception &exception) {
-    writeExceptionLog(typeName(&typeid(exception)), QString::fromUtf8(exception.what()), currentFrames(1));
+    return logged(typeName(&typeid(exception)), QString::fromUtf8(exception.what()), currentFrames(1));
   } catch (...) {
-    writeExceptionLog(typeName(abi::__cxa_current_exception_type()), u"not a standard exception"_s, currentFrames(1));
+    return logged(typeName(abi::__cxa_current_exception_type()), u"not a standard exception"_s, currentFrames(1));
   }
-  return false;
 }

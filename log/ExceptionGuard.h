@@ -4,6 +4,7 @@
 #include <QStringList>
 
 #include <functional>
+#include <optional>
 #include <stdexcept>
 #include <type_traits>
 #include <utility>
@@ -23,8 +24,12 @@ private:
 
 /// Runs @p action and lets no exception out: one that arrives is logged as "NAME : REASON" with a call stack (of the
 /// throwing place when it is ours, else of the guard).
-/// @return whether the action ended without an exception.
-[[nodiscard]] bool runGuarded(const std::function<void()> &action);
+/// @return the "NAME : REASON"; absent when the action ended without an exception.
+[[nodiscard]] std::optional<QString> failureOf(const std::function<void()> &action);
+/// @return whether it ended without one.
+[[nodiscard]] inline bool runGuarded(const std::function<void()> &action) {
+  return !failureOf(action);
+}
 
 /// What @p action returns under the same guard; @p fallback when an exception ended it.
 template <class T> [[nodiscard]] T guardedOr(T fallback, const std::function<std::type_identity_t<T>()> &action) {

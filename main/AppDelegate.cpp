@@ -8,16 +8,21 @@
 #include "ui/KaDesktopStatusItem.h"
 #include "ui/KaNotifyIcon.h"
 #include "ui/LoginItemQuestion.h"
+#include "ui/StartFailure.h"
 
 #include <QCoreApplication>
+#include <QEvent>
 #include <QUrl>
 #include <QUrlQuery>
 
+#include <cstdlib>
 #include <utility>
 
 using namespace Qt::StringLiterals;
 
-AppDelegate::AppDelegate(QObject *parent) : QObject(parent) {
+AppDelegate::AppDelegate(StatusItemMaker makeStatusItem, QObject *parent)
+    : QObject(parent), newStatusItem(std::move(makeStatusItem)) {
+  QCoreApplication::instance()->installEventFilter(this);
 }
 
 AppDelegate::~AppDelegate() = default;
@@ -33,7 +38,11 @@ QString AppDelegate::getUserAgent() {
 
 void AppDelegate::applicationDidFinishLaunching() {
   platform::assertMainThread();
-  if (!runGuarded([this] { launch(); })) terminate();
+  const auto failure = failureOf([this] { launch(); });
+  if (!failure) return;
+  showStartFailure("MSG_ERR_START"_L1, *failure);
+  beginTermination();
+  QCoreApplication::exit(EXIT_FAILURE);
 }
 
 void AppDelegate::launch() {
@@ -42,18 +51,20 @@ void AppDelegate::launch() {
   KaLogUtility::writeStartLog({getUserAgent()});
   if (!askAtFirstLaunch([this] { return isTerminating; })) return;
 
-  statusItem = std::make_unique<KaDesktopStatusItem>();
+  statusItem = newStatusItem ? newStatusItem() : std::make_unique<KaDesktopStatusItem>();
   kaNotify = std::make_unique<KaNotifyIcon>(KaModelFacade::sharedInstance(), *statusItem);
   for (const auto &job : std::exchange(kept, {}))
     job(*kaNotify);
 }
 
-bool AppDelegate::applicationWillTerminate() {
+void AppDelegate::applicationWillTerminate(std::chrono::milliseconds finishWait) {
   platform::assertMainThread();
-  const bool finished = !kaNotify || kaNotify->appFinalize();
+  if (std::exchange(hasTerminated, true)) return;
+  beginTermination();
+  // A thread that has not finished is left to the end of the process.
+  if (kaNotify) static_cast<void>(kaNotify->appFinalize(finishWait));
   KaLogUtility::writeEndLog();
   KaLogUtility::terminate();
-  return finished;
 }
 
 void AppDelegate::handleUrl(const QString &url) {
@@ -83,8 +94,19 @@ void AppDelegate::whenStarted(std::function<void(KaNotifyIcon &)> job) {
 
 void AppDelegate::terminate() {
   platform::assertMainThread();
-  isTerminating = true;
-  QCoreApplication::quit();
+  beginTermination();
+  // Not quit(), which asks every window.
+  QCoreApplication::exit(EXIT_SUCCESS);
+}
+
+void AppDelegate::beginTermination() {
+  if (!std::exchange(isTerminating, true)) Q_EMIT terminating();
+}
+
+bool AppDelegate::eventFilter(QObject *watched, QEvent *event) {
+  // It closes the windows next, and a question that closes so has not been answered.
+  if (event->type() == QEvent::Quit) beginTermination();
+  return QObject::eventFilter(watched, event);
 }
 
 QString idTokenOf(const QString &url) {

@@ -5,6 +5,7 @@
 #include <QObject>
 #include <QString>
 
+#include <chrono>
 #include <functional>
 #include <memory>
 #include <optional>
@@ -17,15 +18,18 @@ class AppDelegate : public QObject {
   Q_OBJECT
 
 public:
-  explicit AppDelegate(QObject *parent = nullptr);
+  using StatusItemMaker = std::function<std::unique_ptr<KaStatusItemView>()>;
+
+  /// @param makeStatusItem  the desktop's own status item when it is empty.
+  explicit AppDelegate(StatusItemMaker makeStatusItem = {}, QObject *parent = nullptr);
   ~AppDelegate() override;
 
   /// The start-up sequence, to be called from the running event loop: on the very first launch it asks a question and
-  /// blocks until that is answered. An exception ends the program.
+  /// blocks until that is answered. An exception ends the event loop, with a message and EXIT_FAILURE.
   void applicationDidFinishLaunching();
-  /// The shutdown sequence, once the event loop has ended.
-  /// @return false when the download thread still runs: the process must then end without waiting for it.
-  [[nodiscard]] bool applicationWillTerminate();
+  /// The shutdown sequence, once; a second call does nothing. Needs no event loop.
+  /// @param finishWait  at most this long for the download thread, which may go on after it.
+  void applicationWillTerminate(std::chrono::milliseconds finishWait = std::chrono::seconds(10));
 
   /// @name What reaches the program from outside. Kept until the status item exists.
   /// @{
@@ -37,14 +41,24 @@ public:
   /// Ends the event loop, and an open question unanswered.
   void terminate();
 
+  /// Sees every kind of end come, that of the session too.
+  bool eventFilter(QObject *watched, QEvent *event) override;
+
   /// The line that identifies program and system at the head of each run's log.
   [[nodiscard]] static QString getUserAgent();
 
+Q_SIGNALS:
+  /// The end has begun: what comes from now on is not for this process.
+  void terminating();
+
 private:
   void launch();
+  void beginTermination();
   void whenStarted(std::function<void(KaNotifyIcon &)> job);
 
+  const StatusItemMaker newStatusItem;
   bool isTerminating = false;
+  bool hasTerminated = false;
   std::vector<std::function<void(KaNotifyIcon &)>> kept;
   std::unique_ptr<KaStatusItemView> statusItem;
   std::unique_ptr<KaNotifyIcon> kaNotify;

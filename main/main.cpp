@@ -1,9 +1,14 @@
 #include "main/AppDelegate.h"
 #include "main/CommandLine.h"
 #include "platform/AppInfo.h"
+#include "platform/Folders.h"
+#include "platform/LoginItem.h"
+#include "platform/ProcessEnd.h"
 #include "platform/SingleInstance.h"
 #include "platform/TerminationSignals.h"
 #include "platform/UrlScheme.h"
+#include "platform/UserId.h"
+#include "ui/StartFailure.h"
 #include "ui/Texts.h"
 
 #include <QApplication>
@@ -11,6 +16,7 @@
 #include <QSessionManager>
 #include <QTimer>
 
+#include <chrono>
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
@@ -23,6 +29,9 @@ namespace {
 
 constexpr int kHandOverFailed = 1;
 constexpr int kUsage = 2;
+
+/// A session that ends does not wait longer for its programs.
+constexpr std::chrono::milliseconds kDisplayEndWait(1000);
 
 int statusOf(SingleInstance::HandOver outcome) {
   if (outcome == SingleInstance::HandOver::Delivered) return EXIT_SUCCESS;
@@ -41,7 +50,7 @@ std::optional<int> handOverToRunningAgent(int &argc, char **argv, CommandLine &c
   }
   commandLine = *parsed;
   const auto outcome = SingleInstance::handOver(commandLine.url);
-  if (outcome == SingleInstance::HandOver::NoAgent || outcome == SingleInstance::HandOver::NoBus) return std::nullopt;
+  if (outcome == SingleInstance::HandOver::NoAgent) return std::nullopt;
   return statusOf(outcome);
 }
 
@@ -58,35 +67,62 @@ void describe() {
   QApplication::setQuitOnLastWindowClosed(false);
 }
 
+/// What has to hold before there is an agent. @return the exit status when it does not.
+std::optional<int> prepareToRun(SingleInstance &instance, const CommandLine &commandLine) {
+  const auto claim = instance.claimProfile(commandLine.url);
+  if (claim == SingleInstance::Claim::HandedOver) return EXIT_SUCCESS;
+  const platform::TerminationSignals endsTheMessage;
+  QObject::connect(&endsTheMessage, &platform::TerminationSignals::terminationRequested, qApp,
+                   [] { QApplication::exit(EXIT_FAILURE); });
+  if (claim == SingleInstance::Claim::Refused) {
+    showStartFailure("MSG_ERR_PROFILE_IN_USE"_L1);
+    return EXIT_FAILURE;
+  }
+  // Now, and not when the first file has to be read: what follows would be a new identity that can read none of them.
+  if (!platform::stableUserIds().isEmpty()) return std::nullopt;
+  showStartFailure("MSG_ERR_MACHINE_ID"_L1);
+  return EXIT_FAILURE;
+}
+
+void launch(AppDelegate &delegate) {
+  delegate.applicationDidFinishLaunching();
+  // The last of its kind, since what the download thread uses has handlers of its own.
+  platform::runBeforeExit([&delegate] { delegate.applicationWillTerminate(kDisplayEndWait); });
+}
+
 int runAgent(int &argc, char **argv, const CommandLine &commandLine) {
   const QApplication application(argc, argv);
   describe();
-  // Before anyone can see the agent on the bus: from then on it ends in order.
-  const platform::TerminationSignals terminationSignals;
-  SingleInstance instance;
-  // Another start may have won since the first look.
-  if (!instance.becomePrimary()) return statusOf(SingleInstance::handOver(commandLine.url));
-
   installTexts();
+  SingleInstance instance;
+  if (const auto status = prepareToRun(instance, commandLine)) return *status;
+  // Before anyone can see the agent: from then on it ends in order.
+  const platform::TerminationSignals terminationSignals;
+  // An agent that works on another profile may have the session.
+  if (!instance.serve()) return statusOf(SingleInstance::handOver(commandLine.url));
+
   AppDelegate delegate;
   QObject::connect(&terminationSignals, &platform::TerminationSignals::terminationRequested, &delegate,
                    &AppDelegate::terminate);
+  QObject::connect(&delegate, &AppDelegate::terminating, &instance, &SingleInstance::resign);
   QObject::connect(&instance, &SingleInstance::urlReceived, &delegate, &AppDelegate::handleUrl);
   QObject::connect(&instance, &SingleInstance::activated, &delegate, &AppDelegate::activate);
   QObject::connect(&instance, &SingleInstance::actionRequested, &delegate, &AppDelegate::performAction);
   if (commandLine.url) delegate.handleUrl(*commandLine.url);
-  QTimer::singleShot(0, &delegate, &AppDelegate::applicationDidFinishLaunching);
+  QTimer::singleShot(0, &delegate, [&delegate] { launch(delegate); });
   platform::registerUrlScheme(QApplication::applicationFilePath());
-  QApplication::exec();
+  platform::refreshLoginItem();
+  const int status = QApplication::exec();
 
-  // A thread that does not end cannot be joined either.
-  if (!delegate.applicationWillTerminate()) std::_Exit(EXIT_SUCCESS);
-  return EXIT_SUCCESS;
+  delegate.applicationWillTerminate();
+  // What the libraries would take down now can wait long for others, such as a session bus that hangs.
+  platform::leaveProcess(status);
 }
 
 } // namespace
 
 int main(int argc, char **argv) {
+  platform::dropRelativeBaseFolders();
   CommandLine commandLine;
   if (const auto status = handOverToRunningAgent(argc, argv, commandLine)) return *status;
   // The URL holds a token, and every user of the machine can read command lines.

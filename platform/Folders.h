@@ -18,6 +18,10 @@ namespace platform {
 /// Below these lies what is not the start-up volume.
 [[nodiscard]] QStringList externalVolumeRoots();
 
+/// Leaves base folders that are not absolute out of the environment: they would be others for every folder that the
+/// program is started in. Before anything asks for a folder, and before there are threads.
+void dropRelativeBaseFolders();
+
 /// Makes a folder for the user alone (0700), intermediate ones too; existing folders keep their mode.
 /// @return whether it is a folder afterwards.
 [[nodiscard]] bool makePrivateFolder(const QString &path);

@@ -6,4 +6,7 @@ namespace platform {
 /// @return whether the wish took effect.
 [[nodiscard]] bool setLoginItemEnabled(bool enabled);
 
+/// At start: lets an entry of ours that leads to where the program was before lead here. Any thread.
+void refreshLoginItem();
+
 } // namespace platform

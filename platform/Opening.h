@@ -6,7 +6,7 @@
 
 namespace platform {
 
-/// Opens with the desktop's handler, as xdg-open does. Blocks up to a second to learn of failures; runs no event
+/// Opens with the desktop's handler, as xdg-open does. Blocks up to half a second to learn of failures; runs no event
 /// loop. Any thread.
 /// @return false when nothing could be started.
 [[nodiscard]] bool openUrl(const QString &url);

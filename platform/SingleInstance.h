@@ -3,27 +3,44 @@
 #include <QObject>
 #include <QString>
 
+#include <chrono>
 #include <memory>
 #include <optional>
 
 namespace platform {
 
-/// One agent per session, reachable by later starts and by the desktop's tools. Main thread.
+/// One agent for each profile and each session, reachable by later starts and by the desktop's tools. Main thread.
 class SingleInstance : public QObject {
   Q_OBJECT
 
 public:
-  enum class HandOver { Delivered, NoAgent, Failed, NoBus };
+  enum class HandOver {
+    Delivered,
+    NoAgent, ///< or one that is ending
+    Failed   ///< an agent is there and does not answer
+  };
+  enum class Claim {
+    Won,
+    HandedOver, ///< another agent has the profile, and has what this start was for
+    Refused     ///< another agent has the profile and cannot be reached
+  };
 
   explicit SingleInstance(QObject *parent = nullptr);
   ~SingleInstance() override;
 
-  /// Gives a running agent @p url, or without one asks it to show itself. Needs a QCoreApplication and no display;
-  /// blocks up to 5 s.
+  /// Gives a running agent @p url, or without one asks it to show itself: the session's agent or, where the bus knows
+  /// none, the profile's. Needs a QCoreApplication and no display; blocks up to 5 s.
   [[nodiscard]] static HandOver handOver(const std::optional<QString> &url);
 
-  /// Becomes the session's one agent. @return false when another one is.
-  [[nodiscard]] bool becomePrimary();
+  /// Takes the profile, which stays taken until the process is gone. While another agent has it, tries to hand over to
+  /// that one or, if it is ending, waits for its end, for at most @p patience.
+  [[nodiscard]] Claim claimProfile(const std::optional<QString> &url,
+                                   std::chrono::milliseconds patience = std::chrono::seconds(15));
+  /// Can be reached from now on. @return false when the session has another agent.
+  [[nodiscard]] bool serve();
+  /// Cannot be reached any more: the process is about to end, and a start from now on is for the next one. Does not
+  /// wait for a bus.
+  void resign();
 
 Q_SIGNALS:
   void urlReceived(const QString &url);

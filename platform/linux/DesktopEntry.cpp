@@ -1,5 +1,7 @@
 #include "platform/linux/DesktopEntry.h"
 
+#include <QFile>
+
 #include <string_view>
 
 using namespace Qt::StringLiterals;
@@ -34,6 +36,16 @@ QString execArgument(const QString &argument) {
     }
   }
   return u'"' + quoted + u'"';
+}
+
+QByteArray writtenEntry(const QString &path) {
+  QFile file(path);
+  return file.open(QFile::ReadOnly) ? file.readAll() : QByteArray();
+}
+
+QByteArray withoutProgram(QByteArray entry) {
+  const qsizetype exec = entry.indexOf("\nExec=");
+  return exec < 0 ? entry : entry.remove(exec, entry.indexOf('\n', exec + 1) - exec);
 }
 
 } // namespace platform

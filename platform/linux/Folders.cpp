@@ -18,6 +18,12 @@ using namespace Qt::StringLiterals;
 
 namespace platform {
 
+void dropRelativeBaseFolders() {
+  for (const char *const variable :
+       {"XDG_CONFIG_HOME", "XDG_DATA_HOME", "XDG_STATE_HOME", "XDG_CACHE_HOME", "XDG_RUNTIME_DIR"})
+    if (!qgetenv(variable).startsWith('/')) qunsetenv(variable);
+}
+
 QString applicationSupportFolder() {
   return QStandardPaths::writableLocation(QStandardPaths::GenericDataLocation);
 }

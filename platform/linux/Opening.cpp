@@ -27,7 +27,7 @@ namespace platform {
 namespace {
 
 /// Long enough to see every failure of the opener, short enough for a person not to notice.
-constexpr auto kVerdictWait = 1s;
+constexpr auto kVerdictWait = 500ms;
 /// A file manager that does not answer in this time is passed over. The bus may have to start it first.
 constexpr int kFileManagerWaitMs = 25'000;
 

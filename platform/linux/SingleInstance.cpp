@@ -1,22 +1,31 @@
 #include "platform/SingleInstance.h"
 
 #include "platform/AppInfo.h"
+#include "platform/Folders.h"
 #include "platform/ThreadBound.h"
+#include "platform/linux/AgentSocket.h"
 #include "platform/linux/ApplicationAdaptor.h"
+#include "platform/linux/ProfileLock.h"
 
 #include <QDBusConnection>
 #include <QDBusMessage>
-#include <QDir>
-#include <QLockFile>
-#include <QStandardPaths>
+#include <QDBusPendingCall>
+
+#include <thread>
+#include <utility>
 
 using namespace Qt::StringLiterals;
 
 namespace platform {
 namespace {
 
-const QString kHandOverConnection = u"handover"_s;
-constexpr int kHandOverWaitMs = 5000;
+constexpr auto kHandOverConnection = "handover"_L1;
+constexpr std::chrono::milliseconds kHandOverWait(5000);
+constexpr std::chrono::milliseconds kClaimInterval(50);
+
+/// Messages of the socket: a letter, and what belongs to it.
+constexpr char kActivate = 'A';
+constexpr char kOpen = 'O';
 
 QString name() {
   return QString::fromUtf16(kApplicationId);
@@ -24,6 +33,10 @@ QString name() {
 
 QString objectPath() {
   return u'/' + name().replace(u'.', u'/');
+}
+
+QString profileFolder() {
+  return applicationSupportFolder() + u"/NORVALE INC/Downloaderpictora"_s;
 }
 
 QDBusMessage applicationCall(const std::optional<QString> &url) {
@@ -35,27 +48,42 @@ QDBusMessage applicationCall(const std::optional<QString> &url) {
   return call;
 }
 
-SingleInstance::HandOver outcomeOf(const QDBusMessage &reply) {
-  if (reply.type() == QDBusMessage::ReplyMessage) return SingleInstance::HandOver::Delivered;
-  const QString error = reply.errorName();
-  const bool nobody =
-      error == u"org.freedesktop.DBus.Error.NameHasNoOwner" || error == u"org.freedesktop.DBus.Error.ServiceUnknown";
-  return nobody ? SingleInstance::HandOver::NoAgent : SingleInstance::HandOver::Failed;
+QDBusMessage busCall(const QString &method) {
+  return QDBusMessage::createMethodCall(u"org.freedesktop.DBus"_s, u"/org/freedesktop/DBus"_s,
+                                        u"org.freedesktop.DBus"_s, method)
+         << name();
 }
 
-/// In place of the bus name where there is no bus.
-QString lockPath() {
-  QString folder = QStandardPaths::writableLocation(QStandardPaths::RuntimeLocation);
-  if (folder.isEmpty()) folder = QDir::tempPath();
-  return folder + u'/' + name() + u".lock"_s;
+SingleInstance::HandOver handOverByBus(const QDBusConnection &bus, const std::optional<QString> &url) {
+  using enum SingleInstance::HandOver;
+  const auto wait = static_cast<int>(kHandOverWait.count());
+  if (bus.call(applicationCall(url), QDBus::Block, wait).type() == QDBusMessage::ReplyMessage) return Delivered;
+  // An agent that ends gives its name up first.
+  const QDBusMessage owned = bus.call(busCall(u"NameHasOwner"_s), QDBus::Block, wait);
+  const bool isFree = owned.type() == QDBusMessage::ReplyMessage && !owned.arguments().value(0).toBool();
+  return isFree ? NoAgent : Failed;
+}
+
+SingleInstance::HandOver handOverBySocket(const std::optional<QString> &url) {
+  const QByteArray message = url ? kOpen + url->toUtf8() : QByteArray(1, kActivate);
+  switch (AgentSocket::send(profileFolder(), message, kHandOverWait)) {
+  case AgentSocket::Answer::Taken:
+    return SingleInstance::HandOver::Delivered;
+  case AgentSocket::Answer::NoAgent:
+    return SingleInstance::HandOver::NoAgent;
+  case AgentSocket::Answer::Failed:
+    break;
+  }
+  return SingleInstance::HandOver::Failed;
 }
 
 } // namespace
 
 class SingleInstance::Private {
 public:
-  std::unique_ptr<QLockFile> lock;
-  bool registered = false;
+  ProfileLock lock;
+  std::unique_ptr<AgentSocket> socket;
+  bool isRegistered = false;
 };
 
 SingleInstance::SingleInstance(QObject *parent) : QObject(parent), d(std::make_unique<Private>()) {
@@ -63,35 +91,57 @@ SingleInstance::SingleInstance(QObject *parent) : QObject(parent), d(std::make_u
 }
 
 SingleInstance::~SingleInstance() {
-  auto bus = QDBusConnection::sessionBus();
-  if (!d->registered || !bus.isConnected()) return;
-  bus.unregisterService(name());
-  bus.unregisterObject(objectPath());
+  resign();
 }
 
 SingleInstance::HandOver SingleInstance::handOver(const std::optional<QString> &url) {
-  HandOver outcome = HandOver::NoBus;
+  HandOver outcome = HandOver::NoAgent;
   {
     const auto bus = QDBusConnection::connectToBus(QDBusConnection::SessionBus, kHandOverConnection);
-    if (bus.isConnected()) outcome = outcomeOf(bus.call(applicationCall(url), QDBus::Block, kHandOverWaitMs));
+    if (bus.isConnected()) outcome = handOverByBus(bus, url);
   }
   QDBusConnection::disconnectFromBus(kHandOverConnection);
-  return outcome;
+  return outcome == HandOver::NoAgent ? handOverBySocket(url) : outcome;
 }
 
-bool SingleInstance::becomePrimary() {
+SingleInstance::Claim SingleInstance::claimProfile(const std::optional<QString> &url,
+                                                   std::chrono::milliseconds patience) {
   assertMainThread();
-  auto bus = QDBusConnection::sessionBus();
-  if (!bus.isConnected()) {
-    d->lock = std::make_unique<QLockFile>(lockPath());
-    d->lock->setStaleLockTime(0);
-    return d->lock->tryLock();
+  // A profile that takes no file has no lock, and nothing that two agents could spoil.
+  if (!makePrivateFolder(profileFolder())) return Claim::Won;
+  const auto deadline = std::chrono::steady_clock::now() + patience;
+  while (d->lock.tryLock(profileFolder() + u"/profile.lock"_s) == ProfileLock::Outcome::Taken) {
+    const HandOver outcome = handOver(url);
+    if (outcome == HandOver::Delivered) return Claim::HandedOver;
+    if (outcome == HandOver::Failed || std::chrono::steady_clock::now() > deadline) return Claim::Refused;
+    std::this_thread::sleep_for(kClaimInterval);
   }
+  return Claim::Won;
+}
+
+bool SingleInstance::serve() {
+  assertMainThread();
+  d->socket = std::make_unique<AgentSocket>(profileFolder());
+  connect(d->socket.get(), &AgentSocket::received, this, [this](const QByteArray &message) {
+    if (message.front() == kOpen) Q_EMIT urlReceived(QString::fromUtf8(message.sliced(1)));
+    if (message.front() == kActivate) Q_EMIT activated();
+  });
+  auto bus = QDBusConnection::sessionBus();
+  if (!bus.isConnected()) return true;
   // The object first: whoever sees the name may call at once.
-  d->registered =
+  d->isRegistered =
       bus.registerObject(objectPath(), this, QDBusConnection::ExportAdaptors) && bus.registerService(name());
-  if (!d->registered) bus.unregisterObject(objectPath());
-  return d->registered;
+  if (!d->isRegistered) bus.unregisterObject(objectPath());
+  return d->isRegistered;
+}
+
+void SingleInstance::resign() {
+  d->socket.reset();
+  auto bus = QDBusConnection::sessionBus();
+  if (!std::exchange(d->isRegistered, false) || !bus.isConnected()) return;
+  bus.unregisterObject(objectPath());
+  // Not unregisterService(), which waits 25 s for a bus that hangs.
+  bus.asyncCall(busCall(u"ReleaseName"_s));
 }
 
 } // namespace platform

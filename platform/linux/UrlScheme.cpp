@@ -15,7 +15,7 @@ using namespace Qt::StringLiterals;
 namespace platform {
 namespace {
 
-const QString kScheme = u"x-scheme-handler/downloaderpictora"_s;
+constexpr auto kScheme = "x-scheme-handler/downloaderpictora"_L1;
 
 QString entryName() {
   return QString::fromUtf16(kApplicationId) + u".desktop"_s;
@@ -41,21 +41,10 @@ QByteArray entryText(const QString &executable) {
   return text.toUtf8();
 }
 
-QByteArray written(const QString &path) {
-  QFile file(path);
-  return file.open(QFile::ReadOnly) ? file.readAll() : QByteArray();
-}
-
-/// The entry without the line that names the program.
-QByteArray anyProgram(QByteArray text) {
-  const qsizetype exec = text.indexOf("\nExec=");
-  return exec < 0 ? text : text.remove(exec, text.indexOf('\n', exec + 1) - exec);
-}
-
 /// An entry of ours from before the installation would hide the installed one, and lead to a program of then.
 void removeOwnEntry() {
   const QString path = userFolder() + u'/' + entryName();
-  if (anyProgram(written(path)) == anyProgram(entryText(u"any"_s))) QFile::remove(path);
+  if (withoutProgram(writtenEntry(path)) == withoutProgram(entryText(u"any"_s))) QFile::remove(path);
 }
 
 /// The desktop's own tools, where it has them: the entry works without.
@@ -76,7 +65,7 @@ bool registerUrlScheme(const QString &executable) {
   }
   const QString path = userFolder() + u'/' + entryName();
   const QByteArray text = entryText(executable);
-  if (written(path) == text) return true;
+  if (writtenEntry(path) == text) return true;
   if (!QDir().mkpath(userFolder())) return false;
   QSaveFile file(path);
   if (!file.open(QFile::WriteOnly)) return false;

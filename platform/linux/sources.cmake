@@ -3,6 +3,7 @@ set_source_files_properties(linux/org.freedesktop.Notifications.xml PROPERTIES N
 qt_add_dbus_interface(notifications_proxy linux/org.freedesktop.Notifications.xml NotificationsProxy)
 
 set(system_sources
+  linux/AgentSocket.cpp linux/AgentSocket.h
   linux/AppInfo.cpp
   linux/ApplicationAdaptor.h
   linux/BlockDevice.cpp linux/BlockDevice.h
@@ -16,6 +17,8 @@ set(system_sources
   linux/MountTable.cpp linux/MountTable.h
   linux/NotificationCenter.cpp
   linux/Opening.cpp
+  linux/ProcessEnd.cpp
+  linux/ProfileLock.cpp linux/ProfileLock.h
   linux/SingleInstance.cpp
   linux/TerminationSignals.cpp
   linux/ThreadName.cpp

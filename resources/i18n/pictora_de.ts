@@ -17,6 +17,18 @@
     <source></source>
     <translation>Soll Downloaderpictora immer starten, wenn Sie sich am Computer anmelden? Dann kommen neue Fotos an, ohne dass Sie daran denken müssen. Sie können das jederzeit im Menü ändern.</translation>
   </message>
+  <message id="MSG_ERR_START">
+    <source></source>
+    <translation>Downloaderpictora konnte nicht starten. Versuchen Sie es erneut oder starten Sie den Computer neu.</translation>
+  </message>
+  <message id="MSG_ERR_MACHINE_ID">
+    <source></source>
+    <translation>Downloaderpictora kann nicht starten, weil sich die Kennung dieses Computers nicht lesen lässt. Versuchen Sie es später erneut.</translation>
+  </message>
+  <message id="MSG_ERR_PROFILE_IN_USE">
+    <source></source>
+    <translation>Downloaderpictora läuft für Sie schon in einer anderen Sitzung und ist von hier aus nicht erreichbar. Beenden Sie es zuerst dort.</translation>
+  </message>
   <message id="DLG_COMMON_BUTTON_OK_MAC">
     <source></source>
     <translation>OK</translation>

@@ -17,6 +17,18 @@
     <source></source>
     <translation>Should Downloaderpictora start whenever you log in? New pictures then arrive without you having to think of it. You can change this in its menu at any time.</translation>
   </message>
+  <message id="MSG_ERR_START">
+    <source></source>
+    <translation>Downloaderpictora could not start. Try again, or restart the computer.</translation>
+  </message>
+  <message id="MSG_ERR_MACHINE_ID">
+    <source></source>
+    <translation>Downloaderpictora cannot start because the identity of this computer cannot be read. Try again later.</translation>
+  </message>
+  <message id="MSG_ERR_PROFILE_IN_USE">
+    <source></source>
+    <translation>Downloaderpictora is already running for you in another session and cannot be reached from here. Quit it there first.</translation>
+  </message>
   <message id="DLG_COMMON_BUTTON_OK_MAC">
     <source></source>
     <translation>OK</translation>

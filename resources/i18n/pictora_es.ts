@@ -17,6 +17,18 @@
     <source></source>
     <translation>¿Desea que Downloaderpictora se abra cada vez que inicie sesión en el equipo? Así, las fotos nuevas llegarán sin que tenga que pensar en ello. Puede cambiarlo en el menú en cualquier momento.</translation>
   </message>
+  <message id="MSG_ERR_START">
+    <source></source>
+    <translation>Downloaderpictora no se pudo iniciar. Vuelva a intentarlo o reinicie el equipo.</translation>
+  </message>
+  <message id="MSG_ERR_MACHINE_ID">
+    <source></source>
+    <translation>Downloaderpictora no se puede iniciar porque no se puede leer la identidad de este equipo. Vuelva a intentarlo más tarde.</translation>
+  </message>
+  <message id="MSG_ERR_PROFILE_IN_USE">
+    <source></source>
+    <translation>Downloaderpictora ya se está ejecutando para usted en otra sesión y no se puede acceder a él desde aquí. Ciérrelo primero allí.</translation>
+  </message>
   <message id="DLG_COMMON_BUTTON_OK_MAC">
     <source></source>
     <translation>Aceptar</translation>

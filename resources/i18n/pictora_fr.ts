@@ -17,6 +17,18 @@
     <source></source>
     <translation>Faut-il lancer Downloaderpictora à chaque ouverture de session ? Les nouvelles photos arriveront alors sans que vous ayez à y penser. Vous pourrez changer ce réglage à tout moment dans le menu.</translation>
   </message>
+  <message id="MSG_ERR_START">
+    <source></source>
+    <translation>Downloaderpictora n’a pas pu démarrer. Réessayez ou redémarrez l’ordinateur.</translation>
+  </message>
+  <message id="MSG_ERR_MACHINE_ID">
+    <source></source>
+    <translation>Downloaderpictora ne peut pas démarrer, car l’identité de cet ordinateur est illisible. Réessayez plus tard.</translation>
+  </message>
+  <message id="MSG_ERR_PROFILE_IN_USE">
+    <source></source>
+    <translation>Downloaderpictora fonctionne déjà pour vous dans une autre session et n’est pas joignable d’ici. Quittez-le d’abord là-bas.</translation>
+  </message>
   <message id="DLG_COMMON_BUTTON_OK_MAC">
     <source></source>
     <translation>OK</translation>

@@ -17,6 +17,18 @@
     <source></source>
     <translation>Avviare Downloaderpictora a ogni accesso al computer? Così le nuove foto arrivano senza doverci pensare. L’impostazione si può cambiare in qualsiasi momento dal menu.</translation>
   </message>
+  <message id="MSG_ERR_START">
+    <source></source>
+    <translation>Impossibile avviare Downloaderpictora. Riprovare o riavviare il computer.</translation>
+  </message>
+  <message id="MSG_ERR_MACHINE_ID">
+    <source></source>
+    <translation>Impossibile avviare Downloaderpictora perché l’identità di questo computer non è leggibile. Riprovare più tardi.</translation>
+  </message>
+  <message id="MSG_ERR_PROFILE_IN_USE">
+    <source></source>
+    <translation>Downloaderpictora è già in esecuzione in un’altra sessione dello stesso utente e non è raggiungibile da qui. Chiuderlo prima là.</translation>
+  </message>
   <message id="DLG_COMMON_BUTTON_OK_MAC">
     <source></source>
     <translation>OK</translation>

@@ -17,6 +17,18 @@
     <source></source>
     <translation>コンピューターにログインするたびに Downloaderpictora を起動しますか？ 起動しておくと、新しい写真が自動的に届きます。この設定はメニューでいつでも変更できます。</translation>
   </message>
+  <message id="MSG_ERR_START">
+    <source></source>
+    <translation>Downloaderpictora を起動できませんでした。もう一度起動するか、コンピューターを再起動してください。</translation>
+  </message>
+  <message id="MSG_ERR_MACHINE_ID">
+    <source></source>
+    <translation>このコンピューターの識別情報を読み取れないため、Downloaderpictora を起動できません。後でもう一度お試しください。</translation>
+  </message>
+  <message id="MSG_ERR_PROFILE_IN_USE">
+    <source></source>
+    <translation>Downloaderpictora は別のセッションですでに動作しており、ここからは接続できません。先にそちらで終了してください。</translation>
+  </message>
   <message id="DLG_COMMON_BUTTON_OK_MAC">
     <source></source>
     <translation>OK</translation>

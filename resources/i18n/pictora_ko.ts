@@ -17,6 +17,18 @@
     <source></source>
     <translation>컴퓨터에 로그인할 때마다 Downloaderpictora를 시작할까요? 시작해 두면 신경 쓰지 않아도 새 사진이 도착합니다. 이 설정은 메뉴에서 언제든지 바꿀 수 있습니다.</translation>
   </message>
+  <message id="MSG_ERR_START">
+    <source></source>
+    <translation>Downloaderpictora를 시작하지 못했습니다. 다시 시도하거나 컴퓨터를 다시 시작하세요.</translation>
+  </message>
+  <message id="MSG_ERR_MACHINE_ID">
+    <source></source>
+    <translation>이 컴퓨터의 식별 정보를 읽을 수 없어 Downloaderpictora를 시작할 수 없습니다. 나중에 다시 시도하세요.</translation>
+  </message>
+  <message id="MSG_ERR_PROFILE_IN_USE">
+    <source></source>
+    <translation>Downloaderpictora가 다른 세션에서 이미 실행 중이며 여기에서는 연결할 수 없습니다. 먼저 그곳에서 종료하세요.</translation>
+  </message>
   <message id="DLG_COMMON_BUTTON_OK_MAC">
     <source></source>
     <translation>확인</translation>

@@ -17,6 +17,18 @@
     <source></source>
     <translation>是否在您每次登录电脑时启动 Downloaderpictora？这样无需您操心，新照片就会自动下载。您可以随时在菜单中更改此设置。</translation>
   </message>
+  <message id="MSG_ERR_START">
+    <source></source>
+    <translation>Downloaderpictora 无法启动。请重试，或重新启动电脑。</translation>
+  </message>
+  <message id="MSG_ERR_MACHINE_ID">
+    <source></source>
+    <translation>无法读取本机的标识，因此 Downloaderpictora 无法启动。请稍后重试。</translation>
+  </message>
+  <message id="MSG_ERR_PROFILE_IN_USE">
+    <source></source>
+    <translation>Downloaderpictora 已在您的另一个会话中运行，无法从这里连接。请先在那里退出。</translation>
+  </message>
   <message id="DLG_COMMON_BUTTON_OK_MAC">
     <source></source>
     <translation>确定</translation>
