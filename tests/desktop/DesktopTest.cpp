@@ -4,6 +4,7 @@
 #include "tests/support/AgentProcess.h"
 #include "tests/support/FakeBrowser.h"
 #include "tests/support/PrivateBus.h"
+#include "tests/support/Program.h"
 #include "tests/support/TestProfile.h"
 
 #include <gtest/gtest.h>
@@ -19,9 +20,6 @@
 #include <QStandardPaths>
 #include <QSystemTrayIcon>
 
-#include <sys/prctl.h>
-
-#include <csignal>
 #include <optional>
 #include <stdexcept>
 
@@ -35,26 +33,6 @@ constexpr int kLeftButton = 1;
 constexpr int kRightButton = 3;
 
 int noArguments = 0;
-
-/// A part of the desktop, which ends with the object, or with the test's process should that be killed.
-class Program {
-public:
-  Program(const QString &name, const QStringList &arguments) {
-    process.setChildProcessModifier([] { ::prctl(PR_SET_PDEATHSIG, SIGKILL); });
-    process.start(name, arguments);
-    if (!process.waitForStarted()) throw std::runtime_error("no " + name.toStdString());
-  }
-  ~Program() {
-    process.kill();
-    process.waitForFinished();
-  }
-  [[nodiscard]] QByteArray firstLine() {
-    return process.waitForReadyRead(20'000) ? process.readLine().trimmed() : QByteArray();
-  }
-
-private:
-  QProcess process;
-};
 
 /// Moves the mouse, presses keys, asks for windows.
 QString xdotool(const QString &words) {
@@ -172,15 +150,10 @@ protected:
   const QString desktopsOpener = QStandardPaths::findExecutable(u"xdg-open"_s);
   FakeBrowser browser{profile};
   PrivateBus bus;
-  // By our own number: servers that look for a free display at the same time may find the same one.
-  const QString display = u":%1"_s.arg(100 + QCoreApplication::applicationPid() % 50'000);
-  Program screen{u"Xvfb"_s, (display + u" -displayfd 1 -screen 0 1024x768x24"_s).split(u' ')};
-  // With a StatusNotifier host Qt's own D-Bus code leaves an object behind when the agent ends.
-  const bool hasEnvironment =
-      !screen.firstLine().isEmpty() && qputenv("DISPLAY", display.toLatin1()) && qputenv("QT_QPA_PLATFORM", "xcb")
-      && qputenv("GDK_BACKEND", "x11") && qputenv("XDG_CURRENT_DESKTOP", "X-Generic") && qputenv("LC_ALL", "C.UTF-8")
-      && qunsetenv("LANGUAGE")
-      && qputenv("LSAN_OPTIONS", "suppressions=" + written(profile.path(u"leaks"_s), "leak:libQt6DBus.so\n").toUtf8());
+  const Screen screen;
+  const bool hasEnvironment = qputenv("QT_QPA_PLATFORM", "xcb") && qputenv("GDK_BACKEND", "x11")
+                              && qputenv("XDG_CURRENT_DESKTOP", "X-Generic") && qputenv("LC_ALL", "C.UTF-8")
+                              && qunsetenv("LANGUAGE");
   QApplication application{noArguments, nullptr};
   Program windowManager{u"openbox"_s, {u"--sm-disable"_s}};
   Program notifications{u"dunst"_s,

@@ -24,6 +24,8 @@ public:
 
   void kill9();
   void terminate() { process.terminate(); }
+  /// Looks without waiting; in between the event loop of the test goes on.
+  [[nodiscard]] bool isRunning() const { return process.state() != QProcess::NotRunning; }
   /// What every user of the machine can read of it.
   [[nodiscard]] QByteArray commandLine() const;
   /// @return the exit status, or nothing when the process still ran at the deadline or was killed.
