@@ -20,11 +20,12 @@ extern "C" const char *__tsan_default_options() {
 
 static const QString kName = u"com.norvale.Downloaderpictora"_s;
 
-AgentProcess::AgentProcess(const QStringList &arguments, const QString &display) {
+AgentProcess::AgentProcess(const QStringList &arguments, const QString &display, const std::function<void()> &inChild) {
   auto environment = QProcessEnvironment::systemEnvironment();
   environment.insert(u"QT_QPA_PLATFORM"_s, display);
   process.setProcessEnvironment(environment);
-  process.start(QString::fromUtf8(KA_AGENT), arguments);
+  if (inChild) process.setChildProcessModifier(inChild);
+  process.start(QString::fromUtf8(program()), arguments);
   process.waitForStarted();
 }
 
@@ -41,6 +42,10 @@ bool AgentProcess::requestAction(const QString &action) {
                                                 u"org.freedesktop.Application"_s, u"ActivateAction"_s);
   message << action << QVariantList() << QVariantMap();
   return QDBusConnection::sessionBus().call(message).type() == QDBusMessage::ReplyMessage;
+}
+
+QByteArray AgentProcess::program() {
+  return KA_AGENT;
 }
 
 void AgentProcess::kill9() {

@@ -7,6 +7,7 @@
 #include <QStringList>
 
 #include <chrono>
+#include <functional>
 #include <optional>
 
 /// The installed program as a desktop starts it: a process of its own on this test's home and session bus. Killed with
@@ -14,7 +15,9 @@
 class AgentProcess {
 public:
   /// @param display  Qt's name for it; without one unless told otherwise.
-  explicit AgentProcess(const QStringList &arguments = {}, const QString &display = QStringLiteral("offscreen"));
+  /// @param inChild  what the new process does before it becomes the agent.
+  explicit AgentProcess(const QStringList &arguments = {}, const QString &display = QStringLiteral("offscreen"),
+                        const std::function<void()> &inChild = {});
   ~AgentProcess();
 
   /// Until the agent serves its name on the bus.
@@ -26,6 +29,7 @@ public:
   void terminate() { process.terminate(); }
   /// Looks without waiting; in between the event loop of the test goes on.
   [[nodiscard]] bool isRunning() const { return process.state() != QProcess::NotRunning; }
+  [[nodiscard]] static QByteArray program();
   /// What every user of the machine can read of it.
   [[nodiscard]] QByteArray commandLine() const;
   /// @return the exit status, or nothing when the process still ran at the deadline or was killed.

@@ -6,13 +6,22 @@ using namespace Qt::StringLiterals;
 
 FakeBrowser::FakeBrowser(const TestProfile &profile)
     : folder(profile.path(u"browser"_s)), notePath(profile.path(u"opened-url"_s)), pathBefore(qgetenv("PATH")) {
+  install();
+  qputenv("PATH", QFile::encodeName(folder) + ':' + pathBefore);
+  qunsetenv("BROWSER");
+}
+
+void FakeBrowser::install(const QByteArray &afterwards) const {
   const QString script = folder + u"/xdg-open"_s;
   const QByteArray note = QFile::encodeName(notePath);
   // Renamed into place, so that nobody reads half a URL.
-  writeFile(script, "#!/bin/sh\nprintf '%s' \"$1\" >'" + note + ".new' && mv '" + note + ".new' '" + note + "'\n");
+  writeFile(script,
+            "#!/bin/sh\nprintf '%s' \"$1\" >'" + note + ".new' && mv '" + note + ".new' '" + note + "'\n" + afterwards);
   QFile::setPermissions(script, QFile::ReadOwner | QFile::WriteOwner | QFile::ExeOwner);
-  qputenv("PATH", QFile::encodeName(folder) + ':' + pathBefore);
-  qunsetenv("BROWSER");
+}
+
+void FakeBrowser::hang() const {
+  install("exec sleep 20\n");
 }
 
 FakeBrowser::~FakeBrowser() {

@@ -15,10 +15,14 @@ public:
 
   /// The URL that it was asked to open since the last call; waits for one.
   [[nodiscard]] std::optional<QString> takeUrl() const;
+  /// From now on it opens nothing and does not end by itself for a while.
+  void hang() const;
   /// From now on there is nothing on this desktop that could open a URL.
   void uninstall() const;
 
 private:
+  void install(const QByteArray &afterwards = {}) const;
+
   const QString folder;
   const QString notePath;
   const QByteArray pathBefore;

@@ -4,6 +4,7 @@
 
 #include <QFile>
 
+#include <csignal>
 #include <stdexcept>
 
 using namespace Qt::StringLiterals;
@@ -19,6 +20,10 @@ PrivateBus::PrivateBus() {
   // The address appears once the bus takes connections.
   if (!daemon.waitForReadyRead(20'000)) throw std::runtime_error("no bus");
   qputenv("DBUS_SESSION_BUS_ADDRESS", daemon.readLine().trimmed());
+}
+
+void PrivateBus::hang() {
+  ::kill(static_cast<pid_t>(daemon.processId()), SIGSTOP);
 }
 
 PrivateBus::~PrivateBus() {

@@ -9,6 +9,9 @@ public:
   PrivateBus();
   ~PrivateBus();
 
+  /// From now on it takes calls and answers none.
+  void hang();
+
 private:
   QTemporaryDir folder;
   QProcess daemon;
