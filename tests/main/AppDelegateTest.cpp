@@ -13,6 +13,8 @@
 #include <QRegularExpression>
 #include <QTimer>
 
+#include <stdexcept>
+
 using namespace Qt::StringLiterals;
 using namespace std::chrono_literals;
 
@@ -77,6 +79,23 @@ TEST_F(FirstLaunch, takesTheEndOfTheProgramForNoAnswer) {
   QTimer::singleShot(
       0, [this] { EXPECT_EQ(launch([this](auto &) { delegate->performAction(u"quit"_s); }), u"asked 1 - 0"_s); });
   EXPECT_EQ(QApplication::exec(), 0);
+}
+
+TEST_F(FirstLaunch, thatFailsSaysWhyAndEndsWithAFailure) {
+  defaults.setString(u"firstLaunch"_s, u"NO"_s);
+  delegate.emplace([]() -> std::unique_ptr<KaStatusItemView> { throw std::runtime_error("no more threads"); });
+  QTimer::singleShot(0, [this] { delegate->applicationDidFinishLaunching(); });
+  QString told;
+  QTimer poll;
+  QObject::connect(&poll, &QTimer::timeout, [&] {
+    auto *const message = qobject_cast<QMessageBox *>(QApplication::activeModalWidget());
+    if (!message) return;
+    told = message->text() + message->informativeText();
+    message->close();
+  });
+  poll.start(5ms);
+  EXPECT_EQ(QApplication::exec(), EXIT_FAILURE);
+  EXPECT_EQ(told, localised("MSG_ERR_START"_L1) + u"std::runtime_error : no more threads"_s);
 }
 
 TEST_F(FirstLaunch, keepsWhatComesInDuringTheQuestion) {

@@ -72,11 +72,46 @@ TEST(Notifications, areCarriedAndHandTheirResultBackWithAClick) {
   EXPECT_TRUE(waitFor([&] { return server.closed == QList<uint>{1}; }));
 }
 
-TEST(WithoutABus, aLockDecidesWhoIsTheOneAgent) {
+TEST(SingleInstance, hasTheProfileAloneAndCanBeReachedUntilItResigns) {
+  using enum SingleInstance::Claim;
   const TestProfile profile;
   qputenv("DBUS_SESSION_BUS_ADDRESS", "unix:path=/nonexistent");
   const QCoreApplication application(noArguments, nullptr);
   EXPECT_EQ(SingleInstance::handOver(std::nullopt), SingleInstance::HandOver::NoAgent);
+  SingleInstance second;
+  {
+    SingleInstance first;
+    EXPECT_EQ(first.claimProfile(std::nullopt), Won);
+    EXPECT_EQ(second.claimProfile(std::nullopt, std::chrono::milliseconds(50)), Refused) << "it cannot be reached yet";
+    QString received;
+    QObject::connect(&first, &SingleInstance::urlReceived, [&](const QString &url) { received = url; });
+    EXPECT_TRUE(first.serve());
+    const QString url = u"downloaderpictora:"_s + QString(30'000, u'x');
+    std::thread later([&] { EXPECT_EQ(SingleInstance::handOver(url), SingleInstance::HandOver::Delivered); });
+    EXPECT_TRUE(waitFor([&] { return received == url; }));
+    later.join();
+    first.resign();
+    EXPECT_EQ(SingleInstance::handOver(std::nullopt), SingleInstance::HandOver::NoAgent);
+    EXPECT_EQ(second.claimProfile(std::nullopt, std::chrono::milliseconds(50)), Refused) << "it still works";
+  }
+  EXPECT_EQ(second.claimProfile(std::nullopt), Won);
+  writeFile(profile.path(u"file"_s), {});
+  qputenv("XDG_DATA_HOME", profile.path(u"file/data"_s).toUtf8());
+  EXPECT_EQ(SingleInstance().claimProfile(std::nullopt), Won) << "a profile that takes no file has nothing to spoil";
+}
+
+TEST(SingleInstance, isTheSessionsOnlyOneWhateverTheProfiles) {
+  const TestProfile profile;
+  const PrivateBus bus;
+  const QCoreApplication application(noArguments, nullptr);
+  SingleInstance agent;
+  auto other = QDBusConnection::connectToBus(QDBusConnection::SessionBus, u"other"_s);
+  ASSERT_TRUE(other.registerService(u"com.norvale.Downloaderpictora"_s));
+  EXPECT_FALSE(agent.serve());
+  ASSERT_TRUE(other.unregisterService(u"com.norvale.Downloaderpictora"_s));
+  EXPECT_TRUE(agent.serve());
+  agent.resign();
+  EXPECT_TRUE(waitFor([&] { return other.registerService(u"com.norvale.Downloaderpictora"_s); }));
 }
 
 TEST(Mailbox, runsJobsInOrderWhileOneShowsADialogAndDropsWhatIsLeft) {
