@@ -101,8 +101,8 @@ protected:
     return path;
   }
 
-  void startTray() {
-    if (GetParam() == Tray::XEmbed) {
+  void startTray(Tray kind) {
+    if (kind == Tray::XEmbed) {
       panel.emplace(u"trayer"_s, u"--edge top --align left --widthtype request --height 28"_s.split(u' '));
       ASSERT_TRUE(waitFor([] { return QSystemTrayIcon::isSystemTrayAvailable(); }));
       return;
@@ -166,7 +166,7 @@ protected:
 };
 
 TEST_P(Desktop, menuAndWindowsWorkByMouseAndKeys) {
-  startTray();
+  startTray(GetParam());
   AgentProcess agent({}, u"xcb"_s);
   const bool isNotifier = GetParam() == Tray::StatusNotifier;
   ASSERT_TRUE(
@@ -199,7 +199,7 @@ TEST_P(Desktop, notificationsAndUrlsLinkAndShowWhatArrives) {
   service.order(sandbox::Endpoint::ObjectGet, {.kind = sandbox::Fault::Kind::SlowBody});
   AgentProcess agent({}, u"xcb"_s);
   ASSERT_TRUE(agent.waitUntilServing());
-  startTray();
+  startTray(GetParam());
   ASSERT_TRUE(waitForIcon());
 
   ASSERT_TRUE(clickNotification()) << "that the agent is not linked";
@@ -225,6 +225,20 @@ TEST_P(Desktop, notificationsAndUrlsLinkAndShowWhatArrives) {
 
 INSTANTIATE_TEST_SUITE_P(Trays, Desktop, testing::Values(Tray::StatusNotifier, Tray::XEmbed),
                          [](const auto &row) { return row.param == Tray::XEmbed ? "XEmbed" : "StatusNotifier"; });
+
+TEST_F(Desktop, withoutABusALoginCompletes) {
+  startTray(Tray::XEmbed);
+  qputenv("DBUS_SESSION_BUS_ADDRESS", "unix:path=/nonexistent");
+  AgentProcess agent({}, u"xcb"_s);
+  ASSERT_TRUE(waitForIcon());
+  choose(kRightButton, 38);
+  const auto loginUrl = browser.takeUrl();
+  ASSERT_TRUE(loginUrl && loginUrl->contains(u"/getLogin?"_s));
+  ASSERT_EQ(QProcess::execute(desktopsOpener, {service.signIn(*loginUrl)}), 0);
+  EXPECT_TRUE(waitForActiveWindow(u"Downloaderpictora"_s)) << "which asks for the folders of the new link";
+  agent.terminate();
+  EXPECT_EQ(agent.waitForEnd(1s * kSlowness), 0);
+}
 
 TEST_F(Desktop, withoutATrayTheAgentStillAnswers) {
   AgentProcess agent({}, u"xcb"_s);
