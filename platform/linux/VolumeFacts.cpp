@@ -44,7 +44,7 @@ bool isRemovable(const Mount &mount, const std::optional<Mount> &root) {
 std::optional<VolumeFacts> fileSystemInfo(const QString &path) {
   const QString canonical = QFileInfo(path).canonicalFilePath();
   if (canonical.isEmpty()) return std::nullopt;
-  thread_local MountTable table;
+  thread_local MountTable table; // NOLINT(clang-diagnostic-exit-time-destructors): one of each thread, gone with it
   const QList<Mount> &mounts = table.mounts();
   const auto mount = mountOf(mounts, QFile::encodeName(canonical));
   // Inside a changed root the table lacks the mount that holds it; nothing speaks against such a folder.
