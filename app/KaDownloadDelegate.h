@@ -8,10 +8,12 @@ class KaModelFacade;
 /// Receives all that the facade has to tell, in this order:
 ///
 /// - At start, from initializeLinkageSetting. Linked: onChangeStatus(Normal), onChangeLinkage(true); reports of the
-///   first run may come before the latter. Not linked: onProcessingResult(NotLinked).
+///   first run may come before the latter. Not linked: onProcessingResult(NotLinked). Last, where nothing can be kept
+///   in the app folder: onProcessingResult(Unexpected).
 /// - A login that completes: the link is stored and awaits its folders, then onCompleteLinkageSetting,
 ///   onChangeLinkage(true). No run of it begins before KaModelFacade::confirmFolders. One that fails:
-///   onProcessingResult alone, and the link stays as it was.
+///   onProcessingResult alone, and the link stays as it was. The first that cannot be stored on disk:
+///   onProcessingResult(Unexpected) behind the rest.
 /// - A log-out, from closeLinkage: the link is over, then onChangeStatus(NotLinked), onProcessingResult(Unlinked). From
 ///   then on no status and no result of that link's runs is told.
 /// - A run: onSetEnableLogginMenu(false), its statuses and results, onSetEnableLogginMenu(true).

@@ -3,6 +3,7 @@
 #include "app/KaDownloadDelegate.h"
 #include "app/LoginVerification.h"
 #include "engine/KaDownloadProcessor.h"
+#include "engine/KaTargetStorage.h"
 #include "log/KaLogUtility.h"
 #include "platform/NoDestructor.h"
 #include "platform/ThreadBound.h"
@@ -18,7 +19,11 @@ KaModelFacade &KaModelFacade::sharedInstance() {
 
 KaModelFacade::KaModelFacade() : dOption(defaultDownloadOption()) {
   // Without it the settings of the first dialog would be lost: saving them makes no folder.
-  if (!ensureAppFolder()) KaLogUtility::writeErrorLog(u"the app folder cannot be made"_s);
+  QStringList records;
+  for (const KaTargetStorage storage : kTargetStorages)
+    records << recordName(storage);
+  canKeepFiles = openAppFolder(records);
+  if (!canKeepFiles) KaLogUtility::writeErrorLog(u"the app folder cannot be written to"_s);
   dlProc = std::make_unique<KaDownloadProcessor>(*this, link);
 }
 

@@ -108,6 +108,7 @@ private:
 
   class LoginVerification;
 
+  void takeUpLinkage();
   [[nodiscard]] bool isBeingVerified(const QString &token) const;
   void dropLogins();
   void endLogin(LoginVerification &ended, KaResultCode verdict);
@@ -118,6 +119,8 @@ private:
   mutable platform::Mutex dataLock;
   QHash<QString, KaDownloadData> dData KA_GUARDED_BY(dataLock);
   KaLink link;
+  bool canKeepFiles = false;   ///< fixed after construction: what the app folder was like at start
+  bool hasToldUnsaved = false; ///< main thread: that a login was not stored
   std::atomic<KaDownloadDelegate *> dlDelegate = nullptr;
   platform::Mailbox mailbox;
   /// Main thread, in the order of the callbacks; dropped ones stay until their thread has ended. All end before the

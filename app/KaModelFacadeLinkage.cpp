@@ -15,6 +15,12 @@ using namespace Qt::StringLiterals;
 
 void KaModelFacade::initializeLinkageSetting() {
   platform::assertMainThread();
+  takeUpLinkage();
+  // Behind the rest, which would put the icon back to normal.
+  if (!canKeepFiles) setProcessingResult(KaResultCode::Unexpected, /*userTrigger=*/false);
+}
+
+void KaModelFacade::takeUpLinkage() {
   // Before the thread is woken, which looks at the link first and would go back to sleep.
   if (!link.load()) return setProcessingResult(KaResultCode::NotLinked, /*userTrigger=*/false);
 
@@ -71,13 +77,16 @@ void KaModelFacade::finishLogin(const QString &token, KaResultCode verdict) {
     if (link.giveUpLogin()) dlProc->loginEnded();
     return setProcessingResult(verdict, /*userTrigger=*/false);
   }
-  if (!link.completeLogin(token)) KaLogUtility::writeErrorLog(u"the linkage cannot be saved"_s);
+  const bool stored = link.completeLogin(token);
+  if (!stored) KaLogUtility::writeErrorLog(u"the linkage cannot be saved"_s);
   // Of the link before it: a request in its name would only be waited for.
   dlProc->deleteCredential();
   KaDownloadDelegate *const delegate = dlDelegate;
   if (!delegate) return;
   delegate->onCompleteLinkageSetting();
   delegate->onChangeLinkage(true);
+  if (!stored && !std::exchange(hasToldUnsaved, true))
+    setProcessingResult(KaResultCode::Unexpected, /*userTrigger=*/false);
 }
 
 void KaModelFacade::closeLinkage() {

@@ -12,6 +12,7 @@
 #include <QUuid>
 
 #include <chrono>
+#include <utility>
 
 using namespace Qt::StringLiterals;
 
@@ -45,8 +46,18 @@ void KaDownloadSession::exchangeCodeVerifier() {
 /// At once: each one makes the one before it worthless.
 bool KaDownloadSession::keepTokenCode(const QString &tokenCode) {
   const bool stored = with.link.storeTokenCode(current.number, tokenCode);
-  if (!stored && !isLinkOver()) KaLogUtility::writeErrorLog(u"the token code cannot be saved"_s);
+  if (!stored) tellUnsaved(u"the token code cannot be saved"_s);
   return stored;
+}
+
+/// The run goes on with what is in memory, but the next start of the program will have lost the link.
+void KaDownloadSession::tellUnsaved(const QString &what) {
+  if (isLinkOver()) return;
+  KaLogUtility::writeErrorLog(what);
+  tell([this] {
+    if (!std::exchange(hasToldUnsaved, true))
+      with.delegate.setProcessingResult(KaResultCode::Unexpected, /*userTrigger=*/false);
+  });
 }
 
 KaResultCode KaDownloadSession::refreshIdToken() {
@@ -79,7 +90,11 @@ KaResultCode KaDownloadSession::adoptToken(const QByteArray &answer, const QStri
   const KaResultCode verdict = KaIdVerificationUtility::validateJWT(with.request, newToken, /*checkNonce=*/false, {});
   if (verdict == KaResultCode::Success) current.idToken = *newToken;
   // The old one, too, when the new one does not hold: then the file is as it was.
-  if (with.link.storeIdToken(current.number, current.idToken)) KaLogUtility::writeInfoLog(u"Save PairingInfo"_s);
+  if (with.link.storeIdToken(current.number, current.idToken)) {
+    KaLogUtility::writeInfoLog(u"Save PairingInfo"_s);
+  } else {
+    tellUnsaved(u"the ID token cannot be saved"_s);
+  }
   return isLinkOver() ? KaResultCode::LinkInvalid : verdict;
 }
 

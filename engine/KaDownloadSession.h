@@ -62,6 +62,7 @@ public:
 
 private:
   bool keepTokenCode(const QString &tokenCode);
+  void tellUnsaved(const QString &what);
   [[nodiscard]] KaResultCode adoptToken(const QByteArray &answer, const QString &nonce);
   [[nodiscard]] KaResultCode takeUser();
 
@@ -69,4 +70,5 @@ private:
   const platform::ThreadBound thread;
   KaLinkSnapshot current;
   std::optional<QString> user;
+  bool hasToldUnsaved = false; ///< once a process: it is as true in the next run
 };

@@ -14,6 +14,8 @@ bool KaLink::load() {
   mainThread.check();
   const platform::MutexLock scope(turn);
   if (number() != 0) return true;
+  // Nobody else writes there: no run begins before there is a link, and each profile has one agent.
+  KaLinkageUtility::sweepPairingFolder();
   const auto storedToken = KaLinkageUtility::loadLinkageSetting();
   if (!storedToken) return false;
   const auto storedCode = KaLinkageUtility::loadTokenCode();

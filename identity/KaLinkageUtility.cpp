@@ -2,6 +2,7 @@
 
 #include "identity/KaCryptionUtility.h"
 #include "log/ExceptionGuard.h"
+#include "log/UnreadableFile.h"
 #include "platform/Folders.h"
 #include "platform/Opening.h"
 #include "platform/PrivateFile.h"
@@ -11,6 +12,8 @@
 #include <QFileInfo>
 
 #include <openssl/rand.h>
+
+#include <initializer_list>
 
 using namespace Qt::StringLiterals;
 
@@ -39,10 +42,19 @@ bool save(QLatin1StringView name, const QString &text) {
 }
 
 std::optional<QString> load(QLatin1StringView name) {
-  return guardedOr(std::optional<QString>(), [&]() -> std::optional<QString> {
+  return guardedOr(std::optional<QString>(), [&] {
     const auto content = platform::readPrivateFile(pairingFile(name));
-    return content ? KaCryptionUtility::decrypt(QString::fromUtf8(*content)) : std::nullopt;
+    const auto text = content ? KaCryptionUtility::decrypt(QString::fromUtf8(*content)) : std::nullopt;
+    if (!text) writeUnreadableFileLog(pairingFile(name));
+    return text;
   });
+}
+
+/// On disk when it returns: a power cut brings nothing back.
+void remove(std::initializer_list<QLatin1StringView> names) {
+  for (const auto name : names)
+    QFile::remove(pairingFile(name));
+  platform::syncFolder(pairingFolder());
 }
 
 QString sitePage(const QString &path) {
@@ -104,7 +116,7 @@ bool KaLinkageUtility::existCodeVerifier() {
 std::optional<QString> KaLinkageUtility::loadCodeVerifier() {
   const auto codeVerifier = load(kCodeVerifierFile);
   // A verifier that cannot be read goes too, else every pass would find it again.
-  QFile::remove(pairingFile(kCodeVerifierFile));
+  remove({kCodeVerifierFile});
   return codeVerifier;
 }
 
@@ -117,10 +129,15 @@ std::optional<QString> KaLinkageUtility::loadTokenCode() {
 }
 
 void KaLinkageUtility::deleteTokenCode() {
-  QFile::remove(pairingFile(kTokenCodeFile));
+  remove({kTokenCodeFile});
 }
 
 void KaLinkageUtility::deletePairingInfo() {
-  for (const auto name : {kLinkageFile, kCodeVerifierFile, kTokenCodeFile})
-    QFile::remove(pairingFile(name));
+  sweepPairingFolder();
+  // The ID token first: a kill in between leaves no link that has lost the rest.
+  remove({kLinkageFile, kCodeVerifierFile, kTokenCodeFile});
+}
+
+void KaLinkageUtility::sweepPairingFolder() {
+  platform::sweepReplacements(pairingFolder(), {kLinkageFile, kCodeVerifierFile, kTokenCodeFile});
 }

@@ -5,7 +5,8 @@
 #include <optional>
 
 /// The link between this computer and the user's account: the browser pages that make and end it, and the three
-/// enciphered files that keep it. Files that are missing, damaged or another user's read as absent. Any thread, one at
+/// enciphered files that keep it. Files that are missing, damaged or another user's read as absent; what was saved or
+/// deleted stays so in a power cut. Any thread, one at
 /// a time for each file: KaLink, which knows whose they are, sees to that and is the only one to write them.
 class KaLinkageUtility {
 public:
@@ -32,4 +33,6 @@ public:
   static void deleteTokenCode();
 
   static void deletePairingInfo();
+  /// Removes what a kill has left of their saving, as deletePairingInfo does, too.
+  static void sweepPairingFolder();
 };

@@ -23,6 +23,7 @@ namespace platform {
 void dropRelativeBaseFolders();
 
 /// Makes a folder for the user alone (0700), intermediate ones too; existing folders keep their mode.
+/// The names of new ones are on disk when it returns.
 /// @return whether it is a folder afterwards.
 [[nodiscard]] bool makePrivateFolder(const QString &path);
 

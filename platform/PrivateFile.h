@@ -2,6 +2,7 @@
 
 #include <QByteArray>
 #include <QString>
+#include <QStringList>
 
 #include <optional>
 
@@ -9,9 +10,17 @@ namespace platform {
 
 /// Small files of ours that only the user may read. Any thread.
 
-/// Replaces @p path as a whole: after a crash it holds the old content or the new one. Its folder must exist.
+/// More than this is none of ours where a file has no form that can grow. Bytes.
+inline constexpr qint64 kSmallFileLimit = 1LL << 20;
+
+/// Replaces @p path as a whole: after a crash or a power cut it holds the old content or the new one, and the new one
+/// once this has returned. Its folder must exist.
 [[nodiscard]] bool writePrivateFile(const QString &path, const QByteArray &content);
-/// Absent when there is no such ordinary file or it cannot be read.
-[[nodiscard]] std::optional<QByteArray> readPrivateFile(const QString &path);
+/// Absent when there is no such ordinary file, it cannot be read, or it holds more than @p limit bytes.
+[[nodiscard]] std::optional<QByteArray> readPrivateFile(const QString &path, qint64 limit = kSmallFileLimit);
+
+/// Removes what a kill has left of replacements of @p names in @p folder; everything else stays, links and folders
+/// too. Only while nobody writes there.
+void sweepReplacements(const QString &folder, const QStringList &names);
 
 } // namespace platform

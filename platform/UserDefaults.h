@@ -13,7 +13,9 @@ namespace platform {
 /// The user's preferences, and below them defaults registered for this run. Any thread.
 class UserDefaults {
 public:
-  /// @param path  the INI file; made, readable by the user alone, with the first value stored.
+  /// Sweeps what a kill has left beside the file, so only the one agent of a profile makes one.
+  /// @param path  the INI file; made, readable by the user alone, with the first value stored. More than
+  /// kSmallFileLimit bytes, or what is no ordinary file, counts as none: the first value stored takes its place.
   explicit UserDefaults(const QString &path);
   ~UserDefaults();
   UserDefaults(const UserDefaults &) = delete;
@@ -25,7 +27,8 @@ public:
   [[nodiscard]] qint64 integerValue(const QString &key) const; ///< the leading whole number, else 0
   [[nodiscard]] std::optional<double> doubleValue(const QString &key) const;
 
-  /// On disk when it returns, as far as the disk allows: a kill must not lose an answer that the user gave.
+  /// On disk when it returns, name and all, as far as the disk allows: a kill or a power cut must not lose an answer
+  /// that the user gave. In memory alone where what is in the file's place can be neither read nor removed.
   void setString(const QString &key, const QString &value);
   void setBool(const QString &key, bool value);
   void registerDefaults(const QHash<QString, QString> &defaults); ///< in memory only

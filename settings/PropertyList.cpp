@@ -2,6 +2,8 @@
 
 #include "platform/ReleasedBy.h"
 
+#include <QXmlStreamReader>
+
 #include <plist/plist.h>
 
 #include <cstdlib>
@@ -31,6 +33,19 @@ std::optional<QString> textOf(plist_t node) {
   const char *const bytes = plist_get_string_ptr(node, &length);
   if (!bytes) return std::nullopt;
   return length == 0 ? u""_s : QString::fromUtf8(bytes, static_cast<qsizetype>(length));
+}
+
+/// The library takes a document of any depth apart by recursion. Ours has three levels, and no entities.
+bool isFlat(const QByteArray &xml) {
+  constexpr int kDeepest = 16;
+  QXmlStreamReader reader(xml);
+  for (int depth = 0; !reader.atEnd();) {
+    const auto token = reader.readNext();
+    if (token == QXmlStreamReader::StartElement && ++depth > kDeepest) return false;
+    if (token == QXmlStreamReader::EndElement) --depth;
+    if (!reader.entityDeclarations().isEmpty()) return false;
+  }
+  return !reader.hasError();
 }
 
 /// Unsigned in the library's interface alone: a negative number comes back as it was.
@@ -72,7 +87,7 @@ std::optional<QByteArray> PropertyList::toXml() const {
 
 std::optional<PropertyList> PropertyList::fromXml(const QByteArray &xml) {
   // The library takes the length in 32 bits.
-  if (xml.isEmpty() || xml.size() > std::numeric_limits<int>::max()) return std::nullopt;
+  if (xml.isEmpty() || xml.size() > std::numeric_limits<int>::max() || !isFlat(xml)) return std::nullopt;
   plist_t document = nullptr;
   plist_from_xml(xml.constData(), static_cast<uint32_t>(xml.size()), &document);
   const Node root(document);

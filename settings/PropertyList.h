@@ -20,7 +20,8 @@ public:
 
   /// The document; absent when it cannot be made.
   [[nodiscard]] std::optional<QByteArray> toXml() const;
-  /// Absent when @p xml is no property list or its root no dictionary; members of other types are left out.
+  /// Absent when @p xml is no property list, deeper than 16 elements or declares entities, or its root is no
+  /// dictionary; members of other types are left out.
   [[nodiscard]] static std::optional<PropertyList> fromXml(const QByteArray &xml);
 
 private:

@@ -2,6 +2,7 @@
 
 #include "identity/KaCryptionUtility.h"
 #include "log/ExceptionGuard.h"
+#include "log/UnreadableFile.h"
 #include "platform/Folders.h"
 #include "platform/JsonValue.h"
 #include "platform/PrivateFile.h"
@@ -39,9 +40,10 @@ QString inAppFolder(const QString &fileName) {
   return appFolder() + u'/' + fileName;
 }
 
-QString settingsFile() {
-  return inAppFolder(u"DownloadSettingData.plist"_s);
-}
+constexpr auto kSettingsFile = "DownloadSettingData.plist"_L1;
+
+/// Bytes. A million pictures of the 10G storage take a tenth of it.
+constexpr qint64 kRecordLimit = 256LL << 20;
 
 PropertyList toPropertyList(const KaDownloadOption &option) {
   const std::array<std::pair<QLatin1StringView, QString>, 5> texts = {{
@@ -124,6 +126,12 @@ bool ensureAppFolder() {
   return platform::makePrivateFolder(appFolder());
 }
 
+bool openAppFolder(const QStringList &records) {
+  if (!ensureAppFolder()) return false;
+  platform::sweepReplacements(appFolder(), records + QStringList{kSettingsFile});
+  return QFileInfo(appFolder()).isWritable();
+}
+
 KaDownloadOption defaultDownloadOption() {
   const QString pictures = realPicturesFolder();
   KaDownloadOption option;
@@ -137,15 +145,18 @@ KaDownloadOption defaultDownloadOption() {
 bool saveDownloadOption(const KaDownloadOption &option) {
   return guardedOr(false, [&] {
     const auto xml = toPropertyList(option).toXml();
-    return xml && platform::writePrivateFile(settingsFile(), *xml);
+    return xml && platform::writePrivateFile(inAppFolder(kSettingsFile), *xml);
   });
 }
 
 std::optional<KaDownloadOption> loadDownloadOption() {
   return guardedOr(std::optional<KaDownloadOption>(), [] {
-    const auto xml = platform::readPrivateFile(settingsFile());
+    const QString path = inAppFolder(kSettingsFile);
+    const auto xml = platform::readPrivateFile(path);
     const auto list = xml ? PropertyList::fromXml(*xml) : std::nullopt;
-    return list ? fromPropertyList(*list) : std::nullopt;
+    const auto option = list ? fromPropertyList(*list) : std::nullopt;
+    if (!option) writeUnreadableFileLog(path);
+    return option;
   });
 }
 
@@ -159,9 +170,12 @@ bool saveBookkeeping(const QString &fileName, const QString &uuidKey, const KaDo
 
 std::optional<QHash<QString, KaDownloadData>> loadBookkeeping(const QString &fileName) {
   return guardedOr(std::optional<QHash<QString, KaDownloadData>>(), [&] {
-    const auto content = platform::readPrivateFile(inAppFolder(fileName));
+    const QString path = inAppFolder(fileName);
+    const auto content = platform::readPrivateFile(path, kRecordLimit);
     const auto json = content ? KaCryptionUtility::decrypt(QString::fromUtf8(*content)) : std::nullopt;
-    return json ? fromJson(json->toUtf8()) : std::nullopt;
+    const auto records = json ? fromJson(json->toUtf8()) : std::nullopt;
+    if (!records) writeUnreadableFileLog(path);
+    return records;
   });
 }
 

@@ -6,15 +6,20 @@
 
 #include <QHash>
 #include <QString>
+#include <QStringList>
 
 #include <optional>
 
 /// The files of the app folder. Each is replaced as a whole and readable by the user alone; a file that cannot be read,
-/// deciphered or parsed is absent. Any thread: of two that save one file at once, the later one's content stays.
+/// deciphered or parsed, or is too large, is absent, and an entry of the error log names it. Any thread: of two that
+/// save one file at once, the later one's content stays.
 
 /// The app folder's path, whether it exists or not.
 [[nodiscard]] QString appFolder();
 [[nodiscard]] bool ensureAppFolder();
+/// At start, before anything is saved: makes the app folder and removes what a kill has left of the saving of settings
+/// and @p records. @return whether files can be kept in it.
+[[nodiscard]] bool openAppFolder(const QStringList &records);
 
 /// The settings of a new user; makes both default folders.
 [[nodiscard]] KaDownloadOption defaultDownloadOption();

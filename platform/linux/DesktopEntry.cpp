@@ -1,6 +1,6 @@
 #include "platform/linux/DesktopEntry.h"
 
-#include <QFile>
+#include "platform/PrivateFile.h"
 
 #include <string_view>
 
@@ -8,6 +8,9 @@ using namespace Qt::StringLiterals;
 
 namespace platform {
 namespace {
+
+/// Bytes. No desktop entry comes near it.
+constexpr qint64 kEntryLimit = 64LL << 10;
 
 /// Small openers split an Exec line at its blanks and take quotes for a part of the name: they go only where needed.
 bool needsQuotes(const QString &argument) {
@@ -39,8 +42,7 @@ QString execArgument(const QString &argument) {
 }
 
 QByteArray writtenEntry(const QString &path) {
-  QFile file(path);
-  return file.open(QFile::ReadOnly) ? file.readAll() : QByteArray();
+  return readPrivateFile(path, kEntryLimit).value_or(QByteArray());
 }
 
 QByteArray withoutProgram(QByteArray entry) {

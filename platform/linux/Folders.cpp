@@ -60,7 +60,9 @@ bool makePrivateFolder(const QString &path) {
   const QString parent = info.path();
   if (parent != path && !makePrivateFolder(parent)) return false;
   // Another process may have made it in between, which is as good.
-  return ::mkdir(QFile::encodeName(path).constData(), 0700) == 0 || (errno == EEXIST && QFileInfo(path).isDir());
+  if (::mkdir(QFile::encodeName(path).constData(), 0700) != 0) return errno == EEXIST && QFileInfo(path).isDir();
+  syncFolder(parent);
+  return true;
 }
 
 void syncFolder(const QString &path) {

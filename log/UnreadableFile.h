@@ -1,0 +1,7 @@
+#pragma once
+
+#include <QString>
+
+/// One entry of the error log that names a file of ours which is there but cannot be used, and so counts as absent;
+/// nothing for one that is missing. Any thread.
+void writeUnreadableFileLog(const QString &path);

@@ -1,0 +1,223 @@
+#include "identity/KaLink.h"
+#include "identity/KaLinkageUtility.h"
+#include "platform/UserDefaults.h"
+#include "settings/SettingsFiles.h"
+#include "tests/support/TestProfile.h"
+
+#include <QDir>
+#include <QFile>
+
+#include <gtest/gtest.h>
+
+#include <fcntl.h>
+#include <sys/stat.h>
+#include <sys/syscall.h>
+#include <unistd.h>
+
+#include <functional>
+#include <map>
+
+using namespace Qt::StringLiterals;
+
+namespace {
+
+/// What the disk has been told to keep. A power cut leaves of a file what was flushed of it, and of a name what was
+/// flushed with its folder, or the name that it bears at that instant: whichever is worse.
+struct Disk {
+  /// The names of a folder with the contents, null for one that was never flushed; absent for folders.
+  using Names = std::map<QString, std::optional<QByteArray>>;
+
+  static ino_t inode(const QString &path) {
+    struct stat status {};
+    return ::lstat(QFile::encodeName(path).constData(), &status) == 0 ? status.st_ino : 0;
+  }
+  [[nodiscard]] Names namesIn(const QString &folder) const {
+    Names names;
+    const QDir::Filters all = QDir::AllEntries | QDir::Hidden | QDir::System | QDir::NoDotAndDotDot;
+    for (const QFileInfo &entry : QDir(folder).entryInfoList(all)) {
+      const auto content = contents.find(inode(entry.filePath()));
+      names[entry.fileName()] = entry.isDir() ? std::optional<QByteArray>()
+                                              : (content == contents.end() ? QByteArray("torn") : content->second);
+    }
+    return names;
+  }
+  void flush(int descriptor) {
+    const QString link = u"/proc/self/fd/%1"_s.arg(descriptor);
+    const QString path = QFile::symLinkTarget(link);
+    struct stat status {};
+    if (::fstat(descriptor, &status) != 0) return;
+    if (S_ISDIR(status.st_mode)) {
+      folders[path] = namesIn(path);
+    } else {
+      contents[status.st_ino] = contentOf(link);
+    }
+  }
+  /// @p folder as it is found in @p copy after the cut.
+  void restore(const QString &folder, const QString &copy, bool isFlushedAlone) const {
+    QDir().mkpath(copy);
+    const auto flushed = folders.find(folder);
+    const Names names = !isFlushedAlone ? namesIn(folder) : flushed == folders.end() ? Names() : flushed->second;
+    for (const auto &[name, content] : names) {
+      if (content) {
+        writeFile(copy + u'/' + name, *content);
+      } else {
+        restore(folder + u'/' + name, copy + u'/' + name, isFlushedAlone);
+      }
+    }
+  }
+
+  std::map<ino_t, QByteArray> contents;
+  std::map<QString, Names> folders;
+};
+
+Disk *disk = nullptr; ///< while it is watched
+std::function<void()> lookAfterACut;
+
+/// Nothing of what a look does counts.
+template <class Call> auto watched(const Call &call) {
+  const auto result = call();
+  if (Disk *const watching = std::exchange(disk, nullptr)) {
+    lookAfterACut();
+    disk = watching;
+  }
+  return result;
+}
+
+long replaced(const char *path, const std::function<long()> &call) {
+  const ino_t gone = disk ? Disk::inode(QFile::decodeName(path)) : 0;
+  const long result = call();
+  if (disk && result == 0) disk->contents.erase(gone); // its number may come again
+  return watched([result] { return result; });
+}
+
+int flushed(int descriptor, long number) {
+  const long result = ::syscall(number, descriptor);
+  if (Disk *const watching = std::exchange(disk, nullptr)) {
+    watching->flush(descriptor);
+    disk = watching;
+  }
+  return static_cast<int>(watched([result] { return result; }));
+}
+
+} // namespace
+
+// In place of the C library's, for Qt's calls, too.
+extern "C" [[gnu::visibility("default")]] int fsync(int descriptor) {
+  return flushed(descriptor, SYS_fsync);
+}
+extern "C" [[gnu::visibility("default")]] int fdatasync(int descriptor) {
+  return flushed(descriptor, SYS_fdatasync);
+}
+extern "C" [[gnu::visibility("default")]] int rename(const char *from, const char *to) noexcept {
+  return static_cast<int>(replaced(to, [=] { return ::syscall(SYS_renameat2, AT_FDCWD, from, AT_FDCWD, to, 0); }));
+}
+extern "C" [[gnu::visibility("default")]] int unlink(const char *path) noexcept {
+  return static_cast<int>(replaced(path, [=] { return ::syscall(SYS_unlinkat, AT_FDCWD, path, 0); }));
+}
+
+namespace {
+
+class PowerCut : public testing::Test {
+protected:
+  PowerCut() {
+    for (const QString &folder : {profile.path(), profile.dataFolder(), profile.configFolder()})
+      state.folders[folder] = state.namesIn(folder);
+  }
+  ~PowerCut() override { disk = nullptr; }
+
+  /// What @p read finds after a cut now, in either way.
+  [[nodiscard]] QStringList found(const std::function<QString()> &read) const {
+    QStringList results;
+    for (const bool isFlushedAlone : {true, false}) {
+      const QTemporaryDir copy;
+      state.restore(profile.path(), copy.path(), isFlushedAlone);
+      qputenv("XDG_DATA_HOME", QFile::encodeName(copy.filePath(u"data"_s)));
+      qputenv("XDG_CONFIG_HOME", QFile::encodeName(copy.filePath(u"config"_s)));
+      results << read();
+    }
+    qputenv("XDG_DATA_HOME", QFile::encodeName(profile.dataFolder()));
+    qputenv("XDG_CONFIG_HOME", QFile::encodeName(profile.configFolder()));
+    return results;
+  }
+  /// Does @p write and cuts the power after each call that matters: one of @p during is found, and @p after once it
+  /// has returned.
+  void cutWhile(const std::function<bool()> &write, const std::function<QString()> &read, const QStringList &during,
+                const QString &after) {
+    int cuts = 0;
+    lookAfterACut = [&] {
+      ++cuts;
+      for (const QString &result : found(read))
+        EXPECT_TRUE(during.contains(result)) << qPrintable(result) << " after cut " << cuts;
+    };
+    disk = &state;
+    EXPECT_TRUE(write());
+    disk = nullptr;
+    EXPECT_GT(cuts, 0);
+    EXPECT_EQ(found(read), (QStringList{after, after})) << "once it has returned";
+  }
+  [[nodiscard]] static QString link() {
+    return KaLinkageUtility::loadLinkageSetting().value_or(u"-"_s) + u'|'
+           + KaLinkageUtility::loadTokenCode().value_or(u"-"_s)
+           + (KaLinkageUtility::existCodeVerifier() ? u"|verifier"_s : u""_s);
+  }
+
+  const TestProfile profile;
+  Disk state;
+};
+
+TEST_F(PowerCut, leavesOfEachFileTheOldOrTheNewAndOnceItIsSavedTheNew) {
+  const QString record = u"RecentDownloadData"_s;
+  const auto config = [] { return qEnvironmentVariable("XDG_CONFIG_HOME") + u"/NORVALE INC/Downloaderpictora.conf"_s; };
+  struct Kind {
+    std::function<bool(const QString &)> write;
+    std::function<QString()> read;
+  };
+  const Kind kinds[] = {
+      {KaLinkageUtility::saveLinkageSetting, [] { return KaLinkageUtility::loadLinkageSetting().value_or(u"-"_s); }},
+      {KaLinkageUtility::saveTokenCode, [] { return KaLinkageUtility::loadTokenCode().value_or(u"-"_s); }},
+      {[&](const QString &text) {
+         return saveBookkeeping(record, u"key"_s, {text, {}});
+       },
+       [&] {
+         const auto targets = loadBookkeeping(record);
+         return targets ? targets->value(u"key"_s).LastDateTime : u"-"_s;
+       }},
+      {[](const QString &text) { return saveDownloadOption({.parentFolder = text, .parent10GFolder = u"b"_s}); },
+       [] {
+         return loadDownloadOption().value_or(KaDownloadOption{u"-"_s, {}}).parentFolder;
+       }},
+      {[&](const QString &text) {
+         platform::UserDefaults(config()).setString(u"key"_s, text);
+         return true;
+       },
+       [&] { return platform::UserDefaults(config()).string(u"key"_s).value_or(u"-"_s); }},
+  };
+  for (const Kind &kind : kinds) {
+    SCOPED_TRACE(&kind - kinds);
+    QString old = u"-"_s;
+    for (const QString &text : {u"one"_s, u"two"_s, u"three"_s}) {
+      cutWhile([&] { return kind.write(text); }, kind.read, {old, text}, text);
+      old = text;
+    }
+  }
+}
+
+TEST_F(PowerCut, keepsThePairThatTheServiceTakesNextAndNoLinkThatHasEnded) {
+  const auto step = [this](const std::function<bool()> &write, const QStringList &states) {
+    SCOPED_TRACE(qPrintable(states.last()));
+    cutWhile(write, link, states, states.last());
+  };
+  KaLink kept;
+  step([] { return KaLinkageUtility::saveLinkageSetting(u"A"_s); }, {u"-|-"_s, u"A|-"_s});
+  step([] { return KaLinkageUtility::saveTokenCode(u"1"_s); }, {u"A|-"_s, u"A|1"_s});
+  ASSERT_TRUE(kept.load());
+  step([&] { return kept.storeTokenCode(kept.number(), u"2"_s); }, {u"A|1"_s, u"A|2"_s});
+  step([&] { return kept.storeIdToken(kept.number(), u"A2"_s); }, {u"A|2"_s, u"A2|2"_s});
+  step([] { return KaLinkageUtility::saveCodeVerifier(u"of B"_s); }, {u"A2|2"_s, u"A2|2|verifier"_s});
+  step([&] { return kept.completeLogin(u"B"_s); }, {u"A2|2|verifier"_s, u"A2|-|verifier"_s, u"B|-|verifier"_s});
+  step([&] { return kept.takeCodeVerifier(kept.number()).has_value(); }, {u"B|-|verifier"_s, u"B|-"_s});
+  step([&] { return kept.storeTokenCode(kept.number(), u"3"_s); }, {u"B|-"_s, u"B|3"_s});
+  step([&] { return kept.close(), true; }, {u"B|3"_s, u"-|3"_s, u"-|-"_s});
+}
+
+} // namespace
