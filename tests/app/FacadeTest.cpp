@@ -47,7 +47,11 @@ private:
 
 class FacadeLinkage : public testing::Test {
 protected:
-  FacadeLinkage() { facade().setDlDelegate(&delegate); }
+  /// @param blocked  below the data folder: here stands a plain file before anything else.
+  explicit FacadeLinkage(const QString &blocked = {}) {
+    if (!blocked.isEmpty()) writeFile(profile.dataFolder() + blocked, "no folder");
+    facade().setDlDelegate(&delegate);
+  }
   ~FacadeLinkage() override {
     facade().endDownloadProcess();
     EXPECT_TRUE(waitFor([this] { return delegate.finished.load(); }));
@@ -163,6 +167,40 @@ TEST_F(FacadeLinkage, hearsNoMoreOfALoginThatTheUserClosedOrReplaced) {
   facade().setIdCode(token);
   EXPECT_TRUE(waitForReports({u"status 3"_s, u"result 5"_s, u"login 1"_s, u"linkage 1"_s}));
   EXPECT_EQ(facade().loadLinkageSetting(), token);
+}
+
+TEST_F(FacadeLinkage, saysOnceThatALoginCannotBeStoredAndGoesOn) {
+  writeFile(profile.dataFolder() + u"/NORVALE INC/Downloaderpictora Shared"_s, "no folder");
+  startLogin();
+  QStringList expected{u"login 1"_s, u"linkage 1"_s, u"result 14"_s};
+  EXPECT_TRUE(waitForReports(expected));
+  EXPECT_EQ(facade().linkState(), KaLinkState::AwaitsFolders);
+  const QString second = startLogin();
+  EXPECT_TRUE(waitForReports(expected << u"login 1"_s << u"linkage 1"_s));
+  EXPECT_EQ(facade().loadLinkageSetting(), second);
+}
+
+struct FacadeWithoutAppFolder : FacadeLinkage {
+  FacadeWithoutAppFolder() : FacadeLinkage(u"/NORVALE INC/Downloaderpictora"_s) {}
+};
+
+TEST_F(FacadeWithoutAppFolder, saysSoAtStartBehindTheRestAndGoesOn) {
+  const sandbox::LinkedToken linked = service.issueLinkedToken();
+  ASSERT_TRUE(KaLinkageUtility::saveLinkageSetting(linked.idToken)
+              && KaLinkageUtility::saveTokenCode(linked.tokenCode));
+  facade().initializeLinkageSetting();
+  EXPECT_TRUE(service.waitForRequests(Endpoint::ListDevices, 1, 20s));
+  EXPECT_EQ(delegate.reports, (QStringList{u"status 0"_s, u"linkage 1"_s, u"result 14"_s}));
+}
+
+TEST(FacadeStart, sweepsWhatAKillLeftInTheAppFolder) {
+  const TestProfile profile;
+  const QStringList left =
+      u"DownloadSettingData.plist RecentDownloadData Recent10GDownloadData RecentPreviewDownloadData"_s.split(u' ');
+  for (const QString &name : left + QStringList{u"Notes"_s})
+    writeFile(profile.appFolder() + u'/' + name + u".AbCdEf"_s, "x");
+  static_cast<void>(KaModelFacade::sharedInstance());
+  EXPECT_EQ(filesBelow(profile.appFolder()), QStringList{u"Notes.AbCdEf"_s});
 }
 
 struct FacadeData : testing::Test {

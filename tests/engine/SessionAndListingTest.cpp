@@ -49,6 +49,18 @@ TEST_F(Session, adoptsNoTokenOfABadAnswerButTheTokenCodeThatMadeTheOldOneWorthle
   }
 }
 
+TEST_F(Session, saysOnceThatTheDiskKeepsNoTokenAndGoesOnFromMemory) {
+  const QString pairing = profile.dataFolder() + u"/NORVALE INC/Downloaderpictora Shared"_s;
+  ASSERT_TRUE(QDir(pairing).removeRecursively());
+  writeFile(pairing, "no folder");
+  for (int times = 0; times < 2; ++times) {
+    const auto before = link.idToken();
+    EXPECT_EQ(parts.session.refreshIdToken(), Success);
+    EXPECT_NE(link.idToken(), before);
+    EXPECT_EQ(delegate.events().filter(u"result"_s), QStringList{u"result 14"_s});
+  }
+}
+
 TEST_F(Session, readsTheExpiryAsUniversalTimeCutTo32Bits) {
   qputenv("TZ", "CET-1CEST,M3.5.0,M10.5.0/3"); // skips the hour of the first row
   tzset();

@@ -1,6 +1,9 @@
 #include "identity/KaCryptionUtility.h"
+#include "identity/KaLink.h"
 #include "identity/KaLinkageUtility.h"
+#include "log/KaLogUtility.h"
 #include "tests/identity/SigningVectors.h"
+#include "tests/log/LogFile.h"
 #include "tests/service/ServiceFixture.h"
 #include "tests/support/FakeBrowser.h"
 
@@ -61,12 +64,46 @@ TEST_F(Linkage, keepsEachTextEncipheredForTheUserAloneUntilItForgets) {
   EXPECT_EQ(folder.entryList(QDir::Files | QDir::Hidden), QStringList());
 }
 
-TEST_F(Linkage, readsAForeignFileAsAbsentAndSavesNothingWhereItsFolderIsAFile) {
+TEST_F(Linkage, readsAForeignOrHugeFileAsAbsentAndSavesNothingWhereItsFolderIsAFile) {
+  KaLogUtility::switchLogStatus();
+  EXPECT_EQ(KaLinkageUtility::loadLinkageSetting(), std::nullopt);
   const QString foreign = KaCryptionUtility::encrypt(login.idToken, QString(64, u'f')).value();
   writeFile(folder.filePath(u"PairingInfo"_s), foreign.toUtf8());
   EXPECT_EQ(KaLinkageUtility::loadLinkageSetting(), std::nullopt);
+  // The zeros behind the text are passed over.
+  ASSERT_TRUE(KaLinkageUtility::saveTokenCode(u"code"_s));
+  ASSERT_TRUE(QFile::resize(folder.filePath(u"PairingCode"_s), 1 << 20));
+  EXPECT_EQ(KaLinkageUtility::loadTokenCode(), u"code"_s);
+  ASSERT_TRUE(QFile::resize(folder.filePath(u"PairingCode"_s), (1 << 20) + 1));
+  EXPECT_EQ(KaLinkageUtility::loadTokenCode(), std::nullopt);
+  EXPECT_EQ(loggedLines(profile).filter(u"cannot be read"_s),
+            (QStringList{u"    PairingInfo cannot be read and counts as absent"_s,
+                         u"    PairingCode cannot be read and counts as absent"_s}));
   ASSERT_TRUE(folder.removeRecursively() && QFile(folder.path()).open(QFile::WriteOnly));
   EXPECT_FALSE(KaLinkageUtility::saveLinkageSetting(u"token"_s));
+}
+
+TEST_F(Linkage, leavesNothingThatAKillLeftWhenItIsTakenUpOrClosed) {
+  QStringList others =
+      u"Other.AbCdEf PairingCode.backup PairingCode.AbCdE PairingCode.AbCdEfg PairingCode.AbC-Ef"_s.split(u' ');
+  for (const QString &name : std::as_const(others))
+    writeFile(folder.filePath(name), "x");
+  ASSERT_TRUE(folder.mkdir(u"tmpFile.folder"_s)
+              && QFile::link(folder.filePath(u"Other.AbCdEf"_s), folder.filePath(u"tmpFile.linked"_s)));
+  others << u"tmpFile.linked"_s;
+  others.sort();
+  KaLink link;
+  for (const bool isStart : {true, false}) {
+    for (const QString &name : {u"PairingInfo.AbCdEf"_s, u"PairingCode.uvWX09"_s, u"tmpFile.XXXXXX"_s})
+      writeFile(folder.filePath(name), "a token");
+    if (isStart) {
+      EXPECT_FALSE(link.load());
+    } else {
+      link.close();
+    }
+    EXPECT_EQ(filesBelow(folder.path()), others) << isStart;
+    EXPECT_TRUE(folder.exists(u"tmpFile.folder"_s));
+  }
 }
 
 TEST_F(Linkage, opensThePagesOfTheServiceAndKeepsTheVerifier) {

@@ -7,8 +7,13 @@
 #include <gtest/gtest.h>
 
 #include <QCoreApplication>
+#include <QDir>
 #include <QFile>
 #include <QFileInfo>
+
+#include <sys/stat.h>
+
+#include <functional>
 
 using namespace Qt::StringLiterals;
 
@@ -40,6 +45,40 @@ TEST_F(Desktop, readsUserDefaultsAsPreferencesAreRead) {
   const QString path = profile.configFolder() + u"/NORVALE INC/Downloaderpictora.conf"_s;
   EXPECT_EQ(platform::UserDefaults(path).string(u"host"_s), u"a, b; c=d"_s) << "read again";
   EXPECT_EQ(QFileInfo(path).permissions(), kOwnerOnly);
+}
+
+TEST_F(Desktop, neitherReadsNorWaitsForUserDefaultsThatAreNoneAndSweepsWhatAKillLeft) {
+  const QString path = profile.configFolder() + u"/NORVALE INC/Downloaderpictora.conf"_s;
+  const QByteArray text = "[General]\nkey=old\n;";
+  const auto key = [&] { return platform::UserDefaults(path).string(u"key"_s).value_or(u"-"_s); };
+  writeFile(path, text.leftJustified(1 << 20, 'x'));
+  EXPECT_EQ(key(), u"old");
+  // As of a process that runs, and always will.
+  writeFile(path + u".lock"_s, "1\ninit\n" + QSysInfo::machineHostName().toUtf8() + "-elsewhere\n");
+  for (const QString &suffix : {u".AbCdEf"_s, u".backup"_s})
+    writeFile(path + suffix, "x");
+  platform::UserDefaults kept(path);
+  kept.setString(u"key"_s, u"new"_s);
+  EXPECT_EQ(QDir(QFileInfo(path).path()).entryList(QDir::Files).size(), 2) << "the file and somebody's copy";
+  const auto block = {
+      std::function<void()>([&] { writeFile(path, text.leftJustified((1 << 20) + 1, 'x')); }),
+      std::function<void()>([&] { EXPECT_EQ(::mkfifo(QFile::encodeName(path).constData(), 0600), 0); })};
+  for (const auto &takePlace : block) {
+    takePlace();
+    EXPECT_EQ(key(), u"-");
+    kept.setString(u"key"_s, u"newer"_s);
+    EXPECT_EQ(key(), u"newer") << "it took that one's place";
+    ASSERT_TRUE(QFile::remove(path));
+    takePlace();
+    platform::UserDefaults(path).setString(u"key"_s, u"newest"_s);
+    EXPECT_EQ(key(), u"newest");
+    ASSERT_TRUE(QFile::remove(path));
+  }
+  ASSERT_TRUE(QDir().mkdir(path));
+  kept.setString(u"key"_s, u"in memory"_s);
+  platform::UserDefaults fresh(path);
+  fresh.setString(u"key"_s, u"in memory"_s);
+  EXPECT_EQ(fresh.string(u"key"_s), u"in memory");
 }
 
 TEST_F(Desktop, keepsTheUsersIdWhichDiffersByMachine) {

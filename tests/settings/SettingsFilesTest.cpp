@@ -1,5 +1,7 @@
 #include "settings/SettingsFiles.h"
 #include "identity/KaCryptionUtility.h"
+#include "log/KaLogUtility.h"
+#include "tests/log/LogFile.h"
 #include "tests/support/TestProfile.h"
 
 #include <QDir>
@@ -26,7 +28,7 @@ protected:
 };
 
 TEST_F(SettingsFiles, holdTheTargetSavedLastAndNoOtherForTheUserAlone) {
-  const KaDownloadData many{u"20240501/10"_s, QStringList(100'000, u"a/Grüße \"写真\"/20240501/10/IMG_0001.JPG"_s)};
+  const KaDownloadData many{u"20240501/10"_s, QStringList(1'000'000, u"Grüße \"写真\""_s)};
   ASSERT_TRUE(saveBookkeeping(kFile, u"A"_s, many));
   EXPECT_TRUE(loadBookkeeping(kFile) == (Targets{{u"A"_s, many}}));
   ASSERT_TRUE(saveBookkeeping(kFile, u"B"_s, {u"20240502/11"_s, {u"id"_s}}));
@@ -84,6 +86,44 @@ TEST_F(SettingsFiles, bringNoSettingsBackWithoutBothParentFolders) {
     writeFile(path(kPlist), QByteArray(whole).replace(missing, "Other"));
     EXPECT_EQ(loadDownloadOption().has_value(), missing == "nothing") << missing.constData();
   }
+}
+
+TEST_F(SettingsFiles, areAbsentWithOneEntryOfTheLogWhenTheyAreThereButOfNoUse) {
+  const auto asPlist = [](const QByteArray &doctype, const QByteArray &more) {
+    return doctype + "<plist version=\"1.0\"><dict>" + kParents + more + "</dict></plist>";
+  };
+  const auto nested = [&](int depth) {
+    return asPlist("",
+                   "<key>deep</key>" + QByteArray("<array>").repeated(depth) + QByteArray("</array>").repeated(depth));
+  };
+  ASSERT_TRUE(saveBookkeeping(kFile, u"A"_s, {u"20240501/10"_s, {}}));
+  // Of blanks the larger ones would be readable but for their size.
+  const std::tuple<QByteArray, qint64, bool> cases[] = {
+      {asPlist("", ""), 1 << 20, true},
+      {asPlist("", ""), (1 << 20) + 1, false},
+      {nested(14), 0, true},
+      {nested(15), 0, false},
+      {nested(200'000).left(1 << 20), 0, false},
+      {asPlist("<!DOCTYPE plist [<!ENTITY e \"e\">]>", ""), 0, false},
+      {"bplist00\xd1\x01\x02", 0, false},
+      {"{\"ParentFolder\":\"/a\",\"Parent10GFolder\":\"/b\"}", 0, false},
+  };
+  KaLogUtility::switchLogStatus();
+  const auto entries = [&](const QString &name) {
+    return loggedLines(profile).filter(name + u" cannot be read"_s).size();
+  };
+  EXPECT_FALSE(loadDownloadOption() || loadBookkeeping(u"Recent10GDownloadData"_s));
+  EXPECT_EQ(entries(QString()), 0) << "what is missing is no fault";
+  for (const auto &[content, size, isRead] : cases) {
+    const auto before = entries(kPlist);
+    writeFile(path(kPlist), content.leftJustified(size, ' '));
+    EXPECT_EQ(loadDownloadOption().has_value(), isRead) << content.left(200).constData();
+    EXPECT_EQ(entries(kPlist) - before, isRead ? 0 : 1) << content.left(200).constData();
+  }
+  EXPECT_TRUE(loadBookkeeping(kFile) && entries(kFile) == 0);
+  // The zeros that follow are none of the alphabet, and passed over.
+  ASSERT_TRUE(QFile::resize(path(kFile), (256LL << 20) + 1));
+  EXPECT_TRUE(!loadBookkeeping(kFile) && entries(kFile) == 1);
 }
 
 TEST_F(SettingsFiles, overrideWaitsByPositiveWholeNumbersOnly) {
