@@ -42,7 +42,7 @@ QString inAppFolder(const QString &fileName) {
 
 constexpr auto kSettingsFile = "DownloadSettingData.plist"_L1;
 
-/// Bytes. A million pictures of the 10G storage take a tenth of it.
+/// Bytes. A million pictures of the 10G storage take less than a tenth of it.
 constexpr qint64 kRecordLimit = 256LL << 20;
 
 PropertyList toPropertyList(const KaDownloadOption &option) {

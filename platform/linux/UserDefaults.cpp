@@ -22,7 +22,7 @@ bool isFit(const QString &path) {
   return !info.exists() || (info.isFile() && info.size() <= kSmallFileLimit);
 }
 
-/// What a kill in mid write left: the library would wait for the lock of a process that only looks alive.
+/// What a kill in mid write left. The lock of a process that only looks alive would hold the next write up for 30 s.
 void sweep(const QFileInfo &file) {
   sweepReplacements(file.path(), {file.fileName()});
   for (const QString &lock : {file.filePath() + u".lock"_s, file.filePath() + u".lock.rmlock"_s})

@@ -50,14 +50,19 @@ TEST_F(Session, adoptsNoTokenOfABadAnswerButTheTokenCodeThatMadeTheOldOneWorthle
 }
 
 TEST_F(Session, saysOnceThatTheDiskKeepsNoTokenAndGoesOnFromMemory) {
-  const QString pairing = profile.dataFolder() + u"/NORVALE INC/Downloaderpictora Shared"_s;
-  ASSERT_TRUE(QDir(pairing).removeRecursively());
-  writeFile(pairing, "no folder");
-  for (int times = 0; times < 2; ++times) {
-    const auto before = link.idToken();
-    EXPECT_EQ(parts.session.refreshIdToken(), Success);
-    EXPECT_NE(link.idToken(), before);
-    EXPECT_EQ(delegate.events().filter(u"result"_s), QStringList{u"result 14"_s});
+  const QDir pairing(profile.dataFolder() + u"/NORVALE INC/Downloaderpictora Shared/PairingInfo"_s);
+  for (const QString &name : {u"PairingInfo"_s, u"PairingCode"_s}) {
+    ASSERT_TRUE(QFile::remove(pairing.filePath(name)) && pairing.mkdir(name)) << "which no file can replace";
+    delegate.forgetEvents();
+    EngineParts process(delegate, link);
+    for (int times = 0; times < 2; ++times) {
+      const auto before = link.idToken();
+      EXPECT_EQ(process.session.refreshIdToken(), Success);
+      EXPECT_NE(link.idToken(), before);
+      EXPECT_EQ(delegate.events().filter(u"result"_s), QStringList{u"result 14"_s}) << qPrintable(name);
+    }
+    ASSERT_TRUE(pairing.rmdir(name));
+    ASSERT_TRUE(KaLinkageUtility::saveLinkageSetting(u"again"_s) && KaLinkageUtility::saveTokenCode(u"again"_s));
   }
 }
 

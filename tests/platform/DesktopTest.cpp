@@ -53,11 +53,12 @@ TEST_F(Desktop, neitherReadsNorWaitsForUserDefaultsThatAreNoneAndSweepsWhatAKill
   const auto key = [&] { return platform::UserDefaults(path).string(u"key"_s).value_or(u"-"_s); };
   writeFile(path, text.leftJustified(1 << 20, 'x'));
   EXPECT_EQ(key(), u"old");
-  // As of a process that runs, and always will.
+  // As of a process on another machine that shares the home.
   writeFile(path + u".lock"_s, "1\ninit\n" + QSysInfo::machineHostName().toUtf8() + "-elsewhere\n");
   for (const QString &suffix : {u".AbCdEf"_s, u".backup"_s})
     writeFile(path + suffix, "x");
   platform::UserDefaults kept(path);
+  EXPECT_FALSE(QFile::exists(path + u".lock"_s)) << "storing would wait for it";
   kept.setString(u"key"_s, u"new"_s);
   EXPECT_EQ(QDir(QFileInfo(path).path()).entryList(QDir::Files).size(), 2) << "the file and somebody's copy";
   const auto block = {
