@@ -90,6 +90,8 @@ std::optional<QDateTime> getDateTimeFromString(const QString &text, KaDateFormat
       hasForm(rest, ".000Z"_L1) || hasForm(rest, ".000+00:00"_L1) || hasForm(rest, ".000-00:00"_L1);
   if (format == KaDateFormat::CaptureTime ? !isCaptureTime : !rest.isEmpty()) return std::nullopt;
 
+  // A day ends at 23:59; by ISO 8601 its end may also be written as hour 24.
+  if (QStringView(text).mid(kShooting.indexOf(u'T') + 1, 2) == u"24") return std::nullopt;
   const QDateTime date = QDateTime::fromString(text, Qt::ISODateWithMs);
   if (!date.isValid()) return std::nullopt;
   return date;

@@ -82,7 +82,8 @@ std::optional<QString> KaCryptionUtility::decrypt(const QString &text, const QSt
     const auto plain = aes256Ecb(QByteArray::fromBase64(text.toLatin1()), key, Direction::Decipher);
     if (!plain) return std::nullopt;
     // A wrong key passes the padding check once in 256 times; what comes out then is hardly ever text.
-    QStringDecoder utf8(QStringDecoder::Utf8, QStringDecoder::Flag::Stateless);
+    using enum QStringDecoder::Flag;
+    QStringDecoder utf8(QStringDecoder::Utf8, Stateless | ConvertInitialBom); // what was enciphered, letter for letter
     QString decoded = utf8(*plain);
     if (utf8.hasError()) return std::nullopt;
     return decoded;

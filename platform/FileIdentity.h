@@ -12,8 +12,9 @@ namespace platform {
 struct FileIdentity {
   quint64 device = 0;
   quint64 inode = 0;
-  qint64 size = 0;     ///< bytes
-  qint64 modified = 0; ///< nanoseconds since 1970
+  qint64 size = 0;                ///< bytes
+  qint64 modified = 0;            ///< whole seconds since 1970
+  qint64 modifiedNanoseconds = 0; ///< after that: in one number they would only reach from 1677 to 2262
 
   friend bool operator==(const FileIdentity &, const FileIdentity &) = default;
 };

@@ -2,6 +2,8 @@
 
 #include "service/XmlText.h"
 
+#include <algorithm>
+
 using namespace Qt::StringLiterals;
 
 namespace {
@@ -21,6 +23,12 @@ QString textOf(std::string_view utf8) {
   return QString::fromUtf8(utf8.data(), static_cast<qsizetype>(utf8.size()));
 }
 
+/// 0 for what is no size.
+qint64 sizeOf(std::string_view text) {
+  const QByteArrayView digits(text.data(), static_cast<qsizetype>(text.size()));
+  return std::max<qint64>(digits.toLongLong(), 0);
+}
+
 /// Collects one page while the walk goes over its text.
 class PageCollector final : public KaXmlTextTaker {
 public:
@@ -36,8 +44,7 @@ public:
     if (element == "Key") {
       keyName = textOf(text);
     } else if (element == "Size") {
-      if (text != "0" && takesOneMore())
-        answer.page.contents.push_back({keyName, QByteArrayView(text.data(), text.size()).toLongLong()});
+      if (text != "0" && takesOneMore() && !keyName.isEmpty()) answer.page.contents.push_back({keyName, sizeOf(text)});
     } else if (element == "Prefix") {
       if (isCommonPrefixesElement && takesOneMore()) answer.page.devices << lastComponent(textOf(text));
     } else if (element == "NextContinuationToken") {

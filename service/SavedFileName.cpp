@@ -76,7 +76,8 @@ std::optional<QString> decodeFileNameHeader(const QByteArray &header) {
 QString targetFilePath(const QString &defaultFilePath, const QString &name) {
   const auto [folder, defaultName] = splitPath(defaultFilePath);
   const QString own = singleComponent(name);
-  return folder + fittingName(own.isEmpty() ? defaultName : own);
+  // Its extension came from outside, too, and a path would end at a NUL.
+  return folder + fittingName(own.isEmpty() ? QString(defaultName).remove(QChar(u'\0')) : own);
 }
 
 QString numberedFilePath(const QString &targetPath, unsigned counter) {

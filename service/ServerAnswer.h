@@ -38,8 +38,8 @@ struct RefreshAnswer {
 };
 
 struct ListedObject {
-  QString key{};
-  qint64 size = 0; ///< bytes
+  QString key{};   ///< never empty
+  qint64 size = 0; ///< bytes; 0 when the listing tells none
 
   friend bool operator==(const ListedObject &, const ListedObject &) = default;
 };

@@ -31,7 +31,8 @@ Node makeNode(qint64 number) {
 std::optional<QString> textOf(plist_t node) {
   uint64_t length = 0;
   const char *const bytes = plist_get_string_ptr(node, &length);
-  if (!bytes) return std::nullopt;
+  // A damaged file may hold a NUL, where a path would end.
+  if (!bytes || QByteArrayView(bytes, static_cast<qsizetype>(length)).contains('\0')) return std::nullopt;
   return length == 0 ? u""_s : QString::fromUtf8(bytes, static_cast<qsizetype>(length));
 }
 

@@ -77,7 +77,10 @@ std::optional<KaDownloadOption> fromPropertyList(const PropertyList &list) {
 QByteArray toJson(const QString &uuidKey, const KaDownloadData &data) {
   const QJsonObject record{{kContentIds, QJsonArray::fromStringList(data.ContentIds)},
                            {kLastDateTime, data.LastDateTime}};
-  return QJsonDocument(QJsonObject{{uuidKey, record}}).toJson(QJsonDocument::Compact);
+  // A text that begins with a byte order mark would lose it when it is read; escaped it stays.
+  return QJsonDocument(QJsonObject{{uuidKey, record}})
+      .toJson(QJsonDocument::Compact)
+      .replace("\xEF\xBB\xBF", "\\ufeff");
 }
 
 std::optional<KaDownloadData> recordFromJson(const QJsonValue &value) {

@@ -34,6 +34,8 @@ QString execArgument(const QString &argument) {
       quoted += u"\\\\"_s + character;
     } else if (character == u'%') {
       quoted += u"%%"_s;
+    } else if (const qsizetype blank = u"\t\n\r"_s.indexOf(character); blank >= 0) {
+      quoted += u'\\' + u"tnr"_s[blank]; // an entry ends with its line
     } else {
       quoted += character;
     }

@@ -9,11 +9,11 @@ namespace platform {
 std::optional<FileIdentity> fileIdentity(const QString &path) {
   struct stat facts = {};
   if (::lstat(QFile::encodeName(path).constData(), &facts) != 0) return std::nullopt;
-  constexpr qint64 kNanosecondsPerSecond = 1'000'000'000;
   return FileIdentity{.device = facts.st_dev,
                       .inode = facts.st_ino,
                       .size = facts.st_size,
-                      .modified = facts.st_mtim.tv_sec * kNanosecondsPerSecond + facts.st_mtim.tv_nsec};
+                      .modified = facts.st_mtim.tv_sec,
+                      .modifiedNanoseconds = facts.st_mtim.tv_nsec};
 }
 
 } // namespace platform

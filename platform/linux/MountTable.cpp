@@ -23,7 +23,7 @@ QByteArray unescaped(const QByteArray &field) {
 }
 
 std::optional<Mount> parseLine(const QByteArray &line) {
-  const QList<QByteArray> fields = line.simplified().split(' ');
+  const QList<QByteArray> fields = line.split(' ');
   const qsizetype separator = fields.indexOf("-", 6);
   if (separator < 0 || fields.size() < separator + 3) return std::nullopt;
   const QList<QByteArray> device = fields[2].split(':');
