@@ -2,7 +2,28 @@
 #include "fuzz/Fuzz.h"
 #include "identity/RsaSignature.h"
 
-#include <QList>
+#include <QJsonArray>
+#include <QJsonDocument>
+#include <QJsonObject>
+
+using namespace Qt::StringLiterals;
+
+namespace {
+
+QByteArray decoded(const QByteArray &text) {
+  return QByteArray::fromBase64(text, QByteArray::Base64UrlEncoding);
+}
+
+/// Whose signature of the sample token is known: there is no second one.
+const RsaPublicKey &sampleKey() {
+  static const QJsonObject key =
+      QJsonDocument::fromJson(sampleToken("jwks")).object().value("keys"_L1).toArray().last().toObject();
+  static const RsaPublicKey numbers = {.modulus = decoded(key.value("n"_L1).toString().toLatin1()),
+                                       .exponent = decoded(key.value("e"_L1).toString().toLatin1())};
+  return numbers;
+}
+
+} // namespace
 
 void tryInput(const QByteArray &input) {
   const QList<QByteArray> lines = input.split('\n');
@@ -12,4 +33,9 @@ void tryInput(const QByteArray &input) {
   // A digest with its padding takes 62 bytes; above is the largest key, with a zero in front.
   require(!holds || (key.modulus.size() >= 62 && key.modulus.size() <= 2049), "a key that verifies has a key's size");
   require(!holds || !key.exponent.isEmpty(), "a key that verifies has an exponent");
+
+  const QByteArray token = sampleToken("valid");
+  const qsizetype dot = token.lastIndexOf('.');
+  const bool isSignature = number(2) == decoded(token.mid(dot + 1));
+  require(verifyRsaSha256(sampleKey(), token.left(dot), number(2)) == isSignature, "one signature alone verifies");
 }
