@@ -90,6 +90,8 @@ QStringList stableUserIds(const QStringList &machineIdFiles, const QString &kept
     if (!file.id.isEmpty() && !ids.contains(hashed(file.id))) ids << hashed(file.id);
   }
   if (!ids.isEmpty()) return ids;
+  const QFileInfo kept(keptIdFile);
+  sweepReplacements(kept.path(), {kept.fileName()});
   const QByteArray made = makeKeptId(keptIdFile);
   return made.isEmpty() ? QStringList() : QStringList{hashed(made)};
 }
