@@ -21,6 +21,7 @@ namespace {
 
 constexpr auto kHandOverConnection = "handover"_L1;
 constexpr std::chrono::milliseconds kHandOverWait(5000);
+constexpr std::chrono::milliseconds kBusWait(1000);
 constexpr std::chrono::milliseconds kClaimInterval(50);
 
 /// Messages of the socket: a letter, and what belongs to it.
@@ -56,10 +57,12 @@ QDBusMessage busCall(const QString &method) {
 
 SingleInstance::HandOver handOverByBus(const QDBusConnection &bus, const std::optional<QString> &url) {
   using enum SingleInstance::HandOver;
-  const auto wait = static_cast<int>(kHandOverWait.count());
-  if (bus.call(applicationCall(url), QDBus::Block, wait).type() == QDBusMessage::ReplyMessage) return Delivered;
+  const auto ask = [&bus](const QDBusMessage &call, std::chrono::milliseconds wait) {
+    return bus.call(call, QDBus::Block, static_cast<int>(wait.count()));
+  };
+  if (ask(applicationCall(url), kHandOverWait).type() == QDBusMessage::ReplyMessage) return Delivered;
   // An agent that ends gives its name up first.
-  const QDBusMessage owned = bus.call(busCall(u"NameHasOwner"_s), QDBus::Block, wait);
+  const QDBusMessage owned = ask(busCall(u"NameHasOwner"_s), kBusWait);
   const bool isFree = owned.type() == QDBusMessage::ReplyMessage && !owned.arguments().value(0).toBool();
   return isFree ? NoAgent : Failed;
 }
