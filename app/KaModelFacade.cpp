@@ -5,12 +5,21 @@
 #include "engine/KaDownloadProcessor.h"
 #include "engine/KaTargetStorage.h"
 #include "log/KaLogUtility.h"
+#include "platform/NetworkNews.h"
 #include "platform/NoDestructor.h"
+#include "platform/SleepNews.h"
 #include "platform/ThreadBound.h"
+#include "service/LoopbackHost.h"
 #include "settings/FolderCheck.h"
 #include "settings/SettingsFiles.h"
 
 using namespace Qt::StringLiterals;
+
+/// Where news comes from.
+struct KaModelFacade::News {
+  platform::NetworkNews network;
+  platform::SleepNews sleep;
+};
 
 KaModelFacade &KaModelFacade::sharedInstance() {
   static platform::NoDestructor<KaModelFacade> instance;
@@ -81,6 +90,10 @@ KaResultCode KaModelFacade::verifyDownloadOptionParentFolder(const QString &path
 
 KaWaitTimes KaModelFacade::loadWaitTimeInfo(KaWaitTimes builtIn) const {
   return loadWaitTimes(builtIn);
+}
+
+bool KaModelFacade::hasNetwork() const {
+  return isServiceOnLoopback() || platform::hasNetwork();
 }
 
 void KaModelFacade::setDownloadDataUUID(const QString &key) {
@@ -156,6 +169,13 @@ void KaModelFacade::setEnableLoggin(bool enable) {
   if (KaDownloadDelegate *const delegate = dlDelegate) delegate->onSetEnableLogginMenu(enable);
 }
 
+void KaModelFacade::notifyLinkHolds(KaLinkNumber number) {
+  mailbox.post([this, number] {
+    KaDownloadDelegate *const delegate = dlDelegate;
+    if (delegate && link.isCurrent(number)) delegate->onChangeLinkage(true);
+  });
+}
+
 void KaModelFacade::notifyDownloadProcessFinish() {
   if (KaDownloadDelegate *const delegate = dlDelegate) delegate->onFinishDownloadProcess();
 }
@@ -171,8 +191,21 @@ void KaModelFacade::cancelPollingWait() {
   dlProc->cancelPollingWait();
 }
 
+void KaModelFacade::listenForNews() {
+  platform::assertMainThread();
+  news = std::make_unique<News>();
+  QObject::connect(&news->network, &platform::NetworkNews::changed, &mailbox, [this] { newsFromOutside(); });
+  QObject::connect(&news->sleep, &platform::SleepNews::wokeUp, &mailbox, [this] { newsFromOutside(); });
+}
+
+void KaModelFacade::newsFromOutside() {
+  platform::assertMainThread();
+  dlProc->newsFromOutside();
+}
+
 void KaModelFacade::endDownloadProcess() {
   platform::assertMainThread();
+  news.reset();
   // A login under verification would outlive what it uses.
   logins.clear();
   dlProc->endDownloadProcess();

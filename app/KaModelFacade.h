@@ -46,6 +46,7 @@ public:
   bool loadDownloadFolderSetting(); ///< always false
   [[nodiscard]] KaResultCode verifyDownloadOptionParentFolder(const QString &path) const override;
   [[nodiscard]] KaWaitTimes loadWaitTimeInfo(KaWaitTimes builtIn) const override;
+  [[nodiscard]] bool hasNetwork() const override;
   /// @}
 
   /// @name Bookkeeping, by target key. Any thread.
@@ -68,6 +69,8 @@ public:
   void setAppStatus(KaAppStatus status) override;
   void setProcessingResult(KaResultCode result, bool userTrigger) override;
   void setEnableLoggin(bool enable) override;
+  /// On the main thread, unless the link is over by then.
+  void notifyLinkHolds(KaLinkNumber number) override;
   void notifyDownloadProcessFinish() override;
   /// @}
 
@@ -76,6 +79,10 @@ public:
   /// @param initialAccess  the first run of a new link, which ends either wait; else a run that the user asks for now.
   void downloadNow(bool initialAccess);
   void cancelPollingWait();
+  /// Has the thread woken by news of the network and of sleep, from the next turn of the event loop to its end. Once.
+  void listenForNews();
+  /// Such news.
+  void newsFromOutside();
   void endDownloadProcess();
   void joinDownloadProcess(); ///< after onFinishDownloadProcess: waits for the last lines of the thread
   /// @}
@@ -107,6 +114,7 @@ private:
   ~KaModelFacade() override;
 
   class LoginVerification;
+  struct News;
 
   void takeUpLinkage();
   [[nodiscard]] bool isBeingVerified(const QString &token) const;
@@ -127,4 +135,5 @@ private:
   /// processor.
   std::vector<std::unique_ptr<LoginVerification>> logins;
   std::unique_ptr<KaDownloadProcessor> dlProc;
+  std::unique_ptr<News> news; ///< main thread
 };

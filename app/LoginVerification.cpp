@@ -19,6 +19,5 @@ void KaModelFacade::LoginVerification::drop() {
 }
 
 void KaModelFacade::LoginVerification::verify(const std::optional<QString> &expectedNonce, const Report &report) {
-  const KaResultCode verdict = KaIdVerificationUtility::validateJWT(request, token, /*checkNonce=*/true, expectedNonce);
-  report(*this, verdict);
+  report(*this, KaIdVerificationUtility::validateJWT(request, token, /*checkNonce=*/true, expectedNonce).result);
 }

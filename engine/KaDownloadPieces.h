@@ -19,10 +19,10 @@ class KaLink;
 /// The pieces of the download thread and how they hang together.
 struct KaDownloadPieces {
   /// Both outlive this object.
-  KaDownloadPieces(KaDownloadProcessorDelegate &delegate, KaLink &link)
-      : session{{delegate, link, request, storage, state.endAppFlag}}, bookkeeping{{delegate, session, filledFolders}},
-        passParts{delegate, session, filledFolders}, run{{delegate, state, request, storage, session, bookkeeping,
-                                                          listing, content, preview}} {}
+  KaDownloadPieces(KaDownloadProcessorDelegate &delegate, KaLink &link, const KaWaitClock &clock = {})
+      : state(clock), session{{delegate, link, request, storage, state.endAppFlag}},
+        bookkeeping{{delegate, session, filledFolders}}, passParts{delegate, session, filledFolders},
+        run{{delegate, state, request, storage, session, bookkeeping, listing, content, preview}} {}
 
   KaDownloadState state;
   KaServerRequest request{[this] { return session.isOver(); }};

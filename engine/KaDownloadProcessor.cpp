@@ -16,29 +16,37 @@ using namespace Qt::StringLiterals;
 
 class KaDownloadProcessor::Private {
 public:
-  Private(KaDownloadProcessorDelegate &serving, KaLink &owner)
-      : delegate(serving), link(owner), pieces(serving, owner) {}
+  Private(KaDownloadProcessorDelegate &serving, KaLink &owner, const KaWaitClock &measuredBy)
+      : delegate(serving), link(owner), clock(measuredBy), pieces(serving, owner, measuredBy) {}
 
   void downloadThread();
 
   KaDownloadProcessorDelegate &delegate;
   KaLink &link;
+  const KaWaitClock clock;
   KaDownloadPieces pieces;
   KaDownloadState &state = pieces.state;
   KaWaitCondition pairingcnd{state.endAppFlag};
-  KaWaitCondition logincnd{state.endAppFlag}; ///< a run waits for the end of a login under way
-  std::thread thread;                         ///< joined before anything above goes away
+  KaWaitCondition logincnd{state.endAppFlag, clock}; ///< a run waits for the end of a login under way
+  std::thread thread;                                ///< joined before anything above goes away
 
 private:
   void runUntilEnd();
   void prepareRuns();
   [[nodiscard]] std::optional<KaLinkSnapshot> nextLink();
-  void runOnce(const KaLinkSnapshot &with, bool notifyUserOfUpdate);
+  void takeUp(const KaLinkSnapshot &with);
+  [[nodiscard]] bool awaitNetwork();
+  void tellUserOfNoNetwork();
+  void runOnce(bool notifyUserOfUpdate);
   void waitForNextRun(KaResultCode lastResult);
+  [[nodiscard]] bool isNewsDue() const;
+
+  /// When the thread last came back by news, or from a failure that may pass. Download thread.
+  std::optional<platform::BootClock::time_point> cameBack;
 };
 
-KaDownloadProcessor::KaDownloadProcessor(KaDownloadProcessorDelegate &delegate, KaLink &link)
-    : d(std::make_unique<Private>(delegate, link)) {
+KaDownloadProcessor::KaDownloadProcessor(KaDownloadProcessorDelegate &delegate, KaLink &link, const KaWaitClock &clock)
+    : d(std::make_unique<Private>(delegate, link, clock)) {
   d->thread = std::thread([this] { d->downloadThread(); });
   d->pairingcnd.awaitWaiter();
 }
@@ -61,6 +69,12 @@ void KaDownloadProcessor::startReceiving(bool initialAccess) {
 void KaDownloadProcessor::getContentsNow() {
   d->state.bUserTrigger = true;
   d->state.waitcnd.signal();
+}
+
+void KaDownloadProcessor::newsFromOutside() {
+  d->state.bNews = true;
+  d->state.waitcnd.lookAgain();
+  d->logincnd.lookAgain();
 }
 
 void KaDownloadProcessor::loginEnded() {
@@ -104,7 +118,9 @@ void KaDownloadProcessor::Private::runUntilEnd() {
     if (state.endAppFlag) break;
     prepareRuns();
     while (const auto next = nextLink()) {
-      runOnce(*next, notifyUserOfUpdate);
+      takeUp(*next);
+      if (!awaitNetwork()) continue;
+      runOnce(notifyUserOfUpdate);
       notifyUserOfUpdate = false;
     }
   }
@@ -131,14 +147,40 @@ std::optional<KaLinkSnapshot> KaDownloadProcessor::Private::nextLink() {
   return std::nullopt;
 }
 
-void KaDownloadProcessor::Private::runOnce(const KaLinkSnapshot &with, bool notifyUserOfUpdate) {
+void KaDownloadProcessor::Private::takeUp(const KaLinkSnapshot &next) {
   // Whatever the user asked for under another link, the first run of this one is not its answer.
-  if (with.number != pieces.session.linkNumber()) state.bUserTrigger = false;
+  if (next.number != pieces.session.linkNumber()) state.bUserTrigger = false;
   state.bStartAsked = false;
-  pieces.session.begin(with);
+  pieces.session.begin(next);
+}
+
+/// A run that is due waits for a network, in silence. @return false when its link is to be looked at anew.
+bool KaDownloadProcessor::Private::awaitNetwork() {
+  if (delegate.hasNetwork()) return true;
+  KaLogUtility::writeInfoLog(u"Network Wait"_s);
+  while (!pieces.session.isOver() && !delegate.hasNetwork()) {
+    if (state.bUserTrigger.exchange(false)) tellUserOfNoNetwork();
+    // No longer than the clock is looked at: the system need not tell of every network.
+    state.waitcnd.wait(clock.lookInterval,
+                       [this] { return state.bNews.exchange(false) || state.bUserTrigger || pieces.session.isOver(); });
+  }
+  cameBack = clock.now();
+  const auto now = link.forRun();
+  return now && now->number == pieces.session.linkNumber();
+}
+
+void KaDownloadProcessor::Private::tellUserOfNoNetwork() {
+  pieces.session.noteFailureTold();
+  pieces.session.tell([this] { delegate.setProcessingResult(KaResultCode::Offline, /*userTrigger=*/true); });
+}
+
+void KaDownloadProcessor::Private::runOnce(bool notifyUserOfUpdate) {
   KaLogUtility::writeInfoLog(u"Start Monitoring"_s);
   delegate.setEnableLoggin(false);
+  state.bNews = false;
   const KaResultCode result = pieces.run.perform(notifyUserOfUpdate);
+  // What came during a run that had its answers is old.
+  if (result == KaResultCode::Success) state.bNews = false;
   // From here on a wish of the user's is one for the next run.
   state.bUserTrigger = false;
   delegate.setEnableLoggin(true);
@@ -147,9 +189,15 @@ void KaDownloadProcessor::Private::runOnce(const KaLinkSnapshot &with, bool noti
 }
 
 void KaDownloadProcessor::Private::waitForNextRun(KaResultCode lastResult) {
-  const auto wait =
-      lastResult == KaResultCode::NoHttpStatus ? state.waitTimes.pollingError : state.waitTimes.pollingNormal;
+  const bool mayPass = pieces.session.lastRefresh() == KaRefresh::MayPass;
+  const bool isError = mayPass || lastResult == KaResultCode::NoHttpStatus;
+  const auto wait = isError ? state.waitTimes.pollingError : state.waitTimes.pollingNormal;
   const auto seconds = std::chrono::duration_cast<std::chrono::seconds>(wait);
   KaLogUtility::writeInfoLog(u"Polling Wait"_s, {u"pollingWaitTime=%1"_s.arg(seconds.count())});
-  state.waitcnd.wait(wait, [this] { return state.bUserTrigger || pieces.session.isLinkOver(); });
+  state.waitcnd.wait(wait, [this] { return state.bUserTrigger || pieces.session.isLinkOver() || isNewsDue(); });
+  if (!state.bUserTrigger && (mayPass || isNewsDue())) cameBack = clock.now();
+}
+
+bool KaDownloadProcessor::Private::isNewsDue() const {
+  return state.bNews && (!cameBack || clock.now() - *cameBack >= state.waitTimes.pollingError);
 }

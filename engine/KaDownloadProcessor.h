@@ -1,5 +1,7 @@
 #pragma once
 
+#include "engine/KaWaitClock.h"
+
 #include <memory>
 
 class KaDownloadProcessorDelegate;
@@ -10,7 +12,7 @@ class KaLink;
 class KaDownloadProcessor {
 public:
   /// Starts the thread and returns once it stands at its first wait. @p delegate and @p link outlive this object.
-  KaDownloadProcessor(KaDownloadProcessorDelegate &delegate, KaLink &link);
+  KaDownloadProcessor(KaDownloadProcessorDelegate &delegate, KaLink &link, const KaWaitClock &clock = {});
   /// Ends the thread and joins it.
   ~KaDownloadProcessor();
   KaDownloadProcessor(const KaDownloadProcessor &) = delete;
@@ -23,6 +25,9 @@ public:
   void getContentsNow();
   /// Wakes every wait, asking for nothing.
   void cancelPollingWait();
+  /// The network may have changed, or the computer has woken: a wait whose time is over ends, and so does one for a
+  /// network or for the next run, the latter at most once per error polling wait.
+  void newsFromOutside();
   /// A login under way holds no run up any more. Disturbs no other wait.
   void loginEnded();
   /// Tells the thread to end: a request in flight stops, waits end, the bookkeeping is saved. Returns at once.

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "engine/KaAppStatus.h"
+#include "identity/KaLink.h"
 #include "service/KaResultCode.h"
 #include "settings/KaDownloadOption.h"
 #include "settings/KaWaitTimes.h"
@@ -28,6 +29,9 @@ public:
   [[nodiscard]] virtual KaWaitTimes loadWaitTimeInfo(KaWaitTimes builtIn) const = 0;
   /// @}
 
+  /// Whether a run may get anywhere: the system has a network, or the service needs none. Asks no network.
+  [[nodiscard]] virtual bool hasNetwork() const = 0;
+
   /// @name Bookkeeping, by target key. Unknown keys change nothing and read as absent.
   /// @{
   virtual void setDownloadDataUUID(const QString &key) = 0; ///< makes a fresh record when there is none
@@ -44,6 +48,8 @@ public:
   virtual void setAppStatus(KaAppStatus status) = 0;
   virtual void setProcessingResult(KaResultCode result, bool userTrigger) = 0;
   virtual void setEnableLoggin(bool enable) = 0;
+  /// A failed refresh was told of @p link, and now one has succeeded. Must not call back into the link.
+  virtual void notifyLinkHolds(KaLinkNumber link) = 0;
   virtual void notifyDownloadProcessFinish() = 0; ///< the thread's last call
   /// @}
 };

@@ -44,8 +44,8 @@ KaResultCode KaDownloadRun::perform(bool notifyUserOfUpdate) {
   if (opening == Opening::Stopped) return result;
   if (opening == Opening::Ready) result = downloadUntilNothingIsNew(notifyUserOfUpdate);
   saveRecord(KaTargetStorage::Days30);
-  // The end of the program, and of the link, must not pass for a login that fails.
   if (!isOn(option.checkBox10GDownload) || with.session.isOver()) return result;
+  if (with.session.lastRefresh() != KaRefresh::Succeeded) return result;
   return takeLongTermStorage(notifyUserOfUpdate);
 }
 
@@ -53,12 +53,19 @@ KaDownloadRun::Opened KaDownloadRun::openPass(const QString &title) {
   KaLogUtility::writeInfoLog(title);
   with.session.exchangeCodeVerifier();
   KaLogUtility::writeInfoLog(u"Load PairingInfo"_s);
+  return renew();
+}
 
+/// Fresh token, fresh credentials, or what became of them, told.
+KaDownloadRun::Opened KaDownloadRun::renew() {
+  // Lost in the middle of a run, as by a sleep: the next one waits for a network in silence.
+  if (!with.delegate.hasNetwork()) {
+    tellFailure(KaResultCode::NoHttpStatus);
+    return {Opening::Stopped, KaResultCode::NoHttpStatus};
+  }
   KaResultCode result = with.session.refreshIdToken();
   if (result != KaResultCode::Success) {
-    // A run that has merely outlived its link says nothing of the next one's.
-    if (!with.session.isLinkOver()) with.state.bLinkSetup = true;
-    tellFailure(KaResultCode::ValidationFailed);
+    tellFailedRefresh();
     return {Opening::Stopped, result};
   }
   if (with.session.isOver()) return {Opening::Stopped, result};
@@ -69,9 +76,17 @@ KaDownloadRun::Opened KaDownloadRun::openPass(const QString &title) {
   return {Opening::Refused, result};
 }
 
+/// Credentials may end while the computer sleeps, in the middle of a request. That they are refused then says nothing
+/// of the link: it is as if nobody had answered.
+KaResultCode KaDownloadRun::judged(KaResultCode result) const {
+  const bool isOutOfTime = result == KaResultCode::LinkInvalid && with.session.hasExpired();
+  return isOutOfTime ? KaResultCode::NoHttpStatus : result;
+}
+
 /// A listing, and what the service's settings told on its way, also when a later step of it failed.
 KaListing KaDownloadRun::list(KaTargetStorage targetStorage, bool notifyUserOfUpdate) {
   KaListing listing = with.listing.getContentsList(targetStorage);
+  listing.result = judged(listing.result);
   if (listing.settings) tellSettings(*listing.settings, notifyUserOfUpdate);
   if (listing.result == KaResultCode::Success) tellInitialAccess();
   return listing;
@@ -88,10 +103,12 @@ KaDownloadRun::ReCheck KaDownloadRun::checkOnce(ReCheck soFar, bool notifyUserOf
   if (soFar.retryCount > 0) {
     KaLogUtility::writeInfoLog(u"Retry CheckImage"_s, {u"RetryCount=%1"_s.arg(soFar.retryCount)});
     // A pass may have lost the credentials, and the wait may have outlasted them.
-    soFar.result = with.session.renewIfExpiring();
+    if (with.session.isExpiring()) {
+      const auto [opening, result] = renew();
+      if (opening != Opening::Ready) return {.result = result, .isDone = true};
+    }
   }
-  KaListing listing{.result = soFar.result};
-  if (listing.result == KaResultCode::Success) listing = list(KaTargetStorage::Days30, notifyUserOfUpdate);
+  KaListing listing = list(KaTargetStorage::Days30, notifyUserOfUpdate);
   option = with.delegate.downloadOption();
   soFar.result = listing.result;
   if (soFar.result == KaResultCode::Success && !with.session.isOver())
@@ -163,6 +180,7 @@ KaResultCode KaDownloadRun::takeLongTermStorage(bool notifyUserOfUpdate) {
       const KaPassOutcome previews = takePreviews(both.savedCount);
       both = {.result = previews.result, .savedCount = both.savedCount + previews.savedCount};
     }
+    both.result = judged(both.result);
     if (!with.session.isOver()) concludeLongTerm(both);
   }
   saveRecord(KaTargetStorage::LongTerm10G);
@@ -267,10 +285,24 @@ void KaDownloadRun::tellInitialAccess() {
   if (isInitial) KaLogUtility::writeInfoLog(u"Initial Access Complete"_s);
 }
 
+/// A cause that may pass is told once until a refresh has succeeded, and whoever asks for a run.
+void KaDownloadRun::tellFailedRefresh() {
+  // The end of the program, and of the link, must not pass for a login that fails.
+  if (with.session.isOver()) return;
+  if (with.session.lastRefresh() == KaRefresh::Refused) {
+    with.state.bLinkSetup = true;
+  } else if (with.session.isFailureTold() && !with.state.bUserTrigger) {
+    return;
+  }
+  tellFailure(KaResultCode::ValidationFailed);
+}
+
 void KaDownloadRun::tellFailure(KaResultCode result) {
   if (result == KaResultCode::NoHttpStatus) {
     tellStatus(KaAppStatus::Downloading);
   } else {
+    // Under whatever code: a pass hands on what a renewal before an image came to.
+    if (with.session.lastRefresh() != KaRefresh::Succeeded) with.session.noteFailureTold();
     tellResult(result, with.state.bUserTrigger);
   }
 }

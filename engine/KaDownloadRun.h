@@ -40,7 +40,7 @@ public:
   KaDownloadRun(const KaDownloadRun &) = delete;
   KaDownloadRun &operator=(const KaDownloadRun &) = delete;
 
-  /// Sets the state's bLinkSetup when the token cannot be refreshed; no wait for the next run is due then.
+  /// Sets the state's bLinkSetup when a refresh of the token is refused; no wait for the next run is due then.
   /// @param notifyUserOfUpdate  a newer version of the program is worth telling.
   /// @return the result of the last pass.
   [[nodiscard]] KaResultCode perform(bool notifyUserOfUpdate);
@@ -73,6 +73,8 @@ private:
   };
 
   [[nodiscard]] Opened openPass(const QString &title);
+  [[nodiscard]] Opened renew();
+  [[nodiscard]] KaResultCode judged(KaResultCode result) const;
   [[nodiscard]] KaListing list(KaTargetStorage targetStorage, bool notifyUserOfUpdate);
   [[nodiscard]] KaResultCode downloadUntilNothingIsNew(bool notifyUserOfUpdate);
   [[nodiscard]] ReCheck checkOnce(ReCheck soFar, bool notifyUserOfUpdate);
@@ -88,6 +90,7 @@ private:
 
   void tellSettings(const KaServiceSettings &settings, bool notifyUserOfUpdate);
   void tellInitialAccess();
+  void tellFailedRefresh();
   void tellFailure(KaResultCode result);
   void tellNoTarget();
   void tellStatus(KaAppStatus status);

@@ -31,14 +31,20 @@ void writeRefreshFailure(const RefreshAnswer &answer) {
 
 void KaDownloadSession::begin(const KaLinkSnapshot &link) {
   thread.check();
+  if (link.number != current.number) {
+    refreshed = KaRefresh::Succeeded;
+    failureTold = false;
+    verifier.reset();
+  }
   current = link;
 }
 
 void KaDownloadSession::exchangeCodeVerifier() {
   thread.check();
-  const auto verifier = with.link.takeCodeVerifier(current.number);
+  if (!verifier) verifier = with.link.takeCodeVerifier(current.number);
   if (!verifier) return;
   const TokenCodeAnswer answer = with.request.getTokenCode(*verifier, current.idToken);
+  if (answer.result == KaResultCode::Success || answer.result == KaResultCode::LinkInvalid) verifier.reset();
   if (answer.result == KaResultCode::Success && keepTokenCode(answer.tokenCode))
     KaLogUtility::writeInfoLog(u"saveTokenCode_complete"_s);
 }
@@ -62,32 +68,44 @@ void KaDownloadSession::tellUnsaved(const QString &what) {
 
 KaResultCode KaDownloadSession::refreshIdToken() {
   thread.check();
+  const auto [result, kind] = askForToken();
+  refreshed = kind;
+  if (kind == KaRefresh::Succeeded && std::exchange(failureTold, false))
+    tell([this] { with.delegate.notifyLinkHolds(current.number); });
+  return result;
+}
+
+KaDownloadSession::Refreshed KaDownloadSession::askForToken() {
   if (current.idToken.isEmpty()) {
     KaLogUtility::writeErrorLog(u"ERR_LINK_INVALID : idToken is nil"_s);
-    return KaResultCode::LinkInvalid;
+    return {KaResultCode::LinkInvalid, KaRefresh::Refused};
   }
   const QString nonce = QUuid::createUuid().toString(QUuid::WithoutBraces).toUpper();
   const RefreshAnswer answer = with.request.refreshIdToken(current.idToken, nonce, with.link.tokenCode(current.number));
   if (answer.result != KaResultCode::Success) {
     writeRefreshFailure(answer);
-    return answer.result;
+    // Whatever brings no token code, a portal's page for one, is not the service's answer: only its no is final, and
+    // that to a refresh whose token code could be had.
+    const bool isRefused = answer.result == KaResultCode::LinkInvalid && !verifier;
+    return {answer.result, isRefused ? KaRefresh::Refused : KaRefresh::MayPass};
   }
   KaLogUtility::writeConnectionResultLog(KaLogStep::RefreshNorvaleId, true);
   keepTokenCode(answer.tokenCode);
   return adoptToken(answer.data, nonce);
 }
 
-KaResultCode KaDownloadSession::adoptToken(const QByteArray &answer, const QString &nonce) {
+KaDownloadSession::Refreshed KaDownloadSession::adoptToken(const QByteArray &answer, const QString &nonce) {
   const QJsonObject body = platform::parseJsonObject(answer).value_or(QJsonObject());
   const auto newToken = platform::jsonString(body, "idToken"_L1);
   if (!newToken) KaLogUtility::writeErrorLog(u"ERR_LINK_INVALID : refresh idToken failed"_s);
   if (platform::jsonString(body, "nonce"_L1) != nonce) {
     KaLogUtility::writeErrorLog(u"ERR_LINK_INVALID : nonce value failed"_s);
-    return KaResultCode::LinkInvalid;
+    return {KaResultCode::LinkInvalid, KaRefresh::Refused};
   }
-  if (!newToken) return KaResultCode::LinkInvalid;
+  if (!newToken) return {KaResultCode::LinkInvalid, KaRefresh::Refused};
 
-  const KaResultCode verdict = KaIdVerificationUtility::validateJWT(with.request, newToken, /*checkNonce=*/false, {});
+  const auto [verdict, mayPass] =
+      KaIdVerificationUtility::validateJWT(with.request, newToken, /*checkNonce=*/false, {});
   if (verdict == KaResultCode::Success) current.idToken = *newToken;
   // The old one, too, when the new one does not hold: then the file is as it was.
   if (with.link.storeIdToken(current.number, current.idToken)) {
@@ -95,7 +113,9 @@ KaResultCode KaDownloadSession::adoptToken(const QByteArray &answer, const QStri
   } else {
     tellUnsaved(u"the ID token cannot be saved"_s);
   }
-  return isLinkOver() ? KaResultCode::LinkInvalid : verdict;
+  if (isLinkOver()) return {KaResultCode::LinkInvalid, KaRefresh::Refused};
+  if (verdict == KaResultCode::Success) return {};
+  return {verdict, mayPass ? KaRefresh::MayPass : KaRefresh::Refused};
 }
 
 KaResultCode KaDownloadSession::getCredential() {
@@ -129,8 +149,16 @@ KaResultCode KaDownloadSession::takeUser() {
   return KaResultCode::Success;
 }
 
+bool KaDownloadSession::isExpiring() const {
+  return with.storage.expiresWithin(kRenewalLead);
+}
+
+bool KaDownloadSession::hasExpired() const {
+  return with.storage.expiresWithin(std::chrono::seconds(0));
+}
+
 KaResultCode KaDownloadSession::renewIfExpiring() {
-  if (!with.storage.expiresWithin(kRenewalLead)) return KaResultCode::Success;
+  if (!isExpiring()) return KaResultCode::Success;
   const KaResultCode result = refreshIdToken();
   return result == KaResultCode::Success ? getCredential() : result;
 }

@@ -17,16 +17,25 @@ void KaWaitCondition::wait(const Kept &kept) {
 }
 
 void KaWaitCondition::wait(std::chrono::milliseconds longest, const Kept &kept) {
-  const auto deadline = std::chrono::steady_clock::now() + std::min<std::chrono::milliseconds>(longest, kLongestWait);
+  const auto deadline = clock.now() + std::min<std::chrono::milliseconds>(longest, kLongestWait);
   const platform::MutexLock scope(lock);
   const quint64 before = beginWait();
-  while (!isOver(before, kept))
-    if (changed.wait_until(lock, deadline) == std::cv_status::timeout) return;
+  while (!isOver(before, kept)) {
+    const auto rest = deadline - clock.now();
+    if (rest <= rest.zero()) return;
+    // The condition's own clock stands still while the computer sleeps.
+    changed.wait_for(lock, std::min<platform::BootClock::duration>(rest, clock.lookInterval));
+  }
 }
 
 void KaWaitCondition::signal() {
   const platform::MutexLock scope(lock);
   ++signalCount;
+  changed.notify_all();
+}
+
+void KaWaitCondition::lookAgain() {
+  const platform::MutexLock scope(lock);
   changed.notify_all();
 }
 

@@ -27,6 +27,13 @@ platform::Guarded<QString> &appId() {
   return *known;
 }
 
+/// What a check comes to.
+enum class Check {
+  Holds,
+  Fails,
+  Undecided, ///< for a reason that may pass
+};
+
 void logFailedRequest(KaLogStep step, const ServerAnswer &answer) {
   KaLogUtility::writeConnectionResultLog(step, /*connectionResult=*/false, {httpLine(answer.statusCode)});
 }
@@ -45,9 +52,12 @@ std::optional<QString> unverifiedClaim(const QString &token, QLatin1StringView n
   });
 }
 
-bool isUnexpired(const QJsonObject &payload) {
+Check checkExpiry(const QJsonObject &payload) {
   const QJsonValue expiry = payload.value("exp"_L1);
-  return expiry.isDouble() && std::trunc(expiry.toDouble()) >= static_cast<double>(QDateTime::currentSecsSinceEpoch());
+  if (!expiry.isDouble()) return Check::Fails;
+  const bool unexpired = std::trunc(expiry.toDouble()) >= static_cast<double>(QDateTime::currentSecsSinceEpoch());
+  // A clock that is wrong after a start is set right within minutes.
+  return unexpired ? Check::Holds : Check::Undecided;
 }
 
 /// A document of the identity provider; absent, and logged when the request failed, if it could not be had.
@@ -60,29 +70,67 @@ std::optional<QJsonObject> fetchDocument(KaServerRequest &request, const QString
   return platform::parseJsonObject(answer.data);
 }
 
-/// The provider's signing keys, fetched afresh: a key that was withdrawn must not go on counting.
-QJsonArray fetchKeys(KaServerRequest &request) {
+/// The provider's signing keys, fetched afresh: a key that was withdrawn must not go on counting. Absent if they could
+/// not be had.
+std::optional<QJsonArray> fetchKeys(KaServerRequest &request) {
   const QString discovery =
       u"https://"_s + KaApplicationConstants::idTokenHostName() + u"/.well-known/openid-configuration"_s;
   const auto configuration = fetchDocument(request, discovery);
   const auto keysUrl = configuration ? platform::jsonString(*configuration, "jwks_uri"_L1) : std::nullopt;
   const auto keySet = keysUrl ? fetchDocument(request, *keysUrl) : std::nullopt;
-  return keySet ? keySet->value("keys"_L1).toArray() : QJsonArray();
+  const QJsonValue keys = keySet ? keySet->value("keys"_L1) : QJsonValue();
+  if (!keys.isArray()) return std::nullopt;
+  return keys.toArray();
+}
+
+Check checkPayload(KaServerRequest &request, const QString &payload, bool checkNonce,
+                   const std::optional<QString> &nonce) {
+  KaIdVerificationUtility::initializeAppId(request);
+  const auto claims = decodePart(payload);
+  if (!claims) return Check::Fails;
+  if (platform::jsonString(*claims, "iss"_L1) != u"https://"_s + KaApplicationConstants::idTokenHostName())
+    return Check::Fails;
+  const QString audience = appId().get();
+  if (audience.isEmpty()) return Check::Undecided;
+  if (platform::jsonString(*claims, "aud"_L1) != audience) return Check::Fails;
+  if (const Check expiry = checkExpiry(*claims); expiry != Check::Holds) return expiry;
+  const bool rightNonce = !checkNonce || (nonce && platform::jsonString(*claims, "nonce"_L1) == *nonce);
+  return rightNonce ? Check::Holds : Check::Fails;
+}
+
+Check checkSignature(KaServerRequest &request, const QStringList &parts, const QString &kid) {
+  const auto keys = fetchKeys(request);
+  if (!keys) return Check::Undecided;
+  for (const QJsonValue &value : *keys) {
+    const QJsonObject key = value.toObject();
+    if (platform::jsonString(key, "kid"_L1) != kid) continue;
+    const auto exponent = platform::jsonString(key, "e"_L1);
+    const auto modulus = platform::jsonString(key, "n"_L1);
+    if (!exponent || !modulus) return Check::Undecided;
+    const bool right = KaIdVerificationUtility::verify(*exponent, *modulus, parts[2], parts[0], parts[1]);
+    return right ? Check::Holds : Check::Fails;
+  }
+  return Check::Fails;
+}
+
+Check checkToken(KaServerRequest &request, const QString &token, bool checkNonce, const std::optional<QString> &nonce) {
+  const QStringList parts = token.split(u'.');
+  if (parts.size() != kTokenParts) return Check::Fails;
+  const auto header = KaIdVerificationUtility::validateHeader(parts[0]);
+  if (!header.valid) return Check::Fails;
+  const Check payload = checkPayload(request, parts[1], checkNonce, nonce);
+  return payload == Check::Holds ? checkSignature(request, parts, header.kid) : payload;
 }
 
 } // namespace
 
-KaResultCode KaIdVerificationUtility::validateJWT(KaServerRequest &request, const std::optional<QString> &token,
-                                                  bool checkNonce, const std::optional<QString> &nonce) {
-  if (!token) return KaResultCode::LinkInvalid;
-  const bool valid = guardedOr(false, [&] {
-    const QStringList parts = token->split(u'.');
-    if (parts.size() != kTokenParts) return false;
-    const Header header = validateHeader(parts[0]);
-    return header.valid && validatePayload(request, parts[1], checkNonce, nonce)
-           && validateSignature(request, parts[2], parts[0], parts[1], header.kid);
-  });
-  return valid ? KaResultCode::Success : KaResultCode::LinkInvalid;
+KaTokenVerdict KaIdVerificationUtility::validateJWT(KaServerRequest &request, const std::optional<QString> &token,
+                                                    bool checkNonce, const std::optional<QString> &nonce) {
+  if (!token) return {.result = KaResultCode::LinkInvalid};
+  // What was thrown says nothing of the token.
+  const Check check = guardedOr(Check::Undecided, [&] { return checkToken(request, *token, checkNonce, nonce); });
+  if (check == Check::Holds) return {};
+  return {.result = KaResultCode::LinkInvalid, .mayPass = check == Check::Undecided};
 }
 
 KaIdVerificationUtility::Header KaIdVerificationUtility::validateHeader(const QString &header) {
@@ -94,27 +142,12 @@ KaIdVerificationUtility::Header KaIdVerificationUtility::validateHeader(const QS
 
 bool KaIdVerificationUtility::validatePayload(KaServerRequest &request, const QString &payload, bool checkNonce,
                                               const std::optional<QString> &nonce) {
-  initializeAppId(request);
-  const auto claims = decodePart(payload);
-  if (!claims) return false;
-  if (platform::jsonString(*claims, "iss"_L1) != u"https://"_s + KaApplicationConstants::idTokenHostName())
-    return false;
-  const QString audience = appId().get();
-  if (audience.isEmpty() || platform::jsonString(*claims, "aud"_L1) != audience) return false;
-  if (!isUnexpired(*claims)) return false;
-  return !checkNonce || (nonce && platform::jsonString(*claims, "nonce"_L1) == *nonce);
+  return checkPayload(request, payload, checkNonce, nonce) == Check::Holds;
 }
 
 bool KaIdVerificationUtility::validateSignature(KaServerRequest &request, const QString &signature,
                                                 const QString &header, const QString &payload, const QString &kid) {
-  for (const QJsonValue &value : fetchKeys(request)) {
-    const QJsonObject key = value.toObject();
-    if (platform::jsonString(key, "kid"_L1) != kid) continue;
-    const auto exponent = platform::jsonString(key, "e"_L1);
-    const auto modulus = platform::jsonString(key, "n"_L1);
-    return exponent && modulus && verify(*exponent, *modulus, signature, header, payload);
-  }
-  return false;
+  return checkSignature(request, {header, payload, signature}, kid) == Check::Holds;
 }
 
 bool KaIdVerificationUtility::verify(const QString &exponent, const QString &modulus, const QString &signature,

@@ -9,15 +9,22 @@
 
 class KaServerRequest;
 
+/// What a token was found to be.
+struct KaTokenVerdict {
+  KaResultCode result = KaResultCode::Success; ///< or LinkInvalid, whatever the reason
+  /// The reason lies outside the token: what it is checked against could not be had, or the local clock calls it
+  /// expired. The same token, or the next one, may hold later.
+  bool mayPass = false;
+};
+
 /// Checks ID tokens: RS256-signed by the identity provider for this application, not expired, with the expected nonce.
 /// Any thread; what needs the network goes through the request object handed in, which can be stopped.
 class KaIdVerificationUtility {
 public:
   KaIdVerificationUtility() = delete;
 
-  /// @return Success, or LinkInvalid whatever the reason.
-  [[nodiscard]] static KaResultCode validateJWT(KaServerRequest &request, const std::optional<QString> &token,
-                                                bool checkNonce, const std::optional<QString> &nonce);
+  [[nodiscard]] static KaTokenVerdict validateJWT(KaServerRequest &request, const std::optional<QString> &token,
+                                                  bool checkNonce, const std::optional<QString> &nonce);
 
   struct Header {
     bool valid = false; ///< names the one algorithm that counts

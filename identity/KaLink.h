@@ -1,6 +1,7 @@
 #pragma once
 
 #include "identity/KaLinkState.h"
+#include "platform/BootClock.h"
 #include "platform/Mutex.h"
 #include "platform/ThreadAnnotations.h"
 #include "platform/ThreadBound.h"
@@ -30,7 +31,7 @@ struct KaLinkSnapshot {
 class KaLink {
 public:
   /// @param loginPatience  so long a login that was begun keeps runs of the present link from beginning; a callback
-  /// that comes later completes it all the same.
+  /// that comes later completes it all the same. Time asleep counts.
   explicit KaLink(std::chrono::milliseconds loginPatience = std::chrono::minutes(10));
   KaLink(const KaLink &) = delete;
   KaLink &operator=(const KaLink &) = delete;
@@ -89,7 +90,7 @@ public:
   /// @}
 
 private:
-  using Clock = std::chrono::steady_clock;
+  using Clock = platform::BootClock;
 
   struct Values {
     KaLinkState state = KaLinkState::Unlinked;

@@ -12,6 +12,7 @@
 
 #include <QCoreApplication>
 #include <QEvent>
+#include <QTimer>
 #include <QUrl>
 #include <QUrlQuery>
 
@@ -55,6 +56,8 @@ void AppDelegate::launch() {
   kaNotify = std::make_unique<KaNotifyIcon>(KaModelFacade::sharedInstance(), *statusItem);
   for (const auto &job : std::exchange(kept, {}))
     job(*kaNotify);
+  // The icon goes first.
+  QTimer::singleShot(0, this, [] { KaModelFacade::sharedInstance().listenForNews(); });
 }
 
 void AppDelegate::applicationWillTerminate(std::chrono::milliseconds finishWait) {

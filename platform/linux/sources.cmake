@@ -6,6 +6,7 @@ set(system_sources
   linux/AgentSocket.cpp linux/AgentSocket.h
   linux/AppInfo.cpp
   linux/ApplicationAdaptor.h
+  linux/BootClock.cpp
   linux/BlockDevice.cpp linux/BlockDevice.h
   linux/DesktopEntry.cpp linux/DesktopEntry.h
   linux/FileDates.cpp
@@ -15,11 +16,13 @@ set(system_sources
   linux/LoginItem.cpp
   linux/ModifierKeys.cpp
   linux/MountTable.cpp linux/MountTable.h
+  linux/NetworkNews.cpp
   linux/NotificationCenter.cpp
   linux/Opening.cpp
   linux/ProcessEnd.cpp
   linux/ProfileLock.cpp linux/ProfileLock.h
   linux/SingleInstance.cpp
+  linux/SleepNews.cpp
   linux/TerminationSignals.cpp
   linux/ThreadName.cpp
   linux/TrayHost.cpp
@@ -29,4 +32,4 @@ set(system_sources
   linux/UserId.cpp
   linux/VolumeFacts.cpp
   ${notifications_proxy})
-set(system_libraries Qt6::DBus PkgConfig::XCB)
+set(system_libraries Qt6::DBus PkgConfig::XCB PkgConfig::SYSTEMD)
