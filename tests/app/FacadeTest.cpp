@@ -1,12 +1,16 @@
 #include "app/KaDownloadDelegate.h"
 #include "app/KaModelFacade.h"
 #include "identity/KaLinkageUtility.h"
+#include "platform/UserDefaults.h"
 #include "sandbox/Service.h"
 #include "settings/SettingsFiles.h"
 #include "tests/support/FakeBrowser.h"
+#include "tests/support/PrivateBus.h"
 #include "tests/support/TestProfile.h"
 
 #include <QCoreApplication>
+#include <QDBusConnection>
+#include <QDBusMessage>
 #include <QThread>
 #include <QUrl>
 #include <QUrlQuery>
@@ -150,6 +154,42 @@ TEST_F(FacadeLinkage, goesOnWithItsLinkWhenALoginDoesNotHold) {
     facade().downloadNow(/*initialAccess=*/false);
     return service.requestCount(Endpoint::RefreshToken) >= 2;
   })) << "the patience with a login is over before its time";
+}
+
+TEST_F(FacadeLinkage, tellsOnceALoginThatCouldNotBeVerifiedHoldsAgainUnlessItIsOver) {
+  const sandbox::LinkedToken linked = service.issueLinkedToken();
+  ASSERT_TRUE(KaLinkageUtility::saveLinkageSetting(linked.idToken)
+              && KaLinkageUtility::saveTokenCode(linked.tokenCode));
+  platform::standardUserDefaults().setString(u"PollingErrorWaitTime"_s, u"1"_s);
+  service.order(Endpoint::RefreshToken, {.status = 503});
+  facade().initializeLinkageSetting();
+  QStringList expected{u"status 0"_s, u"linkage 1"_s, u"linkage 1"_s};
+  EXPECT_TRUE(waitForReports(expected));
+  facade().notifyLinkHolds(1);
+  facade().notifyLinkHolds(2); // no link of this process
+  EXPECT_TRUE(waitForReports(expected << u"linkage 1"_s));
+  facade().notifyLinkHolds(1);
+  facade().closeLinkage();
+  QCoreApplication::processEvents();
+  EXPECT_EQ(delegate.reports, expected << u"status 3"_s << u"result 5"_s);
+}
+
+TEST_F(FacadeLinkage, runsWhenTheComputerWakes) {
+  const PrivateBus bus("DBUS_SYSTEM_BUS_ADDRESS");
+  auto system = QDBusConnection::connectToBus(bus.address(), u"system"_s);
+  ASSERT_TRUE(system.registerService(u"org.freedesktop.login1"_s));
+  const sandbox::LinkedToken linked = service.issueLinkedToken();
+  ASSERT_TRUE(KaLinkageUtility::saveLinkageSetting(linked.idToken)
+              && KaLinkageUtility::saveTokenCode(linked.tokenCode));
+  facade().listenForNews();
+  facade().initializeLinkageSetting();
+  EXPECT_TRUE(waitFor([&] {
+    system.send(QDBusMessage::createSignal(u"/org/freedesktop/login1"_s, u"org.freedesktop.login1.Manager"_s,
+                                           u"PrepareForSleep"_s)
+                << false);
+    return service.requestCount(Endpoint::RefreshToken) >= 2;
+  }));
+  QDBusConnection::disconnectFromBus(u"system"_s);
 }
 
 TEST_F(FacadeLinkage, hearsNoMoreOfALoginThatTheUserClosedOrReplaced) {

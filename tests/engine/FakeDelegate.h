@@ -11,7 +11,7 @@
 #include <mutex>
 
 /// Answers the engine from memory and notes what it was told, as one line each: "result 3 by user", "status 1",
-/// "enableLoggin 0", "load NAME", "save NAME KEY", "finish". Any thread.
+/// "enableLoggin 0", "link holds", "load NAME", "save NAME KEY", "finish". Any thread.
 class FakeDelegate final : public KaDownloadProcessorDelegate {
 public:
   struct Answers {
@@ -19,6 +19,7 @@ public:
     KaWaitTimes waits{.reCheck = std::chrono::milliseconds(1), .exifRetry = std::chrono::milliseconds(1)};
     bool saves = true;
     KaResultCode folderVerdict = KaResultCode::Success;
+    bool hasNetwork = true;
     QHash<QString, KaDownloadData> records;
     std::function<void(const QString &event)> onEvent; ///< called once it is noted, without the lock held
   };
@@ -39,6 +40,7 @@ public:
   }
   KaResultCode verifyDownloadOptionParentFolder(const QString &) const override { return answers().folderVerdict; }
   KaWaitTimes loadWaitTimeInfo(KaWaitTimes) const override { return answers().waits; }
+  bool hasNetwork() const override { return answers().hasNetwork; }
   void setDownloadDataUUID(const QString &key) override {
     change([&](auto &now) { now.records[key]; });
   }
@@ -63,6 +65,7 @@ public:
     note(QStringLiteral("result %1%2").arg(qint64(result)).arg(userTrigger ? u" by user" : u""));
   }
   void setEnableLoggin(bool enable) override { note(QStringLiteral("enableLoggin %1").arg(int(enable))); }
+  void notifyLinkHolds(KaLinkNumber) override { note(QStringLiteral("link holds")); }
   void notifyDownloadProcessFinish() override { note(QStringLiteral("finish")); }
 
 private:

@@ -97,7 +97,7 @@ TEST_F(Processor, waitsForANewLinkAfterABadTokenAndTellsOnlyTheUserWhoAskedThatT
   delegate.forgetEvents();
   processor->startReceiving(/*initialAccess=*/false); // in a wait for the next run nothing would come of it
   ASSERT_TRUE(delegate.waitForEvent(u"enableLoggin 1"_s));
-  EXPECT_EQ(told(), (QStringList{u"enableLoggin 0"_s, u"status 0"_s, saved, u"enableLoggin 1"_s}));
+  EXPECT_EQ(told(), (QStringList{u"enableLoggin 0"_s, u"link holds"_s, u"status 0"_s, saved, u"enableLoggin 1"_s}));
   delegate.forgetEvents();
   ASSERT_TRUE(askUntil(u"result 3 by user"_s));
   EXPECT_FALSE(delegate.events().contains(u"status 0"_s));

@@ -1,5 +1,6 @@
 #include "log/KaLogUtility.h"
 #include "service/KaApplicationConstants.h"
+#include "service/LoopbackHost.h"
 #include "tests/log/LogFile.h"
 #include "tests/service/ServiceFixture.h"
 
@@ -106,6 +107,25 @@ TEST(Constants, keepWhatTheyFirstReadUnderTheirOddKeys) {
   }
   EXPECT_EQ(KaApplicationConstants::awsS3PreviewListBucketName(), u"strata-prd-ka-preview-list"_s);
   EXPECT_EQ(defaults.string(u"awsS3PreviewListBucketName"_s), u"strata-prd-Ka-S3AccessLog"_s);
+}
+
+TEST(Loopback, isKnownByItsNamesAndNumbersAlone) {
+  for (const QString &host : {u"localhost"_s, u"LocalHost.:1"_s, u"api.localhost:8443"_s, u"127.0.0.1"_s,
+                              u"127.255.3.4:80"_s, u"::1"_s, u"[::1]:443"_s})
+    EXPECT_TRUE(isLoopbackHost(host)) << host.toStdString();
+  for (const QString &host : {u""_s, u"localhost.example"_s, u"notlocalhost"_s, u"127.0.0.example"_s, u"127.0.0.256"_s,
+                              u"128.0.0.1"_s, u"[::2]:443"_s, u"api.norvale.example:443"_s})
+    EXPECT_FALSE(isLoopbackHost(host)) << host.toStdString();
+}
+
+TEST(Loopback, servesWhenOneHostOfTheServiceIsThere) {
+  const TestProfile profile({{u"awsStsHostName"_s, u"sts.localhost:1"_s}});
+  EXPECT_TRUE(isServiceOnLoopback());
+}
+
+TEST(Loopback, isNotWhereTheServiceIsByItself) {
+  const TestProfile profile;
+  EXPECT_FALSE(isServiceOnLoopback());
 }
 
 } // namespace

@@ -9,7 +9,7 @@
 
 using namespace Qt::StringLiterals;
 
-PrivateBus::PrivateBus() {
+PrivateBus::PrivateBus(const char *named) : variable(named) {
   const QString configPath = folder.filePath(u"bus.conf"_s);
   writeFile(configPath,
             "<busconfig><type>session</type><listen>unix:path=" + QFile::encodeName(folder.filePath(u"bus"_s))
@@ -19,7 +19,7 @@ PrivateBus::PrivateBus() {
   daemon.start(u"dbus-daemon"_s, {u"--config-file="_s + configPath, u"--nofork"_s, u"--print-address=1"_s});
   // The address appears once the bus takes connections.
   if (!daemon.waitForReadyRead(20'000)) throw std::runtime_error("no bus");
-  qputenv("DBUS_SESSION_BUS_ADDRESS", daemon.readLine().trimmed());
+  qputenv(variable, daemon.readLine().trimmed());
 }
 
 void PrivateBus::hang() {
@@ -29,5 +29,5 @@ void PrivateBus::hang() {
 PrivateBus::~PrivateBus() {
   daemon.kill();
   daemon.waitForFinished();
-  qunsetenv("DBUS_SESSION_BUS_ADDRESS");
+  qunsetenv(variable);
 }

@@ -3,16 +3,19 @@
 #include <QProcess>
 #include <QTemporaryDir>
 
-/// A session bus of a test's own, on which nothing can be started by itself. Make it before anything connects.
+/// A bus of a test's own, on which nothing can be started by itself. Make it before anything connects.
 class PrivateBus {
 public:
-  PrivateBus();
+  /// @param named  the variable of the environment that leads to it: the session bus unless told otherwise.
+  explicit PrivateBus(const char *named = "DBUS_SESSION_BUS_ADDRESS");
   ~PrivateBus();
 
   /// From now on it takes calls and answers none.
   void hang();
+  [[nodiscard]] QString address() const { return qEnvironmentVariable(variable); }
 
 private:
+  const char *const variable;
   QTemporaryDir folder;
   QProcess daemon;
 };
