@@ -4,6 +4,7 @@
 #include "platform/UserDefaults.h"
 #include "sandbox/Service.h"
 #include "settings/SettingsFiles.h"
+#include "tests/log/LogFile.h"
 #include "tests/support/FakeBrowser.h"
 #include "tests/support/PrivateBus.h"
 #include "tests/support/TestProfile.h"
@@ -26,20 +27,24 @@ using sandbox::Fault;
 
 namespace {
 
-/// Notes what the thread that made it is told. The download thread's reports are others' to test, but for its end.
+/// Notes what the thread that made it is told; of the download thread's reports, which are others' to test, those alone
+/// that show what the facade asked it for.
 class RecordingDelegate final : public KaDownloadDelegate {
 public:
   void onChangeStatus(KaModelFacade &, KaAppStatus status) override { note(u"status"_s, static_cast<int>(status)); }
   void onProcessingResult(KaModelFacade &, KaResultCode code, bool) override {
     note(u"result"_s, static_cast<int>(code));
+    if (code == KaResultCode::InitialAccessComplete) ++initialAccesses;
   }
   void onCompleteLinkageSetting() override { note(u"login"_s, true); }
-  void onSetEnableLogginMenu(bool) override {}
+  void onSetEnableLogginMenu(bool enable) override { runs += enable; }
   void onFinishDownloadProcess() override { finished = true; }
   void onChangeLinkage(bool linked) override { note(u"linkage"_s, linked); }
 
   QStringList reports;
   std::atomic<bool> finished = false;
+  std::atomic<int> runs = 0; ///< that have ended
+  std::atomic<int> initialAccesses = 0;
 
 private:
   void note(const QString &report, int value) {
@@ -78,6 +83,14 @@ protected:
     EXPECT_TRUE(service.waitForRequests(Endpoint::Keys, 1, 20s));
     return token;
   }
+  /// With a link of an earlier process, whose first run is under way on return.
+  void startLinked() {
+    const sandbox::LinkedToken linked = service.issueLinkedToken();
+    ASSERT_TRUE(KaLinkageUtility::saveLinkageSetting(linked.idToken)
+                && KaLinkageUtility::saveTokenCode(linked.tokenCode));
+    facade().initializeLinkageSetting();
+    ASSERT_TRUE(service.waitForRequests(Endpoint::ListDevices, 1, 20s));
+  }
   [[nodiscard]] bool waitForReports(const QStringList &expected) const {
     return waitFor([&] { return delegate.reports.size() >= expected.size(); }) && delegate.reports == expected;
   }
@@ -94,6 +107,7 @@ TEST_F(FacadeLinkage, storesALoginForWhichTheBrowserCallsAgainAndAgainAndClosesI
   ASSERT_TRUE(KaLinkageUtility::saveLinkageSetting(u"old"_s) && KaLinkageUtility::saveTokenCode(u"old"_s));
   facade().initializeLinkageSetting();
   EXPECT_EQ(delegate.reports, (QStringList{u"status 0"_s, u"linkage 1"_s}));
+  facade().switchLogMode();
   service.order(Endpoint::Keys, {.kind = Fault::Kind::SlowBody});
   const QString token = startLogin();
   EXPECT_FALSE(KaLinkageUtility::loadLinkageSetting() || KaLinkageUtility::loadTokenCode()) << "of an older link";
@@ -114,6 +128,7 @@ TEST_F(FacadeLinkage, storesALoginForWhichTheBrowserCallsAgainAndAgainAndClosesI
   EXPECT_TRUE(KaLinkageUtility::existCodeVerifier());
   facade().closeLinkage();
   EXPECT_EQ(delegate.reports, expected << u"status 3"_s << u"result 5"_s);
+  EXPECT_EQ(loggedLines(profile).count(u"    deleteCredential"_s), 2) << "those of the older link, and these";
   EXPECT_TRUE(browser.takeUrl().value_or(QString()).contains(u"/logout?"_s));
   EXPECT_FALSE(facade().bLoggedIn() || facade().linkState() != KaLinkState::Unlinked);
   EXPECT_FALSE(KaLinkageUtility::loadLinkageSetting() || KaLinkageUtility::existCodeVerifier());
@@ -142,12 +157,24 @@ TEST_F(FacadeLinkage, storesNothingOfALoginThatNobodyAskedForOrThatDoesNotHold) 
   EXPECT_TRUE(facade().linkState() == KaLinkState::Unlinked && !facade().loadLinkageSetting());
 }
 
+TEST_F(FacadeLinkage, runsWhenAskedAndMarksAnInitialAccessWhenToldSo) {
+  startLinked();
+  const auto runUntil = [this](const auto &ask, const std::function<bool()> &condition) {
+    return waitFor([&] {
+      ask();
+      return condition();
+    });
+  };
+  const auto download = [] { facade().downloadNow(/*initialAccess=*/false); };
+  EXPECT_TRUE(runUntil([] { facade().cancelPollingWait(); }, [this] { return delegate.runs >= 2; }));
+  EXPECT_TRUE(runUntil(download, [this, before = delegate.runs.load()] { return delegate.runs >= before + 2; }));
+  EXPECT_EQ(delegate.initialAccesses, 0);
+  facade().downloadNow(/*initialAccess=*/true);
+  EXPECT_TRUE(runUntil(download, [this] { return delegate.initialAccesses == 1; }));
+}
+
 TEST_F(FacadeLinkage, goesOnWithItsLinkWhenALoginDoesNotHold) {
-  const sandbox::LinkedToken linked = service.issueLinkedToken();
-  ASSERT_TRUE(KaLinkageUtility::saveLinkageSetting(linked.idToken)
-              && KaLinkageUtility::saveTokenCode(linked.tokenCode));
-  facade().initializeLinkageSetting();
-  ASSERT_TRUE(service.waitForRequests(Endpoint::ListDevices, 1, 20s));
+  startLinked();
   facade().setupLinkage();
   facade().setIdCode(service.issueLinkedToken().idToken); // of another nonce
   EXPECT_TRUE(waitFor([&] {

@@ -225,13 +225,14 @@ INSTANTIATE_TEST_SUITE_P(Engine, OldLink,
                                          Endpoint::ListDevices, Endpoint::Metadata, Endpoint::ObjectGet),
                          [](const auto &row) { return sandbox::endpointName(row.param).toStdString(); });
 
-TEST_F(Processor, endsTheRequestOfAClosedLinkAtOnce) {
+TEST_F(Processor, endsTheRequestOfAClosedLinkAtOnceAndForgetsItsCredentials) {
   service.order(Endpoint::ListDevices, {.kind = NoAnswer});
   start();
   ASSERT_TRUE(waitForRequest(Endpoint::ListDevices));
   logOut();
   EXPECT_TRUE(delegate.waitForEvent(u"enableLoggin 1"_s, 1, kSlowness));
   EXPECT_TRUE(delegate.events().filter(u"result"_s).isEmpty());
+  EXPECT_EQ(logged(u"ERROR"_s).filter(u"deleteCredential"_s).size(), 1);
 }
 
 TEST_F(Processor, beginsNoRunWhileALoginIsUnderWayAndKeepsItsVerifierForIt) {

@@ -41,6 +41,9 @@ TEST_F(Desktop, readsUserDefaultsAsPreferencesAreRead) {
     EXPECT_EQ(defaults.integerValue(u"key"_s), asInteger) << stored;
     EXPECT_EQ(defaults.doubleValue(u"key"_s), asDouble) << stored;
   }
+  defaults.registerDefaults({{u"key"_s, u"7"_s}, {u"other"_s, u"8"_s}});
+  EXPECT_TRUE(defaults.string(u"key"_s) == u""_s && defaults.integerValue(u"other"_s) == 8);
+  EXPECT_FALSE(defaults.string(u"none"_s) || defaults.boolValue(u"none"_s) || defaults.doubleValue(u"none"_s));
   defaults.setString(u"host"_s, u"a, b; c=d"_s);
   const QString path = profile.configFolder() + u"/NORVALE INC/Downloaderpictora.conf"_s;
   EXPECT_EQ(platform::UserDefaults(path).string(u"host"_s), u"a, b; c=d"_s) << "read again";

@@ -13,6 +13,7 @@
 #include <thread>
 
 using namespace Qt::StringLiterals;
+using namespace std::chrono_literals;
 using platform::SingleInstance;
 
 namespace {
@@ -32,20 +33,30 @@ public:
   }
   ~Server() override { QDBusConnection::disconnectFromBus(u"server"_s); }
 
+  void restart() {
+    auto bus = QDBusConnection(u"server"_s);
+    bus.unregisterService(u"org.freedesktop.Notifications"_s);
+    bus.registerService(u"org.freedesktop.Notifications"_s);
+    lastId = 0;
+  }
+
+  QStringList capabilities{u"body-markup"_s};
+  uint lastId = 0;
   QVariantList shown;
   QList<uint> closed;
 
 public Q_SLOTS:
-  QStringList GetCapabilities() { return {u"body-markup"_s}; }
+  QStringList GetCapabilities() { return capabilities; }
   uint Notify(const QString &, uint, const QString &, const QString &title, const QString &body,
               const QStringList &actions, const QVariantMap &hints, int) {
     shown = {title, body, actions.value(0), hints.value(u"x-ProcessingResult"_s)};
-    return 1;
+    return ++lastId;
   }
   void CloseNotification(uint id) { closed << id; }
 
 Q_SIGNALS:
   void ActionInvoked(uint id, const QString &action);
+  void NotificationClosed(uint id, uint reason);
 };
 
 TEST(Notifications, areCarriedAndHandTheirResultBackWithAClick) {
@@ -62,14 +73,43 @@ TEST(Notifications, areCarriedAndHandTheirResultBackWithAClick) {
     return server.shown == QVariantList{u"Title"_s, u"a &lt; b &amp; c"_s, u"default"_s, u"17"_s};
   }));
   // The id must have arrived before a click on it can mean anything.
-  ASSERT_TRUE(waitFor([&] {
-    Q_EMIT server.ActionInvoked(99, u"default"_s); // somebody else's
-    Q_EMIT server.ActionInvoked(1, u"default"_s);
-    QCoreApplication::processEvents();
-    return !clicked.isEmpty();
-  }));
+  const auto clickUntilHeard = [&](uint id, qsizetype count) {
+    return waitFor([&] {
+      Q_EMIT server.NotificationClosed(id, 1);       // by itself: it can still be clicked in the list of past ones
+      Q_EMIT server.ActionInvoked(99, u"default"_s); // somebody else's
+      Q_EMIT server.ActionInvoked(id, u"snooze"_s);
+      Q_EMIT server.ActionInvoked(id, u"default"_s);
+      QCoreApplication::processEvents();
+      return clicked.size() >= count;
+    });
+  };
+  ASSERT_TRUE(clickUntilHeard(1, 1));
   EXPECT_EQ(clicked, QStringList{u"17"_s});
   EXPECT_TRUE(waitFor([&] { return server.closed == QList<uint>{1}; }));
+
+  server.capabilities.clear();
+  const auto post = [&](const QString &text) {
+    center.post(u"T"_s, text, text);
+    return waitFor([&] { return server.shown.value(1) == text; });
+  };
+  EXPECT_TRUE(post(u"2"_s));
+  EXPECT_TRUE(clickUntilHeard(2, 2));
+  EXPECT_TRUE(post(u"3"_s));
+  Q_EMIT server.NotificationClosed(3, 2); // by the user
+  EXPECT_TRUE(post(u"4"_s));
+  Q_EMIT server.ActionInvoked(3, u"default"_s);
+  EXPECT_TRUE(clickUntilHeard(4, 3));
+  EXPECT_EQ(clicked, (QStringList{u"17"_s, u"2"_s, u"4"_s}));
+  // A server that starts anew counts anew, and may know less.
+  EXPECT_TRUE(post(u"5"_s));
+  server.restart();
+  EXPECT_TRUE(waitFor([&] {
+    center.post(u"T"_s, u"<6>"_s, u"6"_s);
+    return waitFor([&] { return server.shown.value(1) == u"<6>"_s; }, 200ms);
+  })) << "told plainly to who reads no markup";
+  Q_EMIT server.ActionInvoked(5, u"default"_s);
+  EXPECT_TRUE(clickUntilHeard(server.lastId, 4));
+  EXPECT_EQ(clicked.back(), u"6"_s);
 }
 
 TEST(SingleInstance, hasTheProfileAloneAndCanBeReachedUntilItResigns) {

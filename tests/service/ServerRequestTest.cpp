@@ -42,6 +42,8 @@ TEST_F(ServerRequest, tellsWhatAStatusMeansForEveryKindOfRequest) {
   }
   service.order(Endpoint::ObjectGet, {.kind = Fault::Kind::Body, .status = 404});
   EXPECT_EQ(storage.document(imageKey).state, Missing) << "without a body, too";
+  service.order(Endpoint::Sts, {.kind = Fault::Kind::EmptyBody});
+  EXPECT_EQ(request.getAwsTemporaryCredential(u"t"_s).result, NoBody);
   service.order(Endpoint::ObjectTagging, {.kind = Fault::Kind::EmptyBody});
   EXPECT_EQ(request.getAWSS3ObjectTag(by, imageKey).result, Success);
   service.order(Endpoint::ObjectTagging, {.kind = Fault::Kind::TruncatedBody});

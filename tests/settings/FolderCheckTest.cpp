@@ -1,6 +1,7 @@
 #include "settings/FolderCheck.h"
 #include "tests/support/TestProfile.h"
 
+#include <QDir>
 #include <QFile>
 
 #include <gtest/gtest.h>
@@ -53,7 +54,10 @@ TEST(FolderOnDisk, isUsableWhenItIsTheUsersOwnOutsideTheSystemsPlaces) {
   EXPECT_EQ(verifyDownloadFolder(profile.picturesFolder()), Success);
   for (const QString &path : {profile.path(u"missing"_s), file.fileName(), QString()})
     EXPECT_EQ(verifyDownloadFolder(path), FolderNotAccessible) << qPrintable(path);
-  for (const QString &path : {u"/usr"_s, u"/etc"_s, u"/proc"_s, u"/home/../usr/share"_s, profile.path(u"link"_s)})
+  const QString programs = profile.path(u".local/bin/tools"_s), starters = profile.dataFolder() + u"/applications"_s;
+  ASSERT_TRUE(QDir().mkpath(programs) && QDir().mkpath(starters));
+  for (const QString &path : {u"/usr"_s, u"/etc"_s, u"/proc"_s, u"/opt"_s, u"/home/../usr/share"_s,
+                              profile.path(u"link"_s), programs, starters})
     EXPECT_EQ(verifyDownloadFolder(path), FolderNotSupported) << qPrintable(path);
   if (geteuid() == 0) return; // who may read and write everywhere
   for (const auto only : {QFile::ReadOwner, QFile::WriteOwner}) {

@@ -1,6 +1,7 @@
 #include "settings/SettingsFiles.h"
 #include "identity/KaCryptionUtility.h"
 #include "log/KaLogUtility.h"
+#include "platform/UserDefaults.h"
 #include "tests/log/LogFile.h"
 #include "tests/support/TestProfile.h"
 
@@ -132,6 +133,9 @@ TEST_F(SettingsFiles, overrideWaitsByPositiveWholeNumbersOnly) {
                              {u"ImageRetryWaitTime"_s, u"soon"_s},
                              {u"ExifRetryWaitTime"_s, QString::number(INT64_MAX)}});
   EXPECT_EQ(loadWaitTimes({1s, 2s, 3s, 4s}), (KaWaitTimes{7s, 2s, 3s, 876'000h}));
+  platform::standardUserDefaults().setString(u"PollingErrorWaitTime"_s, u"8"_s);
+  platform::standardUserDefaults().setString(u"ImageRetryWaitTime"_s, u"9"_s);
+  EXPECT_EQ(loadWaitTimes({1s, 2s, 3s, 4s}), (KaWaitTimes{7s, 8s, 9s, 876'000h}));
 }
 
 } // namespace

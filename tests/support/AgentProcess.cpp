@@ -6,6 +6,8 @@
 #include <QFile>
 #include <QProcessEnvironment>
 
+#include <csignal>
+
 using namespace Qt::StringLiterals;
 
 #if defined(__SANITIZE_THREAD__)
@@ -24,7 +26,12 @@ AgentProcess::AgentProcess(const QStringList &arguments, const QString &display,
   auto environment = QProcessEnvironment::systemEnvironment();
   environment.insert(u"QT_QPA_PLATFORM"_s, display);
   process.setProcessEnvironment(environment);
-  if (inChild) process.setChildProcessModifier(inChild);
+  // Whoever runs the tests may ignore these, as a shell does for what it starts in the background.
+  process.setChildProcessModifier([inChild] {
+    for (const int number : {SIGINT, SIGHUP})
+      std::signal(number, SIG_DFL);
+    if (inChild) inChild();
+  });
   process.start(QString::fromUtf8(program()), arguments);
   process.waitForStarted();
 }
@@ -46,6 +53,10 @@ bool AgentProcess::requestAction(const QString &action) {
 
 QByteArray AgentProcess::program() {
   return KA_AGENT;
+}
+
+void AgentProcess::signal(int number) const {
+  ::kill(static_cast<pid_t>(process.processId()), number);
 }
 
 void AgentProcess::kill9() {

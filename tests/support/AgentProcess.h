@@ -7,6 +7,7 @@
 #include <QStringList>
 
 #include <chrono>
+#include <csignal>
 #include <functional>
 #include <optional>
 
@@ -26,7 +27,8 @@ public:
   [[nodiscard]] static bool requestAction(const QString &action);
 
   void kill9();
-  void terminate() { process.terminate(); }
+  void signal(int number) const;
+  void terminate() const { signal(SIGTERM); }
   /// Looks without waiting; in between the event loop of the test goes on.
   [[nodiscard]] bool isRunning() const { return process.state() != QProcess::NotRunning; }
   [[nodiscard]] static QByteArray program();

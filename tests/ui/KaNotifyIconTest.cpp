@@ -5,6 +5,7 @@
 #include "log/ExceptionGuard.h"
 #include "platform/UserDefaults.h"
 #include "sandbox/Service.h"
+#include "settings/SettingsFiles.h"
 #include "tests/support/FakeBrowser.h"
 #include "tests/ui/UiProfile.h"
 #include "ui/KaDownloadFolderSettingView.h"
@@ -91,10 +92,12 @@ TEST_F(NotifyIcon, startsLinkedWithoutShowingABrokenLinkFirstAndGivesUpOnAThread
   ASSERT_TRUE(waitFor([&] { return !view.states.empty(); }));
   const StatusItemState expected{.frame = Standby, .tooltipKey = kNormal, .isLinked = true, .isDownloadEnabled = true};
   EXPECT_EQ(view.states.front(), expected);
+  ASSERT_TRUE(QFile::remove(profile.appFolder() + u"/DownloadSettingData.plist"_s));
   QElapsedTimer sinceQuit;
   sinceQuit.start();
   EXPECT_FALSE(icon->appFinalize(50ms));
   EXPECT_GE(sinceQuit.elapsed(), 50);
+  EXPECT_EQ(loadDownloadOption(), facade.downloadOption()) << "saved at the end";
 }
 
 /// What a result leaves shown that comes in during a download.
