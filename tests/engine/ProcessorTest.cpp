@@ -334,6 +334,7 @@ TEST_P(Quits, withinASecondWithTheRecordsSaved) {
   const QStringList saves = delegate.events().filter(u"save "_s);
   EXPECT_EQ(saves.mid(std::max<qsizetype>(saves.size() - 3, 0)), savesRecords ? all : QStringList());
   EXPECT_EQ(files(), before);
+  EXPECT_EQ(delegate.events().contains(u"result 17"_s), fault.status == 403) << "the end is no failure";
   EXPECT_EQ(logged(u"GetContentLoop Start"_s).size(), begun);
 }
 
