@@ -30,7 +30,8 @@ void tryInput(const QByteArray &input) {
   answerWith([&](const HttpRequest &request) { return providerAnswer(request.url, lines); });
   KaServerRequest request;
   const QString token = QString::fromUtf8(lines[0]);
-  const bool holds = Verification::validateJWT(request, token, /*checkNonce=*/false, {}) == KaResultCode::Success;
+  const bool holds =
+      Verification::validateJWT(request, token, /*checkNonce=*/false, {}).result == KaResultCode::Success;
   require(!holds || lines.size() > 2 || isSigned(token), "only what the provider signed holds");
   require(holds || lines.size() > 1 || token != QString::fromUtf8(sampleToken("valid")), "a good token holds");
   require(!holds || Verification::parseUserUUID(token), "a token that holds can be read");
