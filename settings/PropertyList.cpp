@@ -36,10 +36,21 @@ std::optional<QString> textOf(plist_t node) {
   return length == 0 ? u""_s : QString::fromUtf8(bytes, static_cast<qsizetype>(length));
 }
 
+/// The library writes characters as they are, and the name of a folder may hold some that XML forbids.
+QString readableXml(const QByteArray &xml) {
+  QString text = QString::fromUtf8(xml);
+  for (QChar &character : text) {
+    const char16_t code = character.unicode();
+    const bool isControl = code < 0x20 && code != u'\t' && code != u'\n' && code != u'\r';
+    if (isControl || code >= 0xFFFE) character = u'?';
+  }
+  return text;
+}
+
 /// The library takes a document of any depth apart by recursion. Ours has three levels, and no entities.
 bool isFlat(const QByteArray &xml) {
   constexpr int kDeepest = 16;
-  QXmlStreamReader reader(xml);
+  QXmlStreamReader reader(readableXml(xml));
   for (int depth = 0; !reader.atEnd();) {
     const auto token = reader.readNext();
     if (token == QXmlStreamReader::StartElement && ++depth > kDeepest) return false;
