@@ -1,6 +1,7 @@
 """The work of scripts/mutants, which says what it is."""
 import concurrent.futures
 import difflib
+import fcntl
 import os
 import pathlib
 import random
@@ -69,8 +70,11 @@ class Test:
     def limit(self):
         return 10 + 5 * self.seconds
 
+    def folder(self):
+        return self.executable.removeprefix('tests_')
+
     def label(self):
-        return f'{self.executable.removeprefix("tests_")}.{self.name}'
+        return f'{self.folder()}.{self.name}'
 
 
 def tests_listed_by(path):
@@ -175,6 +179,10 @@ def end_with_all_tests(marks):
         signal.signal(number, end)
 
 
+def all_targets(rooms):
+    return ['downloaderpictora', *(f'tests_{name}' for name in (*(room.name for room in rooms), *WHOLE_AGENT))]
+
+
 def limit_output():
     resource.setrlimit(resource.RLIMIT_FSIZE, (OUTPUT_LIMIT, OUTPUT_LIMIT))
     resource.setrlimit(resource.RLIMIT_CORE, (0, 0))
@@ -249,20 +257,20 @@ class Run:
             self.note(room, point, source, outcome)
 
     def outcome_of(self, worker, room):
-        """The test that sees it, None, or 'refused' by the compiler."""
+        """The test that sees it, None, or 'refused' by the compiler. The tests that are likely to see it come first."""
         if not worker.build([f'tests_{room.name}']):
             return 'refused'
-        test = worker.first_failing(room.tests)
-        if test:
-            return test
-        if not worker.build(['downloaderpictora', *(f'tests_{folder}' for folder in WHOLE_AGENT)]):
-            return 'refused'
         agent, desktop = self.whole_agent_tests
-        test = worker.first_failing(agent)
-        if test:
-            return test
-        with one_desktop_at_a_time:
-            return worker.first_failing(desktop, at_once=1)
+        above = self.rooms[self.rooms.index(room) + 1:]
+        test = worker.first_failing(room.tests)
+        if not test:
+            if not worker.build(all_targets(above)):
+                return 'refused'
+            test = worker.first_failing(agent) or worker.first_failing([test for r in above for test in r.tests])
+        if not test:
+            with one_desktop_at_a_time:
+                test = worker.first_failing(desktop, at_once=1)
+        return test
 
     def note(self, room, point, source, outcome):
         place = f'{point.file}:{point.line} ({point.kind})'
@@ -273,7 +281,7 @@ class Run:
                 return
             if outcome:
                 outcome.kills += 1
-                self.seen.append((room.name, point))
+                self.seen.append((room.name, point, outcome.folder()))
             else:
                 self.survivors.append((room.name, point, difference(point, source)))
             done = len(self.seen) + len(self.survivors)
@@ -312,6 +320,10 @@ def report(run, count):
                          f'{sum(of(e) == value for e in everything)}')
     total = len(run.seen) + len(run.survivors)
     percent = 100 * len(run.seen) / total if total else 0
+    own = sum(entry[0] == entry[2] for entry in run.seen)
+    whole = sum(entry[2] in WHOLE_AGENT for entry in run.seen)
+    lines.append(f'seen by tests of the room {own}, of the whole program {whole}, '
+                 f'of rooms above {len(run.seen) - own - whole}')
     lines.append(f'not counted, as they do not build: {run.refused}')
     lines.append(f'seen {len(run.seen)} of {total} ({percent:.0f} %)')
     text = '\n'.join(lines)
@@ -320,16 +332,27 @@ def report(run, count):
     return total == count and percent >= GOAL
 
 
+def take_work_folder():
+    """@return what holds it, as long as it is open."""
+    WORK.mkdir(parents=True, exist_ok=True)
+    held = open(WORK / 'lock', 'w')
+    try:
+        fcntl.flock(held, fcntl.LOCK_EX | fcntl.LOCK_NB)
+    except OSError:
+        sys.exit('mutants: another run is at work in build/mutants')
+    return held
+
+
 def main():
     count = int(sys.argv[1]) if len(sys.argv) > 1 else 200
     seed = sys.argv[2] if len(sys.argv) > 2 else '1'
     rooms = rooms_with_candidates(count, seed)
-    targets = ['downloaderpictora', *(f'tests_{name}' for name in (*(room.name for room in rooms), *WHOLE_AGENT))]
+    _held = take_work_folder()
     workers = [Worker(number) for number in range(len(os.sched_getaffinity(0)))]
     end_with_all_tests([worker.mark for worker in workers])
     for worker in workers:
         say(f'building {worker.tree.parent.name}')
-        worker.prepare(targets)
+        worker.prepare(all_targets(rooms))
     say('running all tests on the unchanged tree')
     run = Run(rooms, baseline(workers[0], rooms))
     say(f'changing: {", ".join(f"{room.name} {room.share}" for room in rooms)}')

@@ -14,9 +14,10 @@ TOKEN = re.compile(r'''
  |(?P<mark>->|::|<<=|>>=|<=>|<<|>>|<=|>=|==|!=|&&|\|\||\+\+|--|[-+*/%&|^]=|\S)
 ''', re.X | re.S | re.M)
 
-# What is checked by the compiler or in debug builds alone, or changes nothing but memory, time and names of threads.
+# What is checked by the compiler or in debug builds alone, or changes nothing but memory, handles, time and names of
+# threads.
 SILENT = {'static_assert', 'alignas', 'Q_ASSERT', 'Q_ASSERT_X', 'Q_UNREACHABLE', 'assertMainThread', 'reserve',
-          'nameThisThread', 'sleep_for'}
+          'nameThisThread', 'sleep_for', 'deleteLater'}
 LOG_WRITE = re.compile(r'write\w*Log|log[A-Z]\w*|q(?:Debug|Info|Warning|Critical)')
 SWAPS = {'&&': '||', '||': '&&', '==': '!=', '!=': '==', '<': '<=', '<=': '<', '>': '>=', '>=': '>',
          'true': 'false', 'false': 'true'}
@@ -76,14 +77,27 @@ def mark_silent(tokens):
     for i, token in enumerate(tokens[:-1]):
         if token.sort != 'word' or tokens[i + 1].text != '(':
             continue
-        is_debug = token.text in SILENT or (token.text == 'check' and tokens[i - 2].text.lower().endswith('thread'))
+        before = (tokens[i - 2].text, tokens[i - 1].text)
+        is_handle = token.text == 'close' and before[1] == '::' and tokens[i - 2].sort != 'word'
+        is_thread = token.text == 'check' and before[0].lower().endswith('thread')
+        is_debug = token.text in SILENT or is_handle or is_thread
         if is_debug or LOG_WRITE.fullmatch(token.text):
             for inner in tokens[i if is_debug else i + 1:tokens[i + 1].partner + 1]:
                 inner.silent = True
 
 
+def functions_asserted(tokens):
+    names = set()
+    for i, token in enumerate(tokens[:-1]):
+        if token.text == 'static_assert':
+            inside = range(i + 2, tokens[i + 1].partner)
+            names.update(tokens[j].text for j in inside if tokens[j].sort == 'word' and tokens[j + 1].text == '(')
+    return names
+
+
 def mark_functions(tokens):
     """A body is what follows a closing parenthesis or a word such as const, and is no lambda's."""
+    proofs = functions_asserted(tokens)
     i = 0
     while i < len(tokens):
         opens = tokens[i].text == '{' and tokens[i].partner > 0
@@ -94,9 +108,11 @@ def mark_functions(tokens):
             words = [t.text for t in tokens[head + 1:i]]
             words = words[words.index(']') + 2:] if words[:1] == ['['] and words[1:2] == ['['] else words
             words = [w for w in words if w not in ('static', 'inline', 'constexpr')]
+            is_proof = bool(proofs.intersection(words))
             returns = words[0] if words and words[0] in ('bool', 'void') else 'other'
             for inner in tokens[i:tokens[i].partner]:
                 inner.function = returns
+                inner.silent |= is_proof
             mark_lambdas(tokens, i + 1, tokens[i].partner)
             i = tokens[i].partner
         i += 1
@@ -118,6 +134,7 @@ class Finder:
         self.file, self.source, self.enums, self.chance = file, source, enums, chance
         self.tokens = tokens_of(source)
         self.points = []
+        self.log_conditions = self.find_log_conditions()
         self.constants = self.find_constants()
         self.literals = self.find_literals()
 
@@ -136,6 +153,8 @@ class Finder:
         return self.points
 
     def add(self, kind, start, end, text):
+        if any(first <= start < last for first, last in self.log_conditions):
+            kind = 'log'
         self.points.append(Point(kind, self.file, self.source.count('\n', 0, start) + 1, start, end, text))
 
     def text(self, first, last):
@@ -224,8 +243,7 @@ class Finder:
         end = self.statement_end(call)
         name = self.name_of_call(call) if end is not None else []
         if name and not any(t.silent for t in name):
-            log = LOG_WRITE.fullmatch(name[-1].text)
-            self.add('log' if log else 'call', self.tokens[first].start, self.tokens[end].start, '')
+            self.add('log' if self.is_log_write(call) else 'call', self.tokens[first].start, self.tokens[end].start, '')
 
     def look_at_return(self, i):
         end = self.statement_end(i + 1)
@@ -245,6 +263,21 @@ class Finder:
         others = [e for e in self.enums[token.text] if e != name.text]
         if others != self.enums[token.text] and others and self.tokens[i - 1].text != 'case':
             self.add('code', name.start, name.end, self.chance.choice(others))
+
+    def find_log_conditions(self):
+        """Where it is decided whether to write to the log, and no more."""
+        found = []
+        for i, token in enumerate(self.tokens[:-1]):
+            if token.text == 'if' and self.tokens[i + 1].text == '(':
+                closing = self.tokens[i + 1].partner
+                end = self.statement_end(closing + 1)
+                if end is not None and self.is_log_write(closing + 1) and self.tokens[end + 1].text != 'else':
+                    found.append((self.tokens[i + 1].start, self.tokens[closing].end))
+        return found
+
+    def is_log_write(self, call):
+        name = self.name_of_call(call)
+        return bool(name) and bool(LOG_WRITE.fullmatch(name[-1].text))
 
     def find_constants(self):
         """By use: the other constants of the file that are of the same type."""
