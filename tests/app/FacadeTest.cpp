@@ -12,6 +12,7 @@
 #include <QCoreApplication>
 #include <QDBusConnection>
 #include <QDBusMessage>
+#include <QElapsedTimer>
 #include <QThread>
 #include <QUrl>
 #include <QUrlQuery>
@@ -268,6 +269,15 @@ TEST(FacadeStart, sweepsWhatAKillLeftInTheAppFolder) {
     writeFile(profile.appFolder() + u'/' + name + u".AbCdEf"_s, "x");
   static_cast<void>(KaModelFacade::sharedInstance());
   EXPECT_EQ(filesBelow(profile.appFolder()), QStringList{u"Notes.AbCdEf"_s});
+}
+
+TEST_F(FacadeLinkage, quitsAtOnceDuringAVerification) {
+  service.order(Endpoint::Keys, {.kind = Fault::Kind::NoAnswer});
+  startLogin();
+  QElapsedTimer sinceQuit;
+  sinceQuit.start();
+  facade().endDownloadProcess();
+  EXPECT_LT(sinceQuit.elapsed(), 1000 * kSlowness);
 }
 
 struct FacadeData : testing::Test {

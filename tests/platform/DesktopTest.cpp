@@ -1,3 +1,4 @@
+#include "platform/ModifierKeys.h"
 #include "platform/UrlScheme.h"
 #include "platform/UserDefaults.h"
 #include "platform/UserId.h"
@@ -10,6 +11,7 @@
 #include <QDir>
 #include <QFile>
 #include <QFileInfo>
+#include <QKeyEvent>
 
 #include <sys/stat.h>
 
@@ -83,6 +85,13 @@ TEST_F(Desktop, neitherReadsNorWaitsForUserDefaultsThatAreNoneAndSweepsWhatAKill
   platform::UserDefaults fresh(path);
   fresh.setString(u"key"_s, u"in memory"_s);
   EXPECT_EQ(fresh.string(u"key"_s), u"in memory");
+}
+
+TEST(ModifierKeys, areToldApartByTheirSide) {
+  using enum platform::ModifierKey;
+  for (const auto &[name, key] :
+       {std::pair(0xffe1U, LeftShift), {0xffe2U, RightShift}, {0xffe3U, LeftCommand}, {0xffe4U, Other}})
+    EXPECT_EQ(platform::modifierKeyOf(QKeyEvent(QEvent::KeyPress, Qt::Key_Any, {}, 0, name, 0)), key) << name;
 }
 
 TEST_F(Desktop, keepsTheUsersIdWhichDiffersByMachine) {

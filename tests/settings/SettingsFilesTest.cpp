@@ -39,6 +39,11 @@ TEST_F(SettingsFiles, holdTheTargetSavedLastAndNoOtherForTheUserAlone) {
   EXPECT_TRUE(isPrivate(path(kFile)) && isPrivate(profile.appFolder()));
 }
 
+TEST_F(SettingsFiles, keepNothingWhereTheirFolderCannotBe) {
+  writeFile(profile.dataFolder() + u"/NORVALE INC"_s, {});
+  EXPECT_FALSE(ensureAppFolder() || saveBookkeeping(kFile, u"A"_s, {}) || saveDownloadOption(defaultDownloadOption()));
+}
+
 TEST_F(SettingsFiles, keepNoBookkeepingThatIsDamaged) {
   ASSERT_TRUE(saveBookkeeping(kFile, u"key"_s, {u"20240501/10"_s, {u"id"_s, u"another id"_s}}));
   const auto enciphered = [](const QString &json) { return KaCryptionUtility::encrypt(json)->toUtf8(); };

@@ -1,6 +1,7 @@
 #include "app/KaModelFacade.h"
 #include "log/KaLogUtility.h"
 #include "platform/AppInfo.h"
+#include "tests/support/FakeBrowser.h"
 #include "tests/ui/UiProfile.h"
 #include "ui/KaCustomImageView.h"
 #include "ui/KaDownloadFolderSettingView.h"
@@ -47,7 +48,9 @@ protected:
     click(u"okButton"_s);
     const std::unique_ptr<QMessageBox> box(view->findChild<QMessageBox *>());
     EXPECT_TRUE(view->isVisible() && facade.downloadOption() == stored);
-    return box ? box->text() : QString();
+    if (!box) return {};
+    EXPECT_EQ(box->buttons().value(0)->text(), localised("DLG_COMMON_BUTTON_OK_MAC"_L1));
+    return box->text();
   }
 
   const UiProfile profile;
@@ -147,14 +150,30 @@ TEST_F(Settings, turnThe10GFolderOnWhenOneIsChosen) {
   }
 }
 
-TEST(About, saysWithADotThatTheLogIsOn) {
+TEST(About, showsTheLogAndSaysWithADotThatItIsOn) {
   const UiProfile profile;
+  const FakeBrowser browser(profile);
   installTexts();
   KaVersionInformationView view;
   auto &picture = *view.findChild<KaCustomImageView *>();
-  // The left Control key as X11 and Wayland name it; test events carry no such name.
-  QKeyEvent press(QEvent::KeyPress, Qt::Key_Control, Qt::NoModifier, 37, 0xffe3, 0);
-  QApplication::sendEvent(&picture, &press);
+  // Keys by the names that X11 and Wayland have for them, which tell left from right; test events carry none.
+  const auto send = [&](QEvent::Type type, int key, quint32 name) {
+    QKeyEvent event(type, key, type == QEvent::KeyRelease ? Qt::ShiftModifier : Qt::NoModifier, 0, name, 0);
+    QApplication::sendEvent(&picture, &event);
+  };
+  for (const quint32 shift : {0xffe1, 0xffe2}) {
+    send(QEvent::KeyPress, Qt::Key_Shift, shift);
+    QTest::mouseClick(&picture, Qt::RightButton);
+    EXPECT_FALSE(QFile::exists(profile.appFolder() + u"/Log"_s));
+    QTest::mouseClick(&picture, Qt::LeftButton);
+    EXPECT_EQ(browser.takeUrl(), profile.appFolder() + u"/Log"_s);
+    EXPECT_TRUE(QDir().rmdir(profile.appFolder() + u"/Log"_s));
+    send(QEvent::KeyRelease, Qt::Key_Shift, shift);
+    send(QEvent::KeyPress, Qt::Key_Control, 0xffe4); // the right one
+    QTest::mouseClick(&picture, Qt::LeftButton);
+    EXPECT_FALSE(QFile::exists(profile.appFolder() + u"/Log"_s) || KaLogUtility::outputLog());
+  }
+  send(QEvent::KeyPress, Qt::Key_Control, 0xffe3);
   for (const bool on : {true, false}) {
     QTest::mouseClick(&picture, Qt::LeftButton);
     EXPECT_EQ(KaLogUtility::outputLog(), on);
