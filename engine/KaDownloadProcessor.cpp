@@ -157,6 +157,8 @@ void KaDownloadProcessor::Private::takeUp(const KaLinkSnapshot &next) {
 /// A run that is due waits for a network, in silence. @return false when its link is to be looked at anew.
 bool KaDownloadProcessor::Private::awaitNetwork() {
   if (delegate.hasNetwork()) return true;
+  // A run that lost its network may have left the icon at work.
+  pieces.session.tell([this] { delegate.setAppStatus(KaAppStatus::Normal); });
   KaLogUtility::writeInfoLog(u"Network Wait"_s);
   while (!pieces.session.isOver() && !delegate.hasNetwork()) {
     if (state.bUserTrigger.exchange(false)) tellUserOfNoNetwork();
@@ -166,7 +168,8 @@ bool KaDownloadProcessor::Private::awaitNetwork() {
   }
   cameBack = clock.now();
   const auto now = link.forRun();
-  return now && now->number == pieces.session.linkNumber();
+  // A run that the end of the program is not to begin would spend what belongs to the next process.
+  return !pieces.session.isOver() && now && now->number == pieces.session.linkNumber();
 }
 
 void KaDownloadProcessor::Private::tellUserOfNoNetwork() {

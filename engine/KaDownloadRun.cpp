@@ -60,7 +60,12 @@ KaDownloadRun::Opened KaDownloadRun::openPass(const QString &title) {
 KaDownloadRun::Opened KaDownloadRun::renew() {
   // Lost in the middle of a run, as by a sleep: the next one waits for a network in silence.
   if (!with.delegate.hasNetwork()) {
-    tellFailure(KaResultCode::NoHttpStatus);
+    if (with.state.bUserTrigger) {
+      with.session.noteFailureTold();
+      tellResult(KaResultCode::Offline, /*userTrigger=*/true);
+    } else {
+      tellStatus(KaAppStatus::Normal);
+    }
     return {Opening::Stopped, KaResultCode::NoHttpStatus};
   }
   KaResultCode result = with.session.refreshIdToken();
@@ -289,9 +294,10 @@ void KaDownloadRun::tellInitialAccess() {
 void KaDownloadRun::tellFailedRefresh() {
   // The end of the program, and of the link, must not pass for a login that fails.
   if (with.session.isOver()) return;
+  const bool isNews = with.session.noteRefreshFailureTold();
   if (with.session.lastRefresh() == KaRefresh::Refused) {
     with.state.bLinkSetup = true;
-  } else if (with.session.isFailureTold() && !with.state.bUserTrigger) {
+  } else if (!isNews && !with.state.bUserTrigger) {
     return;
   }
   tellFailure(KaResultCode::ValidationFailed);

@@ -34,6 +34,7 @@ void KaDownloadSession::begin(const KaLinkSnapshot &link) {
   if (link.number != current.number) {
     refreshed = KaRefresh::Succeeded;
     failureTold = false;
+    refreshFailureTold = false;
     verifier.reset();
   }
   current = link;
@@ -41,10 +42,14 @@ void KaDownloadSession::begin(const KaLinkSnapshot &link) {
 
 void KaDownloadSession::exchangeCodeVerifier() {
   thread.check();
-  if (!verifier) verifier = with.link.takeCodeVerifier(current.number);
+  if (isOver()) return;
+  if (const auto taken = with.link.takeCodeVerifier(current.number)) verifier = taken;
   if (!verifier) return;
   const TokenCodeAnswer answer = with.request.getTokenCode(*verifier, current.idToken);
-  if (answer.result == KaResultCode::Success || answer.result == KaResultCode::LinkInvalid) verifier.reset();
+  const bool isAnswered = answer.result == KaResultCode::Success || answer.result == KaResultCode::LinkInvalid;
+  // On disk as well: the next run that can hand it in may be another process's.
+  if (!isAnswered) return with.link.returnCodeVerifier(current.number, *verifier);
+  verifier.reset();
   if (answer.result == KaResultCode::Success && keepTokenCode(answer.tokenCode))
     KaLogUtility::writeInfoLog(u"saveTokenCode_complete"_s);
 }
@@ -70,6 +75,7 @@ KaResultCode KaDownloadSession::refreshIdToken() {
   thread.check();
   const auto [result, kind] = askForToken();
   refreshed = kind;
+  if (kind == KaRefresh::Succeeded) refreshFailureTold = false;
   if (kind == KaRefresh::Succeeded && std::exchange(failureTold, false))
     tell([this] { with.delegate.notifyLinkHolds(current.number); });
   return result;

@@ -10,6 +10,7 @@
 #include <atomic>
 #include <functional>
 #include <optional>
+#include <utility>
 
 class KaDownloadProcessorDelegate;
 class KaServerRequest;
@@ -62,7 +63,8 @@ public:
   [[nodiscard]] KaRefresh lastRefresh() const { return refreshed; }
   /// A failure was told of this link: the first refresh that succeeds is told the delegate.
   void noteFailureTold() { failureTold = true; }
-  [[nodiscard]] bool isFailureTold() const { return failureTold; }
+  /// @return whether the failed refresh was not told yet, which it counts as from now on, until one has succeeded.
+  [[nodiscard]] bool noteRefreshFailureTold() { return !std::exchange(refreshFailureTold, true); }
   /// Whether the credentials are missing, or expire within 600 seconds.
   [[nodiscard]] bool isExpiring() const;
   /// Whether there are none that count any more: a refusal then says nothing of the link.
@@ -93,6 +95,7 @@ private:
   KaLinkSnapshot current;
   KaRefresh refreshed = KaRefresh::Succeeded;
   bool failureTold = false;
+  bool refreshFailureTold = false;
   std::optional<QString> verifier; ///< taken from the link, and not exchanged yet
   std::optional<QString> user;
   bool hasToldUnsaved = false; ///< once a process: it is as true in the next run

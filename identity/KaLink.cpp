@@ -160,6 +160,16 @@ std::optional<QString> KaLink::takeCodeVerifier(KaLinkNumber by) {
   return KaLinkageUtility::existCodeVerifier() ? KaLinkageUtility::loadCodeVerifier() : std::nullopt;
 }
 
+void KaLink::returnCodeVerifier(KaLinkNumber of, const QString &codeVerifier) {
+  const platform::MutexLock scope(turn);
+  {
+    const platform::MutexLock copying(lock);
+    if (!isCurrent(of) || values.loginEnds) return; // a login under way has one of its own
+    values.verifierOf = of;
+  }
+  KaLinkageUtility::saveCodeVerifier(codeVerifier);
+}
+
 bool KaLink::storeIdToken(KaLinkNumber of, const QString &idToken) {
   const platform::MutexLock scope(turn);
   {

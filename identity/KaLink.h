@@ -81,6 +81,8 @@ public:
   /// @{
   /// Hands the login's code verifier out, once, to the link that the login made.
   [[nodiscard]] std::optional<QString> takeCodeVerifier(KaLinkNumber by) KA_EXCLUDES(turn, lock);
+  /// Takes one back that could not be exchanged yet.
+  void returnCodeVerifier(KaLinkNumber of, const QString &codeVerifier) KA_EXCLUDES(turn, lock);
   /// @return whether it was stored on disk; never once the link is over. In memory it counts even when the disk fails.
   bool storeIdToken(KaLinkNumber of, const QString &idToken) KA_EXCLUDES(turn, lock);
   bool storeTokenCode(KaLinkNumber of, const QString &tokenCode) KA_EXCLUDES(turn, lock);

@@ -6,9 +6,14 @@
 #include <QJsonDocument>
 #include <QJsonObject>
 
+#include <chrono>
+
 using namespace Qt::StringLiterals;
 
 namespace {
+
+/// The service counts the newest token code alone: one whose answer is not waited for is lost, and the link with it.
+constexpr std::chrono::milliseconds kTokenCodeGrace(500);
 
 QByteArray compactJson(const QJsonObject &object) {
   return QJsonDocument(object).toJson(QJsonDocument::Compact);
@@ -32,6 +37,7 @@ TokenCodeAnswer KaServerRequest::getTokenCode(const QString &codeVerifier, const
   // "userid" takes the whole ID token, whatever its name says.
   request.headers = {{"Content-Type", "application/json"}, {"strataclient", "pc_2.0"}, {"userid", linkage.toUtf8()}};
   request.body = compactJson({{u"codeVerifier"_s, codeVerifier}});
+  request.endGrace = kTokenCodeGrace;
 
   const ServerAnswer answer = exchange(request);
   if (answer.result != KaResultCode::Success) return {.result = answer.result};
@@ -48,6 +54,7 @@ RefreshAnswer KaServerRequest::refreshIdToken(const QString &oldIdToken, const Q
   request.url = u"https://"_s + KaApplicationConstants::strataHostName() + u"/refreshToken"_s;
   request.headers = {{"Content-Type", "application/json"}};
   request.body = compactJson(body);
+  request.endGrace = kTokenCodeGrace;
 
   const ServerAnswer answer = exchange(request);
   const auto [result, newCode] =

@@ -67,21 +67,38 @@ void describe() {
   QApplication::setQuitOnLastWindowClosed(false);
 }
 
-/// What has to hold before there is an agent. @return the exit status when it does not.
-std::optional<int> prepareToRun(SingleInstance &instance, const CommandLine &commandLine) {
-  const auto claim = instance.claimProfile(commandLine.url);
-  if (claim == SingleInstance::Claim::HandedOver) return EXIT_SUCCESS;
+int refuseStart(QLatin1StringView messageKey) {
   const platform::TerminationSignals endsTheMessage;
   QObject::connect(&endsTheMessage, &platform::TerminationSignals::terminationRequested, qApp,
                    [] { QApplication::exit(EXIT_FAILURE); });
-  if (claim == SingleInstance::Claim::Refused) {
-    showStartFailure("MSG_ERR_PROFILE_IN_USE"_L1);
-    return EXIT_FAILURE;
+  showStartFailure(messageKey);
+  return EXIT_FAILURE;
+}
+
+/// What has to hold before there is an agent. @return the exit status when it does not.
+std::optional<int> prepareToRun(SingleInstance &instance, const CommandLine &commandLine) {
+  switch (instance.claimProfile(commandLine.url)) {
+  case SingleInstance::Claim::HandedOver:
+    return EXIT_SUCCESS;
+  case SingleInstance::Claim::Refused:
+    return refuseStart("MSG_ERR_PROFILE_IN_USE"_L1);
+  case SingleInstance::Claim::Won:
+    break;
   }
   // Now, and not when the first file has to be read: what follows would be a new identity that can read none of them.
-  if (!platform::stableUserIds().isEmpty()) return std::nullopt;
-  showStartFailure("MSG_ERR_MACHINE_ID"_L1);
-  return EXIT_FAILURE;
+  if (platform::stableUserIds().isEmpty()) return refuseStart("MSG_ERR_MACHINE_ID"_L1);
+  return std::nullopt;
+}
+
+/// An agent that works on another profile may have the session. @return as above.
+std::optional<int> serve(SingleInstance &instance, const CommandLine &commandLine) {
+  constexpr int kMostAttempts = 20;
+  for (int attempt = 0; !instance.serve(); ++attempt) {
+    const auto outcome = SingleInstance::handOver(commandLine.url);
+    // That one may be ending.
+    if (outcome != SingleInstance::HandOver::NoAgent || attempt == kMostAttempts) return statusOf(outcome);
+  }
+  return std::nullopt;
 }
 
 void launch(AppDelegate &delegate) {
@@ -98,8 +115,7 @@ int runAgent(int &argc, char **argv, const CommandLine &commandLine) {
   if (const auto status = prepareToRun(instance, commandLine)) return *status;
   // Before anyone can see the agent: from then on it ends in order.
   const platform::TerminationSignals terminationSignals;
-  // An agent that works on another profile may have the session.
-  if (!instance.serve()) return statusOf(SingleInstance::handOver(commandLine.url));
+  if (const auto status = serve(instance, commandLine)) return *status;
 
   AppDelegate delegate;
   QObject::connect(&terminationSignals, &platform::TerminationSignals::terminationRequested, &delegate,

@@ -29,7 +29,8 @@ public:
   ~SingleInstance() override;
 
   /// Gives a running agent @p url, or without one asks it to show itself: the session's agent or, where the bus knows
-  /// none, the profile's. Needs a QCoreApplication and no display; blocks up to 5 s.
+  /// none, the profile's. Needs a QCoreApplication and no display; blocks up to 5 s for an agent that does not answer,
+  /// and as long again for a bus that does not.
   [[nodiscard]] static HandOver handOver(const std::optional<QString> &url);
 
   /// Takes the profile, which stays taken until the process is gone. While another agent has it, tries to hand over to
@@ -49,6 +50,8 @@ Q_SIGNALS:
   void actionRequested(const QString &action);
 
 private:
+  [[nodiscard]] bool serveOnBus();
+
   class Private;
   std::unique_ptr<Private> d;
 };

@@ -234,7 +234,7 @@ public:
 
   [[nodiscard]] bool prepare(const EasyHandle &easy, const HttpRequest &request, const QByteArray &url,
                              const HeaderLines &headers, Exchange &exchange) const;
-  [[nodiscard]] TransportOutcome run(const EasyHandle &easy, std::chrono::milliseconds wait, const Exchange &exchange);
+  [[nodiscard]] TransportOutcome run(const EasyHandle &easy, const HttpRequest &request, const Exchange &exchange);
   void cancel();
 
   /// None while no thread is in perform(); only cancel() makes it Cancelled.
@@ -267,7 +267,7 @@ HttpAnswer KaHttpTransfer::perform(const HttpRequest &request, const BodySink &s
 
   [[maybe_unused]] const Private::Flight before = d->flight.exchange(Private::Flight::UnderWay);
   Q_ASSERT_X(before == Private::Flight::None, "KaHttpTransfer", "two threads at a time");
-  const TransportOutcome outcome = d->run(easy, request.wait, exchange);
+  const TransportOutcome outcome = d->run(easy, request, exchange);
   d->flight = Private::Flight::None;
   return exchange.finished(outcome);
 }
@@ -322,16 +322,21 @@ bool KaHttpTransfer::Private::prepare(const EasyHandle &easy, const HttpRequest 
   return options.allAccepted();
 }
 
-TransportOutcome KaHttpTransfer::Private::run(const EasyHandle &easy, std::chrono::milliseconds wait,
+TransportOutcome KaHttpTransfer::Private::run(const EasyHandle &easy, const HttpRequest &request,
                                               const Exchange &exchange) {
   const Attachment attachment(multi.get(), easy.get());
   if (!attachment.holds()) return TransportOutcome::Failed;
 
+  // One that has not gone out is not missed.
+  if (hasToEnd()) return TransportOutcome::Failed;
   const Clock::time_point start = Clock::now();
-  const Clock::time_point waitEnd = start + wait;
+  const Clock::time_point waitEnd = start + request.wait;
+  std::optional<Clock::time_point> graceEnd;
   Clock::time_point lastStep = start;
   qint64 progress = 0;
-  while (!hasToEnd()) {
+  for (;;) {
+    if (!graceEnd && hasToEnd()) graceEnd = Clock::now() + request.endGrace;
+    if (graceEnd && Clock::now() >= *graceEnd) break;
     int running = 0;
     if (curl_multi_perform(multi.get(), &running) != CURLM_OK) break;
     if (running == 0) return finishedOutcome();
@@ -341,7 +346,7 @@ TransportOutcome KaHttpTransfer::Private::run(const EasyHandle &easy, std::chron
       progress = newProgress;
       lastStep = now;
     }
-    const Clock::time_point limit = std::min(lastStep + idleLimit, start + wholeLimit);
+    const Clock::time_point limit = std::min({lastStep + idleLimit, start + wholeLimit, graceEnd.value_or(waitEnd)});
     if (now >= waitEnd) return TransportOutcome::WaitRanOut;
     if (now >= limit) break;
     const auto rest = std::chrono::ceil<std::chrono::milliseconds>(std::min(limit, waitEnd) - now);

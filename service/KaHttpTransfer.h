@@ -16,6 +16,8 @@ struct HttpRequest {
   std::vector<std::pair<QByteArray, QByteArray>> headers{};
   std::optional<QByteArray> body{};
   std::chrono::milliseconds wait = std::chrono::seconds(600); ///< outer bound, after the transport's own limits
+  /// So long an answer is still waited for once the exchange is to end: for one that cannot be had a second time.
+  std::chrono::milliseconds endGrace{};
 };
 
 /// How an exchange ended below HTTP.
@@ -58,7 +60,7 @@ public:
   /// What the constructor's function says now. On the thread of perform().
   [[nodiscard]] bool shallEnd() const;
 
-  /// Ends the exchange in flight at once; without one it does nothing. Any thread.
+  /// Ends the exchange in flight, at once but for its endGrace; without one it does nothing. Any thread.
   void cancel();
 
 private:

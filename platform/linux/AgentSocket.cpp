@@ -71,9 +71,9 @@ AgentSocket::Answer AgentSocket::send(const QString &profile, const QByteArray &
   const FileDescriptor socket = makeSocket();
   const Address address = addressOf(profile);
   if (!socket || !limitWaits(socket, wait)) return Answer::Failed;
-  if (::connect(socket.get(), address.get(), address.size) != 0)
-    return errno == ECONNREFUSED ? Answer::NoAgent : Answer::Failed;
-  if (!isThisUser(socket)) return Answer::Failed;
+  if (::connect(socket.get(), address.get(), address.size) != 0) return Answer::NoAgent;
+  // Somebody else's, who may have taken the name to be in the way.
+  if (!isThisUser(socket)) return Answer::NoAgent;
   const auto size = static_cast<std::size_t>(message.size());
   if (::send(socket.get(), message.constData(), size, MSG_NOSIGNAL) != message.size())
     return errno == EPIPE || errno == ECONNRESET ? Answer::NoAgent : Answer::Failed;

@@ -17,7 +17,7 @@ class AgentSocket : public QObject {
 public:
   enum class Answer {
     Taken,   ///< the agent has the message
-    NoAgent, ///< nobody listens, or whoever did has ended
+    NoAgent, ///< nobody of this user's listens, or whoever did has ended
     Failed   ///< somebody listens and does not answer
   };
 

@@ -48,8 +48,11 @@ FileDescriptor netlinkSocket(int moreFlags, unsigned groups) {
 }
 
 bool isLinkLocal(const rtmsg &route, const QByteArray &destination) {
-  if (route.rtm_family != AF_INET6 || route.rtm_dst_len < 10 || destination.size() < 2) return false;
-  return uchar(destination[0]) == 0xfe && (uchar(destination[1]) & 0xc0) == 0x80;
+  if (destination.size() < 2) return false;
+  const auto first = uchar(destination[0]);
+  const auto second = uchar(destination[1]);
+  if (route.rtm_family == AF_INET) return route.rtm_dst_len >= 16 && first == 169 && second == 254;
+  return route.rtm_dst_len >= 10 && first == 0xfe && (second & 0xc0) == 0x80;
 }
 
 bool isUp(const rtmsg &route) {
@@ -59,7 +62,7 @@ bool isUp(const rtmsg &route) {
 /// @return nothing for a route that leads nowhere.
 std::optional<Route> wayOut(const nlmsghdr *message) {
   const auto *const route = reinterpret_cast<const rtmsg *>(message + 1);
-  if (route->rtm_table != RT_TABLE_MAIN || route->rtm_type != RTN_UNICAST) return std::nullopt;
+  if (route->rtm_table == RT_TABLE_LOCAL || route->rtm_type != RTN_UNICAST) return std::nullopt;
   if ((route->rtm_flags & RTM_F_CLONED) != 0 || !isUp(*route)) return std::nullopt;
   Route known(1, char(route->rtm_family));
   known += char(route->rtm_dst_len);

@@ -60,8 +60,10 @@ SingleInstance::HandOver handOverByBus(const QDBusConnection &bus, const std::op
   const auto ask = [&bus](const QDBusMessage &call, std::chrono::milliseconds wait) {
     return bus.call(call, QDBus::Block, static_cast<int>(wait.count()));
   };
-  if (ask(applicationCall(url), kHandOverWait).type() == QDBusMessage::ReplyMessage) return Delivered;
-  // An agent that ends gives its name up first.
+  const QDBusMessage reply = ask(applicationCall(url), kHandOverWait);
+  if (reply.type() == QDBusMessage::ReplyMessage) return Delivered;
+  // An agent that ends takes its object away, and then gives its name up.
+  if (reply.errorName() == u"org.freedesktop.DBus.Error.UnknownObject") return NoAgent;
   const QDBusMessage owned = ask(busCall(u"NameHasOwner"_s), kBusWait);
   const bool isFree = owned.type() == QDBusMessage::ReplyMessage && !owned.arguments().value(0).toBool();
   return isFree ? NoAgent : Failed;
@@ -110,7 +112,7 @@ SingleInstance::HandOver SingleInstance::handOver(const std::optional<QString> &
 SingleInstance::Claim SingleInstance::claimProfile(const std::optional<QString> &url,
                                                    std::chrono::milliseconds patience) {
   assertMainThread();
-  // A profile that takes no file has no lock, and nothing that two agents could spoil.
+  // A profile that takes no file has no lock either; the socket still leads a later start to its agent.
   if (!makePrivateFolder(profileFolder())) return Claim::Won;
   const auto deadline = std::chrono::steady_clock::now() + patience;
   while (d->lock.tryLock(profileFolder() + u"/profile.lock"_s) == ProfileLock::Outcome::Taken) {
@@ -124,11 +126,16 @@ SingleInstance::Claim SingleInstance::claimProfile(const std::optional<QString> 
 
 bool SingleInstance::serve() {
   assertMainThread();
+  if (!serveOnBus()) return false;
   d->socket = std::make_unique<AgentSocket>(profileFolder());
   connect(d->socket.get(), &AgentSocket::received, this, [this](const QByteArray &message) {
     if (message.front() == kOpen) Q_EMIT urlReceived(QString::fromUtf8(message.sliced(1)));
     if (message.front() == kActivate) Q_EMIT activated();
   });
+  return true;
+}
+
+bool SingleInstance::serveOnBus() {
   auto bus = QDBusConnection::sessionBus();
   if (!bus.isConnected()) return true;
   // The object first: whoever sees the name may call at once.

@@ -40,7 +40,7 @@ struct IdFile {
 };
 
 IdFile readId(const QString &path) {
-  const FileDescriptor file(::open(QFile::encodeName(path).constData(), O_RDONLY | O_CLOEXEC));
+  const FileDescriptor file(::open(QFile::encodeName(path).constData(), O_RDONLY | O_CLOEXEC | O_NONBLOCK));
   if (!file) return {.id = {}, .isReadable = errno == ENOENT || errno == ENOTDIR};
   std::array<char, 256> text{};
   const ssize_t count = ::read(file.get(), text.data(), text.size());

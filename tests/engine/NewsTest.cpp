@@ -1,3 +1,4 @@
+#include "identity/KaLinkageUtility.h"
 #include "tests/engine/EngineFixture.h"
 
 using namespace Qt::StringLiterals;
@@ -87,6 +88,12 @@ TEST_P(PassingCause, isToldOnceAndHealsByItself) {
     link.confirmFolders();
   }
   meet(3);
+  delegate.change([this](auto &answers) {
+    answers.onEvent = [this](const QString &event) {
+      if (event != u"result 17" || GetParam().endpoint != Endpoint::TokenCode) return;
+      EXPECT_TRUE(KaLinkageUtility::existCodeVerifier()) << "a kill would lose the link";
+    };
+  });
   begin();
   ASSERT_TRUE(delegate.waitForEvent(u"status 0"_s));
   EXPECT_EQ(told(), (QStringList{u"result 17"_s, u"link holds"_s, u"status 0"_s}));
@@ -200,7 +207,7 @@ TEST_F(News, ofANetworkEndsASilentWaitForOneInWhichAUserIsToldAlone) {
   begin();
   ASSERT_TRUE(waitForLog(u"Network Wait"_s));
   ASSERT_TRUE(newsIsHeard());
-  EXPECT_EQ(told(), QStringList());
+  EXPECT_EQ(told(), QStringList{u"status 0"_s});
   processor->getContentsNow();
   ASSERT_TRUE(delegate.waitForEvent(u"result 9 by user"_s));
   ASSERT_TRUE(newsIsHeard());
@@ -208,7 +215,7 @@ TEST_F(News, ofANetworkEndsASilentWaitForOneInWhichAUserIsToldAlone) {
   delegate.change([](auto &answers) { answers.hasNetwork = true; });
   processor->newsFromOutside();
   ASSERT_TRUE(waitForRun(1));
-  EXPECT_EQ(told(), (QStringList{u"result 9 by user"_s, u"link holds"_s, u"status 0"_s}));
+  EXPECT_EQ(told(), (QStringList{u"status 0"_s, u"result 9 by user"_s, u"link holds"_s, u"status 0"_s}));
   EXPECT_EQ(logged(u"Network Wait"_s).size(), 1);
 }
 
@@ -227,12 +234,14 @@ TEST_F(News, isNotNeededToSeeANetworkNorToLogOutOrQuitWithoutOne) {
     processor->cancelPollingWait();
     return delegate.events().count(u"load RecentDownloadData"_s) >= 3;
   })) << "it waits for a link";
+  ASSERT_TRUE(KaLinkageUtility::saveCodeVerifier(u"of the login"_s));
   link.completeLogin(service.issueLinkedToken().idToken);
   link.confirmFolders();
   processor->startReceiving(/*initialAccess=*/true);
   ASSERT_TRUE(waitForLog(u"Network Wait"_s, 3));
   processor->endDownloadProcess();
   EXPECT_TRUE(delegate.waitForEvent(u"finish"_s, 2, kSlowness));
+  EXPECT_TRUE(KaLinkageUtility::existCodeVerifier()) << "it is for the next process to hand in";
 }
 
 /// A renewal that fails before a re-check: the third of a run whose credentials always expire.
@@ -277,7 +286,24 @@ TEST_F(News, endsARunInSilenceThatLosesTheNetworkBeforeAReCheck) {
   delegate.change([](auto &answers) { answers.hasNetwork = false; });
   hoursAsleep = 2;
   ASSERT_TRUE(waitForLog(u"Network Wait"_s));
-  EXPECT_EQ(told(), (QStringList{u"status 1"_s, u"status 1"_s}));
+  EXPECT_EQ(told(), (QStringList{u"status 1"_s, u"status 0"_s, u"status 0"_s}));
+}
+
+TEST_F(News, ofANetworkThatIsAPortalTellsOnceThoughTheUserWasToldOfNone) {
+  delegate.change([](auto &answers) {
+    answers.hasNetwork = false;
+    answers.waits.pollingError = 1ms;
+  });
+  begin();
+  ASSERT_TRUE(waitForLog(u"Network Wait"_s));
+  processor->getContentsNow();
+  ASSERT_TRUE(delegate.waitForEvent(u"result 9 by user"_s));
+  service.order(Endpoint::RefreshToken, {.status = 302, .times = 3});
+  delegate.change([](auto &answers) { answers.hasNetwork = true; });
+  processor->newsFromOutside();
+  ASSERT_TRUE(delegate.waitForEvent(u"status 0"_s, 2));
+  EXPECT_EQ(told(),
+            (QStringList{u"status 0"_s, u"result 9 by user"_s, u"result 17"_s, u"link holds"_s, u"status 0"_s}));
 }
 
 TEST_F(News, isNoneOfTheLinkWhenCredentialsEndInTheMiddleOfARun) {

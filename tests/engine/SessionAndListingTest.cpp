@@ -7,6 +7,7 @@ using namespace Qt::StringLiterals;
 using enum KaResultCode;
 using enum KaTargetStorage;
 using sandbox::Endpoint;
+using sandbox::Fault;
 using enum sandbox::TokenFault;
 
 namespace {
@@ -36,6 +37,16 @@ TEST_F(Session, keepsTokenAndCredentialsUntilTheLinkIsClosed) {
   parts.session.begin({});
   EXPECT_EQ(parts.session.refreshIdToken(), LinkInvalid);
   EXPECT_EQ(service.requestCount(Endpoint::RefreshToken), 1);
+}
+
+TEST_F(ProcessorTest, keepsTheTokenCodeOfARefreshThatQuittingFindsUnderWay) {
+  const auto before = link.tokenCode(link.number());
+  service.order(Endpoint::RefreshToken, {.kind = Fault::Kind::Delay, .delay = std::chrono::milliseconds(200)});
+  start();
+  ASSERT_TRUE(service.waitForRequests(Endpoint::RefreshToken, 1, std::chrono::seconds(20)));
+  processor.reset();
+  EXPECT_NE(KaLinkageUtility::loadTokenCode(), before) << "the service takes none but the new one";
+  EXPECT_EQ(KaLinkageUtility::loadTokenCode(), link.tokenCode(link.number()));
 }
 
 TEST_F(Session, adoptsNoTokenOfABadAnswerButTheTokenCodeThatMadeTheOldOneWorthless) {

@@ -56,7 +56,8 @@ QByteArray AgentProcess::program() {
 }
 
 void AgentProcess::signal(int number) const {
-  ::kill(static_cast<pid_t>(process.processId()), number);
+  const auto id = static_cast<pid_t>(process.processId());
+  if (id > 0) ::kill(id, number); // 0, of one that has ended, would be this whole group
 }
 
 void AgentProcess::kill9() {
