@@ -12,6 +12,8 @@ namespace {
 /// Bytes. No desktop entry comes near it.
 constexpr qint64 kEntryLimit = 64LL << 10;
 
+constexpr QByteArrayView kExec = "\nExec=";
+
 /// Small openers split an Exec line at its blanks and take quotes for a part of the name: they go only where needed.
 bool needsQuotes(const QString &argument) {
   constexpr std::u16string_view kReserved = u" \t\n\v\f\r\"'\\><~|&;$*?#()`";
@@ -48,8 +50,17 @@ QByteArray writtenEntry(const QString &path) {
 }
 
 QByteArray withoutProgram(QByteArray entry) {
-  const qsizetype exec = entry.indexOf("\nExec=");
+  const qsizetype exec = entry.indexOf(kExec);
   return exec < 0 ? entry : entry.remove(exec, entry.indexOf('\n', exec + 1) - exec);
+}
+
+std::optional<QByteArray> withProgram(QByteArray entry, const QByteArray &program) {
+  const auto fileName = [](const QByteArray &path) { return path.mid(path.lastIndexOf('/') + 1).replace('"', ""); };
+  const qsizetype exec = entry.indexOf(kExec);
+  const qsizetype start = exec + kExec.size();
+  const qsizetype end = entry.indexOf('\n', start);
+  if (exec < 0 || end < 0 || fileName(entry.sliced(start, end - start)) != fileName(program)) return std::nullopt;
+  return entry.replace(start, end - start, program);
 }
 
 } // namespace platform

@@ -3,6 +3,8 @@
 #include <QByteArray>
 #include <QString>
 
+#include <optional>
+
 namespace platform {
 
 /// One argument of an Exec line, with what a desktop entry's own syntax would read escaped; in quotes where it must be.
@@ -12,5 +14,8 @@ namespace platform {
 [[nodiscard]] QByteArray writtenEntry(const QString &path);
 /// The text of an entry without the line that names the program: what is left is the same for one that was moved.
 [[nodiscard]] QByteArray withoutProgram(QByteArray entry);
+/// The same with @p program, an argument for an Exec line, in the place of a program of the same file name; absent when
+/// the entry names another program, or arguments.
+[[nodiscard]] std::optional<QByteArray> withProgram(QByteArray entry, const QByteArray &program);
 
 } // namespace platform

@@ -23,31 +23,36 @@ QString entryPath() {
   return autostartFolder() + u'/' + QString::fromUtf16(kApplicationId) + u".desktop"_s;
 }
 
-QByteArray entryText() {
-  const QString text = u"[Desktop Entry]\nType=Application\nName=%1\nExec=%2\nTerminal=false\n"_s.arg(
-      appInfo().name, execArgument(QCoreApplication::applicationFilePath()));
-  return text.toUtf8();
+QByteArray program() {
+  return execArgument(QCoreApplication::applicationFilePath()).toUtf8();
 }
 
-bool writeEntry() {
+QByteArray entryText() {
+  return "[Desktop Entry]\nType=Application\nName=" + appInfo().name.toUtf8() + "\nExec=" + program()
+         + "\nTerminal=false\n";
+}
+
+bool writeEntry(const QByteArray &text) {
   if (!QDir().mkpath(autostartFolder())) return false;
   QSaveFile file(entryPath());
   if (!file.open(QFile::WriteOnly)) return false;
-  file.write(entryText());
+  file.write(text);
   return file.commit();
 }
 
 } // namespace
 
 bool setLoginItemEnabled(bool enabled) {
-  if (enabled) return writeEntry();
+  if (enabled) return writeEntry(entryText());
   return QFile::remove(entryPath()) || !QFile::exists(entryPath());
 }
 
 void refreshLoginItem() {
   const QByteArray entry = writtenEntry(entryPath());
-  const bool leadsElsewhere = entry != entryText() && withoutProgram(entry) == withoutProgram(entryText());
-  if (leadsElsewhere && !writeEntry()) qWarning("the entry that starts the program at login leads to its old place");
+  // What a desktop's tool has added stays, and so does a command line that somebody has thought of.
+  const auto moved = entry.contains("\nHidden=true") ? std::nullopt : withProgram(entry, program());
+  if (moved && *moved != entry && !writeEntry(*moved))
+    qWarning("the entry that starts the program at login leads to its old place");
 }
 
 } // namespace platform

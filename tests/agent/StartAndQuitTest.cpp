@@ -161,12 +161,15 @@ TEST_F(Start, leadsAnEntryOfItsOwnToWhereTheProgramIsNow) {
   const auto entryWith = [](const QByteArray &exec, const QByteArray &rest = {}) {
     return "[Desktop Entry]\nType=Application\nName=Downloaderpictora\nExec=" + exec + "\nTerminal=false\n" + rest;
   };
-  for (const auto &[before, isRewritten] :
-       {std::pair(entryWith("/gone/downloaderpictora"), true), {entryWith("/gone/x", "Hidden=true\n"), false}}) {
+  for (const auto &[before, isRewritten, rest] :
+       {std::tuple(entryWith("/gone/downloaderpictora"), true, ""),
+        {entryWith("\"/gone to/downloaderpictora\"", "X-Added=by a tool\n"), true, "X-Added=by a tool\n"},
+        {entryWith("/gone/downloaderpictora", "Hidden=true\n"), false, ""},
+        {entryWith("/gone/downloaderpictora --slowly"), false, ""}}) {
     writeFile(entry, before);
     AgentProcess agent;
     ASSERT_TRUE(agent.waitUntilServing());
-    const QByteArray expected = isRewritten ? entryWith(agent.program()) : before;
+    const QByteArray expected = isRewritten ? entryWith(agent.program(), rest) : before;
     EXPECT_TRUE(waitFor([&] { return contentOf(entry) == expected; })) << contentOf(entry).toStdString();
     agent.terminate();
     EXPECT_EQ(agent.waitForEnd(10s), 0);
