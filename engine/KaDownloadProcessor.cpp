@@ -168,8 +168,7 @@ bool KaDownloadProcessor::Private::awaitNetwork() {
   }
   cameBack = clock.now();
   const auto now = link.forRun();
-  // A run that the end of the program is not to begin would spend what belongs to the next process.
-  return !pieces.session.isOver() && now && now->number == pieces.session.linkNumber();
+  return now && now->number == pieces.session.linkNumber();
 }
 
 void KaDownloadProcessor::Private::tellUserOfNoNetwork() {

@@ -42,7 +42,7 @@ void KaDownloadSession::begin(const KaLinkSnapshot &link) {
 
 void KaDownloadSession::exchangeCodeVerifier() {
   thread.check();
-  if (isOver()) return;
+  if (isOver()) return; // it would be spent on nothing
   if (const auto taken = with.link.takeCodeVerifier(current.number)) verifier = taken;
   if (!verifier) return;
   const TokenCodeAnswer answer = with.request.getTokenCode(*verifier, current.idToken);

@@ -104,7 +104,9 @@ TEST_F(Desktop, keepsTheUsersIdWhichDiffersByMachine) {
   const QString unreadable = profile.path(u"state"_s);
   const QStringList ofOne = platform::stableUserIds({one}, kept);
   EXPECT_EQ(ofOne.size(), 1);
-  EXPECT_EQ(platform::stableUserIds({missing, profile.path(u"empty"_s), one}, kept), ofOne);
+  const QString pipe = profile.path(u"pipe"_s);
+  ASSERT_EQ(::mkfifo(QFile::encodeName(pipe).constData(), 0600), 0);
+  EXPECT_EQ(platform::stableUserIds({missing, profile.path(u"empty"_s), pipe, one}, pipe), ofOne);
   EXPECT_EQ(platform::stableUserIds({one, unreadable}, kept), ofOne);
   EXPECT_NE(platform::stableUserIds({profile.path(u"two"_s)}, kept), ofOne);
   EXPECT_EQ(platform::stableUserIds({unreadable, one}, kept), QStringList()) << "it may be another one";
