@@ -1,6 +1,8 @@
 #include "identity/KaLinkageUtility.h"
 #include "tests/engine/EngineFixture.h"
 
+#include <sys/stat.h>
+
 using namespace Qt::StringLiterals;
 using namespace std::chrono_literals;
 using sandbox::Endpoint;
@@ -235,13 +237,17 @@ TEST_F(News, isNotNeededToSeeANetworkNorToLogOutOrQuitWithoutOne) {
     return delegate.events().count(u"load RecentDownloadData"_s) >= 3;
   })) << "it waits for a link";
   ASSERT_TRUE(KaLinkageUtility::saveCodeVerifier(u"of the login"_s));
+  QFile verifier(profile.dataFolder() + u"/NORVALE INC/Downloaderpictora Shared/PairingInfo/tmpFile"_s);
+  ASSERT_TRUE(verifier.open(QFile::ReadOnly));
   link.completeLogin(service.issueLinkedToken().idToken);
   link.confirmFolders();
   processor->startReceiving(/*initialAccess=*/true);
   ASSERT_TRUE(waitForLog(u"Network Wait"_s, 3));
   processor->endDownloadProcess();
   EXPECT_TRUE(delegate.waitForEvent(u"finish"_s, 2, kSlowness));
-  EXPECT_TRUE(KaLinkageUtility::existCodeVerifier()) << "it is for the next process to hand in";
+  struct stat facts = {};
+  EXPECT_TRUE(::fstat(verifier.handle(), &facts) == 0 && facts.st_nlink == 1)
+      << "it stays where it is, for the next process to hand in";
 }
 
 /// A renewal that fails before a re-check: the third of a run whose credentials always expire.
