@@ -25,6 +25,7 @@ public:
   int count = 0;
   IceListenObj *listeners = nullptr;
   std::vector<std::unique_ptr<QSocketNotifier>> watched;
+  std::vector<IceConn> clients;
   SmsConn member = nullptr;
   bool hasSaved = false;
   bool isEnding = false;
@@ -68,11 +69,8 @@ Status newClient(SmsConn, SmPointer data, unsigned long *mask, SmsCallbacks *cal
   callbacks->save_yourself_request = {[](SmsConn, SmPointer, int, Bool, int, Bool, Bool) {}, data};
   callbacks->save_yourself_phase2_request = {[](SmsConn client, SmPointer) { SmsSaveYourselfPhase2(client); }, data};
   callbacks->save_yourself_done = {[](SmsConn client, SmPointer told, Bool) { toldOf(told)->saved(client); }, data};
-  callbacks->close_connection = {[](SmsConn, SmPointer told, int reasonCount, char **reasons) {
-                                   SmFreeReasons(reasonCount, reasons);
-                                   toldOf(told)->member = nullptr;
-                                 },
-                                 data};
+  callbacks->close_connection = {
+      [](SmsConn, SmPointer, int reasonCount, char **reasons) { SmFreeReasons(reasonCount, reasons); }, data};
   callbacks->set_properties = {&ignoreProperties, data};
   callbacks->delete_properties = {&ignoreNames, data};
   callbacks->get_properties = {[](SmsConn client, SmPointer) { SmsReturnProperties(client, 0, nullptr); }, data};
@@ -99,6 +97,11 @@ SessionManager::Private::Private() {
 SessionManager::Private::~Private() {
   qunsetenv("SESSION_MANAGER");
   watched.clear();
+  if (member) SmsCleanUp(member);
+  for (const IceConn client : clients) {
+    IceSetShutdownNegotiation(client, False);
+    IceCloseConnection(client);
+  }
   IceFreeListenObjs(count, listeners);
 }
 
@@ -111,6 +114,7 @@ void SessionManager::Private::acceptClient() {
       IceAcceptStatus status = IceAcceptFailure;
       const IceConn client = IceAcceptConnection(listener, &status);
       if (!client) return;
+      clients.push_back(client);
       auto &line =
           watched.emplace_back(std::make_unique<QSocketNotifier>(IceConnectionNumber(client), QSocketNotifier::Read));
       auto *const notifier = line.get();

@@ -11,6 +11,7 @@
 #include <QDir>
 #include <QFile>
 #include <QFileInfo>
+#include <QGuiApplication>
 #include <QKeyEvent>
 
 #include <sys/stat.h>
@@ -88,6 +89,9 @@ TEST_F(Desktop, neitherReadsNorWaitsForUserDefaultsThatAreNoneAndSweepsWhatAKill
 }
 
 TEST(ModifierKeys, areToldApartByTheirSide) {
+  qputenv("QT_QPA_PLATFORM", "offscreen");
+  int none = 0;
+  const QGuiApplication application(none, nullptr); // whose keyboard the events are of
   using enum platform::ModifierKey;
   for (const auto &[name, key] :
        {std::pair(0xffe1U, LeftShift), {0xffe2U, RightShift}, {0xffe3U, LeftCommand}, {0xffe4U, Other}})
