@@ -28,6 +28,7 @@ template <class T> class NoDestructor;
 class KaModelFacade final : public KaDownloadProcessorDelegate {
 public:
   [[nodiscard]] static KaModelFacade &sharedInstance();
+  ~KaModelFacade() override;
 
   /// Receiver of all reports; not owned, may be null. Any thread.
   void setDlDelegate(KaDownloadDelegate *delegate) { dlDelegate = delegate; }
@@ -111,7 +112,6 @@ private:
   friend class platform::NoDestructor<KaModelFacade>;
 
   KaModelFacade();
-  ~KaModelFacade() override;
 
   class LoginVerification;
   struct News;

@@ -60,14 +60,14 @@ bool isUp(const rtmsg &route) {
 }
 
 /// @return nothing for a route that leads nowhere.
-std::optional<Route> wayOut(const nlmsghdr *message) {
-  const auto *const route = reinterpret_cast<const rtmsg *>(message + 1);
+std::optional<Route> wayOut(nlmsghdr *message) {
+  auto *const route = reinterpret_cast<rtmsg *>(message + 1);
   if (route->rtm_table == RT_TABLE_LOCAL || route->rtm_type != RTN_UNICAST) return std::nullopt;
   if ((route->rtm_flags & RTM_F_CLONED) != 0 || !isUp(*route)) return std::nullopt;
   Route known(1, char(route->rtm_family));
   known += char(route->rtm_dst_len);
   int length = int(RTM_PAYLOAD(message));
-  for (const rtattr *part = RTM_RTA(route); RTA_OK(part, length); part = RTA_NEXT(part, length)) {
+  for (rtattr *part = RTM_RTA(route); RTA_OK(part, length); part = RTA_NEXT(part, length)) {
     const QByteArray value(static_cast<const char *>(RTA_DATA(part)), RTA_PAYLOAD(part));
     int interface = 0;
     if (part->rta_type == RTA_OIF && value.size() == sizeof interface)
@@ -91,8 +91,8 @@ bool askForRoutes(const FileDescriptor &socket) {
 }
 
 /// Takes what one message brings. @return whether more follow; nothing when the kernel says no.
-std::optional<bool> take(const char *bytes, int length, std::vector<Route> &routes) {
-  const auto *message = reinterpret_cast<const nlmsghdr *>(bytes);
+std::optional<bool> take(char *bytes, int length, std::vector<Route> &routes) {
+  auto *message = reinterpret_cast<nlmsghdr *>(bytes);
   for (; NLMSG_OK(message, unsigned(length)); message = NLMSG_NEXT(message, length)) {
     if (message->nlmsg_type == NLMSG_DONE) return false;
     if (message->nlmsg_type == NLMSG_ERROR) return std::nullopt;

@@ -31,7 +31,10 @@ const QColor kGrey = QColor::fromRgbF(0.5F, 0.5F, 0.5F);
 class Settings : public testing::Test {
 protected:
   Settings() { installTexts(); }
-  ~Settings() override { facade.endDownloadProcess(); }
+  ~Settings() override {
+    facade.endDownloadProcess();
+    facade.joinDownloadProcess();
+  }
 
   void open(qint64 childFolder = 2) {
     stored.childFolder = childFolder;
@@ -181,6 +184,7 @@ TEST(About, showsTheLogAndSaysWithADotThatItIsOn) {
               platform::appInfo().copyright + (on ? u"."_s : QString()));
   }
   KaModelFacade::sharedInstance().endDownloadProcess();
+  KaModelFacade::sharedInstance().joinDownloadProcess();
 }
 
 } // namespace
