@@ -17,10 +17,9 @@ class KaModelFacade;
 /// - A log-out, from closeLinkage: the link is over, then onChangeStatus(NotLinked), onProcessingResult(Unlinked). From
 ///   then on no status and no result of that link's runs is told.
 /// - A run: onSetEnableLogginMenu(false), its statuses and results, onSetEnableLogginMenu(true).
-/// - A failure that passes by itself: when the login could not be verified (ValidationFailed), or the user was told
-/// that
-///   there is no network (Offline), onChangeLinkage(true) follows the first verification that succeeds, if the link
-///   still stands, before the statuses and results of what comes after it.
+/// - A failure that passes by itself: once the login could not be verified (ValidationFailed), or the user was told of
+///   no network (Offline), onChangeLinkage(true) follows the first verification that succeeds, if the link still
+///   stands, before the statuses and results of what comes after it.
 /// - onFinishDownloadProcess is the last call of the download thread.
 ///
 /// Main thread: onCompleteLinkageSetting, onChangeLinkage, and what belongs to start, login and log-out. Download

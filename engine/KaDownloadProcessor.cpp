@@ -38,11 +38,12 @@ private:
   [[nodiscard]] bool awaitNetwork();
   void tellUserOfNoNetwork();
   void runOnce(bool notifyUserOfUpdate);
-  void waitForNextRun(KaResultCode lastResult);
+  void waitForNextRun();
   [[nodiscard]] bool isNewsDue() const;
 
   /// When the thread last came back by news, or from a failure that may pass. Download thread.
   std::optional<platform::BootClock::time_point> cameBack;
+  KaResultCode lastResult = KaResultCode::Success; ///< of the last run. Download thread
 };
 
 KaDownloadProcessor::KaDownloadProcessor(KaDownloadProcessorDelegate &delegate, KaLink &link, const KaWaitClock &clock)
@@ -157,8 +158,9 @@ void KaDownloadProcessor::Private::takeUp(const KaLinkSnapshot &next) {
 /// A run that is due waits for a network, in silence. @return false when its link is to be looked at anew.
 bool KaDownloadProcessor::Private::awaitNetwork() {
   if (delegate.hasNetwork()) return true;
-  // A run that lost its network may have left the icon at work.
-  pieces.session.tell([this] { delegate.setAppStatus(KaAppStatus::Normal); });
+  // A run that lost its network has left the icon at work; what else it shows stays true.
+  if (lastResult == KaResultCode::NoHttpStatus)
+    pieces.session.tell([this] { delegate.setAppStatus(KaAppStatus::Normal); });
   KaLogUtility::writeInfoLog(u"Network Wait"_s);
   while (!pieces.session.isOver() && !delegate.hasNetwork()) {
     if (state.bUserTrigger.exchange(false)) tellUserOfNoNetwork();
@@ -180,17 +182,17 @@ void KaDownloadProcessor::Private::runOnce(bool notifyUserOfUpdate) {
   KaLogUtility::writeInfoLog(u"Start Monitoring"_s);
   delegate.setEnableLoggin(false);
   state.bNews = false;
-  const KaResultCode result = pieces.run.perform(notifyUserOfUpdate);
+  lastResult = pieces.run.perform(notifyUserOfUpdate);
   // What came during a run that had its answers is old.
-  if (result == KaResultCode::Success) state.bNews = false;
+  if (lastResult == KaResultCode::Success) state.bNews = false;
   // From here on a wish of the user's is one for the next run.
   state.bUserTrigger = false;
   delegate.setEnableLoggin(true);
   // A link that was made meanwhile has its first run at once.
-  if (!pieces.session.isOver() && !state.bLinkSetup) waitForNextRun(result);
+  if (!pieces.session.isOver() && !state.bLinkSetup) waitForNextRun();
 }
 
-void KaDownloadProcessor::Private::waitForNextRun(KaResultCode lastResult) {
+void KaDownloadProcessor::Private::waitForNextRun() {
   const bool mayPass = pieces.session.lastRefresh() == KaRefresh::MayPass;
   const bool isError = mayPass || lastResult == KaResultCode::NoHttpStatus;
   const auto wait = isError ? state.waitTimes.pollingError : state.waitTimes.pollingNormal;

@@ -21,7 +21,8 @@ public:
   /// arrived is not saved. May be empty.
   explicit KaServerRequest(std::function<bool()> shallEnd = {});
 
-  /// Ends the request in flight at once. Any thread.
+  /// Ends the request in flight at once; one that brings a token code may still have its answer for half a second. Any
+  /// thread.
   void stopServerRequest();
 
   [[nodiscard]] static KaResultCode checkHTTPResponse(qint64 statusCode);
