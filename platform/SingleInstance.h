@@ -34,7 +34,7 @@ public:
   [[nodiscard]] static HandOver handOver(const std::optional<QString> &url);
 
   /// Takes the profile, which stays taken until the process is gone. While another agent has it, tries to hand over to
-  /// that one or, if it is ending, waits for its end, for at most @p patience.
+  /// that one, which may be ending or slow to answer, for at most @p patience.
   [[nodiscard]] Claim claimProfile(const std::optional<QString> &url,
                                    std::chrono::milliseconds patience = std::chrono::seconds(15));
   /// Can be reached from now on. @return false when the session has another agent.

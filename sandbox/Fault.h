@@ -20,6 +20,7 @@ struct Fault {
     NoAnswer,          ///< held until the client leaves, clearFaults() or the service's end; then closed
     // The rest let the service answer and spoil the delivery.
     Delay,          ///< the right answer after `delay`
+    Interim,        ///< an answer 103 before the right one, with the header "x-interim"
     TruncatedBody,  ///< the right length announced, half of it sent, then closed
     SlowBody,       ///< the first half at once, the rest when clearFaults() lets it go
     Uncounted,      ///< neither length nor chunks; the TLS goodbye ends the body

@@ -50,41 +50,32 @@ QByteArray errorDocument(Endpoint endpoint) {
 }
 
 ServedAnswer replacement(const Fault &fault, Endpoint endpoint) {
+  using enum Fault::Kind;
   ServedAnswer answer{.contentType = speaksJson(endpoint) ? "application/json" : "application/xml"};
-  switch (fault.kind) {
-  case Fault::Kind::Status:
-    answer.status = fault.status == 0 ? 500 : fault.status;
-    answer.body = fault.body.isEmpty() ? errorDocument(endpoint) : fault.body;
-    break;
-  case Fault::Kind::Body:
-    answer.status = fault.status == 0 ? 200 : fault.status;
-    answer.body = fault.body;
-    break;
-  case Fault::Kind::MalformedBody:
-    answer.body = "{\"open\": [<Key>\n";
-    break;
-  case Fault::Kind::DroppedConnection:
-    answer.delivery = Delivery::Dropped;
-    break;
-  case Fault::Kind::NoAnswer:
-    answer.delivery = Delivery::Held;
-    break;
-  case Fault::Kind::EmptyBody:
-  case Fault::Kind::Delay:
-  case Fault::Kind::TruncatedBody:
-  case Fault::Kind::SlowBody:
-  case Fault::Kind::Uncounted:
-  case Fault::Kind::UncountedCut:
-  case Fault::Kind::Deflated:
-  case Fault::Kind::DeflatedChunks:
-    break;
-  }
+  if (fault.kind == Status || fault.kind == Body) answer.body = fault.body;
+  if (fault.kind == Status && fault.body.isEmpty()) answer.body = errorDocument(endpoint);
+  if (fault.kind == Status || fault.kind == Body)
+    answer.status = fault.status != 0 ? fault.status : fault.kind == Status ? 500 : 200;
+  if (fault.kind == MalformedBody) answer.body = "{\"open\": [<Key>\n";
+  if (fault.kind == DroppedConnection) answer.delivery = Delivery::Dropped;
+  if (fault.kind == NoAnswer) answer.delivery = Delivery::Held;
   return answer;
 }
 
-/// How a fault that lets the service answer has the answer travel.
-Delivery deliveryOf(Fault::Kind kind) {
+/// How the answer travels; nullopt where the fault takes the place of the service.
+std::optional<Delivery> deliveryOf(Fault::Kind kind) {
   switch (kind) {
+  case Fault::Kind::Status:
+  case Fault::Kind::EmptyBody:
+  case Fault::Kind::MalformedBody:
+  case Fault::Kind::Body:
+  case Fault::Kind::DroppedConnection:
+  case Fault::Kind::NoAnswer:
+    return std::nullopt;
+  case Fault::Kind::Delay:
+    return Delivery::Whole;
+  case Fault::Kind::Interim:
+    return Delivery::AfterInterim;
   case Fault::Kind::TruncatedBody:
     return Delivery::Truncated;
   case Fault::Kind::SlowBody:
@@ -97,14 +88,6 @@ Delivery deliveryOf(Fault::Kind kind) {
     return Delivery::Deflated;
   case Fault::Kind::DeflatedChunks:
     return Delivery::DeflatedChunks;
-  case Fault::Kind::Status:
-  case Fault::Kind::EmptyBody:
-  case Fault::Kind::MalformedBody:
-  case Fault::Kind::Body:
-  case Fault::Kind::DroppedConnection:
-  case Fault::Kind::NoAnswer:
-  case Fault::Kind::Delay:
-    return Delivery::Whole;
   }
   Q_UNREACHABLE();
 }
@@ -147,30 +130,14 @@ std::optional<TokenFault> Faults::take(std::span<const TokenFault> applicable) {
 }
 
 bool replacesService(Fault::Kind kind) {
-  switch (kind) {
-  case Fault::Kind::Status:
-  case Fault::Kind::EmptyBody:
-  case Fault::Kind::MalformedBody:
-  case Fault::Kind::Body:
-  case Fault::Kind::DroppedConnection:
-  case Fault::Kind::NoAnswer:
-    return true;
-  case Fault::Kind::Delay:
-  case Fault::Kind::TruncatedBody:
-  case Fault::Kind::SlowBody:
-  case Fault::Kind::Uncounted:
-  case Fault::Kind::UncountedCut:
-  case Fault::Kind::Deflated:
-  case Fault::Kind::DeflatedChunks:
-    return false;
-  }
-  Q_UNREACHABLE();
+  return !deliveryOf(kind);
 }
 
 ServedAnswer spoiled(const Fault &fault, Endpoint endpoint, ServedAnswer right) {
-  if (replacesService(fault.kind)) return replacement(fault, endpoint);
+  const auto delivery = deliveryOf(fault.kind);
+  if (!delivery) return replacement(fault, endpoint);
   if (fault.kind == Fault::Kind::Delay) right.delay = fault.delay;
-  right.delivery = deliveryOf(fault.kind);
+  right.delivery = *delivery;
   return right;
 }
 

@@ -50,7 +50,18 @@ struct ReceivedRequest {
 [[nodiscard]] bool namesBucketInPath(const ReceivedRequest &request);
 
 /// How an answer travels; see Fault for the odd ways.
-enum class Delivery { Whole, Truncated, Slow, Dropped, Held, Uncounted, UncountedCut, Deflated, DeflatedChunks };
+enum class Delivery {
+  Whole,
+  AfterInterim,
+  Truncated,
+  Slow,
+  Dropped,
+  Held,
+  Uncounted,
+  UncountedCut,
+  Deflated,
+  DeflatedChunks
+};
 
 struct ServedAnswer {
   int status = 200;

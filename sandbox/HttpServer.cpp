@@ -290,6 +290,10 @@ void HttpServer::Private::answer(const httplib::Request &request, httplib::Respo
     cut(client.socket);
     return;
   }
+  if (answer.delivery == Delivery::AfterInterim) {
+    constexpr std::string_view kInterim = "HTTP/1.1 103 Early Hints\r\nx-interim: yes\r\n\r\n";
+    SSL_write(const_cast<SSL *>(request.ssl), kInterim.data(), int(kInterim.size()));
+  }
   response.status = answer.status;
   for (const auto &[name, value] : answer.headers)
     response.set_header(name.toStdString(), value.toStdString());
@@ -328,7 +332,8 @@ void HttpServer::Private::setBody(const ServedAnswer &answer, const Client &clie
   const size_t half = size_t(answer.body.size()) / 2;
   const auto provide = [this, half, client, body = answer.body,
                         delivery = answer.delivery](size_t offset, size_t length, httplib::DataSink &sink) {
-    if (delivery == Delivery::Whole || offset > half) return writeSlice(sink, body, offset, offset + length);
+    if ((delivery != Delivery::Truncated && delivery != Delivery::Slow) || offset > half)
+      return writeSlice(sink, body, offset, offset + length);
     if (offset < half) return writeSlice(sink, body, offset, half);
     if (delivery == Delivery::Truncated) return false;
     if (client.wait(std::nullopt) != Waited::Woken || stopping) return false;

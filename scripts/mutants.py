@@ -206,7 +206,7 @@ class Room:
         return point
 
 
-def rooms_with_candidates(count, seed):
+def rooms_with_candidates(count, seed, only):
     sources = {name: (ROOT / name).read_text() for name in sorted(tracked_files())
                if name.split('/')[0] in agent_rooms() and name.endswith(('.cpp', '.h'))}
     enums = mutation_points.enums_in(sources.values())
@@ -216,7 +216,7 @@ def rooms_with_candidates(count, seed):
         own = {n: s for n, s in sources.items() if n.startswith(room + '/') and n.endswith('.cpp')}
         sizes[room] = sum(len(mutation_points.tokens_of(source)) for source in own.values())
         points[room] = [p for n, s in own.items() for p in mutation_points.Finder(n, s, enums, chance).find()]
-    shares = shares_by(sizes, count)
+    shares = shares_by({room: size if not only or room in only else 0 for room, size in sizes.items()}, count)
     return [Room(room, shares[room], mutation_points.candidates(points[room], random.Random(f'{seed} {room}')))
             for room in agent_rooms()]
 
@@ -346,7 +346,7 @@ def take_work_folder():
 def main():
     count = int(sys.argv[1]) if len(sys.argv) > 1 else 200
     seed = sys.argv[2] if len(sys.argv) > 2 else '1'
-    rooms = rooms_with_candidates(count, seed)
+    rooms = rooms_with_candidates(count, seed, sys.argv[3:])
     _held = take_work_folder()
     workers = [Worker(number) for number in range(len(os.sched_getaffinity(0)))]
     end_with_all_tests([worker.mark for worker in workers])

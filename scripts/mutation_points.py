@@ -254,9 +254,21 @@ class Finder:
             self.turn(i + 1, end - 1)
 
     def look_at_number(self, i, token):
-        if re.fullmatch(r"0|[1-9][\d']*", token.text):
+        if re.fullmatch(r"0|[1-9][\d']*", token.text) and not self.is_beginning(i):
             value = int(token.text.replace("'", ''))
             self.add('bound', token.start, token.end, str(value + self.chance.choice((-1, 1) if value else (1,))))
+
+    def is_beginning(self, i):
+        """What a variable holds before it is given its value, and a nought that is told to a function, bound nothing."""
+        before, after = self.tokens[i - 1].text, self.tokens[i + 1].text
+        if self.tokens[i].text == '0' and before in '(,{' and after in '),}':
+            return True
+        first = i - 1
+        while first > 0 and self.tokens[first].text not in ('(', '{', '}', ';'):
+            first -= 1
+        words = {token.text for token in self.tokens[first:i]}
+        is_loop = self.tokens[first - 1].text == 'for'
+        return before == '=' and not is_loop and not words & {'const', 'constexpr'}
 
     def exchange_code(self, i, token):
         name = self.tokens[i + 2]

@@ -116,9 +116,8 @@ SingleInstance::Claim SingleInstance::claimProfile(const std::optional<QString> 
   if (!makePrivateFolder(profileFolder())) return Claim::Won;
   const auto deadline = std::chrono::steady_clock::now() + patience;
   while (d->lock.tryLock(profileFolder() + u"/profile.lock"_s) == ProfileLock::Outcome::Taken) {
-    const HandOver outcome = handOver(url);
-    if (outcome == HandOver::Delivered) return Claim::HandedOver;
-    if (outcome == HandOver::Failed || std::chrono::steady_clock::now() > deadline) return Claim::Refused;
+    if (handOver(url) == HandOver::Delivered) return Claim::HandedOver;
+    if (std::chrono::steady_clock::now() > deadline) return Claim::Refused;
     std::this_thread::sleep_for(kClaimInterval);
   }
   return Claim::Won;

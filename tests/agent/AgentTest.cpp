@@ -116,6 +116,11 @@ TEST_F(Agent, heedsTheUrlItIsStartedWithKeepsItOffItsCommandLineAndEndsInOrderBy
     agent.signal(signal);
     EXPECT_EQ(agent.waitForEnd(10s), 0) << signal;
   }
+  AgentProcess lasting({}, u"offscreen"_s, [] { std::signal(SIGHUP, SIG_IGN); });
+  ASSERT_TRUE(lasting.waitUntilServing());
+  lasting.signal(SIGHUP);
+  AgentProcess second;
+  EXPECT_EQ(second.waitForEnd(10s), 0) << "the first was started so that it outlives its terminal";
 }
 
 TEST_F(Agent, killedInMidDownloadLeavesNothingBrokenAndTheNextRunCompletes) {

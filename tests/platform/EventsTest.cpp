@@ -47,8 +47,9 @@ public:
 
 public Q_SLOTS:
   QStringList GetCapabilities() { return capabilities; }
-  uint Notify(const QString &, uint, const QString &, const QString &title, const QString &body,
-              const QStringList &actions, const QVariantMap &hints, int) {
+  uint Notify(const QString &, uint replaced, const QString &, const QString &title, const QString &body,
+              const QStringList &actions, const QVariantMap &hints, int milliseconds) {
+    EXPECT_TRUE(replaced == 0 && milliseconds == -1) << "a new one, for as long as the desktop thinks right";
     shown = {title, body, actions.value(0), hints.value(u"x-ProcessingResult"_s)};
     return ++lastId;
   }

@@ -4,6 +4,7 @@
 #include "platform/VolumeFacts.h"
 #include "platform/linux/BlockDevice.h"
 #include "platform/linux/MountTable.h"
+#include "tests/support/RefusedCalls.h"
 #include "tests/support/TestProfile.h"
 
 #include <gmock/gmock.h>
@@ -14,10 +15,12 @@
 #include <QFileInfo>
 #include <QTemporaryDir>
 
+#include <fcntl.h>
 #include <sched.h>
 #include <sys/file.h>
 #include <sys/mount.h>
 #include <sys/stat.h>
+#include <sys/syscall.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
@@ -76,6 +79,42 @@ TEST_P(UnpublishedFileTest, leavesNothingWhenDiscardedAndSaysWhyItCannotBePublis
 
 INSTANTIATE_TEST_SUITE_P(Naming, UnpublishedFileTest,
                          testing::Values(UnpublishedFile::Naming::Unnamed, UnpublishedFile::Naming::Hidden));
+
+TEST(UnpublishedFiles, makeDoWithWhatTheFileSystemKnows) {
+  using enum UnpublishedFile::Publish;
+  using Fault = std::optional<platform::FileFault>;
+  const RefusedCall noUnnamed{SYS_openat, EOPNOTSUPP, 2, O_TMPFILE};
+  const RefusedCall noLink{SYS_link, EPERM};
+  const std::tuple<std::vector<RefusedCall>, bool, Fault> cases[] = {
+      {{noUnnamed}, true, {}},
+      {{{SYS_openat, EISDIR, 2, O_TMPFILE}}, true, {}},
+      {{{SYS_openat, EINVAL, 2, O_TMPFILE}}, true, {}},
+      {{{SYS_openat, EACCES, 2, O_TMPFILE}}, false, platform::FileFault::Other},
+      {{{SYS_openat, ENOSPC, 2, O_TMPFILE}}, false, platform::FileFault::DiskFull},
+      {{noUnnamed, noLink}, true, {}},
+      {{noUnnamed, {SYS_renameat2, EINVAL}}, true, {}},
+      {{noUnnamed, {SYS_renameat2, ENOSYS}}, true, {}},
+      {{noUnnamed, {SYS_renameat2, EINVAL}, noLink}, false, platform::FileFault::Other},
+      {{noUnnamed, {SYS_renameat2, EACCES}}, false, platform::FileFault::Other},
+      {{{SYS_linkat, EDQUOT}}, false, platform::FileFault::DiskFull},
+      {{{SYS_fdatasync, EIO}}, false, platform::FileFault::Other},
+      {{{SYS_fdatasync, ENOSPC}}, false, platform::FileFault::DiskFull},
+      {{{SYS_flock, ENOLCK}, noUnnamed}, true, {}},
+  };
+  for (std::size_t row = 0; const auto &[refused, isPublished, fault] : cases) {
+    SCOPED_TRACE(row++);
+    const QTemporaryDir folder;
+    const auto tryIt = [&] {
+      auto file = UnpublishedFile::create(folder.path());
+      const bool isReady = file.write("x", 1) && file.sync();
+      EXPECT_EQ(isReady && file.publish(folder.filePath(u"a"_s)) == Published, isPublished);
+      EXPECT_EQ(file.fault(), fault);
+    };
+    if (!withRefusedCalls(refused, tryIt)) GTEST_SKIP() << "this kernel refuses nothing on order";
+    EXPECT_EQ(QDir(folder.path()).entryList(QDir::Files | QDir::Hidden),
+              isPublished ? QStringList{u"a"_s} : QStringList());
+  }
+}
 
 TEST(HiddenFiles, areSweptOnceTheirWriterIsGone) {
   const QTemporaryDir folder;
