@@ -17,7 +17,7 @@ TOKEN = re.compile(r'''
 # What is checked by the compiler or in debug builds alone, or changes nothing but memory, handles, time and names of
 # threads.
 SILENT = {'static_assert', 'alignas', 'Q_ASSERT', 'Q_ASSERT_X', 'Q_UNREACHABLE', 'assertMainThread', 'reserve',
-          'nameThisThread', 'sleep_for', 'deleteLater'}
+          'nameThisThread', 'sleep_for', 'deleteLater', 'disconnectFromBus'}
 LOG_WRITE = re.compile(r'write\w*Log|log[A-Z]\w*|q(?:Debug|Info|Warning|Critical)')
 SWAPS = {'&&': '||', '||': '&&', '==': '!=', '!=': '==', '<': '<=', '<=': '<', '>': '>=', '>=': '>',
          'true': 'false', 'false': 'true'}

@@ -1,8 +1,10 @@
 #include "platform/ModifierKeys.h"
+#include "platform/Opening.h"
 #include "platform/UrlScheme.h"
 #include "platform/UserDefaults.h"
 #include "platform/UserId.h"
 #include "platform/linux/DesktopEntry.h"
+#include "tests/support/FakeBrowser.h"
 #include "tests/support/TestProfile.h"
 
 #include <gtest/gtest.h>
@@ -96,6 +98,24 @@ TEST(ModifierKeys, areToldApartByTheirSide) {
   for (const auto &[name, key] :
        {std::pair(0xffe1U, LeftShift), {0xffe2U, RightShift}, {0xffe3U, LeftCommand}, {0xffe4U, Other}})
     EXPECT_EQ(platform::modifierKeyOf(QKeyEvent(QEvent::KeyPress, Qt::Key_Any, {}, 0, name, 0)), key) << name;
+}
+
+TEST_F(Desktop, opensUrlsAndFoldersAndSaysWhenItCannot) {
+  qputenv("DBUS_SESSION_BUS_ADDRESS", "unix:path=/nonexistent");
+  const FakeBrowser browser(profile);
+  for (const QString &url : {u""_s, u"--help"_s})
+    EXPECT_FALSE(platform::openUrl(url));
+  EXPECT_TRUE(platform::openUrl(u"https://a.example/?b"_s));
+  EXPECT_EQ(browser.takeUrl(), u"https://a.example/?b"_s);
+  int failures = 0;
+  const auto open = [&](const QString &folder) { platform::openFolder(folder, [&failures] { ++failures; }); };
+  open(profile.picturesFolder());
+  EXPECT_TRUE(browser.takeUrl() == profile.picturesFolder() && failures == 0);
+  open(profile.path(u"missing"_s));
+  EXPECT_EQ(failures, 1);
+  browser.fail();
+  open(profile.picturesFolder());
+  EXPECT_TRUE(failures == 2 && !platform::openUrl(u"https://a.example/"_s));
 }
 
 TEST_F(Desktop, keepsTheUsersIdWhichDiffersByMachine) {

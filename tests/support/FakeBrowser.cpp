@@ -24,6 +24,10 @@ void FakeBrowser::hang() const {
   install("exec sleep 20\n");
 }
 
+void FakeBrowser::fail() const {
+  install("exit 3\n");
+}
+
 FakeBrowser::~FakeBrowser() {
   qputenv("PATH", pathBefore);
 }

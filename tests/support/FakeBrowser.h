@@ -17,6 +17,8 @@ public:
   [[nodiscard]] std::optional<QString> takeUrl() const;
   /// From now on it opens nothing and does not end by itself for a while.
   void hang() const;
+  /// From now on it says that it could open nothing.
+  void fail() const;
   /// From now on there is nothing on this desktop that could open a URL.
   void uninstall() const;
 
