@@ -11,6 +11,7 @@
 #include "platform/ThreadBound.h"
 #include "service/LoopbackHost.h"
 #include "settings/FolderCheck.h"
+#include "settings/LedgerFiles.h"
 #include "settings/SettingsFiles.h"
 
 using namespace Qt::StringLiterals;
@@ -155,6 +156,14 @@ bool KaModelFacade::loadGetImageInfo(const QString &fileName) {
   for (auto record = records->begin(); record != records->end(); ++record)
     setDownloadData(record.key(), record->LastDateTime, record->ContentIds);
   return true;
+}
+
+KaLoadedLedger KaModelFacade::loadLedger(const QString &account) const {
+  return ::loadLedger(account);
+}
+
+bool KaModelFacade::saveLedger(const QString &account, KaLedger &ledger) {
+  return ::saveLedger(account, ledger);
 }
 
 void KaModelFacade::setAppStatus(KaAppStatus status) {

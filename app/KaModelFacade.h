@@ -63,6 +63,8 @@ public:
   [[nodiscard]] std::optional<KaDownloadData> downloadData(const QString &key) const;
   [[nodiscard]] bool saveGetImageInfo(const QString &fileName, const QString &uuidKey) override;
   [[nodiscard]] bool loadGetImageInfo(const QString &fileName) override;
+  [[nodiscard]] KaLoadedLedger loadLedger(const QString &account) const override;
+  [[nodiscard]] bool saveLedger(const QString &account, KaLedger &ledger) override;
   /// @}
 
   /// @name Reports, forwarded to the delegate on the caller's thread.

@@ -4,8 +4,20 @@
 #include "engine/KaDownloadSession.h"
 #include "engine/KaFilledFolders.h"
 #include "engine/KaImageKey.h"
+#include "settings/KaDownloadData.h"
+
+#include <QDate>
+
+#include <utility>
 
 using namespace Qt::StringLiterals;
+
+namespace {
+
+/// Longer than any listing looks back from where it may begin.
+constexpr int kDaysKept = 40;
+
+} // namespace
 
 bool KaBookkeeping::load() {
   thread.check();
@@ -19,7 +31,28 @@ bool KaBookkeeping::save(KaTargetStorage targetStorage) {
   thread.check();
   // Else a power cut could leave a record that counts on pictures that have no name.
   with.filledFolders.sync();
+  if (!ledger.save()) return false;
   return with.delegate.saveGetImageInfo(recordName(targetStorage), recordKey(targetStorage));
+}
+
+void KaBookkeeping::openLedger() {
+  thread.check();
+  if (std::exchange(accountBefore, account()) != account())
+    knewAccountBefore = lastDateTime(KaTargetStorage::Days30) > KaDownloadData::defaultLastDateTime();
+  ledger.open(account());
+}
+
+bool KaBookkeeping::isTaken(const KaImageKey &listed, KaTargetStorage targetStorage) const {
+  return ledger.knows(listed, targetStorage);
+}
+
+void KaBookkeeping::settle(const KaImageKey &listed, KaTargetStorage targetStorage) {
+  ledger.settle(listed, targetStorage);
+}
+
+void KaBookkeeping::forgetBefore(const QString &dateTime) {
+  const QDate day = QDate::fromString(dateTime.left(8), u"yyyyMMdd"_s);
+  if (day.isValid()) ledger.forgetBefore(day.addDays(-kDaysKept).toString(u"yyyyMMdd"_s));
 }
 
 bool KaBookkeeping::hasUser() const {
@@ -31,15 +64,13 @@ QString KaBookkeeping::account() const {
 }
 
 QString KaBookkeeping::lastDateTime(KaTargetStorage targetStorage) const {
+  if (targetStorage == KaTargetStorage::LongTerm10G) return KaDownloadData::defaultLastDateTime();
   return with.delegate.downloadDataLastDateTime(recordKey(targetStorage)).value_or(QString());
 }
 
-QStringList KaBookkeeping::contentIds(KaTargetStorage targetStorage) const {
-  return with.delegate.downloadDataContentIds(recordKey(targetStorage)).value_or(QStringList());
-}
-
 qint64 KaBookkeeping::lastPreview() const {
-  return contentIds(KaTargetStorage::Preview2K).value(0).toLongLong();
+  const auto ids = with.delegate.downloadDataContentIds(recordKey(KaTargetStorage::Preview2K));
+  return ids.value_or(QStringList()).value(0).toLongLong();
 }
 
 void KaBookkeeping::saveImageInfo(const KaImageKey &image, KaTargetStorage targetStorage) {

@@ -13,6 +13,10 @@ using Loop = KaPass::Loop;
 
 namespace {
 
+constexpr auto kSaveInterval = std::chrono::seconds(30);
+/// So many in a row that get no answer: the line is dead, and the others are for a later run.
+constexpr int kMostUnanswered = 3;
+
 QString contentIdLine(const KaImageKey &key) {
   return u"ContentId="_s + key.contentId();
 }
@@ -33,14 +37,51 @@ QStringList ruleFolders(const KaMetadata &metadata, bool sorting) {
 
 KaPassOutcome KaContentDownload::getContentsProcess(const KaListedImages &images, const KaContentTarget &target) {
   thread.check();
+  beginPass();
   KaPass pass(with.pass, target.parentFolder);
-  for (const KaListedImage &image : images)
+  for (const KaListedImage &image : images) {
     if (getOne(image, target, pass) == Loop::Stop) break;
+    saveNowAndThen(target.targetStorage);
+  }
   return pass.outcome();
+}
+
+KaPassOutcome KaContentDownload::getEachByItself(const KaListedImages &images, const KaContentTarget &target) {
+  thread.check();
+  beginPass();
+  KaPassOutcome all;
+  int unanswered = 0;
+  for (const KaListedImage &image : images) {
+    KaPass pass(with.pass, target.parentFolder);
+    static_cast<void>(getOne(image, target, pass));
+    all.savedCount += pass.outcome().savedCount;
+    if (pass.carried() != KaResultCode::Success) all.result = pass.carried();
+    unanswered = pass.carried() == KaResultCode::NoHttpStatus ? unanswered + 1 : 0;
+    if (pass.isOver() || unanswered == kMostUnanswered) break;
+    saveNowAndThen(target.targetStorage);
+  }
+  return all;
+}
+
+void KaContentDownload::beginPass() {
+  traced = {};
+  lastSaved = std::chrono::steady_clock::now();
+}
+
+/// So that little is asked for again after a kill.
+void KaContentDownload::saveNowAndThen(KaTargetStorage targetStorage) {
+  const auto now = std::chrono::steady_clock::now();
+  if (now - lastSaved < kSaveInterval) return;
+  lastSaved = now;
+  // One that fails is told when the pass is over.
+  static_cast<void>(with.bookkeeping.save(targetStorage));
 }
 
 Loop KaContentDownload::getOne(const KaListedImage &image, const KaContentTarget &target, KaPass &pass) {
   if (!pass.beginItem(u"GetContentLoop Start"_s, contentIdLine(image.key))) return Loop::Stop;
+  // Where each image has requests of its own before it is judged, none is merely passed over.
+  const bool isAsked = target.bExpandContent || target.targetStorage == KaTargetStorage::LongTerm10G;
+  if (isAsked || pass.carried() == KaResultCode::Success) traced.asked.insert(image.key.path());
   if (!belongsToStorage(image.key, target, pass)) return Loop::GoOn;
   if (pass.isOver()) return Loop::Stop;
   const Variant variant = target.bExpandContent ? expandVariant(image, pass) : Variant{image.key, image.size};
@@ -62,6 +103,7 @@ bool KaContentDownload::belongsToStorage(const KaImageKey &key, const KaContentT
   if (target.targetStorage != KaTargetStorage::LongTerm10G) return true;
   const TagVerdict verdict = with.storage.checkObjectTagIs10GStorage(key.path());
   pass.carry(verdict.result);
+  if (!verdict.bDownloadContent) traced.declined.insert(key.path());
   if (!verdict.bDownloadContent) KaLogUtility::writeInfoLog(u"Skip Download"_s, {u"bDownloadContent:false"_s});
   return verdict.bDownloadContent;
 }
@@ -114,10 +156,15 @@ KaResultCode KaContentDownload::getContent(const KaContentOrder &order, KaPass &
   case FileOutcome::Confirmed:
     settle(order, file, saved);
     with.bookkeeping.saveImageInfo(order.object, order.targetSotrage);
+    with.bookkeeping.settle(order.listed, order.targetSotrage);
     pass.countSaved();
     return KaResultCode::Success;
   case FileOutcome::Unconfirmed:
     keptCopies.keep(copyKey(order), settle(order, file, saved));
+    traced.unsure.insert(order.listed.path());
+    // Whole, but its name is lost: no further copy would have one.
+    if (saved.result == KaResultCode::DefaultFileName && saved.outputFileSize == order.refFileSize)
+      with.bookkeeping.settle(order.listed, order.targetSotrage);
     return KaResultCode::Success;
   case FileOutcome::Missing:
     return KaResultCode::ObjectMissing;

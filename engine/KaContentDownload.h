@@ -2,6 +2,7 @@
 
 #include "engine/KaContentListing.h"
 #include "engine/KaKeptCopies.h"
+#include "engine/KaLookBack.h"
 #include "engine/KaPass.h"
 #include "engine/KaTargetStorage.h"
 #include "platform/ThreadBound.h"
@@ -9,6 +10,8 @@
 
 #include <QDateTime>
 #include <QString>
+
+#include <chrono>
 
 class KaBookkeeping;
 class KaImageMetadata;
@@ -54,11 +57,11 @@ public:
   /// later tag or variant check succeeds. @return the code that the last image left; DiskFull and FileNotSaved (folder
   /// not usable), too.
   [[nodiscard]] KaPassOutcome getContentsProcess(const KaListedImages &images, const KaContentTarget &target);
-
-  /// A new run begins: copies that stay unrecorded from now on are in keptInThisRun(), those of the ordinary storage by
-  /// their listed key.
-  void beginRun() { keptCopies.beginRun(); }
-  [[nodiscard]] const QSet<QString> &keptInThisRun() const { return keptCopies.keysOfThisRun(); }
+  /// The same, but no failure is carried over to the next image: each is tried by itself. Ends early when several in a
+  /// row got no answer.
+  [[nodiscard]] KaPassOutcome getEachByItself(const KaListedImages &images, const KaContentTarget &target);
+  /// What the last of these made of its images.
+  [[nodiscard]] const KaPassTrace &trace() const { return traced; }
 
 private:
   struct Variant {
@@ -66,6 +69,8 @@ private:
     qint64 size = 0;
   };
 
+  void beginPass();
+  void saveNowAndThen(KaTargetStorage targetStorage);
   [[nodiscard]] KaPass::Loop getOne(const KaListedImage &image, const KaContentTarget &target, KaPass &pass);
   [[nodiscard]] bool belongsToStorage(const KaImageKey &key, const KaContentTarget &target, KaPass &pass);
   [[nodiscard]] Variant expandVariant(const KaListedImage &image, KaPass &pass);
@@ -79,4 +84,6 @@ private:
   const Parts with;
   const platform::ThreadBound thread;
   KaKeptCopies keptCopies;
+  KaPassTrace traced;
+  std::chrono::steady_clock::time_point lastSaved;
 };

@@ -4,11 +4,9 @@
 #include "engine/KaDownloadSession.h"
 #include "platform/JsonValue.h"
 #include "service/KaStorage.h"
-#include "settings/KaDownloadData.h"
 
 #include <QJsonArray>
 #include <QJsonObject>
-#include <QSet>
 
 #include <algorithm>
 #include <iterator>
@@ -49,7 +47,7 @@ bool comesBefore(const KaListedImage &left, const KaListedImage &right) {
 
 } // namespace
 
-KaListing KaContentListing::getContentsList(KaTargetStorage targetStorage) {
+KaListing KaContentListing::getContentsList(KaTargetStorage targetStorage, const QString &lastDateTime) {
   thread.check();
   Devices devices = listDevices();
   if (devices.result != KaResultCode::Success || with.session.isOver()) return {.result = devices.result};
@@ -62,7 +60,7 @@ KaListing KaContentListing::getContentsList(KaTargetStorage targetStorage) {
     devices.ids.removeIf([&](const QString &id) { return listing.settings->applicationAliasIds.contains(id); });
   }
 
-  Items items = listItems(devices.ids, targetStorage);
+  Items items = listItems(devices.ids, lastDateTime);
   KaLogUtility::writeInfoLog(u"GetContentsList"_s, {u"TargetImageNumBeforeExclude=%1"_s.arg(items.images.size())});
   listing.result = items.result;
   if (with.session.isOver() || items.result != KaResultCode::Success) return listing;
@@ -96,11 +94,7 @@ KaContentListing::SettingsRead KaContentListing::readSettings() {
   return {.settings = std::move(settings)};
 }
 
-KaContentListing::Items KaContentListing::listItems(const QStringList &devices, KaTargetStorage targetStorage) {
-  // The bookkeeping of the 10G storage knows no date: only the ids tell what was taken.
-  const QString lastDateTime = targetStorage == KaTargetStorage::LongTerm10G
-                                   ? KaDownloadData::defaultLastDateTime()
-                                   : with.bookkeeping.lastDateTime(targetStorage);
+KaContentListing::Items KaContentListing::listItems(const QStringList &devices, const QString &lastDateTime) {
   Items items;
   for (const QString &device : devices) {
     if (with.session.isOver() || items.result != KaResultCode::Success) break;
@@ -133,17 +127,13 @@ KaContentListing::Items KaContentListing::listDevice(const QString &device, cons
 }
 
 KaListedImages KaContentListing::excludeDownloaded(KaListedImages images, KaTargetStorage targetStorage) const {
-  const QStringList downloaded = with.bookkeeping.contentIds(targetStorage);
-  const QSet<QString> known(downloaded.begin(), downloaded.end());
   const bool logs = KaLogUtility::outputLog(); // else a million lines would be made for nobody
-  if (known.isEmpty() && !logs) return images;
   qint64 index = 0;
   std::erase_if(images, [&](const KaListedImage &image) {
-    const QString contentId = image.key.contentId();
     if (logs)
       KaLogUtility::writeInfoLog(u"ContentInfo"_s,
-                                 {u"Key:%1, ContentId:%2"_s.arg(QString::number(index++), contentId)});
-    if (!known.contains(contentId)) return false;
+                                 {u"Key:%1, ContentId:%2"_s.arg(QString::number(index++), image.key.contentId())});
+    if (!with.bookkeeping.isTaken(image.key, targetStorage)) return false;
     KaLogUtility::writeInfoLog(u"Exclude"_s, {u"Message: This Content Is Already Downloaded."_s});
     return true;
   });

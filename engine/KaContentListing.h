@@ -54,7 +54,8 @@ public:
   /// What a storage holds and the bookkeeping does not. The settings are read unless the storage is the 10G one. Once
   /// the session is over, Success with nothing. @return NoBody, too, for an answer that cannot be parsed or pages that
   /// go round in circles.
-  [[nodiscard]] KaListing getContentsList(KaTargetStorage targetStorage);
+  /// @param lastDateTime  the upload hour "yyyyMMdd/HH" behind which it begins.
+  [[nodiscard]] KaListing getContentsList(KaTargetStorage targetStorage, const QString &lastDateTime);
 
 private:
   struct Devices {
@@ -72,7 +73,7 @@ private:
 
   [[nodiscard]] Devices listDevices();
   [[nodiscard]] SettingsRead readSettings();
-  [[nodiscard]] Items listItems(const QStringList &devices, KaTargetStorage targetStorage);
+  [[nodiscard]] Items listItems(const QStringList &devices, const QString &lastDateTime);
   [[nodiscard]] Items listDevice(const QString &device, const QString &lastDateTime);
   [[nodiscard]] KaListedImages excludeDownloaded(KaListedImages images, KaTargetStorage targetStorage) const;
 

@@ -8,6 +8,7 @@
 #include "engine/KaDownloadState.h"
 #include "engine/KaFilledFolders.h"
 #include "engine/KaImageMetadata.h"
+#include "engine/KaLookBack.h"
 #include "engine/KaPass.h"
 #include "engine/KaPreviewDownload.h"
 #include "service/KaServerRequest.h"
@@ -21,8 +22,9 @@ struct KaDownloadPieces {
   /// Both outlive this object.
   KaDownloadPieces(KaDownloadProcessorDelegate &delegate, KaLink &link, const KaWaitClock &clock = {})
       : state(clock), session{{delegate, link, request, storage, state.endAppFlag}},
-        bookkeeping{{delegate, session, filledFolders}}, passParts{delegate, session, filledFolders},
-        run{{delegate, state, request, storage, session, bookkeeping, listing, content, preview}} {}
+        bookkeeping{{delegate, session, filledFolders}}, lookBack{{bookkeeping, clock}}, passParts{delegate, session,
+                                                                                                   filledFolders},
+        run{{delegate, state, request, storage, session, bookkeeping, lookBack, listing, content, preview}} {}
 
   KaDownloadState state;
   KaServerRequest request{[this] { return session.isOver(); }};
@@ -30,6 +32,7 @@ struct KaDownloadPieces {
   KaDownloadSession session;
   KaFilledFolders filledFolders;
   KaBookkeeping bookkeeping;
+  KaLookBack lookBack;
   KaContentListing listing{{storage, session, bookkeeping}};
   KaImageMetadata metadata{{storage, session, state}};
   const KaPass::Parts passParts;

@@ -4,6 +4,7 @@
 #include "identity/KaLink.h"
 #include "service/KaResultCode.h"
 #include "settings/KaDownloadOption.h"
+#include "settings/KaLedger.h"
 #include "settings/KaWaitTimes.h"
 
 #include <QString>
@@ -41,6 +42,9 @@ public:
   [[nodiscard]] virtual std::optional<QStringList> downloadDataContentIds(const QString &key) const = 0;
   [[nodiscard]] virtual bool loadGetImageInfo(const QString &fileName) = 0;
   [[nodiscard]] virtual bool saveGetImageInfo(const QString &fileName, const QString &uuidKey) = 0;
+  [[nodiscard]] virtual KaLoadedLedger loadLedger(const QString &account) const = 0;
+  /// @p ledger has the number of its new generation afterwards.
+  [[nodiscard]] virtual bool saveLedger(const QString &account, KaLedger &ledger) = 0;
   /// @}
 
   /// @name Reports

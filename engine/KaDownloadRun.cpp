@@ -1,10 +1,10 @@
 #include "engine/KaDownloadRun.h"
 
 #include "engine/KaBookkeeping.h"
-#include "engine/KaContentDownload.h"
 #include "engine/KaDownloadProcessorDelegate.h"
 #include "engine/KaDownloadSession.h"
 #include "engine/KaDownloadState.h"
+#include "engine/KaLookBack.h"
 #include "engine/KaPreviewDownload.h"
 #include "engine/VersionOrder.h"
 #include "log/KaLogUtility.h"
@@ -12,6 +12,8 @@
 #include "service/KaApplicationConstants.h"
 #include "service/KaServerRequest.h"
 #include "service/KaStorage.h"
+
+#include <QDateTime>
 
 #include <chrono>
 #include <vector>
@@ -38,11 +40,20 @@ KaResultCode KaDownloadRun::perform(bool notifyUserOfUpdate) {
   option = with.delegate.downloadOption();
   if (isOn(option.checkBoxCreateSubfolder)) KaLogUtility::writeInfoLog(u"Download CreateSubFolder Enabled"_s);
   if (isOn(option.checkBoxDownloadMetadata)) KaLogUtility::writeInfoLog(u"Download Metadata Enabled"_s);
-  with.content.beginRun();
+  with.lookBack.beginRun(with.state.bUserTrigger);
+  const auto result = performBoth(notifyUserOfUpdate);
+  with.lookBack.endRun();
+  return result;
+}
 
+/// The ordinary storage, then the others.
+KaResultCode KaDownloadRun::performBoth(bool notifyUserOfUpdate) {
   auto [opening, result] = openPass(u"Start 30days Storage Download"_s);
   if (opening == Opening::Stopped) return result;
-  if (opening == Opening::Ready) result = downloadUntilNothingIsNew(notifyUserOfUpdate);
+  if (opening == Opening::Ready) {
+    with.bookkeeping.openLedger();
+    result = downloadUntilNothingIsNew(notifyUserOfUpdate);
+  }
   saveRecord(KaTargetStorage::Days30);
   if (!isOn(option.checkBox10GDownload) || with.session.isOver()) return result;
   if (with.session.lastRefresh() != KaRefresh::Succeeded) return result;
@@ -90,7 +101,8 @@ KaResultCode KaDownloadRun::judged(KaResultCode result) const {
 
 /// A listing, and what the service's settings told on its way, also when a later step of it failed.
 KaListing KaDownloadRun::list(KaTargetStorage targetStorage, bool notifyUserOfUpdate) {
-  KaListing listing = with.listing.getContentsList(targetStorage);
+  KaListing listing = with.listing.getContentsList(targetStorage, with.bookkeeping.lastDateTime(targetStorage));
+  listing.images = with.lookBack.worthAsking(std::move(listing.images), targetStorage);
   listing.result = judged(listing.result);
   if (listing.settings) tellSettings(*listing.settings, notifyUserOfUpdate);
   if (listing.result == KaResultCode::Success) tellInitialAccess();
@@ -123,14 +135,15 @@ KaDownloadRun::ReCheck KaDownloadRun::checkOnce(ReCheck soFar, bool notifyUserOf
 }
 
 KaDownloadRun::ReCheck KaDownloadRun::takeContents(ReCheck soFar, KaListedImages images) {
-  // A copy that stayed unconfirmed is for a later run: fetching it again and again would never end this one.
-  const QSet<QString> &kept = with.content.keptInThisRun();
-  std::erase_if(images, [&](const KaListedImage &image) { return kept.contains(image.key.path()); });
   if (!images.empty()) {
     downloadContents(images);
     soFar.emptyCount = 0;
   } else if (soFar.retryCount == 0) {
-    tellNoTarget();
+    if (lookBack()) {
+      tellComplete();
+    } else if (!with.session.isOver()) {
+      tellNoTarget();
+    }
     soFar.isDone = true;
   } else {
     ++soFar.emptyCount;
@@ -151,27 +164,64 @@ bool KaDownloadRun::conclude(const ReCheck &reCheck) {
     with.state.waitcnd.wait(wait, [this] { return with.session.isOver(); });
     return false;
   }
+  static_cast<void>(lookBack());
+  if (!with.session.isOver()) tellComplete();
+  return true;
+}
+
+void KaDownloadRun::tellComplete() {
   tellResult(KaResultCode::DownloadComplete, /*userTrigger=*/false);
   KaLogUtility::writeInfoLog(u"Download Complete"_s);
   tellStatus(KaAppStatus::Normal);
-  return true;
+}
+
+/// Looks through the ordinary storage once more, for what no listing from the last hour on brings.
+/// @return whether something was saved.
+bool KaDownloadRun::lookBack() {
+  if (!with.lookBack.isDue()) return false;
+  const QString start = with.lookBack.startAfter(QDateTime::currentDateTimeUtc());
+  KaLogUtility::writeInfoLog(u"Look Back"_s, {u"StartAfter="_s + start});
+  KaListing listing = with.listing.getContentsList(KaTargetStorage::Days30, start);
+  if (listing.result != KaResultCode::Success || with.session.isOver()) return false;
+  with.bookkeeping.forgetBefore(start);
+  const KaListedImages images = with.lookBack.worthAsking(std::move(listing.images), KaTargetStorage::Days30);
+  KaPassOutcome pass;
+  if (!images.empty()) {
+    tellStatus(KaAppStatus::Downloading);
+    const auto begin = std::chrono::system_clock::now();
+    pass = with.content.getEachByItself(images, ordinaryTarget());
+    with.lookBack.noteRound(images, with.content.trace(), KaTargetStorage::Days30);
+    reportPass(pass, begin);
+  }
+  with.lookBack.noteLookBackDone();
+  return pass.savedCount != 0;
 }
 
 void KaDownloadRun::downloadContents(const KaListedImages &images) {
   tellStatus(KaAppStatus::Downloading);
-  const bool expand = isOn(option.checkBoxDownloadMetadata);
   const auto start = std::chrono::system_clock::now();
-  const KaPassOutcome pass =
-      with.content.getContentsProcess(images, {.parentFolder = option.parentFolder,
-                                               .childFolder = option.childFolder,
-                                               .targetStorage = KaTargetStorage::Days30,
-                                               .bExpandContent = expand,
-                                               .bExpandExif = isOn(option.checkBoxCreateSubfolder)});
-  // What was saved is told even when the pass failed afterwards.
-  if (pass.savedCount != 0)
-    sendReport({KaApplicationConstants::awsLogsStreamName(), expand ? u"recent"_s : u"original"_s}, start,
-               pass.savedCount);
+  const KaPassOutcome pass = with.content.getContentsProcess(images, ordinaryTarget());
+  with.lookBack.noteRound(images, with.content.trace(), KaTargetStorage::Days30);
+  reportPass(pass, start);
   KaLogUtility::writeConnectionResultLog(KaLogStep::Complete, pass.result == KaResultCode::Success);
+}
+
+KaContentTarget KaDownloadRun::ordinaryTarget() const {
+  return {.parentFolder = option.parentFolder,
+          .childFolder = option.childFolder,
+          .targetStorage = KaTargetStorage::Days30,
+          .bExpandContent = isOn(option.checkBoxDownloadMetadata),
+          .bExpandExif = isOn(option.checkBoxCreateSubfolder)};
+}
+
+/// What a pass of the ordinary storage saved is told, and kept, even when it failed afterwards.
+void KaDownloadRun::reportPass(const KaPassOutcome &pass, KaDownloadReport::Moment start) {
+  if (pass.savedCount == 0) return;
+  const bool expand = isOn(option.checkBoxDownloadMetadata);
+  sendReport({KaApplicationConstants::awsLogsStreamName(), expand ? u"recent"_s : u"original"_s}, start,
+             pass.savedCount);
+  // One that fails is told when the run is over.
+  static_cast<void>(with.bookkeeping.save(KaTargetStorage::Days30));
 }
 
 /// The 10G storage and the previews, which belong together. @return the result of the last pass that ran.
@@ -206,6 +256,7 @@ KaPassOutcome KaDownloadRun::takeLongTermContents(bool notifyUserOfUpdate) {
       with.content.getContentsProcess(listing.images, {.parentFolder = option.parent10GFolder,
                                                        .childFolder = option.childFolder,
                                                        .targetStorage = KaTargetStorage::LongTerm10G});
+  with.lookBack.noteRound(listing.images, with.content.trace(), KaTargetStorage::LongTerm10G);
   const bool succeeded = pass.result == KaResultCode::Success;
   if (succeeded && pass.savedCount != 0) sendReport({awsLogs10GStreamName(), u"10G"_s}, start, pass.savedCount);
   KaLogUtility::writeConnectionResultLog(KaLogStep::Complete, succeeded);

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "engine/KaAppStatus.h"
+#include "engine/KaContentDownload.h"
 #include "engine/KaContentListing.h"
 #include "engine/KaDownloadReport.h"
 #include "engine/KaPass.h"
@@ -12,9 +13,9 @@
 #include <QString>
 
 class KaBookkeeping;
-class KaContentDownload;
 class KaDownloadProcessorDelegate;
 class KaDownloadSession;
+class KaLookBack;
 class KaPreviewDownload;
 class KaServerRequest;
 class KaStorage;
@@ -32,6 +33,7 @@ public:
     KaStorage &storage;
     KaDownloadSession &session;
     KaBookkeeping &bookkeeping;
+    KaLookBack &lookBack;
     KaContentListing &listing;
     KaContentDownload &content;
     KaPreviewDownload &preview;
@@ -72,6 +74,7 @@ private:
     QString information;
   };
 
+  [[nodiscard]] KaResultCode performBoth(bool notifyUserOfUpdate);
   [[nodiscard]] Opened openPass(const QString &title);
   [[nodiscard]] Opened renew();
   [[nodiscard]] KaResultCode judged(KaResultCode result) const;
@@ -81,6 +84,9 @@ private:
   [[nodiscard]] ReCheck takeContents(ReCheck soFar, KaListedImages images);
   [[nodiscard]] bool conclude(const ReCheck &reCheck);
   void downloadContents(const KaListedImages &images);
+  [[nodiscard]] bool lookBack();
+  [[nodiscard]] KaContentTarget ordinaryTarget() const;
+  void reportPass(const KaPassOutcome &pass, KaDownloadReport::Moment start);
   [[nodiscard]] KaResultCode takeLongTermStorage(bool notifyUserOfUpdate);
   [[nodiscard]] KaPassOutcome takeLongTermContents(bool notifyUserOfUpdate);
   [[nodiscard]] KaPassOutcome takePreviews(quint64 savedBefore);
@@ -93,6 +99,7 @@ private:
   void tellFailedRefresh();
   void tellFailure(KaResultCode result);
   void tellNoTarget();
+  void tellComplete();
   void tellStatus(KaAppStatus status);
   void tellResult(KaResultCode result, bool userTrigger);
 

@@ -37,7 +37,6 @@ bool differByCounter(const QString &first, const QString &second) {
 
 void KaKeptCopies::keep(const QString &key, const QString &path) {
   thread.check();
-  runKeys.insert(key);
   if (const auto identity = platform::fileIdentity(path)) copies.insert(key, {path, *identity});
 }
 

@@ -4,7 +4,6 @@
 #include "platform/ThreadBound.h"
 
 #include <QHash>
-#include <QSet>
 #include <QString>
 
 /// The copies that stayed on disk although they could not be confirmed. Their objects come again with a later run, and
@@ -12,10 +11,6 @@
 /// thread.
 class KaKeptCopies {
 public:
-  /// From here on keysOfThisRun() starts anew.
-  void beginRun() { runKeys.clear(); }
-  [[nodiscard]] const QSet<QString> &keysOfThisRun() const { return runKeys; }
-
   /// Remembers that the file at @p path, in its final state, is the copy of the object @p key.
   void keep(const QString &key, const QString &path);
 
@@ -32,5 +27,4 @@ private:
 
   const platform::ThreadBound thread;
   QHash<QString, Copy> copies;
-  QSet<QString> runKeys;
 };

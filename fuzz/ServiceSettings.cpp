@@ -31,7 +31,7 @@ void tryInput(const QByteArray &input) {
   });
   LinkedEngine engine;
   require(engine.pieces.session.getCredential() == KaResultCode::Success, "credentials are there");
-  const KaListing listing = engine.pieces.listing.getContentsList(KaTargetStorage::Days30);
+  const KaListing listing = engine.pieces.listing.getContentsList(KaTargetStorage::Days30, {});
   if (input.isEmpty()) return;
   require(listing.result == KaResultCode::Success && listing.settings, "settings of any form are no failure");
   for (const QString &device : kDevices) {

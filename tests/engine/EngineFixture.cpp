@@ -16,14 +16,16 @@ EngineParts::EngineParts(FakeDelegate &delegate, KaLink &link) : KaDownloadPiece
 }
 
 KaResultCode EngineParts::open() {
-  const KaResultCode result = session.refreshIdToken();
-  return result == KaResultCode::Success ? session.getCredential() : result;
+  KaResultCode result = session.refreshIdToken();
+  if (result == KaResultCode::Success) result = session.getCredential();
+  if (result == KaResultCode::Success) bookkeeping.openLedger();
+  return result;
 }
 
 KaPassOutcome EngineParts::pass(const KaContentTarget &target) {
   KaResultCode result = open();
   if (result != KaResultCode::Success) return {result};
-  const KaListing found = listing.getContentsList(target.targetStorage);
+  const KaListing found = listing.getContentsList(target.targetStorage, bookkeeping.lastDateTime(target.targetStorage));
   return found.result == KaResultCode::Success ? content.getContentsProcess(found.images, target)
                                                : KaPassOutcome{found.result};
 }

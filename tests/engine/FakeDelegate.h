@@ -21,6 +21,7 @@ public:
     KaResultCode folderVerdict = KaResultCode::Success;
     bool hasNetwork = true;
     QHash<QString, KaDownloadData> records;
+    QHash<QString, KaLoadedLedger> ledgers;
     std::function<void(const QString &event)> onEvent; ///< called once it is noted, without the lock held
   };
 
@@ -59,6 +60,13 @@ public:
   bool loadGetImageInfo(const QString &fileName) override { return note(QStringLiteral("load ") + fileName); }
   bool saveGetImageInfo(const QString &fileName, const QString &uuidKey) override {
     return note(QStringLiteral("save ") + fileName + u' ' + uuidKey) && answers().saves;
+  }
+  KaLoadedLedger loadLedger(const QString &account) const override { return answers().ledgers.value(account); }
+  bool saveLedger(const QString &account, KaLedger &ledger) override {
+    change([&](auto &now) {
+      if (now.saves) now.ledgers[account] = {KaLoadedLedger::Outcome::Read, ledger};
+    });
+    return answers().saves;
   }
   void setAppStatus(KaAppStatus status) override { note(QStringLiteral("status %1").arg(qint64(status))); }
   void setProcessingResult(KaResultCode result, bool userTrigger) override {

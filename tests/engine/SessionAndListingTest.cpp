@@ -106,14 +106,14 @@ TEST_F(ContentListing, findsWhatIsNewOnEachDeviceOverAllPages) {
   const QString device = u"images/original/%1/dev1/"_s.arg(service.library().userId());
   for (const QString &odd : names("zz 20240532/23 20240501/24 2024051/023 +0240501/23"))
     service.library().addRaw(sandbox::contentBucket(), device + odd + u"/N.JPG"_s, {.body = "text"});
+  for (const KaTargetStorage storage : {Days30, LongTerm10G})
+    delegate.change([&](auto &answers) { answers.records[uuidKey(service.library().userId(), storage)] = kHeld; });
   EngineParts parts(delegate, link);
   ASSERT_EQ(parts.open(), Success);
   for (const auto &[storage, expected] :
        {std::pair(Days30, names("11/B.JPG 12/D.JPG 12/E&amp;<F>.JPG")),
         {LongTerm10G, names("10/OLD.JPG 11/B.JPG 12/C.JPG 12/D.JPG 12/E&amp;<F>.JPG")}}) {
-    const QString key = uuidKey(service.library().userId(), storage);
-    delegate.change([&](auto &answers) { answers.records[key] = kHeld; });
-    const KaListing listing = parts.listing.getContentsList(storage);
+    const KaListing listing = parts.listing.getContentsList(storage, parts.bookkeeping.lastDateTime(storage));
     ASSERT_EQ(listing.result, Success);
     EXPECT_EQ(listing.settings.has_value(), storage == Days30);
     QStringList found;
@@ -130,7 +130,7 @@ TEST_F(ContentListing, doesNotTakeAPageThatIsNotFoundForTheEnd) {
   service.order(Endpoint::ListItems, {.status = 404, .pathContains = u"continuation-token"_s});
   EngineParts parts(delegate, link);
   ASSERT_EQ(parts.open(), Success);
-  EXPECT_EQ(parts.listing.getContentsList(Days30).result, NoBody);
+  EXPECT_EQ(parts.listing.getContentsList(Days30, {}).result, NoBody);
 }
 
 TEST_F(ContentListing, sortsOverAllDevicesAndCountsAKeyOnce) {
