@@ -14,6 +14,9 @@ public:
   explicit TerminationSignals(QObject *parent = nullptr);
   ~TerminationSignals() override;
 
+  /// Whether one has come, which the main thread may not have heard of yet. Any thread.
+  [[nodiscard]] static bool hasCome();
+
 Q_SIGNALS:
   void terminationRequested();
 

@@ -1,6 +1,7 @@
 #include "platform/linux/AgentSocket.h"
 
 #include "platform/AppInfo.h"
+#include "platform/TerminationSignals.h"
 
 #include <QCryptographicHash>
 #include <QSocketNotifier>
@@ -99,7 +100,8 @@ void AgentSocket::acceptPeer() {
   connect(notifier, &QSocketNotifier::activated, this, [this, peer, notifier] {
     notifier->setEnabled(false);
     notifier->deleteLater();
-    const QByteArray message = readMessage(*peer);
+    // A program that has been told to end hangs up: who takes its yes for one would not start another.
+    const QByteArray message = TerminationSignals::hasCome() ? QByteArray() : readMessage(*peer);
     if (!message.isEmpty() && ::send(peer->get(), &kTaken, 1, MSG_NOSIGNAL) == 1) Q_EMIT received(message);
   });
 }

@@ -1,8 +1,11 @@
 #pragma once
 
 #include "platform/SingleInstance.h"
+#include "platform/TerminationSignals.h"
 
 #include <QDBusAbstractAdaptor>
+#include <QDBusConnection>
+#include <QDBusMessage>
 #include <QStringList>
 #include <QVariantList>
 #include <QVariantMap>
@@ -12,7 +15,8 @@
 namespace platform {
 
 /// The desktop's interface to a running program, on a SingleInstance. What a call asks for happens once it has been
-/// answered: a dialog that it opens would keep the caller waiting otherwise.
+/// answered: a dialog that it opens would keep the caller waiting otherwise. A program that has been told to end
+/// answers as if it were gone: who takes its yes for one would not start another.
 class ApplicationAdaptor : public QDBusAbstractAdaptor {
   Q_OBJECT
   Q_CLASSINFO("D-Bus Interface", "org.freedesktop.Application")
@@ -21,19 +25,28 @@ public:
   explicit ApplicationAdaptor(SingleInstance &receiver) : QDBusAbstractAdaptor(&receiver), instance(receiver) {}
 
 public Q_SLOTS:
-  void Activate(const QVariantMap &) {
-    later([this] { Q_EMIT instance.activated(); });
+  void Activate(const QVariantMap &, const QDBusMessage &call) {
+    later(call, [this] { Q_EMIT instance.activated(); });
   }
-  void Open(const QStringList &uris, const QVariantMap &) {
-    for (const QString &uri : uris)
-      later([this, uri] { Q_EMIT instance.urlReceived(uri); });
+  void Open(const QStringList &uris, const QVariantMap &, const QDBusMessage &call) {
+    later(call, [this, uris] {
+      for (const QString &uri : uris)
+        Q_EMIT instance.urlReceived(uri);
+    });
   }
-  void ActivateAction(const QString &action, const QVariantList &, const QVariantMap &) {
-    later([this, action] { Q_EMIT instance.actionRequested(action); });
+  void ActivateAction(const QString &action, const QVariantList &, const QVariantMap &, const QDBusMessage &call) {
+    later(call, [this, action] { Q_EMIT instance.actionRequested(action); });
   }
 
 private:
-  template <class Job> void later(Job job) { QMetaObject::invokeMethod(this, std::move(job), Qt::QueuedConnection); }
+  template <class Job> void later(const QDBusMessage &call, Job job) {
+    if (!TerminationSignals::hasCome()) {
+      QMetaObject::invokeMethod(this, std::move(job), Qt::QueuedConnection);
+      return;
+    }
+    call.setDelayedReply(true);
+    QDBusConnection::sessionBus().send(call.createErrorReply(QDBusError::UnknownObject, QString()));
+  }
 
   SingleInstance &instance;
 };

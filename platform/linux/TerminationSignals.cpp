@@ -8,6 +8,7 @@
 #include <unistd.h>
 
 #include <array>
+#include <atomic>
 #include <cerrno>
 #include <csignal>
 
@@ -18,9 +19,11 @@ constexpr std::array kSignals = {SIGTERM, SIGINT, SIGHUP};
 
 /// A signal handler can reach nothing but what is global.
 int writeEnd = -1;
+std::atomic<bool> signalHasCome = false;
 
 extern "C" void tellMainThread(int) {
   const int interrupted = errno;
+  signalHasCome = true;
   const char byte = 1;
   [[maybe_unused]] const auto written = ::write(writeEnd, &byte, 1); // full: the message is there already
   errno = interrupted;
@@ -77,5 +80,9 @@ TerminationSignals::TerminationSignals(QObject *parent) : QObject(parent), d(std
 }
 
 TerminationSignals::~TerminationSignals() = default;
+
+bool TerminationSignals::hasCome() {
+  return signalHasCome;
+}
 
 } // namespace platform
