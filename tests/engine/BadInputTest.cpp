@@ -40,10 +40,7 @@ TEST_P(BadInput, endsThePassWithItsCodeAndLeavesNoBrokenFile) {
       EXPECT_TRUE(contentOf(path(file)) == QByteArray(5000, 'p') || !parts.content.trace().unsure.isEmpty());
       QFile::remove(path(file));
     }
-    delegate.change([](auto &answers) {
-      answers.records.clear();
-      answers.ledgers.clear();
-    });
+    delegate.forgetTaken();
     service.clearFaults();
   }
 }

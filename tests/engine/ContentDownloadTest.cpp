@@ -50,11 +50,12 @@ TEST_F(ContentDownload, renewsASessionThatExpiresWithinTenMinutes) {
   for (const auto &[seconds, refused, result, renewals, got] :
        {std::tuple(660, false, Success, 0, 2), {590, false, Success, 2, 2}, {590, true, RetryLater, 1, 0}}) {
     service.setCredentialLifetime(std::chrono::seconds(seconds));
-    delegate.change([](auto &answers) { answers.records.clear(); });
+    delegate.forgetTaken();
+    EngineParts anew(delegate, link);
     service.resetRequestCounts();
     service.order(Endpoint::Sts, {.kind = Fault::Kind::Delay});
     if (refused) service.order(Endpoint::Sts, {.status = 503});
-    EXPECT_EQ(parts.pass(target()).result, result);
+    EXPECT_EQ(anew.pass(target()).result, result);
     EXPECT_EQ(service.requestCount(Endpoint::RefreshToken), 1 + renewals);
     EXPECT_EQ(service.requestCount(Endpoint::Sts), 1 + renewals);
     EXPECT_EQ(fetched().size(), got);

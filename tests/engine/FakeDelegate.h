@@ -30,6 +30,13 @@ public:
     edit(current);
   }
   [[nodiscard]] Answers answers() const;
+  /// From now on, for who asks anew, nothing was ever taken.
+  void forgetTaken() {
+    change([](Answers &answers) {
+      answers.records.clear();
+      answers.ledgers.clear();
+    });
+  }
   [[nodiscard]] QStringList events() const;
   void forgetEvents();
   /// @return false when the event did not come @p times within @p seconds.

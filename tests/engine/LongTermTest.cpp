@@ -207,8 +207,8 @@ TEST_F(LongTerm, isReportedBesideTheOrdinaryStorageWhoseReportsComeWhateverTheRe
   pictureNamed(u"B.JPG"_s, u"30"_s)(service);
   for (const auto &[metadata, report] :
        {std::pair(u"true"_s, u"S3AccessLog recent 1"_s), {u"false"_s, u"S3AccessLog original 1"_s}}) {
+    delegate.forgetTaken();
     delegate.change([&](auto &answers) {
-      answers.records.clear();
       answers.option.parentFolder = profile.picturesFolder();
       answers.option.checkBoxDownloadMetadata = metadata;
     });

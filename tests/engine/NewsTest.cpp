@@ -50,6 +50,7 @@ protected:
   [[nodiscard]] int runs() const { return int(delegate.events().count(u"enableLoggin 0"_s)); }
   /// An image that the ordinary storage's record has left behind.
   void offerToTheLongTermStorageAlone() {
+    delegate.forgetTaken();
     delegate.change([this](auto &answers) {
       answers.option.checkBox10GDownload = u"true"_s;
       answers.option.parent10GFolder = profile.picturesFolder();
@@ -265,7 +266,7 @@ TEST_F(News, comesBackFromARenewalThatFailsBeforeAReCheck) {
   EXPECT_EQ(told(), (QStringList{u"status 1"_s, u"result 17"_s, u"link holds"_s, u"status 0"_s}));
   ASSERT_TRUE(waitForLog(u"Polling Wait"_s, 3));
   EXPECT_EQ(logged(u"Start 10G Storage Download"_s).size(), 1) << "not after a failure";
-  EXPECT_EQ(delegate.events().count(u"save RecentDownloadData "_s + service.library().userId()), 2);
+  EXPECT_EQ(delegate.events().count(u"save RecentDownloadData "_s + service.library().userId()), 3);
 }
 
 TEST_F(News, comesBackFromARenewalThatFailsBeforeAnImage) {
