@@ -29,7 +29,8 @@ std::chrono::seconds intervalFromUserDefaults() {
 
 } // namespace
 
-KaLookBack::KaLookBack(Parts parts) : with(std::move(parts)), interval(intervalFromUserDefaults()) {
+KaLookBack::KaLookBack(Parts parts)
+    : with(std::move(parts)), interval(intervalFromUserDefaults()), begun(with.clock.now()) {
 }
 
 void KaLookBack::beginRun(bool askedFor) {
@@ -63,9 +64,13 @@ KaListedImages KaLookBack::worthAsking(KaListedImages images, KaTargetStorage ta
     if (found == troubles.cend()) return false;
     // A copy of a wrong size would only replace its like.
     if (found->rounds >= kMostRounds || found->isUnsure || found->unsureRuns >= kMostUnsureRuns) return true;
-    return !isAskedFor && run < found->nextRun && now < found->nextTry;
+    return pauses(*found, now);
   });
   return images;
+}
+
+bool KaLookBack::pauses(const Trouble &trouble, TimePoint now) const {
+  return !isAskedFor && run < trouble.nextRun && now < trouble.nextTry;
 }
 
 void KaLookBack::noteRound(const KaListedImages &offered, const KaPassTrace &trace, KaTargetStorage targetStorage) {
@@ -87,9 +92,11 @@ void KaLookBack::noteRound(const KaListedImages &offered, const KaPassTrace &tra
 
 bool KaLookBack::isDue() const {
   thread.check();
-  if (isAskedFor || isLeftUndone) return true;
-  if (!lastDone) return with.bookkeeping.knewAccount();
-  return with.clock.now() - *lastDone >= interval;
+  if (isAskedFor || isLeftUndone || (!lastDone && with.bookkeeping.knewAccount())) return true;
+  const auto now = with.clock.now();
+  const auto shallTry = [&](const Trouble &trouble) { return trouble.runs > 0 && !pauses(trouble, now); };
+  if (std::any_of(troubles.cbegin(), troubles.cend(), shallTry)) return true;
+  return now - lastDone.value_or(begun) >= interval;
 }
 
 QString KaLookBack::startAfter(const QDateTime &now) const {

@@ -46,7 +46,8 @@ public:
   void noteRound(const KaListedImages &offered, const KaPassTrace &trace, KaTargetStorage targetStorage);
 
   /// Whether a look-back is due at the end of this run: the first of a process that knows the account already, one that
-  /// was asked for, one after something was left undone, and every six hours ("lookBackInterval", seconds).
+  /// was asked for, one after something was left undone or in which it is to be tried again, and every six hours
+  /// ("lookBackInterval", seconds).
   [[nodiscard]] bool isDue() const;
   /// Of the listing: 31 days before the last hour recorded or @p now, whichever is earlier. The storage keeps 30.
   [[nodiscard]] QString startAfter(const QDateTime &now) const;
@@ -66,8 +67,11 @@ private:
     TimePoint nextTry{};
   };
 
+  [[nodiscard]] bool pauses(const Trouble &trouble, TimePoint now) const;
+
   const Parts with;
   const std::chrono::seconds interval;
+  const TimePoint begun;
   const platform::ThreadBound thread;
   QHash<QString, Trouble> troubles; ///< by storage and key
   QSet<QString> pending;            ///< the same, of this run

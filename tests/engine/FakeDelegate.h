@@ -18,6 +18,7 @@ public:
     KaDownloadOption option;
     KaWaitTimes waits{.reCheck = std::chrono::milliseconds(1), .exifRetry = std::chrono::milliseconds(1)};
     bool saves = true;
+    bool savesLedger = true;
     KaResultCode folderVerdict = KaResultCode::Success;
     bool hasNetwork = true;
     QHash<QString, KaDownloadData> records;
@@ -71,9 +72,9 @@ public:
   KaLoadedLedger loadLedger(const QString &account) const override { return answers().ledgers.value(account); }
   bool saveLedger(const QString &account, KaLedger &ledger) override {
     change([&](auto &now) {
-      if (now.saves) now.ledgers[account] = {KaLoadedLedger::Outcome::Read, ledger};
+      if (now.savesLedger) now.ledgers[account] = {KaLoadedLedger::Outcome::Read, ledger};
     });
-    return answers().saves;
+    return answers().savesLedger;
   }
   void setAppStatus(KaAppStatus status) override { note(QStringLiteral("status %1").arg(qint64(status))); }
   void setProcessingResult(KaResultCode result, bool userTrigger) override {

@@ -1,0 +1,189 @@
+#include "platform/BootClock.h"
+#include "settings/KaLedger.h"
+#include "tests/engine/EngineFixture.h"
+
+#include <gmock/gmock.h>
+
+#include <atomic>
+
+using namespace Qt::StringLiterals;
+using namespace std::chrono_literals;
+using sandbox::Endpoint;
+using sandbox::Fault;
+using enum sandbox::Fault::Kind;
+
+namespace {
+
+/// Runs follow one another at once, with the settings of a new user but for the folders by rules.
+class LookBack : public ProcessorTest {
+protected:
+  explicit LookBack(const QHash<QString, QString> &defaults = {}) : ProcessorTest(defaults) {
+    delegate.change([](auto &answers) {
+      answers.option.checkBoxDownloadMetadata = u"true"_s;
+      answers.waits.pollingNormal = answers.waits.pollingError = 1ms;
+    });
+  }
+
+  /// Begins as a new process, and lets it make @p count runs.
+  [[nodiscard]] bool makeRuns(int count) {
+    processor.reset();
+    delegate.forgetEvents();
+    service.resetRequestCounts();
+    const auto now = [this] { return platform::BootClock::now() + std::chrono::hours(hoursLater); };
+    processor = std::make_unique<KaDownloadProcessor>(delegate, link, KaWaitClock{now, 1ms});
+    processor->startReceiving(/*initialAccess=*/false);
+    return delegate.waitForEvent(u"enableLoggin 1"_s, count);
+  }
+  /// After those runs, the names of the files, whatever their folders.
+  [[nodiscard]] QStringList fileNames() {
+    processor.reset();
+    QStringList names;
+    for (const QString &file : files())
+      names << file.section(u'/', -1);
+    names.sort();
+    return names;
+  }
+  [[nodiscard]] qsizetype lookBacks() const { return logged(u"Look Back"_s).size(); }
+
+  std::atomic<int> hoursLater = 0;
+};
+
+struct Trouble {
+  const char *name;
+  Endpoint endpoint;
+  Fault fault;
+};
+
+class LookBackAfter : public LookBack, public testing::WithParamInterface<Trouble> {
+protected:
+  LookBackAfter() : LookBack({{u"timeoutIntervalForRequest"_s, u"0.3"_s}}) {}
+};
+
+TEST_P(LookBackAfter, takesWhatFailedOnceBeforeALaterHourSucceeded) {
+  addImages("10/A.JPG 11/B.JPG 12/C.JPG");
+  Fault fault = GetParam().fault;
+  fault.pathContains = u"B.JPG"_s;
+  service.order(GetParam().endpoint, fault);
+  ASSERT_TRUE(makeRuns(2));
+  EXPECT_EQ(fileNames(), names("A.JPG B.JPG C.JPG"));
+  EXPECT_EQ(lookBacks(), 1) << "the first run of a new account needs none";
+}
+
+INSTANTIATE_TEST_SUITE_P(
+    Engine, LookBackAfter,
+    testing::Values(Trouble{"aRefusal", Endpoint::ObjectGet, {.status = 403}},
+                    Trouble{"aMissingObject", Endpoint::ObjectGet, {.status = 404}},
+                    Trouble{"anOverload", Endpoint::ObjectGet, {.status = 503}},
+                    Trouble{"aDrop", Endpoint::ObjectGet, {.kind = DroppedConnection}},
+                    Trouble{"aCut", Endpoint::ObjectGet, {.kind = TruncatedBody}},
+                    Trouble{"anEmptyBody", Endpoint::ObjectGet, {.kind = EmptyBody}},
+                    Trouble{"silence", Endpoint::ObjectGet, {.kind = NoAnswer}},
+                    Trouble{"aRefusedHead", Endpoint::ObjectHead, {.status = 403}},
+                    Trouble{"aWrongSizeFourTimes", Endpoint::ObjectGet, {.kind = Body, .body = "short", .times = 4}}),
+    [](const auto &row) { return row.param.name; });
+
+TEST_F(LookBack, takesWhatCameLateAndWhatIsNamedLikeAnother) {
+  addImages("10/A.JPG 12/C.JPG");
+  ASSERT_TRUE(makeRuns(1));
+  EXPECT_EQ(fileNames(), names("A.JPG C.JPG"));
+  addImages("09/LATE.JPG dev2/10/A.JPG 12/C.RAF");
+  ASSERT_TRUE(makeRuns(3));
+  EXPECT_EQ(fileNames(), names("A.JPG A_1.JPG C.JPG C.RAF LATE.JPG"));
+  EXPECT_THAT(fetched(), testing::UnorderedElementsAre(u"A.JPG"_s, u"C.RAF"_s, u"LATE.JPG"_s));
+  EXPECT_EQ(lookBacks(), 1) << "in the first run of a process that knows the account";
+}
+
+TEST_F(LookBack, isMadeWhenTheUserAsksAndEverySixHours) {
+  ASSERT_TRUE(makeRuns(2));
+  EXPECT_EQ(lookBacks(), 0);
+  delegate.change([](auto &answers) { answers.waits.pollingNormal = 1h; });
+  ASSERT_TRUE(waitFor([&] {
+    processor->getContentsNow();
+    return lookBacks() == 1;
+  }));
+  processor.reset();
+  addImages("A.JPG");
+  ASSERT_TRUE(makeRuns(1));
+  const auto before = lookBacks();
+  while (lookBacks() == before && hoursLater < 50) {
+    ++hoursLater;
+    (void)delegate.waitForEvent(u"enableLoggin 1"_s, hoursLater + 1, 1);
+  }
+  EXPECT_THAT(hoursLater.load(), testing::AllOf(testing::Ge(6), testing::Lt(50)));
+}
+
+TEST_F(LookBack, endsARunThatCannotHaveAnImageAndTriesItInRunsFurtherAndFurtherApart) {
+  addImages("10/A.JPG 11/B.JPG 12/C.JPG");
+  service.order(Endpoint::ObjectGet, {.status = 503, .times = -1, .pathContains = u"B.JPG"_s});
+  ASSERT_TRUE(makeRuns(1));
+  EXPECT_TRUE(delegate.events().contains(u"result 1"_s));
+  ASSERT_TRUE(delegate.waitForEvent(u"enableLoggin 1"_s, 8));
+  EXPECT_EQ(fileNames(), names("A.JPG C.JPG"));
+  // Once in the first run, as the last hour then is behind it, and once in the look-backs of the 2nd, 4th and 8th.
+  EXPECT_EQ(fetched().count(u"B.JPG"_s), 4);
+  service.clearFaults();
+  ASSERT_TRUE(makeRuns(1));
+  EXPECT_EQ(fileNames(), names("A.JPG B.JPG C.JPG"));
+}
+
+TEST_F(LookBack, endsTheRoundsOfAnImageThatIsListedAgainAndAgain) {
+  addImages("10/A.JPG 11/B.JPG");
+  service.order(Endpoint::ObjectGet, {.status = 503, .times = -1, .pathContains = u"B.JPG"_s});
+  ASSERT_TRUE(makeRuns(1));
+  processor.reset();
+  EXPECT_EQ(fetched(), names("A.JPG B.JPG B.JPG B.JPG"));
+  EXPECT_TRUE(delegate.events().contains(u"result 1"_s));
+}
+
+TEST_F(LookBack, isNotNeededForWhatWasTakenBeforeThereWasALedger) {
+  addImages("10/OLD.JPG 11/A.JPG 11/B.JPG 12/C.JPG");
+  delegate.change([this](auto &answers) {
+    answers.records[service.library().userId()] = {u"20240501/11"_s, {u"A"_s}};
+  });
+  ASSERT_TRUE(makeRuns(2));
+  EXPECT_EQ(fileNames(), names("B.JPG C.JPG"));
+  // The ledger holds, whatever becomes of the record.
+  delegate.change([](auto &answers) { answers.records.clear(); });
+  ASSERT_TRUE(makeRuns(2));
+  EXPECT_EQ(fileNames(), names("B.JPG C.JPG"));
+  EXPECT_EQ(fetched(), QStringList());
+}
+
+TEST_F(LookBack, ofALedgerThatCannotBeReadAsksForAllThatIsListed) {
+  addImages("10/A.JPG 11/B.JPG");
+  delegate.change([this](auto &answers) {
+    answers.records[service.library().userId()] = {u"20240501/11"_s, {u"B"_s}};
+    answers.ledgers[service.library().userId()] = {KaLoadedLedger::Outcome::Unreadable, {}};
+  });
+  ASSERT_TRUE(makeRuns(1));
+  EXPECT_EQ(fileNames(), names("A.JPG B.JPG"));
+}
+
+TEST_F(LookBack, countsOnNothingThatTheLedgerHasNot) {
+  addImages("A.JPG");
+  delegate.change([](auto &answers) { answers.savesLedger = false; });
+  ASSERT_TRUE(makeRuns(1));
+  EXPECT_TRUE(delegate.events().contains(u"result 14"_s));
+  EXPECT_THAT(delegate.events(), testing::Not(testing::Contains(testing::Truly(
+                                     [](const QString &event) { return event.startsWith(u"save RecentDown"); }))));
+}
+
+TEST_F(LookBack, knowsTheLongTermStorageByItsKeysAndTheNamelessToo) {
+  delegate.change([this](auto &answers) {
+    answers.option.checkBox10GDownload = u"true"_s;
+    answers.option.parent10GFolder = profile.picturesFolder();
+  });
+  service.library().setSettingsObject(R"({"isEnableDownload10GStorage":true})");
+  sandbox::LibraryObject nameless = {u"dev1"_s, u"20240501"_s, u"10"_s, u"N.JPG"_s, QByteArray(10, 'n')};
+  for (const QString &device : {u"dev1"_s, u"dev2"_s})
+    add({device, u"20240501"_s, u"10"_s, u"A.JPG"_s, device.toUtf8(), sandbox::fileNameHeader(u"A.JPG"_s)});
+  add(nameless);
+  ASSERT_TRUE(makeRuns(2));
+  EXPECT_EQ(fetched().count(u"A.JPG"_s), 4) << "two for each of two storages";
+  EXPECT_EQ(fetched().count(u"N.JPG"_s), 8);
+  ASSERT_TRUE(makeRuns(2));
+  processor.reset();
+  EXPECT_EQ(fetched(), QStringList());
+}
+
+} // namespace
