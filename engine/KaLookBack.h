@@ -53,9 +53,6 @@ public:
   [[nodiscard]] QString startAfter(const QDateTime &now) const;
   void noteLookBackDone();
 
-  /// How many images were offered and are still to come.
-  [[nodiscard]] qsizetype pendingCount() const { return pending.size(); }
-
 private:
   using TimePoint = platform::BootClock::time_point;
   struct Trouble {

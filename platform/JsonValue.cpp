@@ -17,4 +17,9 @@ std::optional<QString> jsonString(const QJsonObject &object, QLatin1StringView n
   return value.toString();
 }
 
+QByteArray toCompactJson(const QJsonObject &object) {
+  // A text that begins with a byte order mark would lose it when it is read; escaped it stays.
+  return QJsonDocument(object).toJson(QJsonDocument::Compact).replace("\xEF\xBB\xBF", "\\ufeff");
+}
+
 } // namespace platform

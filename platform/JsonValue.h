@@ -14,4 +14,7 @@ namespace platform {
 [[nodiscard]] std::optional<QJsonObject> parseJsonObject(const QByteArray &body);
 [[nodiscard]] std::optional<QString> jsonString(const QJsonObject &object, QLatin1StringView name);
 
+/// One line, which reads as it was written.
+[[nodiscard]] QByteArray toCompactJson(const QJsonObject &object);
+
 } // namespace platform

@@ -9,7 +9,6 @@
 
 #include <QFileInfo>
 #include <QJsonArray>
-#include <QJsonDocument>
 #include <QJsonObject>
 
 #include <algorithm>
@@ -80,11 +79,10 @@ std::optional<KaTakenObjects> takenIn(const QJsonObject &object) {
 }
 
 QByteArray toJson(const QString &account, const KaLedger &ledger) {
-  const QJsonObject document{{kAccount, account},
-                             {kGeneration, ledger.generation},
-                             {kOrdinary, toJson(ledger.ordinary)},
-                             {kLongTerm, toJson(ledger.longTerm)}};
-  return QJsonDocument(document).toJson(QJsonDocument::Compact);
+  return platform::toCompactJson({{kAccount, account},
+                                  {kGeneration, ledger.generation},
+                                  {kOrdinary, toJson(ledger.ordinary)},
+                                  {kLongTerm, toJson(ledger.longTerm)}});
 }
 
 std::optional<KaLedger> ledgerIn(const QByteArray &json, const QString &account) {

@@ -12,7 +12,6 @@
 #include <QDir>
 #include <QFileInfo>
 #include <QJsonArray>
-#include <QJsonDocument>
 #include <QJsonObject>
 
 #include <algorithm>
@@ -77,10 +76,7 @@ std::optional<KaDownloadOption> fromPropertyList(const PropertyList &list) {
 QByteArray toJson(const QString &uuidKey, const KaDownloadData &data) {
   const QJsonObject record{{kContentIds, QJsonArray::fromStringList(data.ContentIds)},
                            {kLastDateTime, data.LastDateTime}};
-  // A text that begins with a byte order mark would lose it when it is read; escaped it stays.
-  return QJsonDocument(QJsonObject{{uuidKey, record}})
-      .toJson(QJsonDocument::Compact)
-      .replace("\xEF\xBB\xBF", "\\ufeff");
+  return platform::toCompactJson({{uuidKey, record}});
 }
 
 std::optional<KaDownloadData> recordFromJson(const QJsonValue &value) {
@@ -119,6 +115,14 @@ QString realPicturesFolder() {
   return resolved.isEmpty() ? folder : resolved;
 }
 
+/// Those of which something is there, be it what a kill has left.
+QStringList ledgerFiles() {
+  QStringList names = QDir(appFolder()).entryList({u"Ledger_*"_s}, QDir::Files | QDir::Hidden);
+  for (QString &name : names)
+    name = name.section(u'.', 0, 0);
+  return names;
+}
+
 } // namespace
 
 QString appFolder() {
@@ -131,7 +135,7 @@ bool ensureAppFolder() {
 
 bool openAppFolder(const QStringList &records) {
   if (!ensureAppFolder()) return false;
-  platform::sweepReplacements(appFolder(), records + QStringList{kSettingsFile});
+  platform::sweepReplacements(appFolder(), records + ledgerFiles() + QStringList{kSettingsFile});
   return QFileInfo(appFolder()).isWritable();
 }
 
