@@ -3,8 +3,6 @@
 #include "engine/KaPass.h"
 #include "log/KaLogUtility.h"
 
-#include <QFile>
-
 using namespace Qt::StringLiterals;
 
 namespace {
@@ -19,24 +17,25 @@ FetchedFile refused(const FileOrder &order, const SavedObject &saved) {
   return {FileOutcome::Missing, saved};
 }
 
-void discard(const FileOrder &order, const SavedObject &saved) {
-  QFile::remove(saved.outputFilePath);
-  KaLogUtility::writeConnectionResultLog(
-      KaLogStep::Download, false,
-      {order.logLine, u"ReferenceFileSize=%1"_s.arg(order.refFileSize), u"FileSize=%1"_s.arg(saved.outputFileSize)});
+void writeDroppedLog(const FileOrder &order, const SavedObject &saved) {
+  KaLogUtility::writeConnectionResultLog(KaLogStep::Download, false,
+                                         {order.logLine, u"ReferenceFileSize=%1"_s.arg(order.save.refFileSize),
+                                          u"FileSize=%1"_s.arg(saved.outputFileSize)});
 }
 
 } // namespace
 
 FetchedFile fetchFile(const FileOrder &order, const KaPass &pass) {
+  SaveOrder save = order.save;
   for (int attempt = 0;; ++attempt) {
     if (attempt > 0) KaLogUtility::writeInfoLog(u"Retry DownloadFile"_s, {u"RetryCount=%1"_s.arg(attempt)});
-    const SavedObject saved = order.request();
-    const bool named = saved.result == KaResultCode::Success;
-    if (!named && saved.result != KaResultCode::DefaultFileName) return refused(order, saved);
-    if (named && saved.outputFileSize == order.refFileSize) return {FileOutcome::Confirmed, saved};
-    if (attempt + 1 == kAttempts) return {FileOutcome::Unconfirmed, saved};
-    discard(order, saved);
+    save.bKeepWhatComes = attempt + 1 == kAttempts;
+    const SavedObject saved = order.request(save);
+    if (saved.result != KaResultCode::Success && saved.result != KaResultCode::DefaultFileName)
+      return refused(order, saved);
+    if (saved.bConfirmed) return {FileOutcome::Confirmed, saved};
+    if (save.bKeepWhatComes) return {FileOutcome::Unconfirmed, saved};
+    writeDroppedLog(order, saved);
     if (pass.isOver()) return {FileOutcome::Stopped, saved};
   }
 }

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "service/SaveOrder.h"
 #include "service/ServerAnswer.h"
 
 #include <QString>
@@ -10,14 +11,14 @@ class KaPass;
 
 /// One file that a pass fetches, and how its log entries call it.
 struct FileOrder {
-  QString logLine{};      ///< "ContentId=…" or "Index=…"
-  QString missingName{};  ///< what the entry about a missing object names
-  qint64 refFileSize = 0; ///< bytes that the service told
-  std::function<SavedObject()> request;
+  QString logLine{};     ///< "ContentId=…" or "Index=…"
+  QString missingName{}; ///< what the entry about a missing object names
+  SaveOrder save{};      ///< with the size that the service told
+  std::function<SavedObject(const SaveOrder &)> request;
 };
 
 enum class FileOutcome {
-  Confirmed,   ///< on disk, under its own name, of the right size
+  Confirmed,   ///< on disk, new or from before, under its own name, of the right size
   Unconfirmed, ///< the fourth copy: it stays although its size or name is not the right one
   Missing,     ///< there is no such object (any more)
   Failed,      ///< the request's result tells; nothing is on disk

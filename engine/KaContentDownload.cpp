@@ -5,7 +5,6 @@
 #include "engine/KaImageMetadata.h"
 #include "engine/OutputFolder.h"
 #include "log/KaLogUtility.h"
-#include "platform/FileDates.h"
 #include "service/KaStorage.h"
 
 using namespace Qt::StringLiterals;
@@ -134,10 +133,12 @@ void KaContentDownload::saveIntoFolders(const QStringList &folders, KaContentOrd
                                         KaPass &pass) {
   const QString dateFolder = getOutputDateFolderString(order.utcCaptureTime, target.childFolder);
   for (const QString &ruleFolder : folders) {
-    order.outputFilePath = target.parentFolder + ruleFolder + dateFolder;
-    if (!pass.makeFolder(order.outputFilePath))
+    const QString wanted = target.parentFolder + ruleFolder + dateFolder;
+    const auto folder = pass.makeFolder(wanted);
+    if (!folder)
       return KaLogUtility::writeErrorLog(u"ERR_DOWNLOAD : Create outputFolder failed"_s,
-                                         QStringList{u"outputFolderPath: "_s + order.outputFilePath});
+                                         QStringList{u"outputFolderPath: "_s + wanted});
+    order.outputFilePath = *folder;
     const KaResultCode result = getContent(order, pass);
     const bool missing = result == KaResultCode::ObjectMissing;
     pass.carry(missing ? KaResultCode::Success : result);
@@ -147,10 +148,11 @@ void KaContentDownload::saveIntoFolders(const QStringList &folders, KaContentOrd
 
 KaResultCode KaContentDownload::getContent(const KaContentOrder &order, KaPass &pass) {
   const QString defaultPath = defaultFilePath(order.outputFilePath, order.utcCaptureTime, order.object.extension());
-  const FileOrder file{.logLine = contentIdLine(order.object),
-                       .missingName = order.object.contentId(),
-                       .refFileSize = order.refFileSize,
-                       .request = [&] { return with.storage.save(order.object.path(), defaultPath); }};
+  const FileOrder file{
+      .logLine = contentIdLine(order.object),
+      .missingName = order.object.contentId(),
+      .save = {.defaultFilePath = defaultPath, .refFileSize = order.refFileSize, .modified = order.utcCaptureTime},
+      .request = [&](const SaveOrder &save) { return with.storage.save(order.object.path(), save); }};
   const auto [outcome, saved] = fetchFile(file, pass);
   switch (outcome) {
   case FileOutcome::Confirmed:
@@ -160,7 +162,7 @@ KaResultCode KaContentDownload::getContent(const KaContentOrder &order, KaPass &
     pass.countSaved();
     return KaResultCode::Success;
   case FileOutcome::Unconfirmed:
-    keptCopies.keep(copyKey(order), settle(order, file, saved));
+    keptCopies.keep(copyKey(order), settle(order, file, saved), saved.bNew);
     traced.unsure.insert(order.listed.path());
     // Whole, but its name is lost: no further copy would have one.
     if (saved.result == KaResultCode::DefaultFileName && saved.outputFileSize == order.refFileSize)
@@ -175,10 +177,9 @@ KaResultCode KaContentDownload::getContent(const KaContentOrder &order, KaPass &
   Q_UNREACHABLE();
 }
 
-/// Gives a file that stays its dates and its final place. @return its path.
+/// Gives a file that stays its final place. @return its path.
 QString KaContentDownload::settle(const KaContentOrder &order, const FileOrder &file, const SavedObject &saved) {
-  platform::setFileDates(saved.outputFilePath, order.utcCaptureTime);
-  const QString path = keptCopies.replaceKept(copyKey(order), saved.outputFilePath);
+  const QString path = keptCopies.replaceKept(copyKey(order), saved.outputFilePath, saved.bNew);
   writeSavedLog(file, saved, path);
   return path;
 }

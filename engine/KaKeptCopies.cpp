@@ -35,21 +35,23 @@ bool differByCounter(const QString &first, const QString &second) {
 
 } // namespace
 
-void KaKeptCopies::keep(const QString &key, const QString &path) {
+void KaKeptCopies::keep(const QString &key, const QString &path, bool isNew) {
   thread.check();
+  if (!isNew) return;
   if (const auto identity = platform::fileIdentity(path)) copies.insert(key, {path, *identity});
 }
 
-QString KaKeptCopies::replaceKept(const QString &key, const QString &path) {
+QString KaKeptCopies::replaceKept(const QString &key, const QString &path, bool isNew) {
   thread.check();
   if (!copies.contains(key)) return path;
+  if (!isNew && copies[key].path == path) return path;
   const Copy copy = copies.take(key);
 
   const auto now = platform::fileIdentity(copy.path);
   if (!now || *now != copy.identity) return path;
 
   std::error_code error;
-  if (!differByCounter(copy.path, path)) {
+  if (!isNew || !differByCounter(copy.path, path)) {
     std::filesystem::remove(filePath(copy.path), error);
     return path;
   }

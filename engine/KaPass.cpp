@@ -32,8 +32,8 @@ KaPass::Verdict KaPass::judgeItem(qint64 size) {
   return isOver() ? Verdict::Stop : Verdict::PassOver;
 }
 
-bool KaPass::makeFolder(const QString &folder) {
-  if (with.filledFolders.make(folder, parent)) return true;
-  carry(KaResultCode::FileNotSaved);
-  return false;
+std::optional<QString> KaPass::makeFolder(const QString &folder) {
+  auto made = with.filledFolders.make(folder, parent);
+  if (!made) carry(KaResultCode::FileNotSaved);
+  return made;
 }

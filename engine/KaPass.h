@@ -5,6 +5,8 @@
 
 #include <QString>
 
+#include <optional>
+
 class KaDownloadProcessorDelegate;
 class KaDownloadSession;
 class KaFilledFolders;
@@ -44,8 +46,8 @@ public:
   /// Whether an item of @p size bytes can be saved: PassOver while a failure is carried over, and for lack of room,
   /// which becomes one (DiskFull); Stop when the parent folder cannot be used (FileNotSaved).
   [[nodiscard]] Verdict judgeItem(qint64 size);
-  /// Makes a folder below the parent folder. @return false, with FileNotSaved, when that cannot be.
-  [[nodiscard]] bool makeFolder(const QString &folder);
+  /// Makes a folder below the parent folder. @return where it is; absent, with FileNotSaved, when that cannot be.
+  [[nodiscard]] std::optional<QString> makeFolder(const QString &folder);
 
   /// The code that is carried over.
   [[nodiscard]] KaResultCode carried() const { return outcomeSoFar.result; }

@@ -6,7 +6,6 @@
 #include "engine/KaImageMetadata.h"
 #include "engine/OutputFolder.h"
 #include "log/KaLogUtility.h"
-#include "platform/FileDates.h"
 #include "service/KaStorage.h"
 
 using namespace Qt::StringLiterals;
@@ -78,28 +77,29 @@ Loop KaPreviewDownload::saveByDate(const KaPreview &preview, qint64 childFolder,
     KaLogUtility::writeInfoLog(u"GetPreview"_s, {u"Without a date it is passed over."_s, contentIdLine(preview)});
     return Loop::GoOn;
   }
-  const QString folder = pass.parentFolder() + getOutputDateFolderString(date, childFolder);
-  if (!pass.makeFolder(folder)) {
+  const auto folder = pass.makeFolder(pass.parentFolder() + getOutputDateFolderString(date, childFolder));
+  if (!folder) {
     KaLogUtility::writeErrorLog(u"ERR_DOWNLOAD : Create outputFolder failed"_s);
     return Loop::GoOn;
   }
-  return save(preview, date, folder, pass);
+  return save(preview, date, *folder, pass);
 }
 
 Loop KaPreviewDownload::save(const KaPreview &preview, const QDateTime &date, const QString &folder, KaPass &pass) {
   const QString &key = preview.preview_object_key;
   const QString defaultPath = defaultFilePath(folder, date, KaImageKey(key).extension());
   const QString indexText = u"Index=%1"_s.arg(preview.index);
-  const FileOrder order{
-      .logLine = indexText, .missingName = indexText, .refFileSize = preview.file_size, .request = [&] {
-        return with.storage.savePreview(key, defaultPath, preview.original_file_name);
-      }};
+  const FileOrder order{.logLine = indexText,
+                        .missingName = indexText,
+                        .save = {.defaultFilePath = defaultPath, .refFileSize = preview.file_size, .modified = date},
+                        .request = [&](const SaveOrder &save) {
+                          return with.storage.savePreview(key, save, preview.original_file_name);
+                        }};
   const auto [outcome, saved] = fetchFile(order, pass);
   switch (outcome) {
   case FileOutcome::Confirmed:
   case FileOutcome::Unconfirmed:
     // Unlike an image's, the last copy of a preview counts: it can be had from the image at any time.
-    platform::setFileDates(saved.outputFilePath, date);
     writeSavedLog(order, saved, saved.outputFilePath);
     with.bookkeeping.savePreviewInfo(preview.index);
     pass.countSaved();

@@ -20,4 +20,8 @@ struct VolumeFacts {
 /// Bytes that a plain user can still write below @p path; absent when the path does not exist. Any thread.
 [[nodiscard]] std::optional<qint64> freeSpace(const QString &path);
 
+/// Bytes that a name in the folder @p path may have; never more than 255, which also stands where the file system does
+/// not tell. Any thread.
+[[nodiscard]] qsizetype longestName(const QString &path);
+
 } // namespace platform

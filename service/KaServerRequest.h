@@ -9,6 +9,8 @@
 #include <functional>
 #include <optional>
 
+struct SaveOrder;
+
 /// Every HTTP exchange with the service. Each operation blocks its thread until the answer or a limit and returns a
 /// result code; nothing is retried and nothing is carried between requests. One thread at a time, but for
 /// stopServerRequest.
@@ -34,14 +36,14 @@ public:
   /// @{
   [[nodiscard]] ServerAnswer getAwsS3KeyList(const QString &url, const KaCredential &credential);
   [[nodiscard]] ServerAnswer getAwsPreviewlList(const QString &url, const KaCredential &credential);
-  /// Saves the object beside @p defaultFilePath under its own name, or under that path with DefaultFileName when it
-  /// carries none; an existing file is never touched. FileNotSaved, or DiskFull when the disk fills up meanwhile;
-  /// ObjectMissing for an object that is not there. Nothing is on disk unless an output path is returned.
-  [[nodiscard]] SavedObject getAwsS3Object(const QString &url, const KaCredential &credential,
-                                           const QString &defaultFilePath);
+  /// Saves the object as ordered, with DefaultFileName when it carries no name; an existing file is never touched. One
+  /// that is not the right one, and not to be kept, leaves nothing on disk but the same result, without an output path.
+  /// FileNotSaved, or DiskFull when the disk fills up meanwhile; ObjectMissing for an object that is not there. Nothing
+  /// is on disk unless an output path is returned.
+  [[nodiscard]] SavedObject getAwsS3Object(const QString &url, const KaCredential &credential, const SaveOrder &order);
   /// As getAwsS3Object, with the name given by the caller.
-  [[nodiscard]] SavedObject getAwsS3Preview(const QString &url, const KaCredential &credential,
-                                            const QString &defaultFilePath, const std::optional<QString> &fileName);
+  [[nodiscard]] SavedObject getAwsS3Preview(const QString &url, const KaCredential &credential, const SaveOrder &order,
+                                            const std::optional<QString> &fileName);
   /// @}
 
   /// @name S3, signed here. No answer gives ServerError.
@@ -80,8 +82,8 @@ private:
   [[nodiscard]] static KaResultCode objectResultOf(const HttpAnswer &answer);
   [[nodiscard]] ServerAnswer exchange(const HttpRequest &request, EmptyBody emptyBody = EmptyBody::IsNoBody);
   [[nodiscard]] ServerAnswer presignedList(const QString &url, const KaCredential &credential);
-  [[nodiscard]] SavedObject saveObject(const QString &url, const KaCredential &credential,
-                                       const QString &defaultFilePath, const NameOf &nameOf);
+  [[nodiscard]] SavedObject saveObject(const QString &url, const KaCredential &credential, const SaveOrder &order,
+                                       const NameOf &nameOf);
 
   KaHttpTransfer transfer;
 };

@@ -1,15 +1,15 @@
 #include "log/KaLogUtility.h"
-#include "platform/UnpublishedFile.h"
+#include "service/ArrivingObject.h"
 #include "service/HttpStatus.h"
 #include "service/KaApplicationConstants.h"
 #include "service/KaServerRequest.h"
 #include "service/KaXMLParser.h"
 #include "service/PercentEncoding.h"
+#include "service/SaveOrder.h"
 #include "service/SavedFileName.h"
 #include "service/SignatureV4.h"
 
 #include <QDateTime>
-#include <QFileInfo>
 
 using namespace Qt::StringLiterals;
 
@@ -27,48 +27,6 @@ std::optional<QString> nameInHeader(const HttpAnswer &answer) {
     if (name == "x-amz-meta-file-name") return decodeFileNameHeader(value);
   return {};
 }
-
-/// An object on its way to disk. Its file is made at the first byte, so that an answer without one leaves nothing.
-class ArrivingObject {
-public:
-  explicit ArrivingObject(const QString &defaultFilePath) : folder(QFileInfo(defaultFilePath).path()) {}
-
-  [[nodiscard]] bool take(const char *bytes, std::size_t count) {
-    if (!file) file = platform::UnpublishedFile::create(folder);
-    return file->write(bytes, count);
-  }
-
-  [[nodiscard]] bool sync() { return file && file->sync(); }
-
-  /// The path that was tried last, and whether the file is there now.
-  struct Placing {
-    QString path;
-    bool isDone = false;
-  };
-  /// Gives the file its name, or the next one that is free. After sync.
-  [[nodiscard]] Placing publish(const QString &targetPath) {
-    using enum platform::UnpublishedFile::Publish;
-    Placing placing{.path = targetPath};
-    auto outcome = file->publish(placing.path);
-    for (unsigned counter = 1; outcome == NameTaken; ++counter) {
-      placing.path = numberedFilePath(targetPath, counter);
-      outcome = file->publish(placing.path);
-    }
-    placing.isDone = outcome == Published;
-    return placing;
-  }
-
-  /// What a failure means, with its log entry.
-  [[nodiscard]] KaResultCode failure(const QString &path) const {
-    if (file && file->fault() == platform::FileFault::DiskFull) return KaResultCode::DiskFull;
-    KaLogUtility::writeInfoLog(u"Save File Error"_s, {u"FilePath="_s + path});
-    return KaResultCode::FileNotSaved;
-  }
-
-private:
-  const QString folder;
-  std::optional<platform::UnpublishedFile> file;
-};
 
 /// A request to the content bucket that we sign ourselves.
 struct SignedRequest {
@@ -138,13 +96,13 @@ ServerAnswer KaServerRequest::presignedList(const QString &url, const KaCredenti
 }
 
 SavedObject KaServerRequest::getAwsS3Object(const QString &url, const KaCredential &credential,
-                                            const QString &defaultFilePath) {
-  return saveObject(url, credential, defaultFilePath, nameInHeader);
+                                            const SaveOrder &order) {
+  return saveObject(url, credential, order, nameInHeader);
 }
 
-SavedObject KaServerRequest::getAwsS3Preview(const QString &url, const KaCredential &credential,
-                                             const QString &defaultFilePath, const std::optional<QString> &fileName) {
-  return saveObject(url, credential, defaultFilePath, [&fileName](const HttpAnswer &) { return fileName; });
+SavedObject KaServerRequest::getAwsS3Preview(const QString &url, const KaCredential &credential, const SaveOrder &order,
+                                             const std::optional<QString> &fileName) {
+  return saveObject(url, credential, order, [&fileName](const HttpAnswer &) { return fileName; });
 }
 
 KaResultCode KaServerRequest::objectResultOf(const HttpAnswer &answer) {
@@ -156,27 +114,34 @@ KaResultCode KaServerRequest::objectResultOf(const HttpAnswer &answer) {
   return isEmpty ? KaResultCode::NoBody : meaning.result;
 }
 
-SavedObject KaServerRequest::saveObject(const QString &url, const KaCredential &credential,
-                                        const QString &defaultFilePath, const NameOf &nameOf) {
-  ArrivingObject object(defaultFilePath);
+SavedObject KaServerRequest::saveObject(const QString &url, const KaCredential &credential, const SaveOrder &order,
+                                        const NameOf &nameOf) {
+  ArrivingObject object(order.defaultFilePath);
   const HttpAnswer answer =
       transfer.perform(presignedRequest(url, credential),
                        [&object](const char *bytes, std::size_t count) { return object.take(bytes, count); });
   const auto failed = [&](KaResultCode result) { return SavedObject{.result = result, .statusCode = answer.status}; };
-  if (answer.sinkRefused) return failed(object.failure(defaultFilePath));
+  if (answer.sinkRefused) return failed(object.failure(order.defaultFilePath));
   if (const KaResultCode result = objectResultOf(answer); result != KaResultCode::Success) return failed(result);
 
   const std::optional<QString> name = nameOf(answer);
-  const QString targetPath = targetFilePath(defaultFilePath, name.value_or(QString()));
-  if (!object.sync()) return failed(object.failure(targetPath));
+  SavedObject saved = {.result = name ? KaResultCode::Success : KaResultCode::DefaultFileName,
+                       .statusCode = answer.status,
+                       .outputFileSize = answer.bodySize};
+  const bool isRight = name && answer.bodySize == order.refFileSize;
+  if (!isRight && !order.bKeepWhatComes) return saved;
+  if (!object.finish(order.modified)) return failed(object.failure(order.defaultFilePath));
   // What has taken so long may have outlived its link: then it is as if nothing had come.
-  if (transfer.shallEnd()) return {.result = KaResultCode::NoHttpStatus};
-  const auto placing = object.publish(targetPath);
-  if (!placing.isDone) return failed(object.failure(placing.path));
-  return {.result = name ? KaResultCode::Success : KaResultCode::DefaultFileName,
-          .statusCode = answer.status,
-          .outputFileSize = answer.bodySize,
-          .outputFilePath = placing.path};
+  const SavedObject nothing = {.result = KaResultCode::NoHttpStatus};
+  if (transfer.shallEnd()) return nothing;
+  using enum ArrivingObject::Placing::Outcome;
+  const auto [outcome, path] = object.publish(name.value_or(QString()), [this] { return transfer.shallEnd(); });
+  if (outcome == Ended) return nothing;
+  if (outcome == Failed) return failed(object.failure(path));
+  saved.outputFilePath = path;
+  saved.bConfirmed = isRight;
+  saved.bNew = outcome == Saved;
+  return saved;
 }
 
 ServerAnswer KaServerRequest::getAWSS3ObjectTag(const KaCredential &credential, const QString &objectKey) {

@@ -104,17 +104,16 @@ TagVerdict KaStorage::checkObjectTagIs10GStorage(const QString &key) {
   return isMissing(by) ? TagVerdict{.result = KaResultCode::LinkInvalid} : toSend.checkObjectTagIs10GStorage(by, key);
 }
 
-SavedObject KaStorage::save(const QString &key, const QString &defaultFilePath) {
+SavedObject KaStorage::save(const QString &key, const SaveOrder &order) {
   downloadThread.check();
   const KaCredential by = credential();
   if (isMissing(by)) return {.result = KaResultCode::LinkInvalid};
-  return toSend.getAwsS3Object(objectURL(by, key), by, defaultFilePath);
+  return toSend.getAwsS3Object(objectURL(by, key), by, order);
 }
 
-SavedObject KaStorage::savePreview(const QString &key, const QString &defaultFilePath,
-                                   const std::optional<QString> &fileName) {
+SavedObject KaStorage::savePreview(const QString &key, const SaveOrder &order, const std::optional<QString> &fileName) {
   downloadThread.check();
   const KaCredential by = credential();
   if (isMissing(by)) return {.result = KaResultCode::LinkInvalid};
-  return toSend.getAwsS3Preview(objectURL(by, key), by, defaultFilePath, fileName);
+  return toSend.getAwsS3Preview(objectURL(by, key), by, order, fileName);
 }

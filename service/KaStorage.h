@@ -13,6 +13,7 @@
 
 class KaServerRequest;
 struct ListParameters;
+struct SaveOrder;
 
 /// The object store: holds the temporary credentials and answers in values. Keys are plain text here; how they travel
 /// and are signed is decided below. Download thread, but for the credentials.
@@ -61,10 +62,10 @@ public:
   [[nodiscard]] ObjectHead head(const QString &key);
   /// Whether an object belongs to the 10G storage. No answer gives ServerError, and a yes.
   [[nodiscard]] TagVerdict checkObjectTagIs10GStorage(const QString &key);
-  /// Saves an object beside @p defaultFilePath under the name that came with it; see KaServerRequest::getAwsS3Object.
-  [[nodiscard]] SavedObject save(const QString &key, const QString &defaultFilePath);
+  /// Saves an object under the name that came with it; see KaServerRequest::getAwsS3Object.
+  [[nodiscard]] SavedObject save(const QString &key, const SaveOrder &order);
   /// The same under a name given by the caller.
-  [[nodiscard]] SavedObject savePreview(const QString &key, const QString &defaultFilePath,
+  [[nodiscard]] SavedObject savePreview(const QString &key, const SaveOrder &order,
                                         const std::optional<QString> &fileName);
   /// @}
 

@@ -1,14 +1,15 @@
 #include "service/SavedFileName.h"
 
+#include "platform/FileNames.h"
+
 #include <QStringDecoder>
 
 #include <algorithm>
 
 using namespace Qt::StringLiterals;
+using platform::cutAtCodePoint;
 
 namespace {
-
-constexpr qsizetype kLongestName = 255; // bytes: what file systems here take
 
 /// A name in UTF-8, cut at the dot that no part holds.
 struct NameParts {
@@ -26,18 +27,10 @@ NameParts split(const QString &name) {
   return {bytes.left(dot), bytes.mid(dot + 1)};
 }
 
-QByteArray cutAtCodePoint(const QByteArray &utf8, qsizetype size) {
-  const auto isContinuation = [](char byte) { return (static_cast<unsigned char>(byte) & 0xC0) == 0x80; };
-  if (utf8.size() <= size) return utf8;
-  while (size > 0 && isContinuation(utf8[size]))
-    --size;
-  return utf8.left(size);
-}
-
-QString fittingName(const QString &name) {
-  if (name.toUtf8().size() <= kLongestName) return name;
+QString fittingName(const QString &name, qsizetype longest) {
+  if (name.toUtf8().size() <= longest) return name;
   const NameParts parts = split(name);
-  const QByteArray stem = cutAtCodePoint(parts.stem, kLongestName - 1 - parts.extension.size());
+  const QByteArray stem = cutAtCodePoint(parts.stem, longest - 1 - parts.extension.size());
   return QString::fromUtf8(stem + '.' + parts.extension);
 }
 
@@ -73,19 +66,19 @@ std::optional<QString> decodeFileNameHeader(const QByteArray &header) {
   return QString(name).replace(u'/', u'-').trimmed();
 }
 
-QString targetFilePath(const QString &defaultFilePath, const QString &name) {
+QString targetFilePath(const QString &defaultFilePath, const QString &name, qsizetype longest) {
   const auto [folder, defaultName] = splitPath(defaultFilePath);
   const QString own = singleComponent(name);
   // Its extension came from outside, too, and a path would end at a NUL.
-  return folder + fittingName(own.isEmpty() ? QString(defaultName).remove(QChar(u'\0')) : own);
+  return folder + fittingName(own.isEmpty() ? QString(defaultName).remove(QChar(u'\0')) : own, longest);
 }
 
-QString numberedFilePath(const QString &targetPath, unsigned counter) {
+QString numberedFilePath(const QString &targetPath, unsigned counter, qsizetype longest) {
   const auto [folder, name] = splitPath(targetPath);
   NameParts parts = split(name);
   const QByteArray suffix = '_' + QByteArray::number(counter);
   const QByteArray ending = parts.extension.isEmpty() ? suffix : suffix + '.' + parts.extension;
-  if (parts.stem.size() + ending.size() > kLongestName)
-    parts.stem = cutAtCodePoint(parts.stem, kLongestName - 1 - suffix.size() - parts.extension.size());
+  if (parts.stem.size() + ending.size() > longest)
+    parts.stem = cutAtCodePoint(parts.stem, longest - 1 - suffix.size() - parts.extension.size());
   return folder + QString::fromUtf8(parts.stem + ending);
 }

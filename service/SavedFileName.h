@@ -11,8 +11,8 @@
 [[nodiscard]] std::optional<QString> decodeFileNameHeader(const QByteArray &header);
 
 /// The path to save under: @p name beside @p defaultFilePath, or the default path itself when the name is empty or
-/// ".". Over-long names lose the end of their stem, never their extension.
-[[nodiscard]] QString targetFilePath(const QString &defaultFilePath, const QString &name);
+/// ".". Names of over @p longest bytes lose the end of their stem, never their extension.
+[[nodiscard]] QString targetFilePath(const QString &defaultFilePath, const QString &name, qsizetype longest = 255);
 
 /// The candidate for the @p counter-th collision (1, 2, 3 …) of @p targetPath: "STEM_COUNTER.EXTENSION".
-[[nodiscard]] QString numberedFilePath(const QString &targetPath, unsigned counter);
+[[nodiscard]] QString numberedFilePath(const QString &targetPath, unsigned counter, qsizetype longest = 255);

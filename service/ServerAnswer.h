@@ -79,12 +79,13 @@ struct TagVerdict {
 };
 
 struct SavedObject {
-  /// Success; DefaultFileName: saved, but under the default path; ObjectMissing: there is no such object; else nothing
-  /// was saved.
+  /// Success; DefaultFileName: it came without a name; ObjectMissing: there is no such object; else none has come.
   KaResultCode result = KaResultCode::Success;
   qint64 statusCode = 0;
-  qint64 outputFileSize = 0; ///< bytes on disk
+  qint64 outputFileSize = 0; ///< bytes that came
   QString outputFilePath{};  ///< empty when nothing was saved
+  bool bConfirmed = false;   ///< saved under its own name, of the size that was ordered
+  bool bNew = false;         ///< false, too, for a file that was there before and is the very object
 };
 
 /// How every log entry calls a status.

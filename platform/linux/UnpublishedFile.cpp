@@ -1,38 +1,49 @@
 #include "platform/UnpublishedFile.h"
 
 #include "platform/linux/FileDescriptor.h"
+#include "platform/linux/HiddenFiles.h"
 
 #include <QDir>
 #include <QFile>
 #include <QFileInfo>
-#include <QUuid>
 
 #include <fcntl.h>
 #include <stdio.h>
 #include <sys/file.h>
+#include <sys/stat.h>
 #include <unistd.h>
 
+#include <algorithm>
 #include <cerrno>
-
-using namespace Qt::StringLiterals;
+#include <cstring>
+#include <vector>
 
 namespace platform {
 namespace {
 
-constexpr char kHiddenPattern[] = ".downloaderpictora-*.part";
-
 /// Another process's sweep may take a new file away before it is locked, hardly more often than once.
 constexpr int kHiddenAttempts = 5;
 
-/// What a killed process left: nobody holds its lock any more.
-void sweepHiddenFiles(const QString &folder) {
-  const QDir directory(folder);
-  const auto names = directory.entryList({QString::fromLatin1(kHiddenPattern)}, QDir::Files | QDir::Hidden);
-  for (const QString &name : names) {
-    const QByteArray path = QFile::encodeName(directory.filePath(name));
-    const FileDescriptor file(::open(path.constData(), O_WRONLY | O_CLOEXEC | O_NOFOLLOW));
-    if (file && ::flock(file.get(), LOCK_EX | LOCK_NB) == 0) ::unlink(path.constData());
+/// Bytes that are compared at a time.
+constexpr std::size_t kPiece = 256 * 1024;
+
+bool readPiece(int file, char *bytes, std::size_t count, off_t from) {
+  while (count > 0) {
+    const ssize_t got = ::pread(file, bytes, count, from);
+    if (got < 0 && errno == EINTR) continue;
+    if (got <= 0) return false;
+    bytes += got;
+    from += got;
+    count -= static_cast<std::size_t>(got);
   }
+  return true;
+}
+
+/// Whether @p path is still the empty file that @p made tells of.
+bool isStillEmpty(const QByteArray &path, const struct stat &made) {
+  struct stat now = {};
+  return ::lstat(path.constData(), &now) == 0 && now.st_dev == made.st_dev && now.st_ino == made.st_ino
+         && now.st_size == 0;
 }
 
 } // namespace
@@ -48,7 +59,7 @@ public:
   Private &operator=(const Private &) = delete;
 
   static std::unique_ptr<Private> createUnnamed(const QString &folder) {
-    FileDescriptor file(::open(QFile::encodeName(folder).constData(), O_TMPFILE | O_WRONLY | O_CLOEXEC, 0666));
+    FileDescriptor file(::open(QFile::encodeName(folder).constData(), O_TMPFILE | O_RDWR | O_CLOEXEC, 0666));
     return file ? std::make_unique<Private>(std::move(file), QByteArray()) : nullptr;
   }
 
@@ -62,9 +73,8 @@ public:
   }
 
   static std::unique_ptr<Private> openHidden(const QString &folder) {
-    const QByteArray path =
-        QFile::encodeName(u"%1/.downloaderpictora-%2.part"_s.arg(folder, QUuid::createUuid().toString(QUuid::Id128)));
-    FileDescriptor file(::open(path.constData(), O_CREAT | O_EXCL | O_WRONLY | O_CLOEXEC, 0666));
+    const QByteArray path = platform::hiddenPath(folder);
+    FileDescriptor file(::open(path.constData(), O_CREAT | O_EXCL | O_RDWR | O_CLOEXEC, 0666));
     if (!file) return nullptr;
     auto made = std::make_unique<Private>(std::move(file), path);
     // Without locks on this file system the sweep cannot lock either, and then leaves the file alone.
@@ -88,6 +98,25 @@ public:
     return true;
   }
 
+  bool isSameAs(const QByteArray &path, const std::function<bool()> &shallEnd) const {
+    // Without a wait for the other end, should it be a pipe.
+    const FileDescriptor other(::open(path.constData(), O_RDONLY | O_NOFOLLOW | O_NONBLOCK | O_CLOEXEC));
+    struct stat ours = {};
+    struct stat theirs = {};
+    if (!other || ::fstat(file.get(), &ours) != 0 || ::fstat(other.get(), &theirs) != 0) return false;
+    if (!S_ISREG(theirs.st_mode) || theirs.st_size != ours.st_size) return false;
+
+    std::vector<char> mine(kPiece);
+    std::vector<char> its(kPiece);
+    for (off_t at = 0; at < ours.st_size; at += static_cast<off_t>(kPiece)) {
+      const auto count = std::min(kPiece, static_cast<std::size_t>(ours.st_size - at));
+      const bool areRead =
+          !shallEnd() && readPiece(file.get(), mine.data(), count, at) && readPiece(other.get(), its.data(), count, at);
+      if (!areRead || std::memcmp(mine.data(), its.data(), count) != 0) return false;
+    }
+    return true;
+  }
+
   /// Gives the content its name, unless something has that name already.
   bool giveName(const QByteArray &path) {
     if (hiddenPath.isEmpty()) {
@@ -98,13 +127,54 @@ public:
       hiddenPath.clear();
       return true;
     }
-    if (errno != EINVAL && errno != ENOSYS) return false;
-    return ::link(hiddenPath.constData(), path.constData()) == 0; // the hidden name goes with this object
+    if (errno != EINVAL && errno != ENOSYS && errno != EOPNOTSUPP) return false;
+    if (::link(hiddenPath.constData(), path.constData()) == 0) return true; // the hidden name goes with this object
+    return errno != EEXIST && takeReservedName(path);
+  }
+
+  /// For file systems that can rename over a file alone: over one of our own.
+  bool takeReservedName(const QByteArray &path) {
+    struct stat made = {};
+    if (!tellReservation(path) || !reserve(path, made)) return false;
+    const bool isOurs = isStillEmpty(path, made);
+    if (isOurs && ::rename(hiddenPath.constData(), path.constData()) == 0) {
+      hiddenPath.clear();
+      return true;
+    }
+    // EEXIST would make the name count as taken, and so the next ones, without end.
+    const int reason = isOurs && errno != EEXIST ? errno : EBUSY;
+    if (isStillEmpty(path, made)) ::unlink(path.constData());
+    errno = reason;
+    return false;
+  }
+
+  /// So that a reservation can be found again should this process be killed.
+  bool tellReservation(const QByteArray &path) {
+    struct stat taken = {};
+    if (::lstat(path.constData(), &taken) == 0) {
+      errno = EEXIST;
+      return false;
+    }
+    const QFileInfo target(QFile::decodeName(path));
+    const QByteArray telling = platform::hiddenPath(target.path(), QFile::encodeName(target.fileName()));
+    if (::rename(hiddenPath.constData(), telling.constData()) != 0) return false;
+    hiddenPath = telling;
+    return true;
+  }
+
+  /// It is not held open: where it is, file systems in user space keep what is renamed over under a name of theirs.
+  static bool reserve(const QByteArray &path, struct stat &made) {
+    const FileDescriptor reservation(::open(path.constData(), O_CREAT | O_EXCL | O_WRONLY | O_CLOEXEC, 0666));
+    return reservation && ::fstat(reservation.get(), &made) == 0;
   }
 
   Publish publish(const QByteArray &path) {
     if (giveName(path)) return Publish::Published;
     if (errno == EEXIST) return Publish::NameTaken;
+    // "No such file" where the folder is there: what one file system in user space says of characters.
+    const bool isRefused = errno == EINVAL || errno == ENAMETOOLONG || errno == EILSEQ
+                           || (errno == ENOENT && QFileInfo(QFile::decodeName(path)).dir().exists());
+    if (isRefused) return Publish::NameRefused;
     check(false);
     return Publish::Failed;
   }
@@ -139,6 +209,23 @@ bool UnpublishedFile::write(const char *bytes, std::size_t count) {
 
 bool UnpublishedFile::sync() {
   return !d->fault && d->check(::fdatasync(d->file.get()) == 0);
+}
+
+void UnpublishedFile::setDates(const QDateTime &instant) {
+  if (!instant.isValid()) return;
+  const qint64 milliseconds = instant.toMSecsSinceEpoch();
+  const qint64 remainder = ((milliseconds % 1000) + 1000) % 1000;
+  const timespec modified{(milliseconds - remainder) / 1000, remainder * 1'000'000};
+  // No Linux file system lets a program set the creation date. File systems in user space may drop a modification date
+  // that comes without an access date.
+  struct stat facts = {};
+  if (::fstat(d->file.get(), &facts) != 0) return;
+  const timespec dates[] = {facts.st_atim, modified};
+  [[maybe_unused]] const int set = ::futimens(d->file.get(), dates);
+}
+
+bool UnpublishedFile::isSameAs(const QString &path, const std::function<bool()> &shallEnd) const {
+  return !d->fault && d->isSameAs(QFile::encodeName(path), shallEnd);
 }
 
 UnpublishedFile::Publish UnpublishedFile::publish(const QString &path) {

@@ -11,6 +11,7 @@
 #include <sys/sysmacros.h>
 
 #include <algorithm>
+#include <climits>
 
 using namespace Qt::StringLiterals;
 
@@ -58,6 +59,13 @@ std::optional<qint64> freeSpace(const QString &path) {
   struct statvfs facts = {};
   if (::statvfs(QFile::encodeName(path).constData(), &facts) != 0) return std::nullopt;
   return static_cast<qint64>(facts.f_bavail) * static_cast<qint64>(facts.f_frsize);
+}
+
+qsizetype longestName(const QString &path) {
+  struct statvfs facts = {};
+  const bool isTold = ::statvfs(QFile::encodeName(path).constData(), &facts) == 0 && facts.f_namemax > 0;
+  // Some count for a name of the greatest length in characters, each of the greatest length in bytes.
+  return isTold ? std::min<qsizetype>(static_cast<qsizetype>(facts.f_namemax), NAME_MAX) : NAME_MAX;
 }
 
 } // namespace platform

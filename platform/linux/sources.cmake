@@ -9,10 +9,10 @@ set(system_sources
   linux/BootClock.cpp
   linux/BlockDevice.cpp linux/BlockDevice.h
   linux/DesktopEntry.cpp linux/DesktopEntry.h
-  linux/FileDates.cpp
   linux/FileDescriptor.h
   linux/FileIdentity.cpp
   linux/Folders.cpp
+  linux/HiddenFiles.cpp linux/HiddenFiles.h
   linux/LoginItem.cpp
   linux/ModifierKeys.cpp
   linux/MountTable.cpp linux/MountTable.h

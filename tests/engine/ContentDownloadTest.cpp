@@ -3,6 +3,13 @@
 
 #include <QFileInfo>
 
+#include <fcntl.h>
+#include <sys/inotify.h>
+#include <sys/stat.h>
+#include <sys/syscall.h>
+#include <unistd.h>
+
+#include <cerrno>
 #include <ctime>
 
 using namespace Qt::StringLiterals;
@@ -10,7 +17,43 @@ using enum KaResultCode;
 using sandbox::Endpoint;
 using sandbox::Fault;
 
+static bool takesOddFolders = true;
+
+/// Stands before the C library's, for Qt, too.
+int mkdir(const char *path, mode_t mode) noexcept {
+  errno = QByteArray(path).contains('?') && !takesOddFolders ? EINVAL : 0;
+  return errno != 0 ? -1 : static_cast<int>(::syscall(SYS_mkdir, path, mode));
+}
+
 namespace {
+
+/// What becomes of the names in a folder.
+class FolderWatch {
+public:
+  explicit FolderWatch(const QString &path) {
+    ::inotify_add_watch(events, QFile::encodeName(path).constData(),
+                        IN_CREATE | IN_MOVE | IN_DELETE | IN_ATTRIB | IN_MODIFY);
+  }
+  ~FolderWatch() { ::close(events); }
+  FolderWatch(const FolderWatch &) = delete;
+  FolderWatch &operator=(const FolderWatch &) = delete;
+
+  /// Each change so far as the name that it is about; a file without one has "#" and its inode's number.
+  [[nodiscard]] QStringList names() const {
+    QStringList told;
+    alignas(inotify_event) char bytes[4096];
+    const ssize_t size = ::read(events, bytes, sizeof bytes);
+    for (ssize_t at = 0; at < size;) {
+      const auto *event = reinterpret_cast<const inotify_event *>(bytes + at);
+      if (event->name[0] != '#') told << QString::fromUtf8(event->name);
+      at += static_cast<ssize_t>(sizeof *event + event->len);
+    }
+    return told;
+  }
+
+private:
+  const int events = ::inotify_init1(IN_NONBLOCK | IN_CLOEXEC);
+};
 
 class ContentDownload : public EngineTest {
 protected:
@@ -114,16 +157,34 @@ TEST_F(ContentDownload, fetchesUntilTheSizeIsRightAndNeverTouchesAFileThatIsTher
   writeFile(path(u"A.JPG"_s), "mine");
   addImages("A.JPG");
   service.order(Endpoint::ObjectGet, {.kind = Fault::Kind::Body, .body = QByteArray(4999, 'p'), .times = 3});
+  const FolderWatch watch(profile.picturesFolder());
   expectPass(target(), Success, "A.JPG A.JPG A.JPG A.JPG", "A.JPG A_1.JPG", "A");
+  EXPECT_EQ(watch.names(), names("A_1.JPG")) << "once, whole and with its date";
+  EXPECT_EQ(modified(u"A_1.JPG"_s), 1714478400);
   EXPECT_EQ(contentOf(path(u"A.JPG"_s)), "mine");
   EXPECT_EQ(contentOf(path(u"A_1.JPG"_s)), QByteArray(5000, 'p'));
   EXPECT_EQ(savedCount, 1U);
 }
 
+TEST_F(ContentDownload, takesWhatLiesWhereItWasPutForThePictureWhenItsRecordIsLost) {
+  addImages("A.JPG dev2/10/A.JPG");
+  sandbox::LibraryObject nameless = image(u"10"_s, u"B.JPG"_s);
+  nameless.fileNameMetadata = {};
+  add(nameless);
+  for (int pass = 0; pass < 2; ++pass) {
+    delegate.change([](auto &answers) { answers.records.clear(); });
+    const KaPassOutcome outcome = EngineParts(delegate, link).pass(target());
+    EXPECT_EQ(std::tuple(outcome.result, outcome.savedCount), std::tuple(Success, 2U));
+    EXPECT_EQ(files(), names("2024-04-30.JPG A.JPG A_1.JPG"));
+    EXPECT_EQ(record().ContentIds, names("A A"));
+  }
+}
+
 TEST_F(ContentDownload, keepsTheFourthCopyAndReplacesItUnlessTheUserTouchedIt) {
   sandbox::LibraryObject object = image(u"10"_s, u"A.JPG"_s);
-  object.listedSize = 5001;
+  object.listedSize = 6000;
   const auto fetchAgain = [&](const KaContentTarget &wanted, const char *there) {
+    object.body += '+'; // or it would be the picture that is there
     add(object);
     const KaPassOutcome outcome = parts.pass(wanted);
     EXPECT_EQ(outcome.result, Success);
@@ -146,14 +207,34 @@ TEST_F(ContentDownload, keepsTheFourthCopyAndReplacesItUnlessTheUserTouchedIt) {
   ASSERT_TRUE(QFile::rename(path(u"H_1.JPG"_s), path(u"I.JPG"_s)) && QFile::copy(path(u"I.JPG"_s), path(u"H_1.JPG"_s)));
   fetchAgain(target(), "H.JPG H_1.JPG H_2.JPG I.JPG");
   fetchAgain(longTerm, "H.JPG H_1.JPG H_2.JPG H_3.JPG I.JPG");
-  object.listedSize = object.body.size();
+  object.listedSize = object.body.size() + 1;
   fetchAgain(target(), "H.JPG H_1.JPG H_2.JPG H_3.JPG I.JPG");
   EXPECT_EQ(record().ContentIds, names("A"));
   // With its name and inode reused and its dates set, a new file cannot be told from the copy that is gone.
   KaKeptCopies copies;
-  copies.keep(u"key"_s, path(u"I.JPG"_s));
-  EXPECT_EQ(copies.replaceKept(u"key"_s, path(u"I.JPG"_s)), path(u"I.JPG"_s));
+  copies.keep(u"key"_s, path(u"I.JPG"_s), true);
+  EXPECT_EQ(copies.replaceKept(u"key"_s, path(u"I.JPG"_s), true), path(u"I.JPG"_s));
   EXPECT_TRUE(QFile::exists(path(u"I.JPG"_s)));
+}
+
+TEST_F(ContentDownload, neverReplacesAFileThatWasThereThoughItIsLikeACopyThatStays) {
+  sandbox::LibraryObject object = image(u"10"_s, u"A.JPG"_s);
+  object.listedSize = 6000;
+  const std::tuple<QByteArray, const char *, QByteArray> runs[] = {{"first", "A.JPG A_1.JPG", "first"},
+                                                                   {"mine", "A_1.JPG", {}},
+                                                                   {"third", "A.JPG A_1.JPG", "third"},
+                                                                   {"third", "A.JPG A_1.JPG", "third"},
+                                                                   {"fourth", "A.JPG A_1.JPG", "fourth"}};
+  writeFile(path(u"A_1.JPG"_s), "mine");
+  for (const auto &[body, there, copy] : runs) {
+    object.body = body;
+    add(object);
+    EXPECT_EQ(parts.pass(target()).savedCount, 0U);
+    EXPECT_EQ(parts.content.trace().unsure.size(), 1);
+    EXPECT_EQ(files(), names(there));
+    EXPECT_EQ(contentOf(path(u"A.JPG"_s)), copy);
+    EXPECT_EQ(contentOf(path(u"A_1.JPG"_s)), "mine");
+  }
 }
 
 constexpr qint64 kUploadHour = 1714557600; // 2024-05-01 10:00 UTC
@@ -166,6 +247,7 @@ struct Placing {
   QString folder; ///< empty: nowhere, with FileNotSaved
   qint64 modified = kUploadHour;
   int refusals = 0;
+  bool takesOddNames = true;
 };
 
 class Placings : public ContentDownload, public testing::WithParamInterface<Placing> {};
@@ -174,16 +256,17 @@ TEST_P(Placings, followTheMetadata) {
   // Nine hours ahead, so that an instant that moves back by the offset is the local time it was written as.
   qputenv("TZ", "JST-9");
   tzset();
-  const auto &[name, document, sorting, folder, time, refusals] = GetParam();
+  const auto &[name, document, sorting, folder, time, refusals, takesOddNames] = GetParam();
+  takesOddFolders = takesOddNames;
   sandbox::LibraryObject object = image(u"10"_s, u"A.JPG"_s);
   object.metadataDocument = document;
   add(object);
-  writeFile(path(u"Taken"_s), "mine");
+  writeFile(path(u"Taken?"_s), "mine");
   if (refusals > 0) service.order(Endpoint::Metadata, {.status = 500, .times = refusals});
   const bool saved = !folder.isEmpty();
   EXPECT_EQ(parts.pass(target({.childFolder = 3, .bExpandExif = sorting})).result, saved ? Success : FileNotSaved);
   const QString file = folder + u"/A.JPG"_s;
-  EXPECT_EQ(files(), saved ? (QStringList{file, u"Taken"_s}) : names("Taken"));
+  EXPECT_EQ(files(), saved ? (QStringList{file, u"Taken?"_s}) : names("Taken?"));
   EXPECT_EQ(fetched().size() + record().ContentIds.size(), saved ? 2 : 0);
   EXPECT_TRUE(!saved || modified(file) == time);
   EXPECT_EQ(service.requestCount(Endpoint::Metadata), std::min(4, refusals + (sorting ? 2 : 1)));
@@ -193,6 +276,9 @@ TEST_P(Placings, followTheMetadata) {
 QByteArray rules(const QByteArray &matched) {
   return R"({"sortation":{"matchedRules":)" + matched + "}}";
 }
+
+const QByteArray kLongRule = QByteArray("é").repeated(135);
+const QString kCutRule = u"é"_s.repeated(127); // 254 bytes
 
 INSTANTIATE_TEST_SUITE_P(
     ContentDownload, Placings,
@@ -206,9 +292,11 @@ INSTANTIATE_TEST_SUITE_P(
         Placing{"firstRuleOnly", rules(R"(["Birds","Trees"])"), true, u"Birds/"_s + kUploadDay},
         Placing{"verbatim", rules(R"([1," é*?/Small "])"), true, u" é*?/Small /"_s + kUploadDay},
         Placing{"dots", rules(R"(["..a/b../c/../d"])"), true, u"..a/b../d/"_s + kUploadDay},
+        Placing{"cut", rules("[\"A/" + kLongRule + "b/c\"]"), true, u"A/"_s + kCutRule + u"/c/"_s + kUploadDay},
+        Placing{"refused", rules(R"(["A./?/b? ."])"), true, u"A./_/b_/"_s + kUploadDay, kUploadHour, 0, false},
         Placing{"above", rules(R"(["../out","Trees"])"), true, {}},
         Placing{"beside", rules(R"(["a/../../Pictures2"])"), true, {}},
-        Placing{"fileInTheWay", rules(R"(["Taken","Trees"])"), true, {}}),
+        Placing{"fileInTheWay", rules(R"(["Taken?","Trees"])"), true, {}}),
     [](const auto &row) { return row.param.name; });
 
 } // namespace

@@ -53,7 +53,10 @@ void EngineTest::addImages(const char *paths) {
   for (const QString &path : names(paths)) {
     sandbox::LibraryObject object = image(path.section(u'/', -2, -2), path.section(u'/', -1));
     if (object.hour.isEmpty()) object.hour = u"10"_s;
-    if (path.count(u'/') == 2) object.deviceId = path.section(u'/', 0, 0);
+    if (path.count(u'/') == 2) {
+      object.deviceId = path.section(u'/', 0, 0);
+      object.body.fill('d'); // another camera's picture
+    }
     add(object);
   }
 }

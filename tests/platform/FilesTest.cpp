@@ -1,5 +1,5 @@
-#include "platform/FileDates.h"
 #include "platform/FileIdentity.h"
+#include "platform/FileNames.h"
 #include "platform/UnpublishedFile.h"
 #include "platform/VolumeFacts.h"
 #include "platform/linux/BlockDevice.h"
@@ -24,8 +24,31 @@
 #include <sys/wait.h>
 #include <unistd.h>
 
+#include <cerrno>
+#include <functional>
+#include <utility>
+
 using namespace Qt::StringLiterals;
 using platform::UnpublishedFile;
+
+namespace {
+
+/// What happens while a name is reserved.
+std::function<void()> onLookAtReservation; ///< once, before it is held against what was made
+std::function<int()> onReplacement;        ///< before something is renamed over it; an error that it fails with, or 0
+
+} // namespace
+
+/// These stand before the C library's.
+int lstat(const char *path, struct stat *facts) noexcept {
+  const bool isThere = ::syscall(SYS_access, path, F_OK) == 0; // first it is asked whether the name is free
+  if (const auto look = isThere ? std::exchange(onLookAtReservation, nullptr) : nullptr) look();
+  return ::fstatat(AT_FDCWD, path, facts, AT_SYMLINK_NOFOLLOW);
+}
+int rename(const char *from, const char *to) noexcept {
+  errno = onReplacement && ::syscall(SYS_access, to, F_OK) == 0 ? onReplacement() : 0;
+  return errno != 0 ? -1 : static_cast<int>(::syscall(SYS_rename, from, to));
+}
 
 namespace {
 
@@ -49,6 +72,7 @@ TEST_P(UnpublishedFileTest, hasNoNameUntilPublishedAndNeverOverwrites) {
   const auto usersMask = ::umask(027);
   auto file = written("ours");
   ::umask(usersMask);
+  file.setDates(QDateTime::fromMSecsSinceEpoch(-1500));
   EXPECT_EQ(entries({}), QStringList{u"a.jpg"_s});
   EXPECT_EQ(file.publish(folder.filePath(u"a.jpg"_s)), UnpublishedFile::Publish::NameTaken);
   EXPECT_EQ(file.publish(folder.filePath(u"b.jpg"_s)), UnpublishedFile::Publish::NameTaken) << "a link to nowhere";
@@ -58,10 +82,30 @@ TEST_P(UnpublishedFileTest, hasNoNameUntilPublishedAndNeverOverwrites) {
   EXPECT_EQ(contentOf(folder.filePath(u"a.jpg"_s)), "the user's");
   const QString ours = folder.filePath(u"c.jpg"_s);
   EXPECT_EQ(contentOf(ours), "ours");
-  EXPECT_TRUE(platform::setFileDates(ours, QDateTime::fromMSecsSinceEpoch(-1500)));
   EXPECT_EQ(QFileInfo(ours).lastModified().toMSecsSinceEpoch(), -1500) << "also before 1970";
   const auto ofOthers = QFile::ReadGroup | QFile::WriteGroup | QFile::ReadOther | QFile::WriteOther;
   EXPECT_EQ(QFile::permissions(ours) & ofOthers, QFile::ReadGroup) << "the user's mask holds";
+}
+
+TEST_P(UnpublishedFileTest, isHeldAgainstFilesByTheirBytes) {
+  const QByteArray large(600'000, 'x');
+  const auto file = written(large + '1');
+  const std::pair<QByteArray, bool> contents[] = {
+      {large + '1', true}, {large + '2', false}, {large, false}, {large + "1x", false}};
+  const QString path = folder.filePath(u"a"_s);
+  const QString pipe = folder.filePath(u"pipe"_s);
+  for (const auto &[content, isSame] : contents) {
+    writeFile(path, content);
+    EXPECT_EQ(file.isSameAs(path, [] { return false; }), isSame);
+  }
+  writeFile(path, large + '1');
+  ASSERT_TRUE(QFile::link(path, folder.filePath(u"link"_s))
+              && ::mkfifo(QFile::encodeName(pipe).constData(), 0600) == 0);
+  for (const QString &other : {folder.filePath(u"link"_s), pipe, folder.path(), folder.filePath(u"none"_s)})
+    EXPECT_FALSE(file.isSameAs(other, [] { return false; })) << other.toStdString();
+  int pieces = 0;
+  EXPECT_FALSE(file.isSameAs(path, [&] { return ++pieces == 2; }));
+  EXPECT_EQ(pieces, 2) << "it ends between pieces";
 }
 
 TEST_P(UnpublishedFileTest, leavesNothingWhenDiscardedAndSaysWhyItCannotBePublished) {
@@ -85,6 +129,7 @@ TEST(UnpublishedFiles, makeDoWithWhatTheFileSystemKnows) {
   using Fault = std::optional<platform::FileFault>;
   const RefusedCall noUnnamed{SYS_openat, EOPNOTSUPP, 2, O_TMPFILE};
   const RefusedCall noLink{SYS_link, EPERM};
+  const RefusedCall noFlag{SYS_renameat2, EINVAL};
   const std::tuple<std::vector<RefusedCall>, bool, Fault> cases[] = {
       {{noUnnamed}, true, {}},
       {{{SYS_openat, EISDIR, 2, O_TMPFILE}}, true, {}},
@@ -92,9 +137,14 @@ TEST(UnpublishedFiles, makeDoWithWhatTheFileSystemKnows) {
       {{{SYS_openat, EACCES, 2, O_TMPFILE}}, false, platform::FileFault::Other},
       {{{SYS_openat, ENOSPC, 2, O_TMPFILE}}, false, platform::FileFault::DiskFull},
       {{noUnnamed, noLink}, true, {}},
-      {{noUnnamed, {SYS_renameat2, EINVAL}}, true, {}},
+      {{noUnnamed, noFlag}, true, {}},
       {{noUnnamed, {SYS_renameat2, ENOSYS}}, true, {}},
-      {{noUnnamed, {SYS_renameat2, EINVAL}, noLink}, false, platform::FileFault::Other},
+      {{noUnnamed, {SYS_renameat2, EOPNOTSUPP}, {SYS_link, ENOSYS}}, true, {}},
+      {{noUnnamed, noFlag, noLink}, true, {}},
+      {{noUnnamed, noFlag, noLink, {SYS_rename, EIO}}, false, platform::FileFault::Other},
+      {{{SYS_linkat, ENAMETOOLONG}}, false, {}},
+      {{{SYS_linkat, EINVAL}}, false, {}},
+      {{{SYS_linkat, ENOENT}}, false, {}}, // the folder is there
       {{noUnnamed, {SYS_renameat2, EACCES}}, false, platform::FileFault::Other},
       {{{SYS_linkat, EDQUOT}}, false, platform::FileFault::DiskFull},
       {{{SYS_fdatasync, EIO}}, false, platform::FileFault::Other},
@@ -104,15 +154,86 @@ TEST(UnpublishedFiles, makeDoWithWhatTheFileSystemKnows) {
   for (std::size_t row = 0; const auto &[refused, isPublished, fault] : cases) {
     SCOPED_TRACE(row++);
     const QTemporaryDir folder;
+    writeFile(folder.filePath(u"taken"_s), {});
     const auto tryIt = [&] {
       auto file = UnpublishedFile::create(folder.path());
       const bool isReady = file.write("x", 1) && file.sync();
+      EXPECT_TRUE(!isPublished || file.publish(folder.filePath(u"taken"_s)) == NameTaken);
       EXPECT_EQ(isReady && file.publish(folder.filePath(u"a"_s)) == Published, isPublished);
       EXPECT_EQ(file.fault(), fault);
     };
     if (!withRefusedCalls(refused, tryIt)) GTEST_SKIP() << "this kernel refuses nothing on order";
-    EXPECT_EQ(QDir(folder.path()).entryList(QDir::Files | QDir::Hidden),
-              isPublished ? QStringList{u"a"_s} : QStringList());
+    EXPECT_EQ(filesBelow(folder.path()), isPublished ? (QStringList{u"a"_s, u"taken"_s}) : QStringList{u"taken"_s});
+    EXPECT_EQ(contentOf(folder.filePath(u"a"_s)), isPublished ? "x" : "");
+    EXPECT_EQ(contentOf(folder.filePath(u"taken"_s)), "");
+  }
+}
+
+constexpr int kSystemRefuses = 77;
+
+/// Where nothing but a reservation keeps from overwriting.
+struct Reservation : testing::Test {
+  [[nodiscard]] bool publish(UnpublishedFile::Publish expected) const {
+    return withRefusedCalls({{SYS_openat, EOPNOTSUPP, 2, O_TMPFILE}, {SYS_renameat2, EINVAL}, {SYS_link, EPERM}}, [&] {
+      auto file = UnpublishedFile::create(folder.path());
+      EXPECT_TRUE(file.write("x", 1) && file.sync());
+      EXPECT_EQ(file.publish(path), expected);
+    });
+  }
+  const QTemporaryDir folder;
+  const QString path = folder.filePath(u"a.jpg"_s);
+};
+
+TEST_F(Reservation, isLeftToWhoeverPutsAFileThere) {
+  const std::pair<bool, QByteArray> cases[] = {{true, "the user's"}, {false, "the user's"}, {true, ""}};
+  for (const auto &[isReplaced, content] : cases) {
+    const QString others = folder.filePath(u"others"_s);
+    writeFile(others, content); // now: so that it is another file for sure
+    onLookAtReservation = [&] {
+      EXPECT_TRUE(!isReplaced || (QFile::remove(path) && QFile::rename(others, path)));
+      if (!isReplaced) writeFile(path, content);
+    };
+    if (!publish(UnpublishedFile::Publish::Failed)) GTEST_SKIP() << "this kernel refuses nothing on order";
+    QFile::remove(others);
+    EXPECT_EQ(filesBelow(folder.path()), QStringList{u"a.jpg"_s});
+    EXPECT_EQ(contentOf(path), content);
+    EXPECT_TRUE(QFile::remove(path));
+  }
+}
+
+TEST_F(Reservation, goesWhenItIsOfNoUse) {
+  for (const int error : {EIO, EEXIST}) {
+    onReplacement = [&] { return error; };
+    if (!publish(UnpublishedFile::Publish::Failed)) GTEST_SKIP() << "this kernel refuses nothing on order";
+    EXPECT_THAT(filesBelow(folder.path()), testing::IsEmpty());
+  }
+}
+
+TEST_F(Reservation, isSweptWithItsFileAfterAKill) {
+  writeFile(folder.filePath(u"empty.jpg"_s), {});
+  const pid_t child = ::fork();
+  if (child == 0) {
+    onReplacement = []() -> int { ::_exit(0); };
+    ::_exit(publish(UnpublishedFile::Publish::Published) ? 1 : kSystemRefuses);
+  }
+  int status = -1;
+  ASSERT_EQ(::waitpid(child, &status, 0), child);
+  if (WEXITSTATUS(status) == kSystemRefuses) GTEST_SKIP() << "this kernel refuses nothing on order";
+  ASSERT_EQ(status, 0);
+  const QStringList left = filesBelow(folder.path());
+  ASSERT_EQ(left.size(), 3) << "a reservation and its file";
+
+  // A process looks once into a folder, so each case has one of its own.
+  const std::tuple<bool, QByteArray, QStringList> cases[] = {
+      {true, {}, left}, {false, "the user's", left.mid(1)}, {false, {}, {u"empty.jpg"_s}}};
+  for (const auto &[isBusy, content, remaining] : cases) {
+    const QTemporaryDir copy;
+    for (const QString &name : left)
+      writeFile(copy.filePath(name), name == u"a.jpg" ? content : QByteArray());
+    QFile file(copy.filePath(left.first()));
+    ASSERT_TRUE(file.open(QFile::ReadWrite) && (!isBusy || ::flock(file.handle(), LOCK_EX) == 0));
+    EXPECT_FALSE(UnpublishedFile::create(copy.path(), UnpublishedFile::Naming::Hidden).fault());
+    EXPECT_EQ(filesBelow(copy.path()), remaining);
   }
 }
 
@@ -123,21 +244,41 @@ TEST(HiddenFiles, areSweptOnceTheirWriterIsGone) {
   for (const QString &path : {dead, busy.fileName(), folder.filePath(u"other.part"_s)})
     writeFile(path, "x");
   ASSERT_TRUE(busy.open(QFile::ReadWrite) && ::flock(busy.handle(), LOCK_EX) == 0);
-  const auto file = UnpublishedFile::create(folder.path(), UnpublishedFile::Naming::Hidden);
+  const auto create = [&] { return UnpublishedFile::create(folder.path(), UnpublishedFile::Naming::Hidden); };
+  EXPECT_FALSE(create().fault());
   EXPECT_FALSE(QFile::exists(dead));
-  EXPECT_TRUE(!file.fault() && busy.exists() && QFile::exists(folder.filePath(u"other.part"_s)));
+  EXPECT_TRUE(busy.exists() && QFile::exists(folder.filePath(u"other.part"_s)));
+  writeFile(dead, "x");
+  EXPECT_FALSE(create().fault());
+  EXPECT_TRUE(QFile::exists(dead)) << "a folder is looked through once";
 }
 
-constexpr int kMayNotMount = 77;
+TEST(FileNames, becomePlainerStepByStep) {
+  const std::tuple<QString, QString, QString> cases[] = {
+      {u"a b.c.JPG"_s, u"a b.c.JPG"_s, u"a b.c.JPG"_s},
+      {u"é\"*:<>?\\|\t\x7f.JPG"_s, u"é__________.JPG"_s, u"___________.JPG"_s},
+      {u" Birds. ."_s, u" Birds"_s, u" Birds"_s},
+      {u". ."_s, u"_"_s, u"_"_s},
+      {u"nul.JPG"_s, u"_nul.JPG"_s, u"_nul.JPG"_s},
+      {u"COM1"_s, u"_COM1"_s, u"_COM1"_s},
+      {u"nullify.con"_s, u"nullify.con"_s, u"nullify.con"_s},
+      {u"写真.JPG"_s, u"__.JPG"_s, u"__.JPG"_s},
+  };
+  for (const auto &[name, first, last] : cases) {
+    EXPECT_EQ(platform::plainerName(name), first);
+    EXPECT_EQ(platform::plainerName(first), last);
+  }
+}
+
 constexpr char kPlace[] = "/media"; // where desktops mount
 
 /// In a process of its own, whose mounts nobody else sees.
 [[noreturn]] void mountAndLook() {
   const auto isUnmountable = [] { return platform::fileSystemInfo(QString::fromLatin1(kPlace))->unmountable; };
   const bool apart = ::unshare(CLONE_NEWNS) == 0 || ::unshare(CLONE_NEWUSER | CLONE_NEWNS) == 0;
-  if (!apart || ::mount(nullptr, "/", nullptr, MS_REC | MS_PRIVATE, nullptr) != 0) ::_exit(kMayNotMount);
+  if (!apart || ::mount(nullptr, "/", nullptr, MS_REC | MS_PRIVATE, nullptr) != 0) ::_exit(kSystemRefuses);
   const bool before = isUnmountable();
-  if (::mount("a-new-disk", kPlace, "tmpfs", 0, nullptr) != 0) ::_exit(kMayNotMount);
+  if (::mount("a-new-disk", kPlace, "tmpfs", 0, nullptr) != 0) ::_exit(kSystemRefuses);
   const bool mounted = isUnmountable();
   ::umount(kPlace);
   ::_exit(!before && mounted && !isUnmountable() ? 0 : 1);
@@ -147,8 +288,8 @@ TEST(Volumes, areLookedAtAnewWhenOneIsMountedOrTakenAway) {
   GTEST_FLAG_SET(death_test_style, "threadsafe");
   int status = -1;
   EXPECT_EXIT(
-      mountAndLook(), [&](int ended) { return (status = WEXITSTATUS(ended)) == 0 || status == kMayNotMount; }, "");
-  if (status == kMayNotMount) GTEST_SKIP() << "this system lets nobody mount";
+      mountAndLook(), [&](int ended) { return (status = WEXITSTATUS(ended)) == 0 || status == kSystemRefuses; }, "");
+  if (status == kSystemRefuses) GTEST_SKIP() << "this system lets nobody mount";
 }
 
 TEST(FileIdentity, tellsAFileFromOthersFromLinksToItAndFromItsOtherStates) {
@@ -156,7 +297,9 @@ TEST(FileIdentity, tellsAFileFromOthersFromLinksToItAndFromItsOtherStates) {
   const auto identityOf = [&](const QString &name) { return platform::fileIdentity(folder.filePath(name)); };
   const auto written = [&](const QString &name, const QByteArray &content, qint64 date = 1'700'000'000'500) {
     writeFile(folder.filePath(name), content);
-    EXPECT_TRUE(platform::setFileDates(folder.filePath(name), QDateTime::fromMSecsSinceEpoch(date)));
+    QFile file(folder.filePath(name));
+    EXPECT_TRUE(file.open(QFile::ReadWrite));
+    EXPECT_TRUE(file.setFileTime(QDateTime::fromMSecsSinceEpoch(date), QFile::FileModificationTime));
     return identityOf(name);
   };
   const auto identity = written(u"a.jpg"_s, "same");

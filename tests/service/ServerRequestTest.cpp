@@ -1,6 +1,7 @@
 #include "log/KaLogUtility.h"
 #include "service/KaApplicationConstants.h"
 #include "service/LoopbackHost.h"
+#include "service/SaveOrder.h"
 #include "tests/log/LogFile.h"
 #include "tests/service/ServiceFixture.h"
 
@@ -34,7 +35,7 @@ TEST_F(ServerRequest, tellsWhatAStatusMeansForEveryKindOfRequest) {
     EXPECT_EQ(stored.content, state == There ? "<a/>" : "");
     const ObjectHead head = request.headAWSS3Object(by, imageKey);
     EXPECT_EQ(std::tuple(head.result, head.isThere, head.statusCode), std::tuple(result, state == There, status));
-    const SavedObject saved = request.getAwsS3Preview(object, by, picture(u"default.JPG"_s), u"a.JPG"_s);
+    const SavedObject saved = request.getAwsS3Preview(object, by, {picture(u"default.JPG"_s), 4}, u"a.JPG"_s);
     EXPECT_EQ(saved.result, state == Missing ? ObjectMissing : result);
     EXPECT_EQ(savedFiles().size(), state == There ? 1 : 0);
     EXPECT_EQ(QFile::remove(saved.outputFilePath), state == There);
@@ -73,13 +74,13 @@ TEST_F(Storage, endsAListingAtThePageThatFailsOrComesAgain) {
 TEST_F(Storage, asksForNothingWithoutCredentials) {
   storage.deleteCredential();
   EXPECT_TRUE(storage.expiresWithin(std::chrono::hours(-1)));
-  const QString path = picture(u"default.JPG"_s);
+  const SaveOrder order{picture(u"default.JPG"_s)};
   const auto ignore = [](const ListingPage &) {};
   for (const KaResultCode result :
        {storage.listDevices(u"a/"_s, ignore).result, storage.listObjects(u"a/"_s, {}, ignore).result,
         storage.document(imageKey).result, storage.previewList(u"user"_s).result, storage.head(imageKey).result,
-        storage.checkObjectTagIs10GStorage(imageKey).result, storage.save(imageKey, path).result,
-        storage.savePreview(imageKey, path, u"a"_s).result})
+        storage.checkObjectTagIs10GStorage(imageKey).result, storage.save(imageKey, order).result,
+        storage.savePreview(imageKey, order, u"a"_s).result})
     EXPECT_EQ(result, LinkInvalid);
   EXPECT_TRUE(service.requests().isEmpty());
 }
