@@ -44,7 +44,7 @@ KaResultCode KaDownloadRun::perform(bool notifyUserOfUpdate) {
   if (opening == Opening::Stopped) return result;
   if (opening == Opening::Ready) result = downloadUntilNothingIsNew(notifyUserOfUpdate);
   saveRecord(KaTargetStorage::Days30);
-  if (!isOn(option.checkBox10GDownload) || with.session.isOver()) return result;
+  if (!isOn(option.checkBox10GDownload) || !offers10GStorage || with.session.isOver()) return result;
   if (with.session.lastRefresh() != KaRefresh::Succeeded) return result;
   return takeLongTermStorage(notifyUserOfUpdate);
 }
@@ -274,10 +274,8 @@ void KaDownloadRun::tellSettings(const KaServiceSettings &settings, bool notifyU
   const bool isNewer =
       settings.latestVersion && isLaterVersion(*settings.latestVersion, platform::appInfo().shortVersion);
   if (notifyUserOfUpdate && isNewer) tellResult(KaResultCode::NewVersionReleased, /*userTrigger=*/false);
-  if (settings.offers10GStorage || with.session.isLinkOver()) return;
-  KaDownloadOption changed = with.delegate.downloadOption();
-  changed.checkBox10GDownload = u"false"_s;
-  with.delegate.setDownloadOption(changed);
+  offers10GStorage = settings.offers10GStorage;
+  with.session.tell([&] { with.delegate.setOffers10GStorage(offers10GStorage); });
 }
 
 void KaDownloadRun::tellInitialAccess() {

@@ -98,5 +98,6 @@ private:
 
   const Parts with;
   const platform::ThreadBound thread;
-  KaDownloadOption option; ///< read anew with every listing: the service may have changed it
+  KaDownloadOption option;      ///< read anew with every listing: the user may have changed it
+  bool offers10GStorage = true; ///< by the service's settings, as they were last read
 };

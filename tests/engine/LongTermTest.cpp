@@ -171,7 +171,7 @@ INSTANTIATE_TEST_SUITE_P(
         Branch{"tokenFails", {second(Endpoint::RefreshToken, {.status = 503})}, u"|result 17"_s, 0, {}, {}},
         Branch{"credentialsFail", {second(Endpoint::Sts, {.status = 403})}, kRefused, 0},
         Branch{"reportRefused", {kImage, fault(Endpoint::LogEvents, {.status = 500})}, kOne},
-        Branch{"switchedOffByTheService", {kImage, kNoSettings}, {}, 0, {}, {}}),
+        Branch{"notOfferedByTheService", {kImage, kNoSettings}, {}, 0, {}, {}}),
     [](const auto &row) { return row.param.name; });
 
 TEST_F(LongTerm, isTakenIntoItsOwnFolderAndBookedApart) {
@@ -185,6 +185,25 @@ TEST_F(LongTerm, isTakenIntoItsOwnFolderAndBookedApart) {
   const auto records = delegate.answers().records;
   EXPECT_EQ(records[kUser + u"_(10G)"_s].ContentIds, QStringList{u"A"_s});
   EXPECT_EQ(records[kUser + u"_(2K)"_s], (KaDownloadData{QString(), {u"3"_s}}));
+}
+
+TEST_F(LongTerm, isTakenAgainOnceTheServiceOffersItAgain) {
+  kImage(service);
+  kNoSettings(service);
+  ASSERT_TRUE(run());
+  const auto askUntil = [&](const QString &event) {
+    return waitFor([&] {
+      processor->getContentsNow();
+      return delegate.events().contains(event);
+    });
+  };
+  service.order(Endpoint::SettingsObject, {.kind = Fault::Kind::Body, .body = "{\"isEnable"});
+  ASSERT_TRUE(askUntil(u"result 7 by user"_s));
+  EXPECT_FALSE(delegate.answers().offers10GStorage) << "what is no answer offers nothing";
+  EXPECT_EQ(service.requestCount(Endpoint::ObjectTagging), 0);
+  service.library().setSettingsObject(R"({"isEnableDownload10GStorage":null})");
+  EXPECT_TRUE(askUntil(u"result 2"_s));
+  EXPECT_TRUE(delegate.answers().offers10GStorage);
 }
 
 TEST_F(LongTerm, hasItsNamesOnDiskBeforeItIsBooked) {
