@@ -139,6 +139,14 @@ TEST_F(Processor, tellsWhatTheSettingsSayAlsoWhenALaterStepOfTheListingFails) {
     }
 }
 
+TEST_F(Processor, tellsOfANewVersionOnceAProcessAsSoonAsThatCanBeRead) {
+  addImages("A.JPG"); // so that there are re-checks
+  service.library().setSettingsObject(R"({"kaLatestVersion":"99.0.0"})");
+  service.order(Endpoint::SettingsObject, {.status = 503});
+  ASSERT_TRUE(run() && askUntil(u"result 1"_s) && askUntil(u"result 3 by user"_s));
+  EXPECT_EQ(delegate.events().count(u"result 24"_s), 1);
+}
+
 TEST_F(Processor, reportsTroubleAndChoosesTheWait) {
   for (const auto &[endpoint, fault, event, seconds] :
        {std::tuple(Endpoint::Sts, Fault{.status = 403}, u"result 16"_s, u"1800"_s),
