@@ -18,8 +18,8 @@ QString contentIdLine(const KaPreview &preview) {
   return u"ContentId="_s + preview.preview_object_key;
 }
 
-/// When the picture was taken, else (untold, unreadable, or a time that a change of the clock left out) the hour it was
-/// uploaded in; invalid when neither tells.
+/// When the picture was taken, else (untold or unreadable) the hour it was uploaded in, else now: passed over it would
+/// be shut out by the index of the next one.
 QDateTime dateOf(const KaPreview &preview) {
   if (const auto shot = getDateTimeFromString(preview.shooting_time, KaDateFormat::ShootingTime)) {
     KaLogUtility::writeConnectionResultLog(KaLogStep::GetExif, true,
@@ -28,7 +28,8 @@ QDateTime dateOf(const KaPreview &preview) {
   }
   KaLogUtility::writeConnectionResultLog(KaLogStep::GetExif, false,
                                          {contentIdLine(preview), u"UploadTime="_s + preview.upload_time});
-  return uploadHour(preview.upload_time.section(u'/', 0, 0), preview.upload_time.section(u'/', 1));
+  const QDateTime uploaded = uploadHour(preview.upload_time.section(u'/', 0, 0), preview.upload_time.section(u'/', 1));
+  return uploaded.isValid() ? uploaded : QDateTime::currentDateTime();
 }
 
 } // namespace
@@ -74,10 +75,6 @@ Loop KaPreviewDownload::getOne(const KaPreview &preview, qint64 childFolder, KaP
 Loop KaPreviewDownload::saveByDate(const KaPreview &preview, qint64 childFolder, KaPass &pass) {
   const QDateTime date = dateOf(preview);
   if (pass.isOver()) return Loop::Stop;
-  if (!date.isValid()) {
-    KaLogUtility::writeInfoLog(u"GetPreview"_s, {u"Without a date it is passed over."_s, contentIdLine(preview)});
-    return Loop::GoOn;
-  }
   const QString folder = pass.parentFolder() + getOutputDateFolderString(date, childFolder);
   if (!pass.makeFolder(folder)) {
     KaLogUtility::writeErrorLog(u"ERR_DOWNLOAD : Create outputFolder failed"_s);

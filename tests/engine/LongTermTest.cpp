@@ -264,7 +264,7 @@ protected:
   KaPreviewDownload &preview = parts.preview;
 };
 
-TEST_F(Preview, isDatedByShootingTimeOrUploadHour) {
+TEST_F(Preview, isDatedByShootingTimeOrUploadHourOrToday) {
   qputenv("TZ", "JST-9");
   tzset();
   previews(3)(service);
@@ -276,6 +276,26 @@ TEST_F(Preview, isDatedByShootingTimeOrUploadHour) {
   EXPECT_EQ(modified(u"2024_05_01/1.JPG"_s), 1714573800); // 14:30 UTC: local time, not moved
   EXPECT_EQ(modified(u"2024_06_01/3.JPG"_s), 1717225200); // 07:00 UTC
   EXPECT_TRUE(logged(u"[OK] 009: Download"_s).first().startsWith(u"[OK] 009: Download|Index=1|FilePath="_s));
+
+  previews(4)(service);
+  service.order(Endpoint::PreviewList, {.kind = Fault::Kind::Body, .body = list({entry(4, "\"soon\"")})});
+  const QDateTime now = QDateTime::currentDateTime();
+  EXPECT_EQ(take().savedCount, 1U);
+  const QFileInfo undated(path(files().filter(u"/4.JPG"_s).value(0)));
+  EXPECT_GE(undated.lastModified(), now.addSecs(-1));
+  EXPECT_EQ(undated.dir().dirName(), undated.lastModified().toString(u"yyyy_MM_dd"_s));
+}
+
+TEST(ShootingTime, keepsTheDayOnWhichTheClocksLeaveItOut) {
+  for (const auto &[zone, shot, filed] :
+       {std::tuple("CET-1CEST,M3.5.0,M10.5.0/3", u"2024-03-31T02:30:00"_s, u"2024-03-31 03:30"_s),
+        {"CST5CDT,M3.2.0/0,M11.1.0/1", u"2024-03-10T00:30:00"_s, u"2024-03-10 01:30"_s},         // at midnight
+        {"<-02>2<-01>,M3.5.0/-1,M10.5.0/0", u"2024-03-30T23:30:00"_s, u"2024-03-30 22:30"_s}}) { // up to it
+    qputenv("TZ", zone);
+    tzset();
+    const auto date = getDateTimeFromString(shot, KaDateFormat::ShootingTime);
+    EXPECT_EQ(date ? date->toString(u"yyyy-MM-dd HH:mm") : QString(), filed) << zone;
+  }
 }
 
 struct Trouble {
@@ -314,7 +334,6 @@ using enum KaResultCode;
 const QByteArray kTime = "\"2024-05-01T10:00:00\"";
 const QByteArrayList kTooLarge{entry(1, kTime, Q_INT64_C(1) << 60), entry(2, kTime)};
 const QByteArrayList kNoFolder{entry(1, "\"2024-05-09T10:00:00\""), entry(2, kTime)};
-const QByteArrayList kNoDate{entry(1, "\"\"", 700, "20249901/10"), entry(2, kTime)};
 const Fault kCut{.kind = Fault::Kind::Body, .body = kPreview.chopped(1), .times = 8};
 
 INSTANTIATE_TEST_SUITE_P(
@@ -324,8 +343,7 @@ INSTANTIATE_TEST_SUITE_P(
                     Trouble{"failureEnds", kSecondPreviewRefused, LinkInvalid, u"1"_s, 2},
                     Trouble{"noRoomCarriedOver", listed(kTooLarge), DiskFull, {}},
                     Trouble{"noFolderCarriedOver", listed(kNoFolder), FileNotSaved, {}},
-                    Trouble{"unusableFolder", [](Service &) {}, FileNotSaved, {}, 0, FolderNotSupported},
-                    Trouble{"noDatePassedOver", listed(kNoDate), Success, u"2"_s, 1}),
+                    Trouble{"unusableFolder", [](Service &) {}, FileNotSaved, {}, 0, FolderNotSupported}),
     [](const auto &row) { return row.param.name; });
 
 TEST_F(Preview, forgetsAListThatIsGoneAndKeepsOneThatIsRefused) {
