@@ -9,6 +9,8 @@
 #include "platform/FileDates.h"
 #include "service/KaStorage.h"
 
+#include <utility>
+
 using namespace Qt::StringLiterals;
 using Loop = KaPass::Loop;
 
@@ -36,26 +38,28 @@ QDateTime dateOf(const KaPreview &preview) {
 
 KaResultCode KaPreviewDownload::getPreviewList() {
   thread.check();
-  const StoredDocument list = with.storage.previewList(with.bookkeeping.account());
-  if (list.state == StoredDocument::State::Failed) {
-    KaLogUtility::writeInfoLog(u"GetPreviewList FAILURE"_s, {httpLine(list.statusCode)});
-    return list.result;
+  PreviewList list;
+  const StoredDocument document =
+      with.storage.previewList(with.bookkeeping.account(),
+                               [&list](const char *bytes, std::size_t count) { return list.takePiece(bytes, count); });
+  const bool isMissing = document.state == StoredDocument::State::Missing;
+  const KaResultCode result = list.fault() != KaResultCode::Success ? list.fault() : document.result;
+  if (result != KaResultCode::Success) {
+    KaLogUtility::writeInfoLog(u"GetPreviewList FAILURE"_s, {httpLine(document.statusCode)});
+    return result;
   }
-  if (list.state == StoredDocument::State::Missing) {
-    previews.clear();
-    KaLogUtility::writeInfoLog(u"GetPreviewList SUCCESS"_s, {httpLine(list.statusCode)});
-    return KaResultCode::Success;
-  }
-  previews = withoutTaken(previewsIn(list.content), with.bookkeeping.lastPreview());
-  KaLogUtility::writeInfoLog(u"GetPreviewList SUCCESS"_s, {u"countPreviewList=%1"_s.arg(previews.size())});
+  list.close(with.bookkeeping.lastPreview());
+  previews = std::move(list);
+  KaLogUtility::writeInfoLog(u"GetPreviewList SUCCESS"_s, {isMissing ? httpLine(document.statusCode)
+                                                                     : u"countPreviewList=%1"_s.arg(previews.count())});
   return KaResultCode::Success;
 }
 
 KaPassOutcome KaPreviewDownload::getPreview(const QString &parentFolder, qint64 childFolder) {
   thread.check();
   KaPass pass(with.pass, parentFolder);
-  for (const KaPreview &preview : previews)
-    if (getOne(preview, childFolder, pass) == Loop::Stop) break;
+  const PreviewList list = std::exchange(previews, PreviewList()); // the next pass has a new one
+  list.visit([&](const KaPreview &preview) { return getOne(preview, childFolder, pass) == Loop::GoOn; });
   return pass.outcome();
 }
 

@@ -33,7 +33,9 @@ public:
   /// @name S3 through presigned URLs. NoHttpStatus whenever no status arrived.
   /// @{
   [[nodiscard]] ServerAnswer getAwsS3KeyList(const QString &url, const KaCredential &credential);
-  [[nodiscard]] ServerAnswer getAwsPreviewlList(const QString &url, const KaCredential &credential);
+  /// @p take gets the body of a list that is there, however long; the answer has none then. Refusing it gives Offline.
+  [[nodiscard]] ServerAnswer getAwsPreviewlList(const QString &url, const KaCredential &credential,
+                                                const KaHttpTransfer::BodySink &take);
   /// Saves the object beside @p defaultFilePath under its own name, or under that path with DefaultFileName when it
   /// carries none; an existing file is never touched. FileNotSaved, or DiskFull when the disk fills up meanwhile;
   /// ObjectMissing for an object that is not there. Nothing is on disk unless an output path is returned.
@@ -78,8 +80,10 @@ private:
   [[nodiscard]] static KaResultCode resultOf(const HttpAnswer &answer);
   /// The same for an object that is to be saved, its body counted.
   [[nodiscard]] static KaResultCode objectResultOf(const HttpAnswer &answer);
-  [[nodiscard]] ServerAnswer exchange(const HttpRequest &request, EmptyBody emptyBody = EmptyBody::IsNoBody);
-  [[nodiscard]] ServerAnswer presignedList(const QString &url, const KaCredential &credential);
+  [[nodiscard]] ServerAnswer exchange(const HttpRequest &request, EmptyBody emptyBody = EmptyBody::IsNoBody,
+                                      const KaHttpTransfer::BodySink &take = {});
+  [[nodiscard]] ServerAnswer presignedList(const QString &url, const KaCredential &credential,
+                                           const KaHttpTransfer::BodySink &take = {});
   [[nodiscard]] SavedObject saveObject(const QString &url, const KaCredential &credential,
                                        const QString &defaultFilePath, const NameOf &nameOf);
 

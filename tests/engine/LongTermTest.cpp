@@ -1,11 +1,13 @@
 #include "engine/KaDownloadReport.h"
 #include "tests/engine/EngineFixture.h"
+#include "tests/support/RefusedCalls.h"
 
 #include <QDir>
 #include <QFileInfo>
 #include <QJsonDocument>
 #include <QJsonObject>
 
+#include <malloc.h>
 #include <sys/stat.h>
 #include <sys/syscall.h>
 #include <unistd.h>
@@ -349,29 +351,77 @@ INSTANTIATE_TEST_SUITE_P(
 TEST_F(Preview, forgetsAListThatIsGoneAndKeepsOneThatIsRefused) {
   previews(2)(service);
   ASSERT_EQ(parts.open(), KaResultCode::Success);
-  for (const auto &[fault, result, left] : {std::tuple(Fault{.status = 403}, KaResultCode::LinkInvalid, 2U),
+  for (const auto &[fault, result, left] : {std::tuple(Fault{.status = 403}, KaResultCode::LinkInvalid, 2),
                                             {{.status = 404}, KaResultCode::Success, 0},
                                             {{.kind = Fault::Kind::MalformedBody}, KaResultCode::Success, 0}}) {
     EXPECT_EQ(preview.getPreviewList(), KaResultCode::Success);
-    EXPECT_EQ(preview.previewList().size(), 2U);
+    EXPECT_EQ(preview.previewList().count(), 2);
     service.order(Endpoint::PreviewList, fault);
     EXPECT_EQ(preview.getPreviewList(), result);
-    EXPECT_EQ(preview.previewList().size(), left);
+    EXPECT_EQ(preview.previewList().count(), left);
   }
+  qputenv("TMPDIR", "/proc"); // which takes no file
+  EXPECT_EQ(preview.getPreviewList(), KaResultCode::FileNotSaved);
+}
+
+/// In bytes, of the whole process.
+std::size_t memoryInUse() {
+  const struct mallinfo2 now = ::mallinfo2();
+  return now.uordblks + now.hblkhd;
+}
+
+TEST_F(Preview, holdsNoListInMemoryHoweverLong) {
+  constexpr int kCount = 300'000;
+  QByteArrayList entries;
+  for (int index = 1; index <= kCount; ++index)
+    entries << entry(index, kTime, 1, QByteArray(100, '0'));
+  const QByteArray document = list(std::exchange(entries, {}));
+  ASSERT_GT(document.size(), 64 * 1024 * 1024) << "what a body in memory may have";
+  ASSERT_EQ(parts.open(), KaResultCode::Success);
+  service.order(Endpoint::PreviewList, {.kind = Fault::Kind::Body, .body = document});
+  const std::size_t before = memoryInUse();
+  EXPECT_EQ(preview.getPreviewList(), KaResultCode::Success);
+  EXPECT_EQ(preview.previewList().count(), kCount);
+  // The service's own copies go a little later. A sanitizer keeps no such account.
+  EXPECT_TRUE(waitFor([&] { return memoryInUse() <= before + 1024 * 1024; }));
+  service.order(Endpoint::PreviewObject, {.status = 403});
+  EXPECT_EQ(preview.getPreview(folder10G, 0).result, LinkInvalid);
+  EXPECT_TRUE(preview.previewList().empty());
 }
 
 TEST(PreviewList, keepsWhatIsWholeAndNewAtTheFront) {
   const auto indices = [](const QByteArray &document, qint64 threshold) {
+    PreviewList previews;
+    EXPECT_TRUE(previews.takePiece(document.constData(), std::size_t(document.size())));
+    previews.close(threshold);
     QString text;
-    for (const KaPreview &preview : withoutTaken(previewsIn(document), threshold))
+    previews.visit([&](const KaPreview &preview) {
       text += QString::number(preview.index) + u' ';
+      return preview.index != 8; // enough
+    });
     return text;
   };
   const auto odd = [](const QByteArray &index) { return entry(1, "\"\"").replace(":1,", ':' + index + ','); };
   EXPECT_EQ(indices(list({entry(1, kTime), entry(2, kTime), entry(1, kTime), entry(3, "null")}), 1), u"2 1 3 ");
   EXPECT_EQ(indices(list({odd("9007199254740993")}), 9007199254740992), u"9007199254740993 ");
   EXPECT_EQ(indices(list({"7", "{}", odd("\"1\""), odd("1.5"), entry(4, "5"), entry(5, kTime), odd("null")}), 0),
-            u"5 ");
+            u"4 5 ");
+  const QByteArray two = list({entry(8, kTime), entry(9, kTime)});
+  EXPECT_EQ(indices(two, 0), u"8 ");
+  for (const QByteArray &bad : {two.chopped(1), two + '}', '[' + two + ']', "{\"a\":" + two + '}'})
+    EXPECT_EQ(indices(bad, 0), u"") << bad.constData();
+}
+
+TEST(PreviewList, saysWhyItCannotBeKept) {
+  const auto fault = [](PreviewList list) {
+    EXPECT_FALSE(list.takePiece("{}", 2));
+    return list.fault();
+  };
+  EXPECT_EQ(fault(PreviewList(1)), NoBody);
+  for (const auto &[call, error, result] :
+       {std::tuple(SYS_write, ENOSPC, DiskFull), {SYS_write, EIO, FileNotSaved}, {SYS_openat, EROFS, FileNotSaved}})
+    if (!withRefusedCalls({{call, error}}, [&] { EXPECT_EQ(fault(PreviewList()), result) << call << error; }))
+      GTEST_SKIP() << "the kernel refuses nothing on order";
 }
 
 TEST(DownloadReport, isTheTextThatTheLogServiceKnows) {
