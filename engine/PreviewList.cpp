@@ -67,7 +67,7 @@ public:
   }
   bool binary(binary_t &) override { return leaf(); }
   bool key(string_t &name) override {
-    if (depth == 1) dataIsNext = name == "data";
+    dataIsNext = name == "data";
     if (!isData || depth != kInEntry) return true;
     // Of a member that is there twice the last one counts.
     for (const auto &[known, member] : kNumbers)

@@ -404,11 +404,14 @@ TEST(PreviewList, keepsWhatIsWholeAndNewAtTheFront) {
   const auto odd = [](const QByteArray &index) { return entry(1, "\"\"").replace(":1,", ':' + index + ','); };
   EXPECT_EQ(indices(list({entry(1, kTime), entry(2, kTime), entry(1, kTime), entry(3, "null")}), 1), u"2 1 3 ");
   EXPECT_EQ(indices(list({odd("9007199254740993")}), 9007199254740992), u"9007199254740993 ");
-  EXPECT_EQ(indices(list({"7", "{}", odd("\"1\""), odd("1.5"), entry(4, "5"), entry(5, kTime), odd("null")}), 0),
+  EXPECT_EQ(indices(list({"7", "{}", odd("\"1\""), odd("1.5"), entry(4, "5"), entry(5, kTime), odd("null"),
+                          odd("9223372036854775808")}),
+                    0),
             u"4 5 ");
   const QByteArray two = list({entry(8, kTime), entry(9, kTime)});
   EXPECT_EQ(indices(two, 0), u"8 ");
-  for (const QByteArray &bad : {two.chopped(1), two + '}', '[' + two + ']', "{\"a\":" + two + '}'})
+  for (const QByteArray &bad :
+       {two.chopped(1), QByteArray(two).replace("data", "dat"), two + '}', '[' + two + ']', "{\"a\":" + two + '}'})
     EXPECT_EQ(indices(bad, 0), u"") << bad.constData();
 }
 

@@ -143,6 +143,7 @@ TEST_F(Processor, tellsOfANewVersionOnceAProcessAsSoonAsThatCanBeRead) {
   addImages("A.JPG"); // so that there are re-checks
   service.library().setSettingsObject(R"({"kaLatestVersion":"99.0.0"})");
   service.order(Endpoint::SettingsObject, {.status = 503});
+  service.order(Endpoint::SettingsObject, {.kind = Body, .body = "{}"}); // which says nothing of it
   ASSERT_TRUE(run() && askUntil(u"result 1"_s) && askUntil(u"result 3 by user"_s));
   EXPECT_EQ(delegate.events().count(u"result 24"_s), 1);
 }
