@@ -35,11 +35,13 @@ public:
 
   /// @name Settings. Any thread.
   /// @{
-  [[nodiscard]] KaDownloadOption downloadOption() const override;  ///< a consistent snapshot
-  void setDownloadOption(const KaDownloadOption &option) override; ///< saved at once
+  [[nodiscard]] KaDownloadOption downloadOption() const override; ///< a consistent snapshot
+  void setDownloadOption(const KaDownloadOption &option);         ///< saved at once
   [[nodiscard]] QString downloadOptionParentFolder() const;
   [[nodiscard]] QString downloadOptionParent10GFolder() const;
-  [[nodiscard]] QString checkBox10GDownload() const;
+  [[nodiscard]] QString checkBox10GDownload() const; ///< the user's choice, whether the service offers it or not
+  /// Whether the service offers the 10G storage and the previews, by its settings as they were last read; true before.
+  [[nodiscard]] bool offers10GStorage() const { return bOffers10GStorage; }
   [[nodiscard]] QString checkBoxCreateSubfolder() const;
   [[nodiscard]] QString checkBoxDownloadMetadata() const;
   [[nodiscard]] qint64 downloadOptionChildFolder() const;
@@ -67,8 +69,9 @@ public:
   [[nodiscard]] bool saveLedger(const QString &account, KaLedger &ledger) override;
   /// @}
 
-  /// @name Reports, forwarded to the delegate on the caller's thread.
+  /// @name Reports, forwarded to the delegate on the caller's thread but for one.
   /// @{
+  void setOffers10GStorage(bool offers) override { bOffers10GStorage = offers; } ///< kept alone: nobody is told
   void setAppStatus(KaAppStatus status) override;
   void setProcessingResult(KaResultCode result, bool userTrigger) override;
   void setEnableLoggin(bool enable) override;
@@ -131,6 +134,7 @@ private:
   KaLink link;
   bool canKeepFiles = false;   ///< fixed after construction: what the app folder was like at start
   bool hasToldUnsaved = false; ///< main thread: that a login was not stored
+  std::atomic<bool> bOffers10GStorage = true;
   std::atomic<KaDownloadDelegate *> dlDelegate = nullptr;
   platform::Mailbox mailbox;
   /// Main thread, in the order of the callbacks; dropped ones stay until their thread has ended. All end before the

@@ -25,8 +25,7 @@ QStringList strings(const QJsonArray &array) {
   return texts;
 }
 
-KaServiceSettings settingsIn(const QByteArray &document) {
-  const QJsonObject settings = platform::parseJsonObject(document).value_or(QJsonObject());
+KaServiceSettings settingsIn(const QJsonObject &settings) {
   return {.latestVersion = platform::jsonString(settings, "kaLatestVersion"_L1),
           // Its value says nothing: a service without that storage leaves the member out.
           .offers10GStorage = settings.contains("isEnableDownload10GStorage"_L1),
@@ -84,11 +83,15 @@ KaContentListing::Devices KaContentListing::listDevices() {
 
 KaContentListing::SettingsRead KaContentListing::readSettings() {
   const StoredDocument document = with.storage.document(kSettingsKey);
-  if (document.state == StoredDocument::State::Failed) {
+  const bool isMissing = document.state == StoredDocument::State::Missing;
+  const auto object = isMissing ? QJsonObject() : platform::parseJsonObject(document.content);
+  if (!object) {
     KaLogUtility::writeConnectionResultLog(KaLogStep::GetExcludeDeviceList, false, {httpLine(document.statusCode)});
-    return {.result = document.result};
+    // What is there but no object has been cut short or spoilt: it decides nothing.
+    const bool isThere = document.state == StoredDocument::State::There;
+    return {.result = isThere ? KaResultCode::NoBody : document.result};
   }
-  KaServiceSettings settings = settingsIn(document.content);
+  KaServiceSettings settings = settingsIn(*object);
   KaLogUtility::writeConnectionResultLog(KaLogStep::GetExcludeDeviceList, true,
                                          {u"ExcludeDeviceList="_s + settings.applicationAliasIds.join(u',')});
   return {.settings = std::move(settings)};

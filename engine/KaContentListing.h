@@ -53,7 +53,7 @@ public:
 
   /// What a storage holds and the bookkeeping does not. The settings are read unless the storage is the 10G one. Once
   /// the session is over, Success with nothing. @return NoBody, too, for an answer that cannot be parsed or pages that
-  /// go round in circles.
+  /// go round in circles; settings that are missing say nothing.
   /// @param lastDateTime  the upload hour "yyyyMMdd/HH" behind which it begins.
   [[nodiscard]] KaListing getContentsList(KaTargetStorage targetStorage, const QString &lastDateTime);
 

@@ -37,7 +37,7 @@ private:
   void takeUp(const KaLinkSnapshot &with);
   [[nodiscard]] bool awaitNetwork();
   void tellUserOfNoNetwork();
-  void runOnce(bool notifyUserOfUpdate);
+  void runOnce();
   void waitForNextRun();
   [[nodiscard]] bool isNewsDue() const;
 
@@ -113,7 +113,6 @@ void KaDownloadProcessor::Private::downloadThread() {
 
 void KaDownloadProcessor::Private::runUntilEnd() {
   KaLogUtility::writeInfoLog(u"DownloadThread Start"_s);
-  bool notifyUserOfUpdate = true;
   while (!state.endAppFlag) {
     pairingcnd.wait([this] { return state.bStartAsked.load(); });
     if (state.endAppFlag) break;
@@ -121,8 +120,7 @@ void KaDownloadProcessor::Private::runUntilEnd() {
     while (const auto next = nextLink()) {
       takeUp(*next);
       if (!awaitNetwork()) continue;
-      runOnce(notifyUserOfUpdate);
-      notifyUserOfUpdate = false;
+      runOnce();
     }
   }
   pieces.run.saveAllRecords();
@@ -178,11 +176,11 @@ void KaDownloadProcessor::Private::tellUserOfNoNetwork() {
   pieces.session.tell([this] { delegate.setProcessingResult(KaResultCode::Offline, /*userTrigger=*/true); });
 }
 
-void KaDownloadProcessor::Private::runOnce(bool notifyUserOfUpdate) {
+void KaDownloadProcessor::Private::runOnce() {
   KaLogUtility::writeInfoLog(u"Start Monitoring"_s);
   delegate.setEnableLoggin(false);
   state.bNews = false;
-  lastResult = pieces.run.perform(notifyUserOfUpdate);
+  lastResult = pieces.run.perform();
   // What came during a run that had its answers is old.
   if (lastResult == KaResultCode::Success) state.bNews = false;
   // From here on a wish of the user's is one for the next run.

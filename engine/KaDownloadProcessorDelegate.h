@@ -24,7 +24,6 @@ public:
   /// @name Settings
   /// @{
   [[nodiscard]] virtual KaDownloadOption downloadOption() const = 0;
-  virtual void setDownloadOption(const KaDownloadOption &option) = 0;
   [[nodiscard]] virtual KaResultCode verifyDownloadOptionParentFolder(const QString &path) const = 0;
   /// @p builtIn with each wait replaced that the settings override.
   [[nodiscard]] virtual KaWaitTimes loadWaitTimeInfo(KaWaitTimes builtIn) const = 0;
@@ -49,6 +48,9 @@ public:
 
   /// @name Reports
   /// @{
+  /// Whether the service's settings offer the 10G storage now. What the user chose of it stays. Must not call back into
+  /// the link.
+  virtual void setOffers10GStorage(bool offers) = 0;
   virtual void setAppStatus(KaAppStatus status) = 0;
   virtual void setProcessingResult(KaResultCode result, bool userTrigger) = 0;
   virtual void setEnableLoggin(bool enable) = 0;

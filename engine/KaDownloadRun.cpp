@@ -16,6 +16,7 @@
 #include <QDateTime>
 
 #include <chrono>
+#include <utility>
 #include <vector>
 
 using namespace Qt::StringLiterals;
@@ -35,29 +36,29 @@ QString secondsText(std::chrono::milliseconds duration) {
 
 } // namespace
 
-KaResultCode KaDownloadRun::perform(bool notifyUserOfUpdate) {
+KaResultCode KaDownloadRun::perform() {
   thread.check();
   option = with.delegate.downloadOption();
   if (isOn(option.checkBoxCreateSubfolder)) KaLogUtility::writeInfoLog(u"Download CreateSubFolder Enabled"_s);
   if (isOn(option.checkBoxDownloadMetadata)) KaLogUtility::writeInfoLog(u"Download Metadata Enabled"_s);
   with.lookBack.beginRun(with.state.bUserTrigger);
-  const auto result = performBoth(notifyUserOfUpdate);
+  const auto result = performBoth();
   with.lookBack.endRun();
   return result;
 }
 
 /// The ordinary storage, then the others.
-KaResultCode KaDownloadRun::performBoth(bool notifyUserOfUpdate) {
+KaResultCode KaDownloadRun::performBoth() {
   auto [opening, result] = openPass(u"Start 30days Storage Download"_s);
   if (opening == Opening::Stopped) return result;
   if (opening == Opening::Ready) {
     with.bookkeeping.openLedger();
-    result = downloadUntilNothingIsNew(notifyUserOfUpdate);
+    result = downloadUntilNothingIsNew();
   }
   saveRecord(KaTargetStorage::Days30);
-  if (!isOn(option.checkBox10GDownload) || with.session.isOver()) return result;
+  if (!isOn(option.checkBox10GDownload) || !offers10GStorage || with.session.isOver()) return result;
   if (with.session.lastRefresh() != KaRefresh::Succeeded) return result;
-  return takeLongTermStorage(notifyUserOfUpdate);
+  return takeLongTermStorage();
 }
 
 KaDownloadRun::Opened KaDownloadRun::openPass(const QString &title) {
@@ -100,23 +101,23 @@ KaResultCode KaDownloadRun::judged(KaResultCode result) const {
 }
 
 /// A listing, and what the service's settings told on its way, also when a later step of it failed.
-KaListing KaDownloadRun::list(KaTargetStorage targetStorage, bool notifyUserOfUpdate) {
+KaListing KaDownloadRun::list(KaTargetStorage targetStorage) {
   KaListing listing = with.listing.getContentsList(targetStorage, with.bookkeeping.lastDateTime(targetStorage));
   listing.images = with.lookBack.worthAsking(std::move(listing.images), targetStorage);
   listing.result = judged(listing.result);
-  if (listing.settings) tellSettings(*listing.settings, notifyUserOfUpdate);
+  if (listing.settings) tellSettings(*listing.settings);
   if (listing.result == KaResultCode::Success) tellInitialAccess();
   return listing;
 }
 
-KaResultCode KaDownloadRun::downloadUntilNothingIsNew(bool notifyUserOfUpdate) {
+KaResultCode KaDownloadRun::downloadUntilNothingIsNew() {
   ReCheck reCheck;
   while (!reCheck.isDone && !with.session.isOver())
-    reCheck = checkOnce(reCheck, notifyUserOfUpdate);
+    reCheck = checkOnce(reCheck);
   return reCheck.result;
 }
 
-KaDownloadRun::ReCheck KaDownloadRun::checkOnce(ReCheck soFar, bool notifyUserOfUpdate) {
+KaDownloadRun::ReCheck KaDownloadRun::checkOnce(ReCheck soFar) {
   if (soFar.retryCount > 0) {
     KaLogUtility::writeInfoLog(u"Retry CheckImage"_s, {u"RetryCount=%1"_s.arg(soFar.retryCount)});
     // A pass may have lost the credentials, and the wait may have outlasted them.
@@ -125,7 +126,7 @@ KaDownloadRun::ReCheck KaDownloadRun::checkOnce(ReCheck soFar, bool notifyUserOf
       if (opening != Opening::Ready) return {.result = result, .isDone = true};
     }
   }
-  KaListing listing = list(KaTargetStorage::Days30, notifyUserOfUpdate);
+  KaListing listing = list(KaTargetStorage::Days30);
   option = with.delegate.downloadOption();
   soFar.result = listing.result;
   if (soFar.result == KaResultCode::Success && !with.session.isOver())
@@ -225,12 +226,12 @@ void KaDownloadRun::reportPass(const KaPassOutcome &pass, KaDownloadReport::Mome
 }
 
 /// The 10G storage and the previews, which belong together. @return the result of the last pass that ran.
-KaResultCode KaDownloadRun::takeLongTermStorage(bool notifyUserOfUpdate) {
+KaResultCode KaDownloadRun::takeLongTermStorage() {
   const auto [opening, opened] = openPass(u"Start 10G Storage Download"_s);
   KaPassOutcome both{.result = opened};
   if (opening == Opening::Stopped) return opened;
   if (opening == Opening::Ready) {
-    both = takeLongTermContents(notifyUserOfUpdate);
+    both = takeLongTermContents();
     if (both.result == KaResultCode::Success && !with.session.isOver()) {
       const KaPassOutcome previews = takePreviews(both.savedCount);
       both = {.result = previews.result, .savedCount = both.savedCount + previews.savedCount};
@@ -243,8 +244,8 @@ KaResultCode KaDownloadRun::takeLongTermStorage(bool notifyUserOfUpdate) {
   return both.result;
 }
 
-KaPassOutcome KaDownloadRun::takeLongTermContents(bool notifyUserOfUpdate) {
-  const KaListing listing = list(KaTargetStorage::LongTerm10G, notifyUserOfUpdate);
+KaPassOutcome KaDownloadRun::takeLongTermContents() {
+  const KaListing listing = list(KaTargetStorage::LongTerm10G);
   if (listing.result != KaResultCode::Success || with.session.isOver()) return {.result = listing.result};
   if (listing.images.empty()) {
     KaLogUtility::writeInfoLog(u"No Download Target"_s);
@@ -321,14 +322,14 @@ void KaDownloadRun::saveAllRecords() {
   }
 }
 
-void KaDownloadRun::tellSettings(const KaServiceSettings &settings, bool notifyUserOfUpdate) {
-  const bool isNewer =
-      settings.latestVersion && isLaterVersion(*settings.latestVersion, platform::appInfo().shortVersion);
-  if (notifyUserOfUpdate && isNewer) tellResult(KaResultCode::NewVersionReleased, /*userTrigger=*/false);
-  if (settings.offers10GStorage || with.session.isLinkOver()) return;
-  KaDownloadOption changed = with.delegate.downloadOption();
-  changed.checkBox10GDownload = u"false"_s;
-  with.delegate.setDownloadOption(changed);
+void KaDownloadRun::tellSettings(const KaServiceSettings &settings) {
+  with.session.tell([&] {
+    const bool isNews = settings.latestVersion && std::exchange(notifyUserOfUpdate, false);
+    if (isNews && isLaterVersion(*settings.latestVersion, platform::appInfo().shortVersion))
+      with.delegate.setProcessingResult(KaResultCode::NewVersionReleased, /*userTrigger=*/false);
+    offers10GStorage = settings.offers10GStorage;
+    with.delegate.setOffers10GStorage(offers10GStorage);
+  });
 }
 
 void KaDownloadRun::tellInitialAccess() {

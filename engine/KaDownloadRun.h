@@ -43,9 +43,8 @@ public:
   KaDownloadRun &operator=(const KaDownloadRun &) = delete;
 
   /// Sets the state's bLinkSetup when a refresh of the token is refused; no wait for the next run is due then.
-  /// @param notifyUserOfUpdate  a newer version of the program is worth telling.
   /// @return the result of the last pass.
-  [[nodiscard]] KaResultCode perform(bool notifyUserOfUpdate);
+  [[nodiscard]] KaResultCode perform();
 
   /// Saves the record of every storage kind, reporting only when they are done.
   void saveAllRecords();
@@ -74,27 +73,27 @@ private:
     QString information;
   };
 
-  [[nodiscard]] KaResultCode performBoth(bool notifyUserOfUpdate);
+  [[nodiscard]] KaResultCode performBoth();
   [[nodiscard]] Opened openPass(const QString &title);
   [[nodiscard]] Opened renew();
   [[nodiscard]] KaResultCode judged(KaResultCode result) const;
-  [[nodiscard]] KaListing list(KaTargetStorage targetStorage, bool notifyUserOfUpdate);
-  [[nodiscard]] KaResultCode downloadUntilNothingIsNew(bool notifyUserOfUpdate);
-  [[nodiscard]] ReCheck checkOnce(ReCheck soFar, bool notifyUserOfUpdate);
+  [[nodiscard]] KaListing list(KaTargetStorage targetStorage);
+  [[nodiscard]] KaResultCode downloadUntilNothingIsNew();
+  [[nodiscard]] ReCheck checkOnce(ReCheck soFar);
   [[nodiscard]] ReCheck takeContents(ReCheck soFar, KaListedImages images);
   [[nodiscard]] bool conclude(const ReCheck &reCheck);
   void downloadContents(const KaListedImages &images);
   [[nodiscard]] bool lookBack();
   [[nodiscard]] KaContentTarget ordinaryTarget() const;
   void reportPass(const KaPassOutcome &pass, KaDownloadReport::Moment start);
-  [[nodiscard]] KaResultCode takeLongTermStorage(bool notifyUserOfUpdate);
-  [[nodiscard]] KaPassOutcome takeLongTermContents(bool notifyUserOfUpdate);
+  [[nodiscard]] KaResultCode takeLongTermStorage();
+  [[nodiscard]] KaPassOutcome takeLongTermContents();
   [[nodiscard]] KaPassOutcome takePreviews(quint64 savedBefore);
   void concludeLongTerm(const KaPassOutcome &both);
   void sendReport(const PassReport &pass, KaDownloadReport::Moment start, quint64 successCount);
   void saveRecord(KaTargetStorage targetStorage);
 
-  void tellSettings(const KaServiceSettings &settings, bool notifyUserOfUpdate);
+  void tellSettings(const KaServiceSettings &settings);
   void tellInitialAccess();
   void tellFailedRefresh();
   void tellFailure(KaResultCode result);
@@ -105,5 +104,7 @@ private:
 
   const Parts with;
   const platform::ThreadBound thread;
-  KaDownloadOption option; ///< read anew with every listing: the service may have changed it
+  KaDownloadOption option;        ///< read anew with every listing: the user may have changed it
+  bool notifyUserOfUpdate = true; ///< once a process: until the service's settings have named the latest version
+  bool offers10GStorage = true;   ///< by the service's settings, as they were last read
 };

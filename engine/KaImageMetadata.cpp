@@ -28,6 +28,16 @@ bool hasForm(QStringView text, QLatin1StringView form) {
   return std::equal(text.begin(), text.end(), form.begin(), form.end(), fits);
 }
 
+/// A local time of a day on which the clocks leave it out: as far from the day's beginning as they would have shown it,
+/// or, where that leads into the next day, from its end. Invalid when it is no such time.
+QDateTime besideTheGap(const QString &text) {
+  const QDateTime shown = QDateTime::fromString(text + u'Z', Qt::ISODate);
+  const qint64 sinceMidnight = shown.time().msecsSinceStartOfDay();
+  const QDateTime fromStart = shown.date().startOfDay().addMSecs(sinceMidnight);
+  if (!fromStart.isValid() || fromStart.date() == shown.date()) return fromStart;
+  return shown.date().endOfDay().addMSecs(sinceMidnight - QTime(23, 59, 59, 999).msecsSinceStartOfDay());
+}
+
 } // namespace
 
 KaMetadata KaImageMetadata::getExif(const KaImageKey &image) {
@@ -92,7 +102,8 @@ std::optional<QDateTime> getDateTimeFromString(const QString &text, KaDateFormat
 
   // A day ends at 23:59; by ISO 8601 its end may also be written as hour 24.
   if (QStringView(text).mid(kShooting.indexOf(u'T') + 1, 2) == u"24") return std::nullopt;
-  const QDateTime date = QDateTime::fromString(text, Qt::ISODateWithMs);
+  QDateTime date = QDateTime::fromString(text, Qt::ISODateWithMs);
+  if (!date.isValid() && format == KaDateFormat::ShootingTime) date = besideTheGap(text);
   if (!date.isValid()) return std::nullopt;
   return date;
 }

@@ -58,7 +58,8 @@ enum class KaDateFormat {
   ShootingTime, ///< "yyyy-MM-dd'T'HH:mm:ss", in the system's zone
 };
 
-/// Absent when @p text is not of that very form.
+/// Absent when @p text is not of that very form, or names no time. A shooting time that the system's clocks leave out
+/// becomes one beside the gap, of the same day.
 [[nodiscard]] std::optional<QDateTime> getDateTimeFromString(const QString &text, KaDateFormat format);
 
 /// When the image was taken: by its metadata, whose text is local time marked as UTC and moves back by the current

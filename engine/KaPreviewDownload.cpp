@@ -8,6 +8,8 @@
 #include "log/KaLogUtility.h"
 #include "service/KaStorage.h"
 
+#include <utility>
+
 using namespace Qt::StringLiterals;
 using Loop = KaPass::Loop;
 
@@ -17,8 +19,8 @@ QString contentIdLine(const KaPreview &preview) {
   return u"ContentId="_s + preview.preview_object_key;
 }
 
-/// When the picture was taken, else (untold, unreadable, or a time that a change of the clock left out) the hour it was
-/// uploaded in; invalid when neither tells.
+/// When the picture was taken, else (untold or unreadable) the hour it was uploaded in, else now: passed over it would
+/// be shut out by the index of the next one.
 QDateTime dateOf(const KaPreview &preview) {
   if (const auto shot = getDateTimeFromString(preview.shooting_time, KaDateFormat::ShootingTime)) {
     KaLogUtility::writeConnectionResultLog(KaLogStep::GetExif, true,
@@ -27,33 +29,36 @@ QDateTime dateOf(const KaPreview &preview) {
   }
   KaLogUtility::writeConnectionResultLog(KaLogStep::GetExif, false,
                                          {contentIdLine(preview), u"UploadTime="_s + preview.upload_time});
-  return uploadHour(preview.upload_time.section(u'/', 0, 0), preview.upload_time.section(u'/', 1));
+  const QDateTime uploaded = uploadHour(preview.upload_time.section(u'/', 0, 0), preview.upload_time.section(u'/', 1));
+  return uploaded.isValid() ? uploaded : QDateTime::currentDateTime();
 }
 
 } // namespace
 
 KaResultCode KaPreviewDownload::getPreviewList() {
   thread.check();
-  const StoredDocument list = with.storage.previewList(with.bookkeeping.account());
-  if (list.state == StoredDocument::State::Failed) {
-    KaLogUtility::writeInfoLog(u"GetPreviewList FAILURE"_s, {httpLine(list.statusCode)});
-    return list.result;
+  PreviewList list;
+  const StoredDocument document =
+      with.storage.previewList(with.bookkeeping.account(),
+                               [&list](const char *bytes, std::size_t count) { return list.takePiece(bytes, count); });
+  const bool isMissing = document.state == StoredDocument::State::Missing;
+  const KaResultCode result = list.fault() != KaResultCode::Success ? list.fault() : document.result;
+  if (result != KaResultCode::Success) {
+    KaLogUtility::writeInfoLog(u"GetPreviewList FAILURE"_s, {httpLine(document.statusCode)});
+    return result;
   }
-  if (list.state == StoredDocument::State::Missing) {
-    previews.clear();
-    KaLogUtility::writeInfoLog(u"GetPreviewList SUCCESS"_s, {httpLine(list.statusCode)});
-    return KaResultCode::Success;
-  }
-  previews = withoutTaken(previewsIn(list.content), with.bookkeeping.lastPreview());
-  KaLogUtility::writeInfoLog(u"GetPreviewList SUCCESS"_s, {u"countPreviewList=%1"_s.arg(previews.size())});
+  list.close(with.bookkeeping.lastPreview());
+  previews = std::move(list);
+  KaLogUtility::writeInfoLog(u"GetPreviewList SUCCESS"_s, {isMissing ? httpLine(document.statusCode)
+                                                                     : u"countPreviewList=%1"_s.arg(previews.count())});
   return KaResultCode::Success;
 }
 
 KaPassOutcome KaPreviewDownload::getPreview(const QString &parentFolder, qint64 childFolder) {
   thread.check();
   KaPass pass(with.pass, parentFolder);
-  for (const KaPreview &preview : previews)
-    if (getOne(preview, childFolder, pass) == Loop::Stop) break;
+  const PreviewList list = std::exchange(previews, PreviewList()); // the next pass has a new one
+  list.visit([&](const KaPreview &preview) { return getOne(preview, childFolder, pass) == Loop::GoOn; });
   return pass.outcome();
 }
 
@@ -73,10 +78,6 @@ Loop KaPreviewDownload::getOne(const KaPreview &preview, qint64 childFolder, KaP
 Loop KaPreviewDownload::saveByDate(const KaPreview &preview, qint64 childFolder, KaPass &pass) {
   const QDateTime date = dateOf(preview);
   if (pass.isOver()) return Loop::Stop;
-  if (!date.isValid()) {
-    KaLogUtility::writeInfoLog(u"GetPreview"_s, {u"Without a date it is passed over."_s, contentIdLine(preview)});
-    return Loop::GoOn;
-  }
   const auto folder = pass.makeFolder(pass.parentFolder() + getOutputDateFolderString(date, childFolder));
   if (!folder) {
     KaLogUtility::writeErrorLog(u"ERR_DOWNLOAD : Create outputFolder failed"_s);

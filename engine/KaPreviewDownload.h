@@ -8,8 +8,6 @@
 #include <QDateTime>
 #include <QString>
 
-#include <vector>
-
 class KaBookkeeping;
 class KaStorage;
 
@@ -27,12 +25,13 @@ public:
   KaPreviewDownload &operator=(const KaPreviewDownload &) = delete;
 
   /// Fetches the list and keeps what comes after the last preview taken. No list, or none that can be read, means no
-  /// previews. @return the request's code; a failed one keeps the list as it was.
+  /// previews. @return the request's code, or the fault of the list; a failure keeps the list as it was.
   [[nodiscard]] KaResultCode getPreviewList();
-  [[nodiscard]] const std::vector<KaPreview> &previewList() const { return previews; }
+  [[nodiscard]] const PreviewList &previewList() const { return previews; }
 
-  /// Fetches what the list holds, each into its date folder below @p parentFolder. DiskFull, FileNotSaved (a folder
-  /// that cannot be made) and a lost session are carried over: the entries after it are passed over.
+  /// Fetches what the list holds, which is empty from then on, each into its date folder below @p parentFolder.
+  /// DiskFull, FileNotSaved (a folder that cannot be made) and a lost session are carried over: the entries after it
+  /// are passed over.
   /// @return the code that the last entry left; FileNotSaved at once when the parent folder is not usable, and the
   /// request's code at once when a download fails.
   [[nodiscard]] KaPassOutcome getPreview(const QString &parentFolder, qint64 childFolder);
@@ -44,5 +43,5 @@ private:
 
   const Parts with;
   const platform::ThreadBound thread;
-  std::vector<KaPreview> previews;
+  PreviewList previews;
 };

@@ -52,7 +52,9 @@ void tryInput(const QByteArray &input) {
     requireFolders(captureDate({.document = {{u"captureTime"_s, text}}}, KaImageKey()));
   }
   if (const auto shot = getDateTimeFromString(text, KaDateFormat::ShootingTime)) {
-    require(text == shot->toString(u"yyyy-MM-ddTHH:mm:ss"), "a shooting time is written as it is read");
+    require(text.startsWith(shot->toString(u"yyyy-MM-ddT")), "a shooting time keeps its day");
+    const bool isGap = !QDateTime(shot->date(), QTime::fromString(text.section(u'T', 1))).isValid();
+    require(isGap || text == shot->toString(u"yyyy-MM-ddTHH:mm:ss"), "and is written as it is read");
     requireFolders(*shot);
   }
   require(expiry(input) == QString::number(secondsOf(input)), "an expiry counts the seconds since 1970");

@@ -3,6 +3,7 @@
 #include "fuzz/FixedAnswers.h"
 #include "fuzz/Fuzz.h"
 #include "fuzz/LinkedEngine.h"
+#include "platform/JsonValue.h"
 
 using namespace Qt::StringLiterals;
 
@@ -32,8 +33,10 @@ void tryInput(const QByteArray &input) {
   LinkedEngine engine;
   require(engine.pieces.session.getCredential() == KaResultCode::Success, "credentials are there");
   const KaListing listing = engine.pieces.listing.getContentsList(KaTargetStorage::Days30, {});
-  if (input.isEmpty()) return;
-  require(listing.result == KaResultCode::Success && listing.settings, "settings of any form are no failure");
+  const bool isObject = platform::parseJsonObject(input).has_value();
+  require((listing.result == KaResultCode::Success) == isObject, "settings are an object, whatever it holds");
+  require(listing.settings.has_value() == isObject, "what is no object decides nothing");
+  if (!isObject) return;
   for (const QString &device : kDevices) {
     const bool isLeftOut = listing.settings->applicationAliasIds.contains(device);
     const bool isListed = std::any_of(listing.images.begin(), listing.images.end(),

@@ -34,10 +34,11 @@ ServerAnswer KaServerRequest::getKaAppId() {
   return exchange({.url = u"https://%1/configuration"_s.arg(KaApplicationConstants::strataHostName())});
 }
 
-ServerAnswer KaServerRequest::exchange(const HttpRequest &request, EmptyBody emptyBody) {
-  HttpAnswer answer = transfer.perform(request);
+ServerAnswer KaServerRequest::exchange(const HttpRequest &request, EmptyBody emptyBody,
+                                       const KaHttpTransfer::BodySink &take) {
+  HttpAnswer answer = transfer.perform(request, take);
   KaResultCode result = resultOf(answer);
-  if (result == KaResultCode::Success && answer.body.isEmpty() && emptyBody == EmptyBody::IsNoBody)
+  if (result == KaResultCode::Success && answer.bodySize == 0 && emptyBody == EmptyBody::IsNoBody)
     result = KaResultCode::NoBody;
   return {.result = result, .statusCode = answer.status, .data = std::move(answer.body)};
 }

@@ -35,7 +35,9 @@ public:
   /// @name S3 through presigned URLs. NoHttpStatus whenever no status arrived.
   /// @{
   [[nodiscard]] ServerAnswer getAwsS3KeyList(const QString &url, const KaCredential &credential);
-  [[nodiscard]] ServerAnswer getAwsPreviewlList(const QString &url, const KaCredential &credential);
+  /// @p take gets the body of a list that is there, however long; the answer has none then. Refusing it gives Offline.
+  [[nodiscard]] ServerAnswer getAwsPreviewlList(const QString &url, const KaCredential &credential,
+                                                const KaHttpTransfer::BodySink &take);
   /// Saves the object as ordered, with DefaultFileName when it carries no name; an existing file is never touched. One
   /// that is not the right one, and not to be kept, leaves nothing on disk but the same result, without an output path.
   /// FileNotSaved, or DiskFull when the disk fills up meanwhile; ObjectMissing for an object that is not there. Nothing
@@ -80,8 +82,10 @@ private:
   [[nodiscard]] static KaResultCode resultOf(const HttpAnswer &answer);
   /// The same for an object that is to be saved, its body counted.
   [[nodiscard]] static KaResultCode objectResultOf(const HttpAnswer &answer);
-  [[nodiscard]] ServerAnswer exchange(const HttpRequest &request, EmptyBody emptyBody = EmptyBody::IsNoBody);
-  [[nodiscard]] ServerAnswer presignedList(const QString &url, const KaCredential &credential);
+  [[nodiscard]] ServerAnswer exchange(const HttpRequest &request, EmptyBody emptyBody = EmptyBody::IsNoBody,
+                                      const KaHttpTransfer::BodySink &take = {});
+  [[nodiscard]] ServerAnswer presignedList(const QString &url, const KaCredential &credential,
+                                           const KaHttpTransfer::BodySink &take = {});
   [[nodiscard]] SavedObject saveObject(const QString &url, const KaCredential &credential, const SaveOrder &order,
                                        const NameOf &nameOf);
 

@@ -85,12 +85,14 @@ ServerAnswer KaServerRequest::getAwsS3KeyList(const QString &url, const KaCreden
   return presignedList(url, credential);
 }
 
-ServerAnswer KaServerRequest::getAwsPreviewlList(const QString &url, const KaCredential &credential) {
-  return presignedList(url, credential);
+ServerAnswer KaServerRequest::getAwsPreviewlList(const QString &url, const KaCredential &credential,
+                                                 const KaHttpTransfer::BodySink &take) {
+  return presignedList(url, credential, take);
 }
 
-ServerAnswer KaServerRequest::presignedList(const QString &url, const KaCredential &credential) {
-  ServerAnswer answer = exchange(presignedRequest(url, credential));
+ServerAnswer KaServerRequest::presignedList(const QString &url, const KaCredential &credential,
+                                            const KaHttpTransfer::BodySink &take) {
+  ServerAnswer answer = exchange(presignedRequest(url, credential), EmptyBody::IsNoBody, take);
   if (answer.statusCode == 0) answer.result = KaResultCode::NoHttpStatus;
   return answer;
 }

@@ -83,13 +83,13 @@ StoredDocument KaStorage::document(const QString &key) {
   return documentOf(toSend.getAwsS3KeyList(objectURL(by, key), by));
 }
 
-StoredDocument KaStorage::previewList(const QString &account) {
+StoredDocument KaStorage::previewList(const QString &account, const PieceTaker &take) {
   downloadThread.check();
   const KaCredential by = credential();
   if (isMissing(by)) return {.result = KaResultCode::LinkInvalid};
   const QString url = presignedObjectURL(by, KaApplicationConstants::awsS3PreviewListBucketName(),
                                          KaApplicationConstants::awsS3AccelerateHostName(), account + u".json"_s);
-  return documentOf(toSend.getAwsPreviewlList(url, by));
+  return documentOf(toSend.getAwsPreviewlList(url, by, take));
 }
 
 ObjectHead KaStorage::head(const QString &key) {

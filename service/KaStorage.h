@@ -8,6 +8,7 @@
 #include <QString>
 
 #include <chrono>
+#include <cstddef>
 #include <functional>
 #include <optional>
 
@@ -24,6 +25,8 @@ class KaStorage {
 public:
   /// Takes each page of a listing as it comes.
   using PageTaker = std::function<void(const ListingPage &page)>;
+  /// Takes a document piece by piece; false ends the request.
+  using PieceTaker = std::function<bool(const char *bytes, std::size_t count)>;
 
   /// @param request  outlives this object.
   explicit KaStorage(KaServerRequest &request) : toSend(request) {}
@@ -52,8 +55,8 @@ public:
   /// @name Documents. NoHttpStatus when no status arrived.
   /// @{
   [[nodiscard]] StoredDocument document(const QString &key);
-  /// The list of previews of an account.
-  [[nodiscard]] StoredDocument previewList(const QString &account);
+  /// The list of previews of an account, of any length: its content goes to @p take. One that this refuses has Failed.
+  [[nodiscard]] StoredDocument previewList(const QString &account, const PieceTaker &take);
   /// @}
 
   /// @name Objects

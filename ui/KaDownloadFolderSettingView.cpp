@@ -132,7 +132,7 @@ void KaDownloadFolderSettingView::viewSetCheckBoxState(QCheckBox &checkBox, cons
 
 void KaDownloadFolderSettingView::showWhether10GCounts() {
   QPalette colors; // the desktop's
-  if (!window->checkBox10GDownloadButton->isChecked())
+  if (!window->checkBox10GDownloadButton->isChecked() || !model.offers10GStorage())
     colors.setColor(QPalette::Text, QColor::fromRgbF(0.5F, 0.5F, 0.5F));
   window->input10GFolderPathLabel->setPalette(colors);
 }

@@ -54,7 +54,7 @@ INSTANTIATE_TEST_SUITE_P(
         // After a 404 there are no credentials, with which the listing is refused.
         Endangered{Endpoint::Sts, {16, 16, 12, 11, 7, 7, 9, 9, 9, 16}},
         Endangered{Endpoint::ListDevices, {16, 0, 12, 11, 7, 7, 15, 15, 15, 7}},
-        Endangered{Endpoint::SettingsObject, {16, 0, 12, 11, 7, 0, 15, 15, 15, 0}},
+        Endangered{Endpoint::SettingsObject, {16, 0, 12, 11, 7, 7, 15, 15, 15, 7}},
         Endangered{Endpoint::ListItems, {16, 0, 12, 11, 7, 7, 15, 15, 15, 7}},
         // Without metadata the upload hour does.
         Endangered{Endpoint::Metadata, {}}, Endangered{Endpoint::ObjectHead, {16, 0, 12, 11, 0, 0, 0, 12, 12, 0}},

@@ -21,6 +21,7 @@ public:
     bool savesLedger = true;
     KaResultCode folderVerdict = KaResultCode::Success;
     bool hasNetwork = true;
+    bool offers10GStorage = true;
     QHash<QString, KaDownloadData> records;
     QHash<QString, KaLoadedLedger> ledgers;
     std::function<void(const QString &event)> onEvent; ///< called once it is noted, without the lock held
@@ -44,9 +45,6 @@ public:
   [[nodiscard]] bool waitForEvent(const QString &event, int times = 1, int seconds = 20) const;
 
   KaDownloadOption downloadOption() const override { return answers().option; }
-  void setDownloadOption(const KaDownloadOption &to) override {
-    change([&](auto &now) { now.option = to; });
-  }
   KaResultCode verifyDownloadOptionParentFolder(const QString &) const override { return answers().folderVerdict; }
   KaWaitTimes loadWaitTimeInfo(KaWaitTimes) const override { return answers().waits; }
   bool hasNetwork() const override { return answers().hasNetwork; }
@@ -75,6 +73,9 @@ public:
       if (now.savesLedger) now.ledgers[account] = {KaLoadedLedger::Outcome::Read, ledger};
     });
     return answers().savesLedger;
+  }
+  void setOffers10GStorage(bool offers) override {
+    change([&](auto &now) { now.offers10GStorage = offers; });
   }
   void setAppStatus(KaAppStatus status) override { note(QStringLiteral("status %1").arg(qint64(status))); }
   void setProcessingResult(KaResultCode result, bool userTrigger) override {

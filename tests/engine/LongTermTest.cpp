@@ -1,11 +1,13 @@
 #include "engine/KaDownloadReport.h"
 #include "tests/engine/EngineFixture.h"
+#include "tests/support/RefusedCalls.h"
 
 #include <QDir>
 #include <QFileInfo>
 #include <QJsonDocument>
 #include <QJsonObject>
 
+#include <malloc.h>
 #include <sys/stat.h>
 #include <sys/syscall.h>
 #include <unistd.h>
@@ -171,7 +173,7 @@ INSTANTIATE_TEST_SUITE_P(
         Branch{"tokenFails", {second(Endpoint::RefreshToken, {.status = 503})}, u"|result 17"_s, 0, {}, {}},
         Branch{"credentialsFail", {second(Endpoint::Sts, {.status = 403})}, kRefused, 0},
         Branch{"reportRefused", {kImage, fault(Endpoint::LogEvents, {.status = 500})}, kOne},
-        Branch{"switchedOffByTheService", {kImage, kNoSettings}, {}, 0, {}, {}}),
+        Branch{"notOfferedByTheService", {kImage, kNoSettings}, {}, 0, {}, {}}),
     [](const auto &row) { return row.param.name; });
 
 TEST_F(LongTerm, isTakenIntoItsOwnFolderAndBookedApart) {
@@ -185,6 +187,25 @@ TEST_F(LongTerm, isTakenIntoItsOwnFolderAndBookedApart) {
   const auto records = delegate.answers().records;
   EXPECT_EQ(records[kUser + u"_(10G)"_s].ContentIds, QStringList{u"A"_s});
   EXPECT_EQ(records[kUser + u"_(2K)"_s], (KaDownloadData{QString(), {u"3"_s}}));
+}
+
+TEST_F(LongTerm, isTakenAgainOnceTheServiceOffersItAgain) {
+  kImage(service);
+  kNoSettings(service);
+  ASSERT_TRUE(run());
+  const auto askUntil = [&](const QString &event) {
+    return waitFor([&] {
+      processor->getContentsNow();
+      return delegate.events().contains(event);
+    });
+  };
+  service.order(Endpoint::SettingsObject, {.kind = Fault::Kind::Body, .body = "{\"isEnable"});
+  ASSERT_TRUE(askUntil(u"result 7 by user"_s));
+  EXPECT_FALSE(delegate.answers().offers10GStorage) << "what is no answer offers nothing";
+  EXPECT_EQ(service.requestCount(Endpoint::ObjectTagging), 0);
+  service.library().setSettingsObject(R"({"isEnableDownload10GStorage":null})");
+  EXPECT_TRUE(askUntil(u"result 2"_s));
+  EXPECT_TRUE(delegate.answers().offers10GStorage);
 }
 
 TEST_F(LongTerm, hasItsNamesOnDiskBeforeItIsBooked) {
@@ -245,7 +266,7 @@ protected:
   KaPreviewDownload &preview = parts.preview;
 };
 
-TEST_F(Preview, isDatedByShootingTimeOrUploadHour) {
+TEST_F(Preview, isDatedByShootingTimeOrUploadHourOrToday) {
   qputenv("TZ", "JST-9");
   tzset();
   previews(3)(service);
@@ -257,6 +278,26 @@ TEST_F(Preview, isDatedByShootingTimeOrUploadHour) {
   EXPECT_EQ(modified(u"2024_05_01/1.JPG"_s), 1714573800); // 14:30 UTC: local time, not moved
   EXPECT_EQ(modified(u"2024_06_01/3.JPG"_s), 1717225200); // 07:00 UTC
   EXPECT_TRUE(logged(u"[OK] 009: Download"_s).first().startsWith(u"[OK] 009: Download|Index=1|FilePath="_s));
+
+  previews(4)(service);
+  service.order(Endpoint::PreviewList, {.kind = Fault::Kind::Body, .body = list({entry(4, "\"soon\"")})});
+  const QDateTime now = QDateTime::currentDateTime();
+  EXPECT_EQ(take().savedCount, 1U);
+  const QFileInfo undated(path(files().filter(u"/4.JPG"_s).value(0)));
+  EXPECT_GE(undated.lastModified(), now.addSecs(-1));
+  EXPECT_EQ(undated.dir().dirName(), undated.lastModified().toString(u"yyyy_MM_dd"_s));
+}
+
+TEST(ShootingTime, keepsTheDayOnWhichTheClocksLeaveItOut) {
+  for (const auto &[zone, shot, filed] :
+       {std::tuple("CET-1CEST,M3.5.0,M10.5.0/3", u"2024-03-31T02:30:00"_s, u"2024-03-31 03:30"_s),
+        {"CST5CDT,M3.2.0/0,M11.1.0/1", u"2024-03-10T00:30:00"_s, u"2024-03-10 01:30"_s},         // at midnight
+        {"<-02>2<-01>,M3.5.0/-1,M10.5.0/0", u"2024-03-30T23:30:00"_s, u"2024-03-30 22:30"_s}}) { // up to it
+    qputenv("TZ", zone);
+    tzset();
+    const auto date = getDateTimeFromString(shot, KaDateFormat::ShootingTime);
+    EXPECT_EQ(date ? date->toString(u"yyyy-MM-dd HH:mm") : QString(), filed) << zone;
+  }
 }
 
 struct Trouble {
@@ -295,7 +336,6 @@ using enum KaResultCode;
 const QByteArray kTime = "\"2024-05-01T10:00:00\"";
 const QByteArrayList kTooLarge{entry(1, kTime, Q_INT64_C(1) << 60), entry(2, kTime)};
 const QByteArrayList kNoFolder{entry(1, "\"2024-05-09T10:00:00\""), entry(2, kTime)};
-const QByteArrayList kNoDate{entry(1, "\"\"", 700, "20249901/10"), entry(2, kTime)};
 const Fault kCut{.kind = Fault::Kind::Body, .body = kPreview.chopped(1), .times = 8};
 
 INSTANTIATE_TEST_SUITE_P(
@@ -305,36 +345,86 @@ INSTANTIATE_TEST_SUITE_P(
                     Trouble{"failureEnds", kSecondPreviewRefused, LinkInvalid, u"1"_s, 2},
                     Trouble{"noRoomCarriedOver", listed(kTooLarge), DiskFull, {}},
                     Trouble{"noFolderCarriedOver", listed(kNoFolder), FileNotSaved, {}},
-                    Trouble{"unusableFolder", [](Service &) {}, FileNotSaved, {}, 0, FolderNotSupported},
-                    Trouble{"noDatePassedOver", listed(kNoDate), Success, u"2"_s, 1}),
+                    Trouble{"unusableFolder", [](Service &) {}, FileNotSaved, {}, 0, FolderNotSupported}),
     [](const auto &row) { return row.param.name; });
 
 TEST_F(Preview, forgetsAListThatIsGoneAndKeepsOneThatIsRefused) {
   previews(2)(service);
   ASSERT_EQ(parts.open(), KaResultCode::Success);
-  for (const auto &[fault, result, left] : {std::tuple(Fault{.status = 403}, KaResultCode::LinkInvalid, 2U),
+  for (const auto &[fault, result, left] : {std::tuple(Fault{.status = 403}, KaResultCode::LinkInvalid, 2),
                                             {{.status = 404}, KaResultCode::Success, 0},
                                             {{.kind = Fault::Kind::MalformedBody}, KaResultCode::Success, 0}}) {
     EXPECT_EQ(preview.getPreviewList(), KaResultCode::Success);
-    EXPECT_EQ(preview.previewList().size(), 2U);
+    EXPECT_EQ(preview.previewList().count(), 2);
     service.order(Endpoint::PreviewList, fault);
     EXPECT_EQ(preview.getPreviewList(), result);
-    EXPECT_EQ(preview.previewList().size(), left);
+    EXPECT_EQ(preview.previewList().count(), left);
   }
+  qputenv("TMPDIR", "/proc"); // which takes no file
+  EXPECT_EQ(preview.getPreviewList(), KaResultCode::FileNotSaved);
+}
+
+/// In bytes, of the whole process.
+std::size_t memoryInUse() {
+  const struct mallinfo2 now = ::mallinfo2();
+  return now.uordblks + now.hblkhd;
+}
+
+TEST_F(Preview, holdsNoListInMemoryHoweverLong) {
+  constexpr int kCount = 300'000;
+  QByteArrayList entries;
+  for (int index = 1; index <= kCount; ++index)
+    entries << entry(index, kTime, 1, QByteArray(100, '0'));
+  const QByteArray document = list(std::exchange(entries, {}));
+  ASSERT_GT(document.size(), 64 * 1024 * 1024) << "what a body in memory may have";
+  ASSERT_EQ(parts.open(), KaResultCode::Success);
+  service.order(Endpoint::PreviewList, {.kind = Fault::Kind::Body, .body = document});
+  const std::size_t before = memoryInUse();
+  EXPECT_EQ(preview.getPreviewList(), KaResultCode::Success);
+  EXPECT_EQ(preview.previewList().count(), kCount);
+  // The service's own copies go a little later. A sanitizer keeps no such account.
+  EXPECT_TRUE(waitFor([&] { return memoryInUse() <= before + 1024 * 1024; }));
+  service.order(Endpoint::PreviewObject, {.status = 403});
+  EXPECT_EQ(preview.getPreview(folder10G, 0).result, LinkInvalid);
+  EXPECT_TRUE(preview.previewList().empty());
 }
 
 TEST(PreviewList, keepsWhatIsWholeAndNewAtTheFront) {
   const auto indices = [](const QByteArray &document, qint64 threshold) {
+    PreviewList previews;
+    EXPECT_TRUE(previews.takePiece(document.constData(), std::size_t(document.size())));
+    previews.close(threshold);
     QString text;
-    for (const KaPreview &preview : withoutTaken(previewsIn(document), threshold))
+    previews.visit([&](const KaPreview &preview) {
       text += QString::number(preview.index) + u' ';
+      return preview.index != 8; // enough
+    });
     return text;
   };
   const auto odd = [](const QByteArray &index) { return entry(1, "\"\"").replace(":1,", ':' + index + ','); };
   EXPECT_EQ(indices(list({entry(1, kTime), entry(2, kTime), entry(1, kTime), entry(3, "null")}), 1), u"2 1 3 ");
   EXPECT_EQ(indices(list({odd("9007199254740993")}), 9007199254740992), u"9007199254740993 ");
-  EXPECT_EQ(indices(list({"7", "{}", odd("\"1\""), odd("1.5"), entry(4, "5"), entry(5, kTime), odd("null")}), 0),
-            u"5 ");
+  EXPECT_EQ(indices(list({"7", "{}", odd("\"1\""), odd("1.5"), entry(4, "5"), entry(5, kTime), odd("null"),
+                          odd("9223372036854775808")}),
+                    0),
+            u"4 5 ");
+  const QByteArray two = list({entry(8, kTime), entry(9, kTime)});
+  EXPECT_EQ(indices(two, 0), u"8 ");
+  for (const QByteArray &bad :
+       {two.chopped(1), QByteArray(two).replace("data", "dat"), two + '}', '[' + two + ']', "{\"a\":" + two + '}'})
+    EXPECT_EQ(indices(bad, 0), u"") << bad.constData();
+}
+
+TEST(PreviewList, saysWhyItCannotBeKept) {
+  const auto fault = [](PreviewList list) {
+    EXPECT_FALSE(list.takePiece("{}", 2));
+    return list.fault();
+  };
+  EXPECT_EQ(fault(PreviewList(1)), NoBody);
+  for (const auto &[call, error, result] :
+       {std::tuple(SYS_write, ENOSPC, DiskFull), {SYS_write, EIO, FileNotSaved}, {SYS_openat, EROFS, FileNotSaved}})
+    if (!withRefusedCalls({{call, error}}, [&] { EXPECT_EQ(fault(PreviewList()), result) << call << error; }))
+      GTEST_SKIP() << "the kernel refuses nothing on order";
 }
 
 TEST(DownloadReport, isTheTextThatTheLogServiceKnows) {

@@ -116,7 +116,7 @@ TEST_F(Processor, keepsAWishThatComesWhileARunEnds) {
 
 TEST_F(Processor, tellsWhatTheSettingsSayAlsoWhenALaterStepOfTheListingFails) {
   const std::optional<QByteArray> none;
-  for (const auto &[document, keeps10G, newVersion] :
+  for (const auto &[document, offers10G, newVersion] :
        {std::tuple(none, false, false),
         {R"({"isEnableDownload10GStorage":null,"applicationAliasIds":1})", true, false},
         {R"({"isEnableDownload10GStorage":1,"kaLatestVersion":"99.0.0"})", true, true},
@@ -126,19 +126,26 @@ TEST_F(Processor, tellsWhatTheSettingsSayAlsoWhenALaterStepOfTheListingFails) {
       addImages("A.JPG");
       service.library().setSettingsObject(document);
       if (fails) service.order(Endpoint::ListItems, {.status = 403, .times = -1});
-      delegate.change([](auto &answers) { answers.option.checkBox10GDownload = u"true"_s; });
       delegate.forgetEvents();
       ASSERT_TRUE(run());
       EXPECT_EQ(delegate.events().contains(u"result 24"_s), newVersion);
       EXPECT_EQ(delegate.events().contains(u"result 16"_s), fails);
       EXPECT_LE(delegate.events().indexOf(u"result 24"_s),
                 delegate.events().indexOf(fails ? u"result 16"_s : u"status 1"_s));
-      EXPECT_EQ(delegate.answers().option.checkBox10GDownload, keeps10G ? u"true"_s : u"false"_s);
-      EXPECT_EQ(delegate.answers().option.parentFolder, profile.picturesFolder());
+      EXPECT_EQ(delegate.answers().offers10GStorage, offers10G);
       processor.reset();
       service.clearFaults();
       delegate.forgetTaken();
     }
+}
+
+TEST_F(Processor, tellsOfANewVersionOnceAProcessAsSoonAsThatCanBeRead) {
+  addImages("A.JPG"); // so that there are re-checks
+  service.library().setSettingsObject(R"({"kaLatestVersion":"99.0.0"})");
+  service.order(Endpoint::SettingsObject, {.status = 503});
+  service.order(Endpoint::SettingsObject, {.kind = Body, .body = "{}"}); // which says nothing of it
+  ASSERT_TRUE(run() && askUntil(u"result 1"_s) && askUntil(u"result 3 by user"_s));
+  EXPECT_EQ(delegate.events().count(u"result 24"_s), 1);
 }
 
 TEST_F(Processor, reportsTroubleAndChoosesTheWait) {

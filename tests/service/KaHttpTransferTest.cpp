@@ -90,7 +90,7 @@ TEST_F(Transfer, refusesBadCertificates) {
   for (const auto kind : {UnknownAuthority, WrongName, Expired}) {
     const QString bad = u"https://sts.localhost:%1/"_s.arg(service.badlyCertifiedPort(kind));
     EXPECT_EQ(transfer.perform({.url = bad}).outcome, SecureConnectionFailed);
-    EXPECT_EQ(request.getAwsPreviewlList(bad, by).result, KaResultCode::NoHttpStatus);
+    EXPECT_EQ(request.getAwsPreviewlList(bad, by, {}).result, KaResultCode::NoHttpStatus);
   }
   const QHash<QString, QString> towards = service.userDefaults(service.badlyCertifiedPort(Expired));
   platform::standardUserDefaults().setString(u"strataHostName"_s, towards[u"strataHostName"_s]);

@@ -78,7 +78,7 @@ TEST_F(Storage, asksForNothingWithoutCredentials) {
   const auto ignore = [](const ListingPage &) {};
   for (const KaResultCode result :
        {storage.listDevices(u"a/"_s, ignore).result, storage.listObjects(u"a/"_s, {}, ignore).result,
-        storage.document(imageKey).result, storage.previewList(u"user"_s).result, storage.head(imageKey).result,
+        storage.document(imageKey).result, storage.previewList(u"user"_s, {}).result, storage.head(imageKey).result,
         storage.checkObjectTagIs10GStorage(imageKey).result, storage.save(imageKey, order).result,
         storage.savePreview(imageKey, order, u"a"_s).result})
     EXPECT_EQ(result, LinkInvalid);

@@ -151,6 +151,11 @@ TEST_F(Settings, turnThe10GFolderOnWhenOneIsChosen) {
     EXPECT_EQ(find<QCheckBox>(u"checkBox10GDownloadButton"_s).isChecked(), !which.isEmpty());
     EXPECT_EQ(color() == kGrey, which.isEmpty());
   }
+  stored.checkBox10GDownload = u"true"_s;
+  facade.setOffers10GStorage(false);
+  open();
+  EXPECT_TRUE(find<QCheckBox>(u"checkBox10GDownloadButton"_s).isChecked()) << "the user's choice";
+  EXPECT_EQ(color(), kGrey);
 }
 
 TEST(About, showsTheLogAndSaysWithADotThatItIsOn) {
