@@ -20,6 +20,8 @@ namespace {
 
 /// Bytes. A million objects take a tenth of it.
 constexpr qint64 kLedgerLimit = 512LL << 20;
+/// More than a million years of saving every second: no file of ours has more.
+constexpr qint64 kMostGenerations = 1LL << 45;
 
 constexpr auto kAccount = "Account"_L1;
 constexpr auto kGeneration = "Generation"_L1;
@@ -91,7 +93,7 @@ std::optional<KaLedger> ledgerIn(const QByteArray &json, const QString &account)
   auto ordinary = takenIn(document->value(kOrdinary).toObject());
   auto longTerm = takenIn(document->value(kLongTerm).toObject());
   const qint64 generation = document->value(kGeneration).toInteger();
-  if (!ordinary || !longTerm || generation <= 0) return std::nullopt;
+  if (!ordinary || !longTerm || generation <= 0 || generation > kMostGenerations) return std::nullopt;
   return KaLedger{std::move(*ordinary), std::move(*longTerm), generation};
 }
 
