@@ -98,16 +98,31 @@ void Faults::order(Endpoint endpoint, const Fault &fault) {
   answers.with([&](auto &ordered) { ordered[endpoint].append(fault); });
 }
 
+void Faults::orderAt(int number, const Fault &fault) {
+  numbered.with([&](auto &waiting) { waiting = {number, fault}; });
+}
+
+std::optional<Fault> Faults::takeNumbered() {
+  return numbered.with([](auto &waiting) -> std::optional<Fault> {
+    if (!waiting || --waiting->number > 0) return std::nullopt;
+    const Fault fault = waiting->fault;
+    waiting.reset();
+    return fault;
+  });
+}
+
 void Faults::order(TokenFault fault, int times) {
   tokens.with([&](auto &ordered) { ordered.append({fault, times}); });
 }
 
 void Faults::clear() {
   answers.with([](auto &ordered) { ordered.clear(); });
+  numbered.with([](auto &waiting) { waiting.reset(); });
   tokens.with([](auto &ordered) { ordered.clear(); });
 }
 
 std::optional<Fault> Faults::take(Endpoint endpoint, const QByteArray &target) {
+  if (auto fault = takeNumbered()) return fault;
   return answers.with([&](auto &ordered) -> std::optional<Fault> {
     const auto faults = ordered.find(endpoint);
     if (faults == ordered.end()) return std::nullopt;

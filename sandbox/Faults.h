@@ -17,6 +17,7 @@ namespace sandbox {
 class Faults {
 public:
   void order(Endpoint endpoint, const Fault &fault);
+  void orderAt(int number, const Fault &fault);
   void order(TokenFault fault, int times);
   void clear();
 
@@ -30,7 +31,14 @@ private:
     TokenFault fault{};
     int times = 1;
   };
+  struct NumberedFault {
+    int number = 0; ///< of the request, from the next one on
+    Fault fault{};
+  };
+  [[nodiscard]] std::optional<Fault> takeNumbered();
+
   Locked<QHash<Endpoint, QList<Fault>>> answers;
+  Locked<std::optional<NumberedFault>> numbered;
   Locked<QList<OrderedTokenFault>> tokens;
 };
 

@@ -276,6 +276,10 @@ void Service::order(Endpoint endpoint, const Fault &fault) {
   d->faults.order(endpoint, fault);
 }
 
+void Service::orderAt(int number, const Fault &fault) {
+  d->faults.orderAt(number, fault);
+}
+
 void Service::setTokenFault(TokenFault fault, int times) {
   d->faults.order(fault, times);
 }

@@ -81,6 +81,8 @@ public:
 
   /// Faults of one endpoint are met in the order given; each request meets at most one.
   void order(Endpoint endpoint, const Fault &fault);
+  /// The @p number-th request from now on, counted from 1, meets it once, whatever its endpoint.
+  void orderAt(int number, const Fault &fault);
   /// @param times  -1: until cleared.
   void setTokenFault(TokenFault fault, int times = 1);
   /// Drops all faults, token faults too, and lets go of what they hold.

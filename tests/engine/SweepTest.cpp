@@ -1,0 +1,97 @@
+#include "tests/engine/EngineFixture.h"
+
+#include <QDir>
+#include <QFile>
+
+#include <iostream>
+
+using namespace Qt::StringLiterals;
+using namespace std::chrono_literals;
+using sandbox::Endpoint;
+using sandbox::Fault;
+using enum sandbox::Fault::Kind;
+
+namespace {
+
+struct Kind {
+  const char *name;
+  Fault fault;
+};
+
+/// Each single request of the first runs of an account fails in one way; from then on the service is well again. What
+/// the user has afterwards must be all that there is, each once. Every request with KA_SWEEP in the environment, else
+/// each seventh.
+class FaultSweep : public ProcessorTest, public testing::WithParamInterface<Kind> {
+protected:
+  FaultSweep() : ProcessorTest({{u"timeoutIntervalForRequest"_s, QString::number(0.3 * kSlowness)}}) {
+    delegate.change([this](auto &answers) {
+      answers.option.checkBoxDownloadMetadata = answers.option.checkBoxCreateSubfolder = u"true"_s;
+      answers.option.checkBox10GDownload = u"true"_s;
+      answers.option.parent10GFolder = profile.path(u"long-term"_s);
+      answers.waits.pollingNormal = answers.waits.pollingError = 1ms;
+    });
+    QDir().mkpath(profile.path(u"long-term"_s));
+    service.library().setSettingsObject(R"({"applicationAliasIds":[],"isEnableDownload10GStorage":true})");
+    addImages("10/A.JPG 11/B.JPG dev2/11/B.JPG 12/C.JPG");
+    sandbox::LibraryObject expanded = image(u"13"_s, u"E.JPG"_s);
+    expanded.expandBody = QByteArray(7000, 'e');
+    add(expanded);
+    sandbox::LibraryObject ordinary = image(u"13"_s, u"F.JPG"_s);
+    ordinary.body = QByteArray(6000, 'f');
+    ordinary.tags.insert(u"x-strata-storage-period"_s, u"30"_s);
+    add(ordinary);
+  }
+
+  /// From nothing on, @p count runs. @return the requests that were made.
+  qsizetype makeRuns(int count, int number = 0) {
+    for (const QString &folder : {profile.picturesFolder(), profile.path(u"long-term"_s)}) {
+      QDir(folder).removeRecursively();
+      QDir().mkpath(folder);
+    }
+    delegate.forgetTaken();
+    delegate.forgetEvents();
+    service.resetRequestCounts();
+    if (number > 0) service.orderAt(number, GetParam().fault);
+    start();
+    EXPECT_TRUE(delegate.waitForEvent(u"enableLoggin 1"_s, count, 60)) << "silent after " << number;
+    processor.reset();
+    return service.requests().size();
+  }
+  /// Names and sizes, whatever the order in which equal names got their counters.
+  [[nodiscard]] QStringList taken() const {
+    QStringList found;
+    for (const QString &folder : {profile.picturesFolder(), profile.path(u"long-term"_s)})
+      for (const QString &file : filesBelow(folder))
+        found << u"%1 %2"_s.arg(file).arg(QFile(folder + u'/' + file).size());
+    found.sort();
+    return found;
+  }
+};
+
+TEST_P(FaultSweep, losesAndDoublesNothing) {
+  const auto requests = makeRuns(1);
+  const QStringList all = taken();
+  ASSERT_EQ(all.size(), 6 + 5);
+  const int step = qEnvironmentVariableIsSet("KA_SWEEP") ? 1 : 7;
+  int points = 0;
+  for (int number = 1; number <= requests; number += step) {
+    makeRuns(3, number);
+    EXPECT_EQ(taken(), all) << "request " << number << ", "
+                            << sandbox::endpointName(service.requests().value(number - 1).endpoint).toStdString();
+    EXPECT_EQ(link.state(), KaLinkState::Linked) << "request " << number;
+    ++points;
+  }
+  std::cout << GetParam().name << ": " << points << " of " << requests << " requests\n";
+}
+
+INSTANTIATE_TEST_SUITE_P(Engine, FaultSweep,
+                         testing::Values(Kind{"dropped", {.kind = DroppedConnection}},
+                                         Kind{"droppedInTheBody", {.kind = UncountedCut}},
+                                         Kind{"cut", {.kind = TruncatedBody}}, Kind{"empty", {.kind = EmptyBody}},
+                                         Kind{"silent", {.kind = NoAnswer}}, Kind{"malformed", {.kind = MalformedBody}},
+                                         Kind{"status400", {.status = 400}}, Kind{"status403", {.status = 403}},
+                                         Kind{"status404", {.status = 404}}, Kind{"status500", {.status = 500}},
+                                         Kind{"status503", {.status = 503}}),
+                         [](const auto &row) { return row.param.name; });
+
+} // namespace
