@@ -16,7 +16,8 @@ class KaModelFacade;
 ///   onProcessingResult(Unexpected) behind the rest.
 /// - A log-out, from closeLinkage: the link is over, then onChangeStatus(NotLinked), onProcessingResult(Unlinked). From
 ///   then on no status and no result of that link's runs is told.
-/// - A run: onSetEnableLogginMenu(false), its statuses and results, onSetEnableLogginMenu(true).
+/// - A run: onSetEnableLogginMenu(false), its statuses and results, onSetEnableLogginMenu(true). Where it left pictures
+///   behind for lack of room or of a folder, onSavingTrouble comes once, behind the ordinary storage's result.
 /// - A failure that passes by itself: once the login could not be verified (ValidationFailed), or the user was told of
 ///   no network (Offline), onChangeLinkage(true) follows the first verification that succeeds, if the link still
 ///   stands, before the statuses and results of what comes after it.
@@ -33,8 +34,9 @@ public:
 
   virtual void onChangeStatus(KaModelFacade &facade, KaAppStatus statusMode) = 0;
   virtual void onProcessingResult(KaModelFacade &facade, KaResultCode result, bool userTrigger) = 0;
-  virtual void onCompleteLinkageSetting() = 0;         ///< a login has completed and was stored
-  virtual void onSetEnableLogginMenu(bool enable) = 0; ///< the link / log-out entry may be used
-  virtual void onFinishDownloadProcess() = 0;          ///< the download thread has ended
-  virtual void onChangeLinkage(bool linked) = 0;       ///< a link is there, or none any more
+  virtual void onSavingTrouble(KaResultCode cause) = 0; ///< worth a message; status and link are as they were
+  virtual void onCompleteLinkageSetting() = 0;          ///< a login has completed and was stored
+  virtual void onSetEnableLogginMenu(bool enable) = 0;  ///< the link / log-out entry may be used
+  virtual void onFinishDownloadProcess() = 0;           ///< the download thread has ended
+  virtual void onChangeLinkage(bool linked) = 0;        ///< a link is there, or none any more
 };

@@ -174,6 +174,10 @@ void KaModelFacade::setProcessingResult(KaResultCode result, bool userTrigger) {
   if (KaDownloadDelegate *const delegate = dlDelegate) delegate->onProcessingResult(*this, result, userTrigger);
 }
 
+void KaModelFacade::notifySavingTrouble(KaResultCode cause) {
+  if (KaDownloadDelegate *const delegate = dlDelegate) delegate->onSavingTrouble(cause);
+}
+
 void KaModelFacade::setEnableLoggin(bool enable) {
   if (KaDownloadDelegate *const delegate = dlDelegate) delegate->onSetEnableLogginMenu(enable);
 }

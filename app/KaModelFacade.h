@@ -74,6 +74,7 @@ public:
   void setOffers10GStorage(bool offers) override { bOffers10GStorage = offers; } ///< kept alone: nobody is told
   void setAppStatus(KaAppStatus status) override;
   void setProcessingResult(KaResultCode result, bool userTrigger) override;
+  void notifySavingTrouble(KaResultCode cause) override;
   void setEnableLoggin(bool enable) override;
   /// On the main thread, unless the link is over by then.
   void notifyLinkHolds(KaLinkNumber number) override;

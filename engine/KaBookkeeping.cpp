@@ -8,6 +8,7 @@
 
 #include <QDate>
 
+#include <algorithm>
 #include <utility>
 
 using namespace Qt::StringLiterals;
@@ -16,6 +17,7 @@ namespace {
 
 /// Longer than any listing looks back from where it may begin.
 constexpr int kDaysKept = 40;
+constexpr auto kSaveInterval = std::chrono::seconds(30);
 
 } // namespace
 
@@ -29,10 +31,22 @@ bool KaBookkeeping::load() {
 
 bool KaBookkeeping::save(KaTargetStorage targetStorage) {
   thread.check();
+  if (!hasUser()) return false;
   // Else a power cut could leave a record that counts on pictures that have no name.
   with.filledFolders.sync();
   if (!ledger.save()) return false;
   return with.delegate.saveGetImageInfo(recordName(targetStorage), recordKey(targetStorage));
+}
+
+void KaBookkeeping::saveNowAndThen(KaTargetStorage targetStorage) {
+  thread.check();
+  const auto begin = std::chrono::steady_clock::now();
+  if (nextSave == std::chrono::steady_clock::time_point()) nextSave = begin + kSaveInterval;
+  if (begin < nextSave) return;
+  static_cast<void>(save(targetStorage));
+  // A large ledger takes its time: no more than a twentieth of the pass.
+  const auto now = std::chrono::steady_clock::now();
+  nextSave = now + std::max<std::chrono::steady_clock::duration>(kSaveInterval, 20 * (now - begin));
 }
 
 void KaBookkeeping::openLedger() {

@@ -5,7 +5,8 @@
 #include "platform/ThreadBound.h"
 
 #include <QString>
-#include <QStringList>
+
+#include <chrono>
 
 class KaDownloadProcessorDelegate;
 class KaDownloadSession;
@@ -34,6 +35,9 @@ public:
   [[nodiscard]] bool knewAccount() const { return knewAccountBefore; }
   /// Saves the ledger and one record; the names of the files that they count on reach the disk first. Needs hasUser().
   [[nodiscard]] bool save(KaTargetStorage targetStorage);
+  /// The same after an item of a pass, when the last time was half a minute ago: so that little is asked for again
+  /// after a kill. One that fails is told when the pass is over.
+  void saveNowAndThen(KaTargetStorage targetStorage);
   /// Whether it is known whose records these are. Without a user there is nothing new to keep, and an empty record
   /// would replace what an earlier process kept.
   [[nodiscard]] bool hasUser() const;
@@ -65,5 +69,6 @@ private:
   const platform::ThreadBound thread;
   KaLedgerKeeper ledger;
   bool knewAccountBefore = false;
+  std::chrono::steady_clock::time_point nextSave;
   QString accountBefore; ///< whose ledger was taken up last
 };

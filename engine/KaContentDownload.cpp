@@ -12,7 +12,6 @@ using Loop = KaPass::Loop;
 
 namespace {
 
-constexpr auto kSaveInterval = std::chrono::seconds(30);
 /// So many in a row that get no answer: the line is dead, and the others are for a later run.
 constexpr int kMostUnanswered = 3;
 
@@ -36,51 +35,43 @@ QStringList ruleFolders(const KaMetadata &metadata, bool sorting) {
 
 KaPassOutcome KaContentDownload::getContentsProcess(const KaListedImages &images, const KaContentTarget &target) {
   thread.check();
-  beginPass();
+  traced = {};
   KaPass pass(with.pass, target.parentFolder);
   for (const KaListedImage &image : images) {
     if (getOne(image, target, pass) == Loop::Stop) break;
-    saveNowAndThen(target.targetStorage);
+    with.bookkeeping.saveNowAndThen(target.targetStorage);
   }
   return pass.outcome();
 }
 
 KaPassOutcome KaContentDownload::getEachByItself(const KaListedImages &images, const KaContentTarget &target) {
   thread.check();
-  beginPass();
+  traced = {};
   KaPassOutcome all;
-  int unanswered = 0;
-  for (const KaListedImage &image : images) {
+  for (int unanswered = 0; const KaListedImage &image : images) {
     KaPass pass(with.pass, target.parentFolder);
-    static_cast<void>(getOne(image, target, pass));
+    const Loop loop = getOne(image, target, pass);
     all.savedCount += pass.outcome().savedCount;
     if (pass.carried() != KaResultCode::Success) all.result = pass.carried();
     unanswered = pass.carried() == KaResultCode::NoHttpStatus ? unanswered + 1 : 0;
-    if (pass.isOver() || unanswered == kMostUnanswered) break;
-    saveNowAndThen(target.targetStorage);
+    if (loop == Loop::Stop || unanswered == kMostUnanswered || !pass.hasCredentials()) break;
+    with.bookkeeping.saveNowAndThen(target.targetStorage);
   }
   return all;
 }
 
-void KaContentDownload::beginPass() {
-  traced = {};
-  lastSaved = std::chrono::steady_clock::now();
-}
-
-/// So that little is asked for again after a kill.
-void KaContentDownload::saveNowAndThen(KaTargetStorage targetStorage) {
-  const auto now = std::chrono::steady_clock::now();
-  if (now - lastSaved < kSaveInterval) return;
-  lastSaved = now;
-  // One that fails is told when the pass is over.
-  static_cast<void>(with.bookkeeping.save(targetStorage));
-}
-
+/// Looks at one image, and notes what became of it.
 Loop KaContentDownload::getOne(const KaListedImage &image, const KaContentTarget &target, KaPass &pass) {
-  if (!pass.beginItem(u"GetContentLoop Start"_s, contentIdLine(image.key))) return Loop::Stop;
   // Where each image has requests of its own before it is judged, none is merely passed over.
-  const bool isAsked = target.bExpandContent || target.targetStorage == KaTargetStorage::LongTerm10G;
-  if (isAsked || pass.carried() == KaResultCode::Success) traced.asked.insert(image.key.path());
+  const bool hasOwnRequests = target.bExpandContent || target.targetStorage == KaTargetStorage::LongTerm10G;
+  const bool isAsked = hasOwnRequests || pass.carried() == KaResultCode::Success;
+  const Loop loop = takeOne(image, target, pass);
+  if (isAsked) traced.asked.insert(image.key.path(), pass.carried());
+  return loop;
+}
+
+Loop KaContentDownload::takeOne(const KaListedImage &image, const KaContentTarget &target, KaPass &pass) {
+  if (!pass.beginItem(u"GetContentLoop Start"_s, contentIdLine(image.key))) return Loop::Stop;
   if (!belongsToStorage(image.key, target, pass)) return Loop::GoOn;
   if (pass.isOver()) return Loop::Stop;
   const Variant variant = target.bExpandContent ? expandVariant(image, pass) : Variant{image.key, image.size};

@@ -11,7 +11,7 @@
 #include <QDateTime>
 #include <QString>
 
-#include <chrono>
+#include <utility>
 
 class KaBookkeeping;
 class KaImageMetadata;
@@ -58,10 +58,10 @@ public:
   /// not usable), too.
   [[nodiscard]] KaPassOutcome getContentsProcess(const KaListedImages &images, const KaContentTarget &target);
   /// The same, but no failure is carried over to the next image: each is tried by itself. Ends early when several in a
-  /// row got no answer.
+  /// row got no answer, the folder cannot be used, or there are no credentials left.
   [[nodiscard]] KaPassOutcome getEachByItself(const KaListedImages &images, const KaContentTarget &target);
-  /// What the last of these made of its images.
-  [[nodiscard]] const KaPassTrace &trace() const { return traced; }
+  /// What the last of these made of its images. Once.
+  [[nodiscard]] KaPassTrace takeTrace() { return std::exchange(traced, {}); }
 
 private:
   struct Variant {
@@ -69,9 +69,8 @@ private:
     qint64 size = 0;
   };
 
-  void beginPass();
-  void saveNowAndThen(KaTargetStorage targetStorage);
   [[nodiscard]] KaPass::Loop getOne(const KaListedImage &image, const KaContentTarget &target, KaPass &pass);
+  [[nodiscard]] KaPass::Loop takeOne(const KaListedImage &image, const KaContentTarget &target, KaPass &pass);
   [[nodiscard]] bool belongsToStorage(const KaImageKey &key, const KaContentTarget &target, KaPass &pass);
   [[nodiscard]] Variant expandVariant(const KaListedImage &image, KaPass &pass);
   void saveVariant(const Variant &variant, const KaImageKey &listed, const KaContentTarget &target, KaPass &pass);
@@ -85,5 +84,4 @@ private:
   const platform::ThreadBound thread;
   KaKeptCopies keptCopies;
   KaPassTrace traced;
-  std::chrono::steady_clock::time_point lastSaved;
 };

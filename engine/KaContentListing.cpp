@@ -62,6 +62,7 @@ KaListing KaContentListing::getContentsList(KaTargetStorage targetStorage, const
   Items items = listItems(devices.ids, lastDateTime);
   KaLogUtility::writeInfoLog(u"GetContentsList"_s, {u"TargetImageNumBeforeExclude=%1"_s.arg(items.images.size())});
   listing.result = items.result;
+  listing.isWhole = items.isWhole;
   if (with.session.isOver() || items.result != KaResultCode::Success) return listing;
   listing.images = sortImageList(excludeDownloaded(std::move(items.images), targetStorage));
   KaLogUtility::writeInfoLog(u"GetContentsList"_s, {u"TargetImageNumAfterExclude=%1"_s.arg(listing.images.size())});
@@ -103,6 +104,7 @@ KaContentListing::Items KaContentListing::listItems(const QStringList &devices, 
     if (with.session.isOver() || items.result != KaResultCode::Success) break;
     Items found = listDevice(device, lastDateTime);
     items.result = found.result;
+    items.isWhole = items.isWhole && found.isWhole;
     append(items.images, std::move(found.images));
   }
   return items;
@@ -123,6 +125,7 @@ KaContentListing::Items KaContentListing::listDevice(const QString &device, cons
     KaLogUtility::writeConnectionResultLog(KaLogStep::GetImageList, true, subject);
   });
   items.result = outcome.result;
+  items.isWhole = !outcome.isNotFound;
   if (outcome.result != KaResultCode::Success)
     KaLogUtility::writeConnectionResultLog(KaLogStep::GetImageList, false,
                                            subject + QStringList{httpLine(outcome.statusCode)});

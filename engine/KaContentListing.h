@@ -34,6 +34,7 @@ struct KaServiceSettings {
 /// What a listing found, as far as it came.
 struct KaListing {
   KaResultCode result = KaResultCode::Success;
+  bool isWhole = true;                         ///< false when a device's pages were said to be missing
   KaListedImages images{};                     ///< the new ones, in download order; empty unless it came to its end
   std::optional<KaServiceSettings> settings{}; ///< absent when they were not read
 };
@@ -68,6 +69,7 @@ private:
   };
   struct Items {
     KaResultCode result = KaResultCode::Success;
+    bool isWhole = true;
     KaListedImages images{};
   };
 

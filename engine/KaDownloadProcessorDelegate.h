@@ -53,6 +53,8 @@ public:
   virtual void setOffers10GStorage(bool offers) = 0;
   virtual void setAppStatus(KaAppStatus status) = 0;
   virtual void setProcessingResult(KaResultCode result, bool userTrigger) = 0;
+  /// Pictures are still to come, for which there was no room (DiskFull) or no folder (FileNotSaved). A message alone.
+  virtual void notifySavingTrouble(KaResultCode cause) = 0;
   virtual void setEnableLoggin(bool enable) = 0;
   /// A failed refresh was told of @p link, and now one has succeeded. Must not call back into the link.
   virtual void notifyLinkHolds(KaLinkNumber link) = 0;

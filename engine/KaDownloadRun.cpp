@@ -25,6 +25,8 @@ namespace {
 
 /// So many empty listings in a row mean that all is there.
 constexpr int kEmptyListings = 3;
+/// After so many passes in a row that saved nothing, what is left is for a later run.
+constexpr int kIdleRounds = 3;
 
 bool isOn(const QString &checkBox) {
   return checkBox == u"true";
@@ -51,10 +53,7 @@ KaResultCode KaDownloadRun::perform() {
 KaResultCode KaDownloadRun::performBoth() {
   auto [opening, result] = openPass(u"Start 30days Storage Download"_s);
   if (opening == Opening::Stopped) return result;
-  if (opening == Opening::Ready) {
-    with.bookkeeping.openLedger();
-    result = downloadUntilNothingIsNew();
-  }
+  if (opening == Opening::Ready) result = downloadUntilNothingIsNew();
   saveRecord(KaTargetStorage::Days30);
   if (!isOn(option.checkBox10GDownload) || !offers10GStorage || with.session.isOver()) return result;
   if (with.session.lastRefresh() != KaRefresh::Succeeded) return result;
@@ -88,7 +87,11 @@ KaDownloadRun::Opened KaDownloadRun::renew() {
   if (with.session.isOver()) return {Opening::Stopped, result};
 
   result = with.session.getCredential();
-  if (result == KaResultCode::Success) return {Opening::Ready, result};
+  if (result == KaResultCode::Success) {
+    with.bookkeeping.openLedger();
+    with.lookBack.takeUp(with.bookkeeping.account());
+    return {Opening::Ready, result};
+  }
   tellFailure(result);
   return {Opening::Refused, result};
 }
@@ -103,8 +106,8 @@ KaResultCode KaDownloadRun::judged(KaResultCode result) const {
 /// A listing, and what the service's settings told on its way, also when a later step of it failed.
 KaListing KaDownloadRun::list(KaTargetStorage targetStorage) {
   KaListing listing = with.listing.getContentsList(targetStorage, with.bookkeeping.lastDateTime(targetStorage));
-  listing.images = with.lookBack.worthAsking(std::move(listing.images), targetStorage);
   listing.result = judged(listing.result);
+  if (!listing.isWhole) with.lookBack.noteLeftUndone();
   if (listing.settings) tellSettings(*listing.settings);
   if (listing.result == KaResultCode::Success) tellInitialAccess();
   return listing;
@@ -131,21 +134,19 @@ KaDownloadRun::ReCheck KaDownloadRun::checkOnce(ReCheck soFar) {
   soFar.result = listing.result;
   if (soFar.result == KaResultCode::Success && !with.session.isOver())
     soFar = takeContents(soFar, std::move(listing.images));
-  if (!soFar.isDone && !with.session.isOver()) soFar.isDone = conclude(soFar);
-  return soFar;
+  return with.session.isOver() ? soFar : conclude(soFar);
 }
 
 KaDownloadRun::ReCheck KaDownloadRun::takeContents(ReCheck soFar, KaListedImages images) {
+  const auto offered = images.size();
+  images = with.lookBack.worthAsking(std::move(images), KaTargetStorage::Days30);
+  soFar.isLeft = images.size() < offered;
   if (!images.empty()) {
-    downloadContents(images);
+    const KaPassOutcome pass = downloadContents(images);
+    soFar.savedCount += pass.savedCount;
+    soFar.passResult = pass.result;
     soFar.emptyCount = 0;
-  } else if (soFar.retryCount == 0) {
-    if (lookBack()) {
-      tellComplete();
-    } else if (!with.session.isOver()) {
-      tellNoTarget();
-    }
-    soFar.isDone = true;
+    soFar.idleCount = pass.savedCount == 0 ? soFar.idleCount + 1 : 0;
   } else {
     ++soFar.emptyCount;
   }
@@ -153,21 +154,41 @@ KaDownloadRun::ReCheck KaDownloadRun::takeContents(ReCheck soFar, KaListedImages
   return soFar;
 }
 
-/// Tells the end of the re-checks, or waits for the next one. @return whether it was the end.
-bool KaDownloadRun::conclude(const ReCheck &reCheck) {
-  if (reCheck.result != KaResultCode::Success) {
-    tellFailure(reCheck.result);
-    return true;
+/// Tells the end of the re-checks, or waits for the next one.
+KaDownloadRun::ReCheck KaDownloadRun::conclude(ReCheck soFar) {
+  if (soFar.result != KaResultCode::Success) {
+    tellFailure(soFar.result);
+    soFar.isDone = true;
+    return soFar;
   }
-  if (reCheck.emptyCount < kEmptyListings) {
-    const auto wait = with.state.waitTimes.reCheck;
-    KaLogUtility::writeInfoLog(u"reCheck Wait"_s, {u"reCheckWaitTime="_s + secondsText(wait)});
-    with.state.waitcnd.wait(wait, [this] { return with.session.isOver(); });
-    return false;
+  const bool isNothingNew = soFar.retryCount == 1 && soFar.emptyCount == 1;
+  const bool isThrough = soFar.emptyCount >= kEmptyListings || soFar.idleCount >= kIdleRounds;
+  if (isNothingNew || isThrough) return finish(soFar);
+  const auto wait = with.state.waitTimes.reCheck;
+  KaLogUtility::writeInfoLog(u"reCheck Wait"_s, {u"reCheckWaitTime="_s + secondsText(wait)});
+  with.state.waitcnd.wait(wait, [this] { return with.session.isOver(); });
+  return soFar;
+}
+
+/// Looks back, if that is due, and tells how the ordinary storage's part of the run has ended.
+KaDownloadRun::ReCheck KaDownloadRun::finish(ReCheck soFar) {
+  soFar.isDone = true;
+  const KaPassOutcome late = lookBack();
+  if (with.session.isOver()) return soFar;
+  const bool hasOnlyFailed = (soFar.isLeft || soFar.idleCount > 0) && soFar.savedCount + late.savedCount == 0;
+  if (hasOnlyFailed) {
+    tellStatus(KaAppStatus::Normal); // neither complete nor nothing to do
+  } else if (soFar.retryCount == 1 && late.savedCount == 0) {
+    tellNoTarget();
+  } else {
+    tellComplete();
   }
-  static_cast<void>(lookBack());
-  if (!with.session.isOver()) tellComplete();
-  return true;
+  if (const auto cause = with.lookBack.savingTrouble())
+    with.session.tell([&] { with.delegate.notifySavingTrouble(*cause); });
+  // Nobody answered: the next run comes as after a listing without an answer.
+  const bool isUnanswered = hasOnlyFailed && soFar.passResult == KaResultCode::NoHttpStatus;
+  if (isUnanswered || late.result == KaResultCode::NoHttpStatus) soFar.result = KaResultCode::NoHttpStatus;
+  return soFar;
 }
 
 void KaDownloadRun::tellComplete() {
@@ -177,34 +198,36 @@ void KaDownloadRun::tellComplete() {
 }
 
 /// Looks through the ordinary storage once more, for what no listing from the last hour on brings.
-/// @return whether something was saved.
-bool KaDownloadRun::lookBack() {
-  if (!with.lookBack.isDue()) return false;
+KaPassOutcome KaDownloadRun::lookBack() {
+  if (!with.lookBack.isDue()) return {};
   const QString start = with.lookBack.startAfter(QDateTime::currentDateTimeUtc());
   KaLogUtility::writeInfoLog(u"Look Back"_s, {u"StartAfter="_s + start});
   KaListing listing = with.listing.getContentsList(KaTargetStorage::Days30, start);
-  if (listing.result != KaResultCode::Success || with.session.isOver()) return false;
-  with.bookkeeping.forgetBefore(start);
-  const KaListedImages images = with.lookBack.worthAsking(std::move(listing.images), KaTargetStorage::Days30);
-  KaPassOutcome pass;
-  if (!images.empty()) {
-    tellStatus(KaAppStatus::Downloading);
-    const auto begin = std::chrono::system_clock::now();
-    pass = with.content.getEachByItself(images, ordinaryTarget());
-    with.lookBack.noteRound(images, with.content.trace(), KaTargetStorage::Days30);
-    reportPass(pass, begin);
+  const bool hasListed = listing.result == KaResultCode::Success && listing.isWhole;
+  if (!hasListed) with.lookBack.noteLeftUndone();
+  if (listing.result != KaResultCode::Success || with.session.isOver()) return {.result = judged(listing.result)};
+  if (hasListed) {
+    with.bookkeeping.forgetBefore(start);
+    with.lookBack.noteListed(listing.images);
   }
-  with.lookBack.noteLookBackDone();
-  return pass.savedCount != 0;
+  const KaListedImages images = with.lookBack.worthAsking(std::move(listing.images), KaTargetStorage::Days30);
+  if (images.empty()) return {};
+  tellStatus(KaAppStatus::Downloading);
+  const auto begin = std::chrono::system_clock::now();
+  KaPassOutcome pass = with.content.getEachByItself(images, ordinaryTarget());
+  with.lookBack.noteRound(images, with.content.takeTrace(), pass, KaTargetStorage::Days30);
+  reportPass(pass, begin);
+  return pass;
 }
 
-void KaDownloadRun::downloadContents(const KaListedImages &images) {
+KaPassOutcome KaDownloadRun::downloadContents(const KaListedImages &images) {
   tellStatus(KaAppStatus::Downloading);
   const auto start = std::chrono::system_clock::now();
-  const KaPassOutcome pass = with.content.getContentsProcess(images, ordinaryTarget());
-  with.lookBack.noteRound(images, with.content.trace(), KaTargetStorage::Days30);
+  KaPassOutcome pass = with.content.getContentsProcess(images, ordinaryTarget());
+  with.lookBack.noteRound(images, with.content.takeTrace(), pass, KaTargetStorage::Days30);
   reportPass(pass, start);
   KaLogUtility::writeConnectionResultLog(KaLogStep::Complete, pass.result == KaResultCode::Success);
+  return pass;
 }
 
 KaContentTarget KaDownloadRun::ordinaryTarget() const {
@@ -245,19 +268,21 @@ KaResultCode KaDownloadRun::takeLongTermStorage() {
 }
 
 KaPassOutcome KaDownloadRun::takeLongTermContents() {
-  const KaListing listing = list(KaTargetStorage::LongTerm10G);
+  KaListing listing = list(KaTargetStorage::LongTerm10G);
   if (listing.result != KaResultCode::Success || with.session.isOver()) return {.result = listing.result};
-  if (listing.images.empty()) {
+  const KaListedImages images = with.lookBack.worthAsking(std::move(listing.images), KaTargetStorage::LongTerm10G);
+  if (images.empty()) {
     KaLogUtility::writeInfoLog(u"No Download Target"_s);
     return {};
   }
   tellStatus(KaAppStatus::Downloading);
   const auto start = std::chrono::system_clock::now();
-  const KaPassOutcome pass =
-      with.content.getContentsProcess(listing.images, {.parentFolder = option.parent10GFolder,
-                                                       .childFolder = option.childFolder,
-                                                       .targetStorage = KaTargetStorage::LongTerm10G});
-  with.lookBack.noteRound(listing.images, with.content.trace(), KaTargetStorage::LongTerm10G);
+  const KaPassOutcome pass = with.content.getContentsProcess(images, {.parentFolder = option.parent10GFolder,
+                                                                      .childFolder = option.childFolder,
+                                                                      .targetStorage = KaTargetStorage::LongTerm10G});
+  with.lookBack.noteRound(images, with.content.takeTrace(), pass, KaTargetStorage::LongTerm10G);
+  // Before the previews begin, which may take long. One that fails is told when the run is over.
+  if (pass.savedCount != 0) static_cast<void>(with.bookkeeping.save(KaTargetStorage::LongTerm10G));
   const bool succeeded = pass.result == KaResultCode::Success;
   if (succeeded && pass.savedCount != 0) sendReport({awsLogs10GStreamName(), u"10G"_s}, start, pass.savedCount);
   KaLogUtility::writeConnectionResultLog(KaLogStep::Complete, succeeded);

@@ -63,7 +63,11 @@ private:
   /// How far the rounds of the ordinary storage have come.
   struct ReCheck {
     int retryCount = 0;
-    int emptyCount = 0; ///< listings in a row that found nothing
+    int emptyCount = 0;  ///< listings in a row that found nothing
+    int idleCount = 0;   ///< passes in a row that saved nothing
+    bool isLeft = false; ///< something that was listed last is for a later run
+    quint64 savedCount = 0;
+    KaResultCode passResult = KaResultCode::Success; ///< of the last pass
     KaResultCode result = KaResultCode::Success;
     bool isDone = false;
   };
@@ -81,9 +85,10 @@ private:
   [[nodiscard]] KaResultCode downloadUntilNothingIsNew();
   [[nodiscard]] ReCheck checkOnce(ReCheck soFar);
   [[nodiscard]] ReCheck takeContents(ReCheck soFar, KaListedImages images);
-  [[nodiscard]] bool conclude(const ReCheck &reCheck);
-  void downloadContents(const KaListedImages &images);
-  [[nodiscard]] bool lookBack();
+  [[nodiscard]] ReCheck conclude(ReCheck soFar);
+  [[nodiscard]] ReCheck finish(ReCheck soFar);
+  [[nodiscard]] KaPassOutcome downloadContents(const KaListedImages &images);
+  [[nodiscard]] KaPassOutcome lookBack();
   [[nodiscard]] KaContentTarget ordinaryTarget() const;
   void reportPass(const KaPassOutcome &pass, KaDownloadReport::Moment start);
   [[nodiscard]] KaResultCode takeLongTermStorage();

@@ -6,6 +6,7 @@
 #include "settings/KaDownloadData.h"
 
 #include <QCryptographicHash>
+#include <QDateTime>
 
 #include <algorithm>
 
@@ -40,7 +41,10 @@ void KaLedgerKeeper::open(const QString &account) {
 void KaLedgerKeeper::adoptRecords() {
   const auto recordKey = [this](KaTargetStorage storage) { return uuidKey(owner, storage); };
   const QString last = delegate.downloadDataLastDateTime(recordKey(KaTargetStorage::Days30)).value_or(QString());
-  if (last > KaDownloadData::defaultLastDateTime()) {
+  // An hour that is none, or to come, would shut out whatever follows.
+  const QDateTime hour = uploadHour(QStringView(last).left(8), QStringView(last).mid(9));
+  const bool isPast = hour.isValid() && hour <= QDateTime::currentDateTimeUtc().addDays(1);
+  if (isPast && last > KaDownloadData::defaultLastDateTime()) {
     ledger.ordinary.boundaryDateTime = last;
     ledger.ordinary.boundaryContentIds =
         delegate.downloadDataContentIds(recordKey(KaTargetStorage::Days30)).value_or(QStringList());
@@ -82,8 +86,8 @@ void KaLedgerKeeper::forgetBefore(const QString &day) {
 
 bool KaLedgerKeeper::save() {
   thread.check();
-  if (owner.isEmpty() || !hasChanged) return true;
-  if (!delegate.saveLedger(owner, ledger)) return false;
+  if (!hasChanged) return !owner.isEmpty();
+  if (owner.isEmpty() || !delegate.saveLedger(owner, ledger)) return false;
   hasChanged = false;
   return true;
 }

@@ -28,7 +28,7 @@ public:
   void settle(const KaImageKey &listed, KaTargetStorage targetStorage);
   /// Days of the ordinary storage before @p day ("yyyyMMdd") are needed no longer.
   void forgetBefore(const QString &day);
-  /// Unless nothing has changed. @return false when it cannot be saved.
+  /// Unless nothing has changed. @return false when it cannot be saved, and before the first account.
   [[nodiscard]] bool save();
 
 private:

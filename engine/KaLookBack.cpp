@@ -5,6 +5,7 @@
 #include "settings/KaDownloadData.h"
 
 #include <algorithm>
+#include <utility>
 
 using namespace Qt::StringLiterals;
 using namespace std::chrono_literals;
@@ -17,14 +18,16 @@ constexpr auto kLongestPause = 24h;
 constexpr int kMostDoublings = 16;
 constexpr int kDaysBack = 31;
 constexpr qint64 kIntervalSeconds = 6 * 3600;
-
-QString troubleKey(const KaImageKey &listed, KaTargetStorage targetStorage) {
-  return uuidKey(listed.path(), targetStorage);
-}
+/// Keeps an absurd setting within what clocks can count.
+constexpr qint64 kLongestIntervalSeconds = 365LL * 24 * 3600;
 
 std::chrono::seconds intervalFromUserDefaults() {
   const qint64 seconds = platform::standardUserDefaults().integerValue(u"lookBackInterval"_s);
-  return std::chrono::seconds(seconds > 0 ? seconds : kIntervalSeconds);
+  return std::chrono::seconds(seconds > 0 ? std::min(seconds, kLongestIntervalSeconds) : kIntervalSeconds);
+}
+
+bool isOfTheDisk(KaResultCode result) {
+  return result == KaResultCode::DiskFull || result == KaResultCode::FileNotSaved;
 }
 
 } // namespace
@@ -38,65 +41,92 @@ void KaLookBack::beginRun(bool askedFor) {
   ++run;
   isAskedFor = askedFor;
   isDone = false;
-  pending.clear();
+  isLeftInRun = false;
+}
+
+void KaLookBack::takeUp(const QString &account) {
+  thread.check();
+  if (std::exchange(owner, account) == account) return;
+  ordinary.clear();
+  longTerm.clear();
+  isLeftUndone = false;
+  begun = with.clock.now();
+  lastDone.reset();
 }
 
 void KaLookBack::endRun() {
   thread.check();
-  isLeftUndone = (isLeftUndone && !isDone) || !pending.isEmpty();
-  for (Trouble &trouble : troubles) {
-    if (trouble.rounds == 0) continue;
+  isLeftUndone = (isLeftUndone && !isDone) || isLeftInRun;
+  for (Troubles *const troubles : {&ordinary, &longTerm})
+    for (Trouble &trouble : *troubles)
+      close(trouble);
+}
+
+/// What it has failed in this run decides when it is tried again.
+void KaLookBack::close(Trouble &trouble) const {
+  const bool isItsOwn = !isOfTheDisk(trouble.last) && trouble.last != KaResultCode::NoHttpStatus;
+  if (trouble.rounds > 0 && isItsOwn) {
     trouble.nextRun = run + (qint64(1) << std::min(trouble.runs, kMostDoublings));
     trouble.nextTry = with.clock.now() + kLongestPause;
     ++trouble.runs;
     if (trouble.isUnsure) ++trouble.unsureRuns;
-    trouble.rounds = 0;
-    trouble.isUnsure = false;
   }
+  trouble.rounds = 0;
+  trouble.isUnsure = false;
 }
 
 KaListedImages KaLookBack::worthAsking(KaListedImages images, KaTargetStorage targetStorage) const {
   thread.check();
+  const Troubles &troubles = targetStorage == KaTargetStorage::LongTerm10G ? longTerm : ordinary;
   if (troubles.isEmpty()) return images;
-  const auto now = with.clock.now();
-  std::erase_if(images, [&](const KaListedImage &image) {
-    const auto found = troubles.constFind(troubleKey(image.key, targetStorage));
-    if (found == troubles.cend()) return false;
-    // A copy of a wrong size would only replace its like.
-    if (found->rounds >= kMostRounds || found->isUnsure || found->unsureRuns >= kMostUnsureRuns) return true;
-    return pauses(*found, now);
+  std::erase_if(images, [&, now = with.clock.now()](const KaListedImage &image) {
+    const auto found = troubles.constFind(image.key.path());
+    return found != troubles.cend() && !isWorthAsking(*found, now);
   });
   return images;
 }
 
-bool KaLookBack::pauses(const Trouble &trouble, TimePoint now) const {
-  return !isAskedFor && run < trouble.nextRun && now < trouble.nextTry;
+bool KaLookBack::isWorthAsking(const Trouble &trouble, TimePoint now) const {
+  // A copy of a wrong size would only replace its like.
+  if (trouble.rounds >= kMostRounds || trouble.isUnsure || trouble.unsureRuns >= kMostUnsureRuns) return false;
+  return isAskedFor || run >= trouble.nextRun || now >= trouble.nextTry;
 }
 
-void KaLookBack::noteRound(const KaListedImages &offered, const KaPassTrace &trace, KaTargetStorage targetStorage) {
+void KaLookBack::noteRound(const KaListedImages &offered, const KaPassTrace &trace, const KaPassOutcome &outcome,
+                           KaTargetStorage targetStorage) {
   thread.check();
+  Troubles &troubles = of(targetStorage);
   for (const KaListedImage &image : offered) {
-    const QString key = troubleKey(image.key, targetStorage);
-    if (with.bookkeeping.isTaken(image.key, targetStorage) || trace.declined.contains(image.key.path())) {
+    const QString &key = image.key.path();
+    if (with.bookkeeping.isTaken(image.key, targetStorage) || trace.declined.contains(key)) {
       troubles.remove(key);
-      pending.remove(key);
       continue;
     }
-    pending.insert(key);
-    if (!trace.asked.contains(image.key.path())) continue;
+    if (targetStorage == KaTargetStorage::Days30) isLeftInRun = true;
+    const auto asked = trace.asked.constFind(key);
+    // No room and no folder are there for those that were not asked for either.
+    if (asked == trace.asked.cend() && !isOfTheDisk(outcome.result)) continue;
     Trouble &trouble = troubles[key];
     ++trouble.rounds;
-    trouble.isUnsure = trace.unsure.contains(image.key.path());
+    trouble.last = asked == trace.asked.cend() ? outcome.result : *asked;
+    trouble.isUnsure = trace.unsure.contains(key);
   }
+}
+
+std::optional<KaResultCode> KaLookBack::savingTrouble() const {
+  thread.check();
+  const auto found = std::find_if(ordinary.cbegin(), ordinary.cend(), [](const Trouble &trouble) {
+    return trouble.rounds > 0 && isOfTheDisk(trouble.last);
+  });
+  return found == ordinary.cend() ? std::nullopt : std::optional(found->last);
 }
 
 bool KaLookBack::isDue() const {
   thread.check();
   if (isAskedFor || isLeftUndone || (!lastDone && with.bookkeeping.knewAccount())) return true;
   const auto now = with.clock.now();
-  const auto shallTry = [&](const Trouble &trouble) { return trouble.runs > 0 && !pauses(trouble, now); };
-  if (std::any_of(troubles.cbegin(), troubles.cend(), shallTry)) return true;
-  return now - lastDone.value_or(begun) >= interval;
+  const auto shallTry = [&](const Trouble &trouble) { return trouble.rounds == 0 && isWorthAsking(trouble, now); };
+  return std::any_of(ordinary.cbegin(), ordinary.cend(), shallTry) || now - lastDone.value_or(begun) >= interval;
 }
 
 QString KaLookBack::startAfter(const QDateTime &now) const {
@@ -107,8 +137,18 @@ QString KaLookBack::startAfter(const QDateTime &now) const {
   return start.date().year() < 1970 ? KaDownloadData::defaultLastDateTime() : start.toString(u"yyyyMMdd/HH");
 }
 
-void KaLookBack::noteLookBackDone() {
+void KaLookBack::noteListed(const KaListedImages &images) {
   thread.check();
   lastDone = with.clock.now();
   isDone = true;
+  if (ordinary.isEmpty()) return;
+  Troubles listed;
+  for (const KaListedImage &image : images)
+    if (const auto found = ordinary.constFind(image.key.path()); found != ordinary.cend())
+      listed.insert(found.key(), *found);
+  ordinary.swap(listed); // what the storage has no more is settled
+}
+
+KaLookBack::Troubles &KaLookBack::of(KaTargetStorage targetStorage) {
+  return targetStorage == KaTargetStorage::LongTerm10G ? longTerm : ordinary;
 }

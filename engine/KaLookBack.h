@@ -1,6 +1,7 @@
 #pragma once
 
 #include "engine/KaContentListing.h"
+#include "engine/KaPass.h"
 #include "engine/KaTargetStorage.h"
 #include "engine/KaWaitClock.h"
 #include "platform/ThreadBound.h"
@@ -17,9 +18,9 @@ class KaBookkeeping;
 
 /// What a pass made of the images that it was offered, by their listed keys.
 struct KaPassTrace {
-  QSet<QString> asked;    ///< some request was made for it, or it was found to have no room or folder
-  QSet<QString> declined; ///< is not of the storage, so says its tag
-  QSet<QString> unsure;   ///< a copy is there whose size or name could not be confirmed
+  QHash<QString, KaResultCode> asked; ///< some request was made for it, or for its room or folder; what it came to
+  QSet<QString> declined;             ///< is not of the storage, so says its tag
+  QSet<QString> unsure;               ///< a copy is there whose size or name could not be confirmed
 };
 
 /// Remembers what runs have left undone, and says which images are worth asking for and when the ordinary storage is to
@@ -37,13 +38,21 @@ public:
 
   /// @param isAskedFor  by the user: nothing pauses, and a look-back is due.
   void beginRun(bool isAskedFor);
+  /// The run works for @p account: what was remembered of another one is forgotten.
+  void takeUp(const QString &account);
   void endRun();
 
   /// Leaves out what has failed in three rounds of this run, and what has failed in so many runs that this is not yet
   /// the next one to try it in.
   [[nodiscard]] KaListedImages worthAsking(KaListedImages images, KaTargetStorage targetStorage) const;
   /// A pass over @p offered is over.
-  void noteRound(const KaListedImages &offered, const KaPassTrace &trace, KaTargetStorage targetStorage);
+  void noteRound(const KaListedImages &offered, const KaPassTrace &trace, const KaPassOutcome &outcome,
+                 KaTargetStorage targetStorage);
+  /// A listing of the ordinary storage did not bring all that it should have.
+  void noteLeftUndone() { isLeftInRun = true; }
+
+  /// Why some of them could not be saved in this run, where the disk was the cause: DiskFull or FileNotSaved.
+  [[nodiscard]] std::optional<KaResultCode> savingTrouble() const;
 
   /// Whether a look-back is due at the end of this run: the first of a process that knows the account already, one that
   /// was asked for, one after something was left undone or in which it is to be tried again, and every six hours
@@ -51,30 +60,38 @@ public:
   [[nodiscard]] bool isDue() const;
   /// Of the listing: 31 days before the last hour recorded or @p now, whichever is earlier. The storage keeps 30.
   [[nodiscard]] QString startAfter(const QDateTime &now) const;
-  void noteLookBackDone();
+  /// A look-back has listed @p images, which are all that is still to come.
+  void noteListed(const KaListedImages &images);
 
 private:
   using TimePoint = platform::BootClock::time_point;
+  /// An image that could not be had.
   struct Trouble {
-    int rounds = 0;        ///< that it has failed in, of this run
-    int runs = 0;          ///< that it has failed in
-    int unsureRuns = 0;    ///< of those with a copy that could not be confirmed
-    bool isUnsure = false; ///< in this run
-    qint64 nextRun = 0;    ///< to try it in, or the first from then on:
+    int rounds = 0;                            ///< that it has failed in, of this run
+    KaResultCode last = KaResultCode::Success; ///< what the last of them came to
+    bool isUnsure = false;                     ///< in this run
+    int runs = 0;                              ///< that it has failed in by itself
+    int unsureRuns = 0;                        ///< of those with a copy that could not be confirmed
+    qint64 nextRun = 0;                        ///< to try it in, or the first from then on:
     TimePoint nextTry{};
   };
+  using Troubles = QHash<QString, Trouble>; ///< by listed key
 
-  [[nodiscard]] bool pauses(const Trouble &trouble, TimePoint now) const;
+  [[nodiscard]] Troubles &of(KaTargetStorage targetStorage);
+  [[nodiscard]] bool isWorthAsking(const Trouble &trouble, TimePoint now) const;
+  void close(Trouble &trouble) const;
 
   const Parts with;
   const std::chrono::seconds interval;
-  const TimePoint begun;
   const platform::ThreadBound thread;
-  QHash<QString, Trouble> troubles; ///< by storage and key
-  QSet<QString> pending;            ///< the same, of this run
+  QString owner;
+  Troubles ordinary;
+  Troubles longTerm;
   qint64 run = 0;
   bool isAskedFor = false;
   bool isDone = false;       ///< a look-back, in this run
-  bool isLeftUndone = false; ///< something, by the runs before
+  bool isLeftInRun = false;  ///< something of the ordinary storage, by this run
+  bool isLeftUndone = false; ///< by the runs before
+  TimePoint begun;
   std::optional<TimePoint> lastDone;
 };

@@ -20,6 +20,10 @@ bool KaPass::isOver() const {
   return with.session.isOver();
 }
 
+bool KaPass::hasCredentials() const {
+  return !with.session.hasExpired();
+}
+
 KaPass::Verdict KaPass::judgeItem(qint64 size) {
   // A failure is carried over on purpose: what follows it is passed over until a check of a later item succeeds.
   if (carried() != KaResultCode::Success) return Verdict::PassOver;

@@ -42,6 +42,8 @@ public:
   [[nodiscard]] bool beginItem(const QString &title, const QString &logLine);
   /// Whether the pass must end: the program does, or the link has.
   [[nodiscard]] bool isOver() const;
+  /// Whether requests can be made at all; not once a renewal has failed.
+  [[nodiscard]] bool hasCredentials() const;
 
   /// Whether an item of @p size bytes can be saved: PassOver while a failure is carried over, and for lack of room,
   /// which becomes one (DiskFull); Stop when the parent folder cannot be used (FileNotSaved).

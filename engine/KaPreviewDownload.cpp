@@ -58,7 +58,11 @@ KaPassOutcome KaPreviewDownload::getPreview(const QString &parentFolder, qint64 
   thread.check();
   KaPass pass(with.pass, parentFolder);
   const PreviewList list = std::exchange(previews, PreviewList()); // the next pass has a new one
-  list.visit([&](const KaPreview &preview) { return getOne(preview, childFolder, pass) == Loop::GoOn; });
+  list.visit([&](const KaPreview &preview) {
+    if (getOne(preview, childFolder, pass) == Loop::Stop) return false;
+    with.bookkeeping.saveNowAndThen(KaTargetStorage::Preview2K);
+    return true;
+  });
   return pass.outcome();
 }
 

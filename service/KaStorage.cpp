@@ -70,7 +70,7 @@ ListingOutcome KaStorage::readPages(ListParameters parameters, const PageTaker &
     if (!listed || (next && tokensSent.contains(*next)))
       return {.result = KaResultCode::NoBody, .statusCode = answer.statusCode};
     take(listed->page);
-    if (!next) return {.statusCode = answer.statusCode};
+    if (!next) return {.statusCode = answer.statusCode, .isNotFound = isNotFound};
     parameters.continuationToken = *next;
     tokensSent.insert(*next);
   }

@@ -51,7 +51,8 @@ struct ListingPage {
 
 struct ListingOutcome {
   KaResultCode result = KaResultCode::Success;
-  qint64 statusCode = 0; ///< of the last page
+  qint64 statusCode = 0;   ///< of the last page
+  bool isNotFound = false; ///< there is no such listing, so says the service, which counts as an empty one
 };
 
 struct StoredDocument {

@@ -47,6 +47,10 @@ void KaNotifyIcon::onProcessingResult(KaModelFacade & /*facade*/, KaResultCode r
   mailbox.post([this, result, userTrigger] { applyResult(result, userTrigger); });
 }
 
+void KaNotifyIcon::onSavingTrouble(KaResultCode cause) {
+  mailbox.post([this, cause] { reportResult(cause, resultEffect(cause).messageKey, /*userTrigger=*/false); });
+}
+
 void KaNotifyIcon::onCompleteLinkageSetting() {
   platform::assertMainThread();
   guarded([this] { confirmFolders(); });

@@ -38,6 +38,7 @@ public:
 
   void onChangeStatus(KaModelFacade &facade, KaAppStatus statusMode) override;
   void onProcessingResult(KaModelFacade &facade, KaResultCode result, bool userTrigger) override;
+  void onSavingTrouble(KaResultCode cause) override;
   void onCompleteLinkageSetting() override;
   void onSetEnableLogginMenu(bool enable) override;
   void onFinishDownloadProcess() override;

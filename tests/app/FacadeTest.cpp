@@ -33,6 +33,7 @@ namespace {
 class RecordingDelegate final : public KaDownloadDelegate {
 public:
   void onChangeStatus(KaModelFacade &, KaAppStatus status) override { note(u"status"_s, static_cast<int>(status)); }
+  void onSavingTrouble(KaResultCode) override {}
   void onProcessingResult(KaModelFacade &, KaResultCode code, bool) override {
     note(u"result"_s, static_cast<int>(code));
     if (code == KaResultCode::InitialAccessComplete) ++initialAccesses;

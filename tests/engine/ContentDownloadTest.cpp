@@ -230,7 +230,7 @@ TEST_F(ContentDownload, neverReplacesAFileThatWasThereThoughItIsLikeACopyThatSta
     object.body = body;
     add(object);
     EXPECT_EQ(parts.pass(target()).savedCount, 0U);
-    EXPECT_EQ(parts.content.trace().unsure.size(), 1);
+    EXPECT_EQ(parts.content.takeTrace().unsure.size(), 1);
     EXPECT_EQ(files(), names(there));
     EXPECT_EQ(contentOf(path(u"A.JPG"_s)), copy);
     EXPECT_EQ(contentOf(path(u"A_1.JPG"_s)), "mine");

@@ -81,6 +81,7 @@ public:
   void setProcessingResult(KaResultCode result, bool userTrigger) override {
     note(QStringLiteral("result %1%2").arg(qint64(result)).arg(userTrigger ? u" by user" : u""));
   }
+  void notifySavingTrouble(KaResultCode cause) override { note(QStringLiteral("trouble %1").arg(qint64(cause))); }
   void setEnableLoggin(bool enable) override { note(QStringLiteral("enableLoggin %1").arg(int(enable))); }
   void notifyLinkHolds(KaLinkNumber) override { note(QStringLiteral("link holds")); }
   void notifyDownloadProcessFinish() override { note(QStringLiteral("finish")); }

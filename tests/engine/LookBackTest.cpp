@@ -135,6 +135,34 @@ TEST_F(LookBack, endsTheRoundsOfAnImageThatIsListedAgainAndAgain) {
   EXPECT_TRUE(delegate.events().contains(u"result 1"_s));
 }
 
+TEST_F(LookBack, endsARunWithoutAFolderAndSaysSoAndNoMore) {
+  addImages("10/A.JPG 10/B.JPG 11/C.JPG 12/D.JPG 13/E.JPG");
+  delegate.change([](auto &answers) { answers.folderVerdict = KaResultCode::FolderNotAccessible; });
+  ASSERT_TRUE(makeRuns(4));
+  const QStringList events = delegate.events();
+  EXPECT_TRUE(events.contains(u"trouble 13"_s) && !events.contains(u"result 1"_s) && !events.contains(u"result 13"_s));
+  delegate.change([](auto &answers) { answers.folderVerdict = KaResultCode::Success; });
+  delegate.forgetEvents();
+  ASSERT_TRUE(delegate.waitForEvent(u"result 1"_s)) << "none of them waits for a later run";
+  EXPECT_EQ(fileNames(), names("A.JPG B.JPG C.JPG D.JPG E.JPG"));
+  EXPECT_FALSE(delegate.events().contains(u"trouble 13"_s));
+}
+
+TEST_F(LookBack, booksWhatTheLongTermStorageBringsThoughTheOrdinaryOneHadNoCredentials) {
+  delegate.change([this](auto &answers) {
+    answers.option.checkBox10GDownload = u"true"_s;
+    answers.option.parent10GFolder = profile.picturesFolder();
+  });
+  service.library().setSettingsObject(R"({"isEnableDownload10GStorage":true})");
+  addImages("A.JPG");
+  service.order(Endpoint::Sts, {.status = 500});
+  ASSERT_TRUE(makeRuns(1));
+  processor.reset();
+  const KaLedger ledger = delegate.answers().ledgers.value(service.library().userId()).ledger;
+  EXPECT_EQ(ledger.longTerm.days.size(), 1U);
+  EXPECT_TRUE(ledger.longTerm.boundaryContentIds.isEmpty() && ledger.ordinary.days.empty());
+}
+
 TEST_F(LookBack, isNotNeededForWhatWasTakenBeforeThereWasALedger) {
   addImages("10/OLD.JPG 11/A.JPG 11/B.JPG 12/C.JPG");
   delegate.change([this](auto &answers) {

@@ -148,6 +148,13 @@ TEST_F(NotifyIcon, showsAndTellsEachResultInItsOwnWordsAndDoubtsTheLinkAfterEver
     EXPECT_FALSE(!text.isEmpty() && words.values().contains(text));
     words[code] = text;
   }
+  icon->onChangeLinkage(true);
+  view.notifications.clear();
+  report([&] {
+    icon->onChangeStatus(facade, KaAppStatus::Normal);
+    icon->onSavingTrouble(KaResultCode::DiskFull);
+  });
+  EXPECT_TRUE(last().isLinked && view.notifications.first().contains(words[8])) << "a message alone";
   EXPECT_EQ(words[2], localised("MSG_10G_DOWNLOAD_COMPLETE"_L1));
   EXPECT_EQ(words[9], localised("MSG_ERR_OFFLINE"_L1));
   EXPECT_EQ(words[17], localised("MSG_ERR_VALIDATION"_L1));
