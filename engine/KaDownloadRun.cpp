@@ -175,7 +175,8 @@ KaDownloadRun::ReCheck KaDownloadRun::finish(ReCheck soFar) {
   soFar.isDone = true;
   const KaPassOutcome late = lookBack();
   if (with.session.isOver()) return soFar;
-  const bool hasOnlyFailed = (soFar.isLeft || soFar.idleCount > 0) && soFar.savedCount + late.savedCount == 0;
+  const bool isLeft = soFar.isLeft || soFar.idleCount >= kIdleRounds;
+  const bool hasOnlyFailed = isLeft && soFar.savedCount + late.savedCount == 0;
   if (hasOnlyFailed) {
     tellStatus(KaAppStatus::Normal); // neither complete nor nothing to do
   } else if (soFar.retryCount == 1 && late.savedCount == 0) {
