@@ -76,10 +76,11 @@ protected:
 };
 
 /// Where a single answer makes something else right: a picture whose metadata are not there is filed by its upload
-/// hour, and one whose tags name no period is of the 10G storage, too.
+/// hour, one whose variant is not there comes as it is, and one whose tags name no period is of the 10G storage, too.
 bool isRightOtherwise(const Fault &fault, Endpoint endpoint) {
-  const bool saysNothing = fault.kind == EmptyBody || fault.kind == MalformedBody;
-  if (endpoint == Endpoint::Metadata) return saysNothing || fault.status == 404;
+  const bool saysNothing = fault.kind == EmptyBody || fault.kind == MalformedBody || fault.status == 404;
+  if (endpoint == Endpoint::Metadata) return saysNothing;
+  if (endpoint == Endpoint::ObjectHead) return fault.status == 404;
   return endpoint == Endpoint::ObjectTagging
          && (saysNothing || fault.kind == TruncatedBody || fault.kind == UncountedCut);
 }
