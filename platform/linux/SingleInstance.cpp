@@ -11,6 +11,8 @@
 #include <QDBusMessage>
 #include <QDBusPendingCall>
 
+#include <algorithm>
+#include <array>
 #include <thread>
 #include <utility>
 
@@ -62,8 +64,12 @@ SingleInstance::HandOver handOverByBus(const QDBusConnection &bus, const std::op
   };
   const QDBusMessage reply = ask(applicationCall(url), kHandOverWait);
   if (reply.type() == QDBusMessage::ReplyMessage) return Delivered;
-  // An agent that ends takes its object away, and then gives its name up.
-  if (reply.errorName() == u"org.freedesktop.DBus.Error.UnknownObject") return NoAgent;
+  // The last: an agent that ends takes its object away, and then gives its name up. Who found the name free is not
+  // asked again whether it is: an agent that has taken it since would count as one that does not answer.
+  static constexpr std::array kNoAgent = {"org.freedesktop.DBus.Error.ServiceUnknown"_L1,
+                                          "org.freedesktop.DBus.Error.NameHasNoOwner"_L1,
+                                          "org.freedesktop.DBus.Error.UnknownObject"_L1};
+  if (std::ranges::find(kNoAgent, reply.errorName()) != kNoAgent.end()) return NoAgent;
   const QDBusMessage owned = ask(busCall(u"NameHasOwner"_s), kBusWait);
   const bool isFree = owned.type() == QDBusMessage::ReplyMessage && !owned.arguments().value(0).toBool();
   return isFree ? NoAgent : Failed;
