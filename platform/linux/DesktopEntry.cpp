@@ -2,6 +2,10 @@
 
 #include "platform/PrivateFile.h"
 
+#include <QDir>
+#include <QFileInfo>
+#include <QSaveFile>
+
 #include <string_view>
 
 using namespace Qt::StringLiterals;
@@ -43,6 +47,14 @@ QString execArgument(const QString &argument) {
     }
   }
   return u'"' + quoted + u'"';
+}
+
+bool writeEntry(const QString &path, const QByteArray &text) {
+  const QFileInfo entry(path);
+  if (!QDir().mkpath(entry.path())) return false;
+  sweepReplacements(entry.path(), {entry.fileName()});
+  QSaveFile file(path);
+  return file.open(QFile::WriteOnly) && file.write(text) == text.size() && file.commit();
 }
 
 QByteArray writtenEntry(const QString &path) {

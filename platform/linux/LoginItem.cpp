@@ -5,9 +5,7 @@
 
 #include <QCoreApplication>
 #include <QDebug>
-#include <QDir>
 #include <QFile>
-#include <QSaveFile>
 #include <QStandardPaths>
 
 using namespace Qt::StringLiterals;
@@ -15,12 +13,9 @@ using namespace Qt::StringLiterals;
 namespace platform {
 namespace {
 
-QString autostartFolder() {
-  return QStandardPaths::writableLocation(QStandardPaths::GenericConfigLocation) + u"/autostart"_s;
-}
-
 QString entryPath() {
-  return autostartFolder() + u'/' + QString::fromUtf16(kApplicationId) + u".desktop"_s;
+  return QStandardPaths::writableLocation(QStandardPaths::GenericConfigLocation) + u"/autostart/"_s
+         + QString::fromUtf16(kApplicationId) + u".desktop"_s;
 }
 
 QByteArray program() {
@@ -32,18 +27,10 @@ QByteArray entryText() {
          + "\nTerminal=false\n";
 }
 
-bool writeEntry(const QByteArray &text) {
-  if (!QDir().mkpath(autostartFolder())) return false;
-  QSaveFile file(entryPath());
-  if (!file.open(QFile::WriteOnly)) return false;
-  file.write(text);
-  return file.commit();
-}
-
 } // namespace
 
 bool setLoginItemEnabled(bool enabled) {
-  if (enabled) return writeEntry(entryText());
+  if (enabled) return writeEntry(entryPath(), entryText());
   return QFile::remove(entryPath()) || !QFile::exists(entryPath());
 }
 
@@ -51,7 +38,7 @@ void refreshLoginItem() {
   const QByteArray entry = writtenEntry(entryPath());
   // What a desktop's tool has added stays, and so does a command line that somebody has thought of.
   const auto moved = entry.contains("\nHidden=true") ? std::nullopt : withProgram(entry, program());
-  if (moved && *moved != entry && !writeEntry(*moved))
+  if (moved && *moved != entry && !writeEntry(entryPath(), *moved))
     qWarning("the entry that starts the program at login leads to its old place");
 }
 

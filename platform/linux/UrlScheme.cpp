@@ -3,11 +3,9 @@
 #include "platform/AppInfo.h"
 #include "platform/linux/DesktopEntry.h"
 
-#include <QDir>
 #include <QFile>
 #include <QFileInfo>
 #include <QProcess>
-#include <QSaveFile>
 #include <QStandardPaths>
 
 using namespace Qt::StringLiterals;
@@ -66,11 +64,7 @@ bool registerUrlScheme(const QString &executable) {
   const QString path = userFolder() + u'/' + entryName();
   const QByteArray text = entryText(executable);
   if (writtenEntry(path) == text) return true;
-  if (!QDir().mkpath(userFolder())) return false;
-  QSaveFile file(path);
-  if (!file.open(QFile::WriteOnly)) return false;
-  file.write(text);
-  if (!file.commit()) return false;
+  if (!writeEntry(path, text)) return false;
   announce();
   return true;
 }

@@ -149,7 +149,9 @@ TEST_F(Desktop, givesUrlsToTheProgramUnlessAnInstalledEntryDoes) {
     qunsetenv(variable);
   const QString agent = profile.path(u"agent"_s);
   const QString entry = u"/applications/com.norvale.Downloaderpictora.desktop"_s;
+  writeFile(profile.dataFolder() + entry + u".aB3dEf"_s, "what a kill has left");
   ASSERT_TRUE(platform::registerUrlScheme(agent));
+  EXPECT_EQ(filesBelow(profile.dataFolder()).filter(u"aB3dEf"_s), QStringList());
   // The desktop's tools work on by themselves after the call.
   ASSERT_TRUE(waitFor([&] { return QFile::exists(profile.configFolder() + u"/mimeapps.list"_s); }));
   const QByteArray made = contentOf(profile.dataFolder() + entry);
