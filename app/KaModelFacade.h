@@ -42,6 +42,8 @@ public:
   [[nodiscard]] QString checkBox10GDownload() const; ///< the user's choice, whether the service offers it or not
   /// Whether the service offers the 10G storage and the previews, by its settings as they were last read; true before.
   [[nodiscard]] bool offers10GStorage() const { return bOffers10GStorage; }
+  /// How many files the runs of this link could not have so far, and will try again.
+  [[nodiscard]] qsizetype stillToCome() const { return stillToComeCount; }
   [[nodiscard]] QString checkBoxCreateSubfolder() const;
   [[nodiscard]] QString checkBoxDownloadMetadata() const;
   [[nodiscard]] qint64 downloadOptionChildFolder() const;
@@ -72,6 +74,7 @@ public:
   /// @name Reports, forwarded to the delegate on the caller's thread but for one.
   /// @{
   void setOffers10GStorage(bool offers) override { bOffers10GStorage = offers; } ///< kept alone: nobody is told
+  void setStillToCome(qsizetype count) override { stillToComeCount = count; }    ///< kept alone, too
   void setAppStatus(KaAppStatus status) override;
   void setProcessingResult(KaResultCode result, bool userTrigger) override;
   void notifySavingTrouble(KaResultCode cause) override;
@@ -136,6 +139,7 @@ private:
   bool canKeepFiles = false;   ///< fixed after construction: what the app folder was like at start
   bool hasToldUnsaved = false; ///< main thread: that a login was not stored
   std::atomic<bool> bOffers10GStorage = true;
+  std::atomic<qsizetype> stillToComeCount = 0;
   std::atomic<KaDownloadDelegate *> dlDelegate = nullptr;
   platform::Mailbox mailbox;
   /// Main thread, in the order of the callbacks; dropped ones stay until their thread has ended. All end before the

@@ -96,6 +96,7 @@ void KaModelFacade::closeLinkage() {
   dropLogins();
   if (!KaLinkageUtility::closeLinkage()) KaLogUtility::writeErrorLog(u"the logout page cannot be opened"_s);
   dlProc->deleteCredential();
+  setStillToCome(0);
   setAppStatus(KaAppStatus::NotLinked);
   setProcessingResult(KaResultCode::Unlinked, /*userTrigger=*/false);
 }

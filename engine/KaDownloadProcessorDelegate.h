@@ -53,6 +53,8 @@ public:
   virtual void setOffers10GStorage(bool offers) = 0;
   virtual void setAppStatus(KaAppStatus status) = 0;
   virtual void setProcessingResult(KaResultCode result, bool userTrigger) = 0;
+  /// At the end of a run: so many files could not be had so far, and are tried again.
+  virtual void setStillToCome(qsizetype count) = 0;
   /// Pictures are still to come, for which there was no room (DiskFull) or no folder (FileNotSaved). A message alone.
   virtual void notifySavingTrouble(KaResultCode cause) = 0;
   virtual void setEnableLoggin(bool enable) = 0;

@@ -45,6 +45,7 @@ KaResultCode KaDownloadRun::perform() {
   if (isOn(option.checkBoxDownloadMetadata)) KaLogUtility::writeInfoLog(u"Download Metadata Enabled"_s);
   with.lookBack.beginRun(with.state.bUserTrigger);
   const auto result = performBoth();
+  with.session.tell([&] { with.delegate.setStillToCome(with.lookBack.countStillToCome()); });
   with.lookBack.endRun();
   return result;
 }
@@ -209,7 +210,7 @@ KaPassOutcome KaDownloadRun::lookBack() {
   if (listing.result != KaResultCode::Success || with.session.isOver()) return {.result = judged(listing.result)};
   if (hasListed) {
     with.bookkeeping.forgetBefore(start);
-    with.lookBack.noteListed(listing.images);
+    with.lookBack.noteListed(listing.images, KaTargetStorage::Days30);
   }
   const KaListedImages images = with.lookBack.worthAsking(std::move(listing.images), KaTargetStorage::Days30);
   if (images.empty()) return {};
@@ -271,6 +272,7 @@ KaResultCode KaDownloadRun::takeLongTermStorage() {
 KaPassOutcome KaDownloadRun::takeLongTermContents() {
   KaListing listing = list(KaTargetStorage::LongTerm10G);
   if (listing.result != KaResultCode::Success || with.session.isOver()) return {.result = listing.result};
+  if (listing.isWhole) with.lookBack.noteListed(listing.images, KaTargetStorage::LongTerm10G);
   const KaListedImages images = with.lookBack.worthAsking(std::move(listing.images), KaTargetStorage::LongTerm10G);
   if (images.empty()) {
     KaLogUtility::writeInfoLog(u"No Download Target"_s);

@@ -121,6 +121,11 @@ std::optional<KaResultCode> KaLookBack::savingTrouble() const {
   return found == ordinary.cend() ? std::nullopt : std::optional(found->last);
 }
 
+qsizetype KaLookBack::countStillToCome() const {
+  thread.check();
+  return ordinary.size() + longTerm.size();
+}
+
 bool KaLookBack::isDue() const {
   thread.check();
   if (isAskedFor || isLeftUndone || (!lastDone && with.bookkeeping.knewAccount())) return true;
@@ -137,16 +142,19 @@ QString KaLookBack::startAfter(const QDateTime &now) const {
   return start.date().year() < 1970 ? KaDownloadData::defaultLastDateTime() : start.toString(u"yyyyMMdd/HH");
 }
 
-void KaLookBack::noteListed(const KaListedImages &images) {
+void KaLookBack::noteListed(const KaListedImages &images, KaTargetStorage targetStorage) {
   thread.check();
-  lastDone = with.clock.now();
-  isDone = true;
-  if (ordinary.isEmpty()) return;
+  if (targetStorage == KaTargetStorage::Days30) {
+    lastDone = with.clock.now();
+    isDone = true;
+  }
+  Troubles &troubles = of(targetStorage);
+  if (troubles.isEmpty()) return;
   Troubles listed;
   for (const KaListedImage &image : images)
-    if (const auto found = ordinary.constFind(image.key.path()); found != ordinary.cend())
+    if (const auto found = troubles.constFind(image.key.path()); found != troubles.cend())
       listed.insert(found.key(), *found);
-  ordinary.swap(listed); // what the storage has no more is settled
+  troubles.swap(listed); // what the storage has no more is settled
 }
 
 KaLookBack::Troubles &KaLookBack::of(KaTargetStorage targetStorage) {

@@ -53,6 +53,8 @@ public:
 
   /// Why some of them could not be saved in this run, where the disk was the cause: DiskFull or FileNotSaved.
   [[nodiscard]] std::optional<KaResultCode> savingTrouble() const;
+  /// How many files could not be had so far, of both storages, and are still to come.
+  [[nodiscard]] qsizetype countStillToCome() const;
 
   /// Whether a look-back is due at the end of this run: the first of a process that knows the account already, one that
   /// was asked for, one after something was left undone or in which it is to be tried again, and every six hours
@@ -60,8 +62,9 @@ public:
   [[nodiscard]] bool isDue() const;
   /// Of the listing: 31 days before the last hour recorded or @p now, whichever is earlier. The storage keeps 30.
   [[nodiscard]] QString startAfter(const QDateTime &now) const;
-  /// A look-back has listed @p images, which are all that is still to come.
-  void noteListed(const KaListedImages &images);
+  /// The whole storage was listed, by a look-back where it is the ordinary one; @p images are all that is still to
+  /// come.
+  void noteListed(const KaListedImages &images, KaTargetStorage targetStorage);
 
 private:
   using TimePoint = platform::BootClock::time_point;

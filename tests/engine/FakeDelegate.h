@@ -22,6 +22,7 @@ public:
     KaResultCode folderVerdict = KaResultCode::Success;
     bool hasNetwork = true;
     bool offers10GStorage = true;
+    qsizetype stillToCome = -1;
     QHash<QString, KaDownloadData> records;
     QHash<QString, KaLoadedLedger> ledgers;
     std::function<void(const QString &event)> onEvent; ///< called once it is noted, without the lock held
@@ -76,6 +77,9 @@ public:
   }
   void setOffers10GStorage(bool offers) override {
     change([&](auto &now) { now.offers10GStorage = offers; });
+  }
+  void setStillToCome(qsizetype count) override {
+    change([&](auto &now) { now.stillToCome = count; });
   }
   void setAppStatus(KaAppStatus status) override { note(QStringLiteral("status %1").arg(qint64(status))); }
   void setProcessingResult(KaResultCode result, bool userTrigger) override {

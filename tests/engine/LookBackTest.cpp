@@ -128,6 +128,24 @@ TEST_F(LookBack, endsARunThatCannotHaveAnImageAndTriesItInRunsFurtherAndFurtherA
   EXPECT_EQ(fileNames(), names("A.JPG B.JPG C.JPG"));
 }
 
+TEST_F(LookBack, countsWhatIsStillToComeUntilItHasComeOrTheStorageHasItNoMore) {
+  delegate.change([this](auto &answers) {
+    answers.option.checkBox10GDownload = u"true"_s;
+    answers.option.parent10GFolder = profile.picturesFolder();
+  });
+  service.library().setSettingsObject(R"({"isEnableDownload10GStorage":true})");
+  addImages("10/A.JPG 11/B.JPG 12/C.JPG");
+  service.order(Endpoint::ObjectGet, {.status = 503, .times = -1, .pathContains = u"A.JPG"_s});
+  service.order(Endpoint::ObjectGet, {.status = 503, .times = -1, .pathContains = u"B.JPG"_s});
+  ASSERT_TRUE(makeRuns(1));
+  EXPECT_EQ(delegate.answers().stillToCome, 4) << "of either storage";
+  service.library().remove(image(u"11"_s, u"B.JPG"_s));
+  EXPECT_TRUE(waitFor([&] { return delegate.answers().stillToCome == 2; }));
+  service.clearFaults();
+  EXPECT_TRUE(waitFor([&] { return delegate.answers().stillToCome == 0; }));
+  EXPECT_EQ(fileNames(), names("A.JPG C.JPG"));
+}
+
 TEST_F(LookBack, endsTheRoundsOfAnImageThatIsListedAgainAndAgain) {
   addImages("10/A.JPG 11/B.JPG");
   service.order(Endpoint::ObjectGet, {.status = 503, .times = -1, .pathContains = u"B.JPG"_s});
