@@ -2,6 +2,7 @@
 #include "identity/KaLinkageUtility.h"
 #include "platform/UserDefaults.h"
 #include "settings/SettingsFiles.h"
+#include "tests/support/FlushedDisk.h"
 #include "tests/support/TestProfile.h"
 
 #include <QDir>
@@ -10,73 +11,22 @@
 #include <gtest/gtest.h>
 
 #include <fcntl.h>
-#include <sys/stat.h>
 #include <sys/syscall.h>
 #include <unistd.h>
 
 #include <functional>
-#include <map>
 
 using namespace Qt::StringLiterals;
 
 namespace {
 
-/// What the disk has been told to keep. A power cut leaves of a file what was flushed of it, and of a name what was
-/// flushed with its folder, or the name that it bears at that instant: whichever is worse.
-struct Disk {
-  /// The names of a folder with the contents, null for one that was never flushed; absent for folders.
-  using Names = std::map<QString, std::optional<QByteArray>>;
-
-  static ino_t inode(const QString &path) {
-    struct stat status {};
-    return ::lstat(QFile::encodeName(path).constData(), &status) == 0 ? status.st_ino : 0;
-  }
-  [[nodiscard]] Names namesIn(const QString &folder) const {
-    Names names;
-    const QDir::Filters all = QDir::AllEntries | QDir::Hidden | QDir::System | QDir::NoDotAndDotDot;
-    for (const QFileInfo &entry : QDir(folder).entryInfoList(all)) {
-      const auto content = contents.find(inode(entry.filePath()));
-      names[entry.fileName()] = entry.isDir() ? std::optional<QByteArray>()
-                                              : (content == contents.end() ? QByteArray("torn") : content->second);
-    }
-    return names;
-  }
-  void flush(int descriptor) {
-    const QString link = u"/proc/self/fd/%1"_s.arg(descriptor);
-    const QString path = QFile::symLinkTarget(link);
-    struct stat status {};
-    if (::fstat(descriptor, &status) != 0) return;
-    if (S_ISDIR(status.st_mode)) {
-      folders[path] = namesIn(path);
-    } else {
-      contents[status.st_ino] = contentOf(link);
-    }
-  }
-  /// @p folder as it is found in @p copy after the cut.
-  void restore(const QString &folder, const QString &copy, bool isFlushedAlone) const {
-    QDir().mkpath(copy);
-    const auto flushed = folders.find(folder);
-    const Names names = !isFlushedAlone ? namesIn(folder) : flushed == folders.end() ? Names() : flushed->second;
-    for (const auto &[name, content] : names) {
-      if (content) {
-        writeFile(copy + u'/' + name, *content);
-      } else {
-        restore(folder + u'/' + name, copy + u'/' + name, isFlushedAlone);
-      }
-    }
-  }
-
-  std::map<ino_t, QByteArray> contents;
-  std::map<QString, Names> folders;
-};
-
-Disk *disk = nullptr; ///< while it is watched
+FlushedDisk *disk = nullptr; ///< while it is watched
 std::function<void()> lookAfterACut;
 
 /// Nothing of what a look does counts.
 template <class Call> auto watched(const Call &call) {
   const auto result = call();
-  if (Disk *const watching = std::exchange(disk, nullptr)) {
+  if (FlushedDisk *const watching = std::exchange(disk, nullptr)) {
     lookAfterACut();
     disk = watching;
   }
@@ -84,14 +34,14 @@ template <class Call> auto watched(const Call &call) {
 }
 
 long replaced(const char *path, const std::function<long()> &call) {
-  const ino_t gone = disk ? Disk::inode(QFile::decodeName(path)) : 0;
+  const ino_t gone = disk ? FlushedDisk::numberOf(QFile::decodeName(path)) : 0;
   const long result = call();
-  if (disk && result == 0) disk->contents.erase(gone); // its number may come again
+  if (disk && result == 0) disk->forget(gone);
   return watched([result] { return result; });
 }
 
 int flushed(int descriptor) {
-  if (Disk *const watching = std::exchange(disk, nullptr)) {
+  if (FlushedDisk *const watching = std::exchange(disk, nullptr)) {
     watching->flush(descriptor);
     disk = watching;
   }
@@ -118,10 +68,7 @@ namespace {
 
 class PowerCut : public testing::Test {
 protected:
-  PowerCut() {
-    for (const QString &folder : {profile.path(), profile.dataFolder(), profile.configFolder()})
-      state.folders[folder] = state.namesIn(folder);
-  }
+  PowerCut() { state.keep(profile.path()); }
   ~PowerCut() override { disk = nullptr; }
 
   /// What @p read finds after a cut now, in either way.
@@ -161,7 +108,7 @@ protected:
   }
 
   const TestProfile profile;
-  Disk state;
+  FlushedDisk state;
 };
 
 TEST_F(PowerCut, leavesOfEachFileTheOldOrTheNewAndOnceItIsSavedTheNew) {
