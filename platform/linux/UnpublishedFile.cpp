@@ -16,6 +16,7 @@
 #include <algorithm>
 #include <cerrno>
 #include <cstring>
+#include <utility>
 #include <vector>
 
 namespace platform {
@@ -121,7 +122,10 @@ public:
   bool giveName(const QByteArray &path) {
     if (hiddenPath.isEmpty()) {
       const QByteArray source = "/proc/self/fd/" + QByteArray::number(file.get());
-      return ::linkat(AT_FDCWD, source.constData(), AT_FDCWD, path.constData(), AT_SYMLINK_FOLLOW) == 0;
+      if (::linkat(AT_FDCWD, source.constData(), AT_FDCWD, path.constData(), AT_SYMLINK_FOLLOW) == 0) return true;
+      // A file system that makes unnamed files may know no links all the same.
+      const bool isUnknown = errno == EPERM || errno == EOPNOTSUPP || errno == ENOSYS;
+      if (!isUnknown || !becomeHidden(QFileInfo(QFile::decodeName(path)).path())) return false;
     }
     if (::renameat2(AT_FDCWD, hiddenPath.constData(), AT_FDCWD, path.constData(), RENAME_NOREPLACE) == 0) {
       hiddenPath.clear();
@@ -130,6 +134,24 @@ public:
     if (errno != EINVAL && errno != ENOSYS && errno != EOPNOTSUPP) return false;
     if (::link(hiddenPath.constData(), path.constData()) == 0) return true; // the hidden name goes with this object
     return errno != EEXIST && takeReservedName(path);
+  }
+
+  /// Puts the content, with its dates, into a file that can be renamed.
+  bool becomeHidden(const QString &folder) {
+    const auto named = createHidden(folder);
+    struct stat facts = {};
+    if (!named || ::fstat(file.get(), &facts) != 0) return false;
+    std::vector<char> piece(kPiece);
+    for (off_t at = 0; at < facts.st_size; at += static_cast<off_t>(kPiece)) {
+      const auto count = std::min(kPiece, static_cast<std::size_t>(facts.st_size - at));
+      if (!readPiece(file.get(), piece.data(), count, at) || !named->writeAll(piece.data(), count)) return false;
+    }
+    if (::fdatasync(named->file.get()) != 0) return false;
+    const timespec dates[] = {facts.st_atim, facts.st_mtim};
+    [[maybe_unused]] const int set = ::futimens(named->file.get(), dates);
+    std::swap(file, named->file);
+    std::swap(hiddenPath, named->hiddenPath);
+    return true;
   }
 
   /// For file systems that can rename over a file alone: over one of our own.

@@ -65,6 +65,39 @@ TEST_F(Processor, fillsTheFolderChecksThreeTimesMoreAndFetchesWhatIsNewLater) {
   EXPECT_EQ(files(), names("2024_04_30/A.JPG 2024_04_30/B.JPG"));
 }
 
+TEST_F(Processor, asksInAFirstAndASecondRunWithoutFaultsForTheGivenThingsInTheirOrder) {
+  delegate.change([this](auto &answers) {
+    answers.option.checkBoxDownloadMetadata = answers.option.checkBox10GDownload = u"true"_s;
+    answers.option.parent10GFolder = profile.picturesFolder() + u"/10G"_s;
+    answers.waits.pollingNormal = std::chrono::milliseconds(1);
+  });
+  QDir().mkpath(profile.picturesFolder() + u"/10G"_s);
+  service.library().setSettingsObject(R"({"applicationAliasIds":[],"isEnableDownload10GStorage":true})");
+  sandbox::LibraryObject ordinary = image(u"10"_s, u"A.JPG"_s);
+  ordinary.tags.insert(u"x-strata-storage-period"_s, u"30"_s);
+  add(ordinary);
+  sandbox::LibraryObject expanded = image(u"11"_s, u"B.JPG"_s);
+  expanded.expandBody = QByteArray(7000, 'e');
+  add(expanded);
+  start();
+  ASSERT_TRUE(delegate.waitForEvent(u"enableLoggin 1"_s, 2));
+  processor.reset();
+
+  QString requests;
+  for (const Endpoint endpoint : asked())
+    requests += sandbox::endpointName(endpoint) + u' ';
+  // A run refreshes the token for either part.
+  const QString twoRuns = u"RefreshToken "_s + requests.split(u"RefreshToken "_s).mid(1, 4).join(u"RefreshToken "_s);
+  EXPECT_EQ(twoRuns, u"RefreshToken Sts ListDevices SettingsObject ListItems "
+                     "ObjectHead Metadata ObjectGet ObjectHead Metadata ObjectGet LogEvents "
+                     "ListDevices SettingsObject ListItems ListDevices SettingsObject ListItems "
+                     "ListDevices SettingsObject ListItems "
+                     "RefreshToken Sts ListDevices ListItems "
+                     "ObjectTagging ObjectTagging Metadata ObjectGet LogEvents PreviewList "
+                     "RefreshToken Sts ListDevices SettingsObject ListItems "
+                     "RefreshToken Sts ListDevices ListItems ObjectTagging PreviewList "_s);
+}
+
 TEST_F(Processor, goesOnAfterAFailedPassAndCountsAnewWhenAReCheckFindsSomething) {
   addImages("A.JPG");
   sandbox::LibraryObject unnamed = image(u"11"_s, u"B.JPG"_s);

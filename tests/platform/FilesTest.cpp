@@ -150,7 +150,10 @@ TEST(UnpublishedFiles, makeDoWithWhatTheFileSystemKnows) {
       {{{SYS_fdatasync, EIO}}, false, platform::FileFault::Other},
       {{{SYS_fdatasync, ENOSPC}}, false, platform::FileFault::DiskFull},
       {{{SYS_flock, ENOLCK}, noUnnamed}, true, {}},
+      {{{SYS_linkat, EPERM}}, true, {}},
+      {{{SYS_linkat, EOPNOTSUPP}, {SYS_renameat2, EINVAL}, {SYS_link, EPERM}}, true, {}},
   };
+  const QDateTime date = QDateTime::fromSecsSinceEpoch(1'000'000'000);
   for (std::size_t row = 0; const auto &[refused, isPublished, fault] : cases) {
     SCOPED_TRACE(row++);
     const QTemporaryDir folder;
@@ -158,6 +161,7 @@ TEST(UnpublishedFiles, makeDoWithWhatTheFileSystemKnows) {
     const auto tryIt = [&] {
       auto file = UnpublishedFile::create(folder.path());
       const bool isReady = file.write("x", 1) && file.sync();
+      file.setDates(date);
       EXPECT_TRUE(!isPublished || file.publish(folder.filePath(u"taken"_s)) == NameTaken);
       EXPECT_EQ(isReady && file.publish(folder.filePath(u"a"_s)) == Published, isPublished);
       EXPECT_EQ(file.fault(), fault);
@@ -165,6 +169,7 @@ TEST(UnpublishedFiles, makeDoWithWhatTheFileSystemKnows) {
     if (!withRefusedCalls(refused, tryIt)) GTEST_SKIP() << "this kernel refuses nothing on order";
     EXPECT_EQ(filesBelow(folder.path()), isPublished ? (QStringList{u"a"_s, u"taken"_s}) : QStringList{u"taken"_s});
     EXPECT_EQ(contentOf(folder.filePath(u"a"_s)), isPublished ? "x" : "");
+    EXPECT_TRUE(!isPublished || QFileInfo(folder.filePath(u"a"_s)).lastModified() == date);
     EXPECT_EQ(contentOf(folder.filePath(u"taken"_s)), "");
   }
 }
