@@ -9,6 +9,7 @@
 #include <QDate>
 
 #include <algorithm>
+#include <chrono>
 #include <utility>
 
 using namespace Qt::StringLiterals;
@@ -40,13 +41,13 @@ bool KaBookkeeping::save(KaTargetStorage targetStorage) {
 
 void KaBookkeeping::saveNowAndThen(KaTargetStorage targetStorage) {
   thread.check();
-  const auto begin = std::chrono::steady_clock::now();
-  if (nextSave == std::chrono::steady_clock::time_point()) nextSave = begin + kSaveInterval;
-  if (begin < nextSave) return;
+  const auto begin = with.clock.now();
+  if (!nextSave) nextSave = begin + kSaveInterval;
+  if (begin < *nextSave) return;
   static_cast<void>(save(targetStorage));
   // A large ledger takes its time: no more than a twentieth of the pass.
-  const auto now = std::chrono::steady_clock::now();
-  nextSave = now + std::max<std::chrono::steady_clock::duration>(kSaveInterval, 20 * (now - begin));
+  const auto now = with.clock.now();
+  nextSave = now + std::max<platform::BootClock::duration>(kSaveInterval, 20 * (now - begin));
 }
 
 void KaBookkeeping::openLedger() {

@@ -2,11 +2,13 @@
 
 #include "engine/KaLedgerKeeper.h"
 #include "engine/KaTargetStorage.h"
+#include "engine/KaWaitClock.h"
 #include "platform/ThreadBound.h"
 
 #include <QString>
 
-#include <chrono>
+#include <optional>
+#include <utility>
 
 class KaDownloadProcessorDelegate;
 class KaDownloadSession;
@@ -17,13 +19,14 @@ class KaImageKey;
 /// a listing begins, and the ledger, which says what is fetched. Download thread.
 class KaBookkeeping {
 public:
-  /// All of it outlives this object.
+  /// What is referred to outlives this object.
   struct Parts {
     KaDownloadProcessorDelegate &delegate;
     const KaDownloadSession &session;
     KaFilledFolders &filledFolders;
+    KaWaitClock clock{};
   };
-  explicit KaBookkeeping(const Parts &parts) : with(parts), ledger(parts.delegate) {}
+  explicit KaBookkeeping(Parts parts) : with(std::move(parts)), ledger(with.delegate) {}
   KaBookkeeping(const KaBookkeeping &) = delete;
   KaBookkeeping &operator=(const KaBookkeeping &) = delete;
 
@@ -69,6 +72,6 @@ private:
   const platform::ThreadBound thread;
   KaLedgerKeeper ledger;
   bool knewAccountBefore = false;
-  std::chrono::steady_clock::time_point nextSave;
+  std::optional<platform::BootClock::time_point> nextSave;
   QString accountBefore; ///< whose ledger was taken up last
 };

@@ -22,9 +22,9 @@ struct KaDownloadPieces {
   /// Both outlive this object.
   KaDownloadPieces(KaDownloadProcessorDelegate &delegate, KaLink &link, const KaWaitClock &clock = {})
       : state(clock), session{{delegate, link, request, storage, state.endAppFlag}},
-        bookkeeping{{delegate, session, filledFolders}}, lookBack{{bookkeeping, clock}}, passParts{delegate, session,
-                                                                                                   filledFolders},
-        run{{delegate, state, request, storage, session, bookkeeping, lookBack, listing, content, preview}} {}
+        bookkeeping{{delegate, session, filledFolders, clock}}, lookBack{{bookkeeping, clock}},
+        passParts{delegate, session, filledFolders}, run{{delegate, state, request, storage, session, bookkeeping,
+                                                          lookBack, listing, content, preview}} {}
 
   KaDownloadState state;
   KaServerRequest request{[this] { return session.isOver(); }};

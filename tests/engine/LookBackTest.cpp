@@ -224,6 +224,37 @@ TEST_F(LookBack, ofALedgerThatCannotBeReadAsksForAllThatIsListed) {
   EXPECT_EQ(fileNames(), names("A.JPG B.JPG"));
 }
 
+TEST_F(LookBack, findsSavedWhatALongPassHadHalfAMinuteAgo) {
+  addImages("10/A.JPG 11/B.JPG 12/C.JPG");
+  service.order(Endpoint::ObjectGet, {.kind = SlowBody, .pathContains = u"C.JPG"_s});
+  const auto now = [minutes = 0]() mutable { return platform::BootClock::time_point(std::chrono::minutes(++minutes)); };
+  processor = std::make_unique<KaDownloadProcessor>(delegate, link, KaWaitClock{now, 1ms});
+  processor->startReceiving(/*initialAccess=*/false);
+  EXPECT_TRUE(delegate.waitForEvent(u"save RecentDownloadData user-0001"_s));
+  EXPECT_EQ(service.requestCount(Endpoint::LogEvents), 0) << "the pass goes on";
+  const KaLedger ledger = delegate.answers().ledgers.value(service.library().userId()).ledger;
+  ASSERT_EQ(ledger.ordinary.days.size(), 1U);
+  EXPECT_EQ(ledger.ordinary.days.begin()->second.size(), 2U);
+  EXPECT_EQ(record().LastDateTime, u"20240501/11"_s);
+}
+
+TEST_F(LookBack, forgetsWhatNoListingCanBring) {
+  KaLedger old;
+  const QDate today = QDateTime::currentDateTimeUtc().date();
+  for (const int days : {31 + 42, 31 + 39, 3})
+    old.ordinary.days[today.addDays(-days).toString(u"yyyyMMdd"_s)] = {KaKeyDigest{}};
+  old.longTerm = old.ordinary;
+  delegate.change([&](auto &answers) {
+    answers.records[service.library().userId()] = {u"20990101/00"_s, {}};
+    answers.ledgers[service.library().userId()] = {KaLoadedLedger::Outcome::Read, old};
+  });
+  ASSERT_TRUE(makeRuns(1));
+  processor.reset();
+  const KaLedger ledger = delegate.answers().ledgers.value(service.library().userId()).ledger;
+  EXPECT_EQ(ledger.ordinary.days.size(), 2U);
+  EXPECT_EQ(ledger.longTerm.days.size(), 3U);
+}
+
 TEST_F(LookBack, countsOnNothingThatTheLedgerHasNot) {
   addImages("A.JPG");
   delegate.change([](auto &answers) { answers.savesLedger = false; });
