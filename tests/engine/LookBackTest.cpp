@@ -26,6 +26,14 @@ protected:
     });
   }
 
+  /// Into the same folder.
+  void takeLongTermStorageToo() {
+    delegate.change([this](auto &answers) {
+      answers.option.checkBox10GDownload = u"true"_s;
+      answers.option.parent10GFolder = profile.picturesFolder();
+    });
+    service.library().setSettingsObject(R"({"isEnableDownload10GStorage":true})");
+  }
   /// Begins as a new process, and lets it make @p count runs.
   [[nodiscard]] bool makeRuns(int count) {
     processor.reset();
@@ -129,11 +137,7 @@ TEST_F(LookBack, endsARunThatCannotHaveAnImageAndTriesItInRunsFurtherAndFurtherA
 }
 
 TEST_F(LookBack, countsWhatIsStillToComeUntilItHasComeOrTheStorageHasItNoMore) {
-  delegate.change([this](auto &answers) {
-    answers.option.checkBox10GDownload = u"true"_s;
-    answers.option.parent10GFolder = profile.picturesFolder();
-  });
-  service.library().setSettingsObject(R"({"isEnableDownload10GStorage":true})");
+  takeLongTermStorageToo();
   addImages("10/A.JPG 11/B.JPG 12/C.JPG");
   service.order(Endpoint::ObjectGet, {.status = 503, .times = -1, .pathContains = u"A.JPG"_s});
   service.order(Endpoint::ObjectGet, {.status = 503, .times = -1, .pathContains = u"B.JPG"_s});
@@ -170,11 +174,7 @@ TEST_F(LookBack, endsARunWithoutAFolderAndSaysSoAndNoMore) {
 }
 
 TEST_F(LookBack, booksWhatTheLongTermStorageBringsThoughTheOrdinaryOneHadNoCredentials) {
-  delegate.change([this](auto &answers) {
-    answers.option.checkBox10GDownload = u"true"_s;
-    answers.option.parent10GFolder = profile.picturesFolder();
-  });
-  service.library().setSettingsObject(R"({"isEnableDownload10GStorage":true})");
+  takeLongTermStorageToo();
   addImages("A.JPG");
   service.order(Endpoint::Sts, {.status = 500});
   ASSERT_TRUE(makeRuns(1));
@@ -265,11 +265,7 @@ TEST_F(LookBack, countsOnNothingThatTheLedgerHasNot) {
 }
 
 TEST_F(LookBack, knowsTheLongTermStorageByItsKeysAndTheNamelessToo) {
-  delegate.change([this](auto &answers) {
-    answers.option.checkBox10GDownload = u"true"_s;
-    answers.option.parent10GFolder = profile.picturesFolder();
-  });
-  service.library().setSettingsObject(R"({"isEnableDownload10GStorage":true})");
+  takeLongTermStorageToo();
   sandbox::LibraryObject nameless = {u"dev1"_s, u"20240501"_s, u"10"_s, u"N.JPG"_s, QByteArray(10, 'n')};
   for (const QString &device : {u"dev1"_s, u"dev2"_s})
     add({device, u"20240501"_s, u"10"_s, u"A.JPG"_s, device.toUtf8(), sandbox::fileNameHeader(u"A.JPG"_s)});
