@@ -126,6 +126,7 @@ TEST_F(End, ofTheSessionIsAnOrderlyOne) {
   holdUpAPicture(1);
   AgentProcess agent({}, u"xcb"_s);
   ASSERT_TRUE(manager.waitForClient() && waitFor(isUnderWay));
+  EXPECT_TRUE(manager.leavesClientAlone());
   manager.endSession();
   ASSERT_TRUE(waitFor([&] { return !agent.isRunning(); }, 1s * kSlowness));
   EXPECT_EQ(endOf(agent), 0);

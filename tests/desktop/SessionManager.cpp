@@ -29,6 +29,7 @@ public:
   SmsConn member = nullptr;
   bool hasSaved = false;
   bool isEnding = false;
+  bool isLeftAlone = false;
 };
 
 namespace {
@@ -46,9 +47,12 @@ Status registerClient(SmsConn client, SmPointer data, char *previousId) {
   return 1;
 }
 
-void ignoreProperties(SmsConn, SmPointer, int count, SmProp **properties) {
-  for (int i = 0; i < count; ++i)
+void takeProperties(SmsConn, SmPointer data, int count, SmProp **properties) {
+  for (int i = 0; i < count; ++i) {
+    if (qstrcmp(properties[i]->name, SmRestartStyleHint) == 0)
+      toldOf(data)->isLeftAlone = *static_cast<const char *>(properties[i]->vals[0].value) == SmRestartNever;
     SmFreeProperty(properties[i]);
+  }
   std::free(properties);
 }
 
@@ -71,7 +75,7 @@ Status newClient(SmsConn, SmPointer data, unsigned long *mask, SmsCallbacks *cal
   callbacks->save_yourself_done = {[](SmsConn client, SmPointer told, Bool) { toldOf(told)->saved(client); }, data};
   callbacks->close_connection = {
       [](SmsConn, SmPointer, int reasonCount, char **reasons) { SmFreeReasons(reasonCount, reasons); }, data};
-  callbacks->set_properties = {&ignoreProperties, data};
+  callbacks->set_properties = {&takeProperties, data};
   callbacks->delete_properties = {&ignoreNames, data};
   callbacks->get_properties = {[](SmsConn client, SmPointer) { SmsReturnProperties(client, 0, nullptr); }, data};
   return 1;
@@ -140,6 +144,10 @@ SessionManager::~SessionManager() = default;
 
 bool SessionManager::waitForClient() {
   return waitFor([this] { return d->member && d->hasSaved; });
+}
+
+bool SessionManager::leavesClientAlone() const {
+  return d->isLeftAlone;
 }
 
 void SessionManager::endSession() {

@@ -12,6 +12,8 @@ public:
 
   /// Until a program has joined the session, and has been asked what there is to restore.
   [[nodiscard]] bool waitForClient();
+  /// Whether the program wants not to be started with the next session.
+  [[nodiscard]] bool leavesClientAlone() const;
   /// Ends the session as a log-out does: every program is told to save, then to end.
   void endSession();
 

@@ -140,6 +140,7 @@ TEST_F(ContentDownload, passesOverWhatFollowsAFailureButStopsWithoutAFolder) {
   delegate.change([](auto &answers) { answers.folderVerdict = FolderNotSupported; });
   expectPass(target(), FileNotSaved, "A.JPG", "", "");
   EXPECT_EQ(begun(), 2 + 2 + 1);
+  EXPECT_EQ(logged(u"GetContentLoop Start"_s).last(), u"GetContentLoop Start|ContentId=A"_s);
 }
 
 TEST_F(ContentDownload, triesTheNextRuleFolderWhileTheObjectIsMissing) {
@@ -215,6 +216,10 @@ TEST_F(ContentDownload, keepsTheFourthCopyAndReplacesItUnlessTheUserTouchedIt) {
   copies.keep(u"key"_s, path(u"I.JPG"_s), true);
   EXPECT_EQ(copies.replaceKept(u"key"_s, path(u"I.JPG"_s), true), path(u"I.JPG"_s));
   EXPECT_TRUE(QFile::exists(path(u"I.JPG"_s)));
+  for (const QString &copy : {u"H_10.JPG"_s, u"H_20.JPG"_s})
+    writeFile(path(copy), copy.toUtf8());
+  copies.keep(u"key"_s, path(u"H_10.JPG"_s), true);
+  EXPECT_EQ(copies.replaceKept(u"key"_s, path(u"H_20.JPG"_s), true), path(u"H_10.JPG"_s));
 }
 
 TEST_F(ContentDownload, neverReplacesAFileThatWasThereThoughItIsLikeACopyThatStays) {

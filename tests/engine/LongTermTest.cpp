@@ -190,6 +190,8 @@ TEST_F(LongTerm, isTakenIntoItsOwnFolderAndBookedApart) {
   const auto records = delegate.answers().records;
   EXPECT_EQ(records[kUser + u"_(10G)"_s].ContentIds, QStringList{u"A"_s});
   EXPECT_EQ(records[kUser + u"_(2K)"_s], (KaDownloadData{QString(), {u"3"_s}}));
+  for (const QString &title : {u"Save GetImageInfo"_s, u"Save 10G GetImageInfo"_s, u"Save 2K GetImageInfo"_s})
+    EXPECT_EQ(logged(title), QStringList{title});
 }
 
 TEST_F(LongTerm, isTakenAgainOnceTheServiceOffersItAgain) {

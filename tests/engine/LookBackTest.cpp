@@ -150,6 +150,23 @@ TEST_F(LookBack, countsWhatIsStillToComeUntilItHasComeOrTheStorageHasItNoMore) {
   EXPECT_EQ(fileNames(), names("A.JPG C.JPG"));
 }
 
+TEST_F(LookBack, forgetsWhatAnotherAccountIsWaitingFor) {
+  delegate.change([](auto &answers) { answers.waits.pollingNormal = 1h; });
+  addImages("10/A.JPG 11/B.JPG");
+  service.order(Endpoint::ObjectGet, {.status = 503, .times = -1, .pathContains = u"A.JPG"_s});
+  ASSERT_TRUE(makeRuns(1));
+  processor->getContentsNow(); // after its second run it is not tried in the third
+  ASSERT_TRUE(delegate.waitForEvent(u"enableLoggin 1"_s, 2));
+  EXPECT_EQ(delegate.answers().stillToCome, 1);
+  service.library().remove(image(u"10"_s, u"A.JPG"_s));
+  service.library().setUserId(u"user-0002"_s);
+  link.completeLogin(signIn());
+  link.confirmFolders();
+  processor->startReceiving(/*initialAccess=*/false);
+  ASSERT_TRUE(delegate.waitForEvent(u"enableLoggin 1"_s, 3));
+  EXPECT_EQ(delegate.answers().stillToCome, 0);
+}
+
 TEST_F(LookBack, endsTheRoundsOfAnImageThatIsListedAgainAndAgain) {
   addImages("10/A.JPG 11/B.JPG");
   service.order(Endpoint::ObjectGet, {.status = 503, .times = -1, .pathContains = u"B.JPG"_s});

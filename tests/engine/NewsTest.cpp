@@ -281,7 +281,7 @@ TEST_F(News, comesBackFromARenewalThatFailsBeforeAnImage) {
                                            u"status 1"_s, u"result 2"_s}));
 }
 
-TEST_F(News, endsARunInSilenceThatLosesTheNetworkBeforeAReCheck) {
+TEST_F(News, endsARunThatLosesTheNetworkBeforeAReCheckInSilenceUnlessTheUserAsks) {
   delegate.change([](auto &answers) {
     answers.waits.reCheck = 1h;
     answers.waits.pollingError = 1ms;
@@ -294,6 +294,15 @@ TEST_F(News, endsARunInSilenceThatLosesTheNetworkBeforeAReCheck) {
   hoursAsleep = 2;
   ASSERT_TRUE(waitForLog(u"Network Wait"_s));
   EXPECT_EQ(told(), (QStringList{u"status 1"_s, u"status 0"_s, u"status 0"_s}));
+
+  addImages("B.JPG");
+  delegate.change([](auto &answers) { answers.hasNetwork = true; });
+  ASSERT_TRUE(waitForLog(u"reCheck Wait"_s, 2) && waitHasBegun());
+  delegate.change([](auto &answers) { answers.hasNetwork = false; });
+  processor->getContentsNow();
+  ASSERT_TRUE(delegate.waitForEvent(u"result 9 by user"_s));
+  delegate.change([](auto &answers) { answers.hasNetwork = true; });
+  EXPECT_TRUE(delegate.waitForEvent(u"link holds"_s));
 }
 
 TEST_F(News, ofANetworkThatIsAPortalTellsOnceThoughTheUserWasToldOfNone) {

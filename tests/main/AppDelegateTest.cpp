@@ -1,7 +1,9 @@
 #include "main/AppDelegate.h"
 
 #include "app/KaModelFacade.h"
+#include "log/KaLogUtility.h"
 #include "platform/UserDefaults.h"
+#include "tests/log/LogFile.h"
 #include "tests/support/FakeBrowser.h"
 #include "tests/ui/UiProfile.h"
 #include "ui/Texts.h"
@@ -73,6 +75,10 @@ TEST_F(FirstLaunch, asksOnceAndStartsAtLoginOnlyIfAccepted) {
   EXPECT_EQ(launch(accept), u"asked 0 true 1"_s);
   defaults.setString(u"firstLaunch"_s, u"YES"_s);
   EXPECT_EQ(launch([](QMessageBox &question) { question.close(); }), u"asked 0 false 0"_s);
+  KaLogUtility::switchLogStatus();
+  for (int time = 0; time < 2; ++time)
+    delegate->applicationWillTerminate();
+  EXPECT_EQ(loggedLines(profile).filter(u"[END]"_s).size(), 1) << "the display may end while the program does";
 }
 
 TEST_F(FirstLaunch, takesTheEndOfTheProgramForNoAnswer) {

@@ -166,6 +166,8 @@ TEST_F(Desktop, givesUrlsToTheProgramUnlessAnInstalledEntryDoes) {
   }
 
   EXPECT_EQ(platform::execArgument(u"/opt/a-b_c/100%"_s), u"/opt/a-b_c/100%%"_s);
+  for (const char *const useless : {"[Desktop Entry]\nExec=/a/agent", "Path=/a/agent\n"})
+    EXPECT_EQ(platform::withProgram(useless, "/b/agent"), std::nullopt) << useless;
   EXPECT_EQ(platform::execArgument(uR"(a"$`\)"_s), uR"("a\\"\\$\\`\\\\")"_s);
 }
 

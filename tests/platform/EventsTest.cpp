@@ -2,6 +2,7 @@
 #include "platform/NotificationCenter.h"
 #include "platform/SingleInstance.h"
 #include "tests/support/PrivateBus.h"
+#include "tests/support/RefusedCalls.h"
 #include "tests/support/TestProfile.h"
 
 #include <gtest/gtest.h>
@@ -9,6 +10,8 @@
 #include <QCoreApplication>
 #include <QDBusConnection>
 #include <QEventLoop>
+
+#include <sys/syscall.h>
 
 #include <thread>
 
@@ -139,6 +142,21 @@ TEST(SingleInstance, hasTheProfileAloneAndCanBeReachedUntilItResigns) {
   writeFile(profile.path(u"file"_s), {});
   qputenv("XDG_DATA_HOME", profile.path(u"file/data"_s).toUtf8());
   EXPECT_EQ(SingleInstance().claimProfile(std::nullopt), Won) << "a profile that takes no file has nothing to spoil";
+}
+
+TEST(SingleInstance, thatIsThereCannotBeReachedByWhoMayNotCallIt) {
+  using enum SingleInstance::HandOver;
+  const TestProfile profile;
+  qputenv("DBUS_SESSION_BUS_ADDRESS", "unix:path=/nonexistent");
+  const QCoreApplication application(noArguments, nullptr);
+  SingleInstance agent;
+  ASSERT_TRUE(agent.serve());
+  const std::tuple<long, int, SingleInstance::HandOver> cases[] = {
+      {SYS_socket, EMFILE, Failed}, {SYS_sendto, ENOBUFS, Failed}, {SYS_sendto, EPIPE, NoAgent}};
+  for (const auto &[call, error, outcome] : cases) {
+    const auto tryIt = [&] { EXPECT_EQ(SingleInstance::handOver(std::nullopt), outcome) << call << ' ' << error; };
+    if (!withRefusedCalls({{call, error}}, tryIt)) GTEST_SKIP() << "this kernel refuses nothing on order";
+  }
 }
 
 TEST(SingleInstance, isTheSessionsOnlyOneWhateverTheProfiles) {

@@ -138,6 +138,17 @@ TEST_F(Transfer, endsAtOnceWhenCancelledAndForGoodOnceTheEndFlagIsSet) {
   }
 }
 
+TEST(KaHttpTransfer, writesNoSessionKeysIntoAFileThatTheEnvironmentNames) {
+  const TestProfile profile;
+  const QString keys = profile.path(u"keys"_s);
+  qputenv("SSLKEYLOGFILE", keys.toUtf8()); // libcurl reads it once, before its first exchange
+  sandbox::Service service;
+  profile.writeUserDefaults(service.userDefaults());
+  const QString url = u"https://api.localhost:%1/configuration"_s.arg(service.port());
+  EXPECT_EQ(KaHttpTransfer().perform({.url = url}).status, 200);
+  EXPECT_EQ(contentOf(keys), "");
+}
+
 TEST(KaTrustAnchors, holdThoseOfTheSystem) {
   const sandbox::Bio bundle(BIO_new_file(curl_version_info(CURLVERSION_NOW)->cainfo, "r"));
   if (!bundle) GTEST_SKIP() << "this system has no certificate authorities";

@@ -5,6 +5,10 @@
 #include "tests/log/LogFile.h"
 #include "tests/service/ServiceFixture.h"
 
+#include <QElapsedTimer>
+
+#include <thread>
+
 using namespace Qt::StringLiterals;
 using sandbox::Endpoint;
 using sandbox::Fault;
@@ -49,6 +53,19 @@ TEST_F(ServerRequest, tellsWhatAStatusMeansForEveryKindOfRequest) {
   EXPECT_EQ(request.getAWSS3ObjectTag(by, imageKey).result, Success);
   service.order(Endpoint::ObjectTagging, {.kind = Fault::Kind::TruncatedBody});
   EXPECT_EQ(request.getAWSS3ObjectTag(by, imageKey).result, ServerError);
+}
+
+TEST_F(ServerRequest, endsAtOnceWhenItIsStopped) {
+  service.order(Endpoint::Sts, {.kind = Fault::Kind::NoAnswer});
+  std::thread other([this] {
+    EXPECT_TRUE(service.waitForRequests(Endpoint::Sts, 1, std::chrono::seconds(20)));
+    request.stopServerRequest();
+  });
+  QElapsedTimer clock;
+  clock.start();
+  EXPECT_EQ(request.getAwsTemporaryCredential(u"t"_s).result, Offline);
+  EXPECT_LT(clock.elapsed(), 5000) << "half its limit";
+  other.join();
 }
 
 TEST_F(Storage, endsAListingAtThePageThatFailsOrComesAgain) {
@@ -110,6 +127,9 @@ TEST(Constants, keepWhatTheyFirstReadUnderTheirOddKeys) {
   }
   EXPECT_EQ(KaApplicationConstants::awsS3PreviewListBucketName(), u"strata-prd-ka-preview-list"_s);
   EXPECT_EQ(defaults.string(u"awsS3PreviewListBucketName"_s), u"strata-prd-Ka-S3AccessLog"_s);
+  EXPECT_EQ(KaApplicationConstants::awsS3AccelerateHostName(), u"s3-accelerate.amazonaws.com"_s);
+  EXPECT_EQ(KaApplicationConstants::awsStsHostName(), u"sts.amazonaws.com"_s);
+  EXPECT_EQ(KaApplicationConstants::awsLogsHostName(), u"logs.eu-west-1.amazonaws.com"_s);
 }
 
 TEST(Loopback, isKnownByItsNamesAndNumbersAlone) {

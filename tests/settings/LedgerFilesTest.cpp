@@ -1,4 +1,5 @@
 #include "settings/LedgerFiles.h"
+#include "identity/KaCryptionUtility.h"
 #include "settings/SettingsFiles.h"
 #include "tests/support/AgentProcess.h"
 #include "tests/support/TestProfile.h"
@@ -70,6 +71,16 @@ TEST_F(LedgerFiles, keepTheLastTwoGenerationsOfEachAccountOfWhichOneIsEnough) {
   EXPECT_EQ(loadLedger(kAccount).outcome, Unreadable);
   QFile::remove(paths().first());
   EXPECT_EQ(loadLedger(kAccount).outcome, Unreadable) << "which is not the same as having none";
+
+  ASSERT_TRUE(saveLedger(kAccount, ledger));
+  const QString path = paths().first();
+  const QString json = KaCryptionUtility::decrypt(QString::fromLatin1(contentOf(path))).value_or(QString());
+  for (const QString &missing : {u"Account"_s, u"Generation"_s, u"30days"_s, u"10G"_s, u"Boundary"_s,
+                                 u"BoundaryContentIDs"_s, u"Days"_s, u"None"_s}) {
+    const QString without = QString(json).replace(u"\"%1\":"_s.arg(missing), u"\"Other\":"_s);
+    writeFile(path, KaCryptionUtility::encrypt(without)->toLatin1());
+    EXPECT_EQ(loadLedger(kAccount).outcome, missing == u"None" ? Read : Unreadable) << missing.toStdString();
+  }
 }
 
 TEST_F(LedgerFiles, stayAsTheyAreWhenTheNextGenerationCannotBeWritten) {

@@ -25,7 +25,7 @@ void FakeBrowser::hang() const {
 }
 
 void FakeBrowser::fail() const {
-  install("exit 3\n");
+  install("exit 1\n");
 }
 
 FakeBrowser::~FakeBrowser() {

@@ -129,7 +129,7 @@ TEST_F(Settings, warnOfAFolderThatCannotBeUsedUnlessItIsNot) {
     EXPECT_EQ(warning(), localised(key));
     folder().setText(usable);
     folder10G().setText(path);
-    click(u"checkBox10GDownloadButton"_s);
+    QTest::mouseClick(&find<QLabel>(u"label10GDownload"_s), Qt::LeftButton);
     EXPECT_EQ(warning(), localised(key));
   }
   click(u"checkBox10GDownloadButton"_s);
@@ -164,6 +164,8 @@ TEST(About, showsTheLogAndSaysWithADotThatItIsOn) {
   installTexts();
   KaVersionInformationView view;
   auto &picture = *view.findChild<KaCustomImageView *>();
+  view.show();
+  EXPECT_EQ(view.focusWidget(), &picture) << "keys go there";
   // Keys by the names that X11 and Wayland have for them, which tell left from right; test events carry none.
   const auto send = [&](QEvent::Type type, int key, quint32 name) {
     QKeyEvent event(type, key, type == QEvent::KeyRelease ? Qt::ShiftModifier : Qt::NoModifier, 0, name, 0);

@@ -10,6 +10,7 @@
 #include "tests/ui/UiProfile.h"
 #include "ui/KaDownloadFolderSettingView.h"
 #include "ui/KaVersionInformationView.h"
+#include "ui/LoginItemQuestion.h"
 #include "ui/Texts.h"
 
 #include <gmock/gmock.h>
@@ -243,8 +244,10 @@ TEST_F(NotifyIcon, switchesTheStartAtLoginAndAlertsOfAnActionThatFails) {
     EXPECT_EQ(QProcess::execute(u"desktop-file-validate"_s, {profile.autostartEntry()}) == 0, on);
     EXPECT_EQ(platform::standardUserDefaults().string(u"LaunchAtLogin"_s), on ? u"true"_s : u"false"_s);
   }
+  EXPECT_TRUE(setLaunchedAtLogin(false));
   QDir(profile.configFolder()).rmdir(u"autostart"_s);
   ASSERT_NE(profile.blockAutostart(), QString());
+  EXPECT_FALSE(setLaunchedAtLogin(true));
   view.states.clear();
   Q_EMIT view.entryTriggered(StatusEntry::LaunchSetting);
   ASSERT_EQ(view.states.size(), 1) << "the check mark is taken back";
