@@ -20,8 +20,10 @@ FlushedDisk::Names FlushedDisk::namesIn(const QString &folder) const {
   const QDir::Filters all = QDir::AllEntries | QDir::Hidden | QDir::System | QDir::NoDotAndDotDot;
   for (const QFileInfo &entry : QDir(folder).entryInfoList(all)) {
     const auto content = contents.find(numberOf(entry.filePath()));
-    names[entry.fileName()] = entry.isDir() ? std::optional<QByteArray>()
-                                            : (content == contents.end() ? QByteArray("torn") : content->second);
+    // Of one that was not written to either there is nothing that could be torn.
+    const QByteArray unflushed = entry.size() == 0 ? "" : "torn";
+    names[entry.fileName()] =
+        entry.isDir() ? std::optional<QByteArray>() : (content == contents.end() ? unflushed : content->second);
   }
   return names;
 }
