@@ -164,7 +164,7 @@ class Finder:
         return self.source[token.start - 1].isspace() and self.source[token.end].isspace()
 
     def look_at_mark(self, i, token):
-        if token.text in SWAPS and self.is_binary(token):
+        if token.text in SWAPS and self.is_binary(token) and not (token.text in BOUNDS and self.is_beside_now(i)):
             self.add('bound' if token.text in BOUNDS else 'condition', token.start, token.end, SWAPS[token.text])
         elif token.text == '!':
             self.add('condition', token.start, token.end, '')
@@ -172,6 +172,11 @@ class Finder:
             self.turn_choice(i)
         elif token.text in ('{', '}', ';'):
             self.drop_call(i + 1)
+
+    def is_beside_now(self, i):
+        """An instant that is just the one compared with never comes."""
+        called = self.tokens[i - 1].partner - 1 if self.tokens[i - 1].text == ')' else i - 1
+        return 'now' in (self.tokens[called].text, self.tokens[i + 1].text)
 
     def look_at_word(self, i, token):
         following = self.tokens[i + 1]
@@ -292,12 +297,12 @@ class Finder:
         return bool(name) and bool(LOG_WRITE.fullmatch(name[-1].text))
 
     def find_constants(self):
-        """By use: the other constants of the file that are of the same type."""
+        """By use: the other constants of the file that are of the same type and another value."""
         found = re.findall(r'\bconst(?:expr)? ([\w:]+) (k[A-Z]\w*) = ([^;]*);', self.source)
         groups = {}
         for sort, name, value in found:
-            groups.setdefault((sort, re.sub(r'.*"|[^\w"].*|\d', '', value) if sort == 'auto' else ''), []).append(name)
-        return {name: [n for n in names if n != name] for names in groups.values() for name in names}
+            groups.setdefault((sort, re.sub(r'.*"|[^\w"].*|\d', '', value) if sort == 'auto' else ''), []).append((name, value))
+        return {name: [n for n, v in group if v != value] for group in groups.values() for name, value in group}
 
     def find_literals(self):
         groups = {}
