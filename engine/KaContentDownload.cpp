@@ -66,7 +66,7 @@ Loop KaContentDownload::getOne(const KaListedImage &image, const KaContentTarget
   const bool hasOwnRequests = target.bExpandContent || target.targetStorage == KaTargetStorage::LongTerm10G;
   const bool isAsked = hasOwnRequests || pass.carried() == KaResultCode::Success;
   const Loop loop = takeOne(image, target, pass);
-  if (isAsked) traced.asked.insert(image.key.path(), pass.carried());
+  if (isAsked && pass.hasCredentials()) traced.asked.insert(image.key.path(), pass.carried());
   return loop;
 }
 

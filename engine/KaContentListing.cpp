@@ -62,7 +62,7 @@ KaListing KaContentListing::getContentsList(KaTargetStorage targetStorage, const
   Items items = listItems(devices.ids, lastDateTime);
   KaLogUtility::writeInfoLog(u"GetContentsList"_s, {u"TargetImageNumBeforeExclude=%1"_s.arg(items.images.size())});
   listing.result = items.result;
-  listing.isWhole = items.isWhole;
+  listing.isWhole = devices.isWhole && items.isWhole;
   if (with.session.isOver() || items.result != KaResultCode::Success) return listing;
   listing.images = sortImageList(excludeDownloaded(std::move(items.images), targetStorage));
   KaLogUtility::writeInfoLog(u"GetContentsList"_s, {u"TargetImageNumAfterExclude=%1"_s.arg(listing.images.size())});
@@ -77,6 +77,7 @@ KaContentListing::Devices KaContentListing::listDevices() {
     KaLogUtility::writeConnectionResultLog(KaLogStep::GetDeviceList, true, {u"DeviceList="_s + devices.ids.join(u',')});
   });
   devices.result = outcome.result;
+  devices.isWhole = !outcome.isNotFound;
   if (outcome.result != KaResultCode::Success)
     KaLogUtility::writeConnectionResultLog(KaLogStep::GetDeviceList, false, {httpLine(outcome.statusCode)});
   return devices;

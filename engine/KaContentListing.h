@@ -62,6 +62,7 @@ private:
   struct Devices {
     KaResultCode result = KaResultCode::Success;
     QStringList ids{};
+    bool isWhole = true; ///< not if said to be missing
   };
   struct SettingsRead {
     KaResultCode result = KaResultCode::Success;

@@ -45,6 +45,9 @@ KaResultCode KaDownloadRun::perform() {
   if (isOn(option.checkBoxDownloadMetadata)) KaLogUtility::writeInfoLog(u"Download Metadata Enabled"_s);
   with.lookBack.beginRun(with.state.bUserTrigger);
   const auto result = performBoth();
+  // Unless it was the result that was told.
+  if (const auto cause = with.lookBack.savingTrouble(); cause && *cause != result)
+    with.session.tell([&] { with.delegate.notifySavingTrouble(*cause); });
   with.session.tell([&] { with.delegate.setStillToCome(with.lookBack.countStillToCome()); });
   with.lookBack.endRun();
   return result;
@@ -185,8 +188,6 @@ KaDownloadRun::ReCheck KaDownloadRun::finish(ReCheck soFar) {
   } else {
     tellComplete();
   }
-  if (const auto cause = with.lookBack.savingTrouble())
-    with.session.tell([&] { with.delegate.notifySavingTrouble(*cause); });
   // Nobody answered: the next run comes as after a listing without an answer.
   const bool isUnanswered = hasOnlyFailed && soFar.passResult == KaResultCode::NoHttpStatus;
   if (isUnanswered || late.result == KaResultCode::NoHttpStatus) soFar.result = KaResultCode::NoHttpStatus;
@@ -212,7 +213,7 @@ KaPassOutcome KaDownloadRun::lookBack() {
     with.bookkeeping.forgetBefore(start);
     with.lookBack.noteListed(listing.images, KaTargetStorage::Days30);
   }
-  const KaListedImages images = with.lookBack.worthAsking(std::move(listing.images), KaTargetStorage::Days30);
+  const KaListedImages images = with.lookBack.worthAskingSilentLast(std::move(listing.images));
   if (images.empty()) return {};
   tellStatus(KaAppStatus::Downloading);
   const auto begin = std::chrono::system_clock::now();
@@ -243,11 +244,11 @@ KaContentTarget KaDownloadRun::ordinaryTarget() const {
 /// What a pass of the ordinary storage saved is told, and kept, even when it failed afterwards.
 void KaDownloadRun::reportPass(const KaPassOutcome &pass, KaDownloadReport::Moment start) {
   if (pass.savedCount == 0) return;
+  // First: a report may take long. One that fails is told when the run is over.
+  static_cast<void>(with.bookkeeping.save(KaTargetStorage::Days30));
   const bool expand = isOn(option.checkBoxDownloadMetadata);
   sendReport({KaApplicationConstants::awsLogsStreamName(), expand ? u"recent"_s : u"original"_s}, start,
              pass.savedCount);
-  // One that fails is told when the run is over.
-  static_cast<void>(with.bookkeeping.save(KaTargetStorage::Days30));
 }
 
 /// The 10G storage and the previews, which belong together. @return the result of the last pass that ran.

@@ -14,6 +14,7 @@ namespace {
 
 constexpr int kMostRounds = 3;
 constexpr int kMostUnsureRuns = 5;
+constexpr int kMostSilentRuns = 2;
 constexpr auto kLongestPause = 24h;
 constexpr int kMostDoublings = 16;
 constexpr int kDaysBack = 31;
@@ -41,6 +42,8 @@ void KaLookBack::beginRun(bool askedFor) {
   ++run;
   isAskedFor = askedFor;
   isDone = false;
+  isAnswered = false;
+  isUnasked = false;
   isLeftInRun = false;
 }
 
@@ -64,7 +67,10 @@ void KaLookBack::endRun() {
 
 /// What it has failed in this run decides when it is tried again.
 void KaLookBack::close(Trouble &trouble) const {
-  const bool isItsOwn = !isOfTheDisk(trouble.last) && trouble.last != KaResultCode::NoHttpStatus;
+  // Where others get an answer, silence is no fault of the line; nor is it where listings are answered again and again.
+  const bool isSilent = trouble.last == KaResultCode::NoHttpStatus && !isAnswered;
+  if (trouble.rounds > 0 && isSilent) ++trouble.silentRuns;
+  const bool isItsOwn = !isOfTheDisk(trouble.last) && (!isSilent || trouble.silentRuns > kMostSilentRuns);
   if (trouble.rounds > 0 && isItsOwn) {
     trouble.nextRun = run + (qint64(1) << std::min(trouble.runs, kMostDoublings));
     trouble.nextTry = with.clock.now() + kLongestPause;
@@ -86,6 +92,14 @@ KaListedImages KaLookBack::worthAsking(KaListedImages images, KaTargetStorage ta
   return images;
 }
 
+KaListedImages KaLookBack::worthAskingSilentLast(KaListedImages images) const {
+  images = worthAsking(std::move(images), KaTargetStorage::Days30);
+  std::stable_partition(images.begin(), images.end(), [this](const KaListedImage &image) {
+    return ordinary.value(image.key.path()).last != KaResultCode::NoHttpStatus;
+  });
+  return images;
+}
+
 bool KaLookBack::isWorthAsking(const Trouble &trouble, TimePoint now) const {
   // A copy of a wrong size would only replace its like.
   if (trouble.rounds >= kMostRounds || trouble.isUnsure || trouble.unsureRuns >= kMostUnsureRuns) return false;
@@ -96,6 +110,10 @@ void KaLookBack::noteRound(const KaListedImages &offered, const KaPassTrace &tra
                            KaTargetStorage targetStorage) {
   thread.check();
   Troubles &troubles = of(targetStorage);
+  isAnswered = isAnswered || std::any_of(trace.asked.cbegin(), trace.asked.cend(), [](KaResultCode result) {
+                 return result != KaResultCode::NoHttpStatus && !isOfTheDisk(result);
+               });
+  isUnasked = false;
   for (const KaListedImage &image : offered) {
     const QString &key = image.key.path();
     if (with.bookkeeping.isTaken(image.key, targetStorage) || trace.declined.contains(key)) {
@@ -105,7 +123,10 @@ void KaLookBack::noteRound(const KaListedImages &offered, const KaPassTrace &tra
     if (targetStorage == KaTargetStorage::Days30) isLeftInRun = true;
     const auto asked = trace.asked.constFind(key);
     // No room and no folder are there for those that were not asked for either.
-    if (asked == trace.asked.cend() && !isOfTheDisk(outcome.result)) continue;
+    if (asked == trace.asked.cend() && !isOfTheDisk(outcome.result)) {
+      if (targetStorage == KaTargetStorage::Days30) isUnasked = true;
+      continue;
+    }
     Trouble &trouble = troubles[key];
     ++trouble.rounds;
     trouble.last = asked == trace.asked.cend() ? outcome.result : *asked;
@@ -115,10 +136,10 @@ void KaLookBack::noteRound(const KaListedImages &offered, const KaPassTrace &tra
 
 std::optional<KaResultCode> KaLookBack::savingTrouble() const {
   thread.check();
-  const auto found = std::find_if(ordinary.cbegin(), ordinary.cend(), [](const Trouble &trouble) {
-    return trouble.rounds > 0 && isOfTheDisk(trouble.last);
-  });
-  return found == ordinary.cend() ? std::nullopt : std::optional(found->last);
+  for (const Troubles *const troubles : {&ordinary, &longTerm})
+    for (const Trouble &trouble : *troubles)
+      if (trouble.rounds > 0 && isOfTheDisk(trouble.last)) return trouble.last;
+  return std::nullopt;
 }
 
 qsizetype KaLookBack::countStillToCome() const {
@@ -128,7 +149,7 @@ qsizetype KaLookBack::countStillToCome() const {
 
 bool KaLookBack::isDue() const {
   thread.check();
-  if (isAskedFor || isLeftUndone || (!lastDone && with.bookkeeping.knewAccount())) return true;
+  if (isAskedFor || isLeftUndone || isUnasked || (!lastDone && with.bookkeeping.knewAccount())) return true;
   const auto now = with.clock.now();
   const auto shallTry = [&](const Trouble &trouble) { return trouble.rounds == 0 && isWorthAsking(trouble, now); };
   return std::any_of(ordinary.cbegin(), ordinary.cend(), shallTry) || now - lastDone.value_or(begun) >= interval;

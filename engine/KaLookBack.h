@@ -45,20 +45,22 @@ public:
   /// Leaves out what has failed in three rounds of this run, and what has failed in so many runs that this is not yet
   /// the next one to try it in.
   [[nodiscard]] KaListedImages worthAsking(KaListedImages images, KaTargetStorage targetStorage) const;
+  /// The same of the ordinary storage, those last that got no answer before: they must not keep the others waiting.
+  [[nodiscard]] KaListedImages worthAskingSilentLast(KaListedImages images) const;
   /// A pass over @p offered is over.
   void noteRound(const KaListedImages &offered, const KaPassTrace &trace, const KaPassOutcome &outcome,
                  KaTargetStorage targetStorage);
   /// A listing of the ordinary storage did not bring all that it should have.
   void noteLeftUndone() { isLeftInRun = true; }
 
-  /// Why some of them could not be saved in this run, where the disk was the cause: DiskFull or FileNotSaved.
+  /// Why some of either storage could not be saved in this run, where the disk was the cause: DiskFull or FileNotSaved.
   [[nodiscard]] std::optional<KaResultCode> savingTrouble() const;
   /// How many files could not be had so far, of both storages, and are still to come.
   [[nodiscard]] qsizetype countStillToCome() const;
 
   /// Whether a look-back is due at the end of this run: the first of a process that knows the account already, one that
-  /// was asked for, one after something was left undone or in which it is to be tried again, and every six hours
-  /// ("lookBackInterval", seconds).
+  /// was asked for, one after something was left undone or in which it is to be tried again, one whose last round did
+  /// not come to all, and every six hours ("lookBackInterval", seconds).
   [[nodiscard]] bool isDue() const;
   /// Of the listing: 31 days before the last hour recorded or @p now, whichever is earlier. The storage keeps 30.
   [[nodiscard]] QString startAfter(const QDateTime &now) const;
@@ -74,6 +76,7 @@ private:
     KaResultCode last = KaResultCode::Success; ///< what the last of them came to
     bool isUnsure = false;                     ///< in this run
     int runs = 0;                              ///< that it has failed in by itself
+    int silentRuns = 0;                        ///< in which nothing else got an answer either
     int unsureRuns = 0;                        ///< of those with a copy that could not be confirmed
     qint64 nextRun = 0;                        ///< to try it in, or the first from then on:
     TimePoint nextTry{};
@@ -93,6 +96,8 @@ private:
   qint64 run = 0;
   bool isAskedFor = false;
   bool isDone = false;       ///< a look-back, in this run
+  bool isAnswered = false;   ///< some request of this run
+  bool isUnasked = false;    ///< something of the ordinary storage, in the last round
   bool isLeftInRun = false;  ///< something of the ordinary storage, by this run
   bool isLeftUndone = false; ///< by the runs before
   TimePoint begun;

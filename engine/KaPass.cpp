@@ -12,7 +12,10 @@ KaPass::KaPass(const Parts &parts, const QString &parentFolder) : with(parts), p
 bool KaPass::beginItem(const QString &title, const QString &logLine) {
   thread.check();
   KaLogUtility::writeInfoLog(title, {logLine});
-  if (carried() == KaResultCode::Success) carry(with.session.renewIfExpiring());
+  if (carried() == KaResultCode::Success) {
+    carry(with.session.renewIfExpiring());
+    hasRenewalFailed = carried() != KaResultCode::Success;
+  }
   return !isOver();
 }
 
@@ -21,7 +24,7 @@ bool KaPass::isOver() const {
 }
 
 bool KaPass::hasCredentials() const {
-  return !with.session.hasExpired();
+  return !hasRenewalFailed && !with.session.hasExpired();
 }
 
 KaPass::Verdict KaPass::judgeItem(qint64 size) {

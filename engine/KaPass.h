@@ -42,7 +42,7 @@ public:
   [[nodiscard]] bool beginItem(const QString &title, const QString &logLine);
   /// Whether the pass must end: the program does, or the link has.
   [[nodiscard]] bool isOver() const;
-  /// Whether requests can be made at all; not once a renewal has failed.
+  /// Whether requests can be made at all; not once a renewal has failed, though the credentials may stand for a while.
   [[nodiscard]] bool hasCredentials() const;
 
   /// Whether an item of @p size bytes can be saved: PassOver while a failure is carried over, and for lack of room,
@@ -66,4 +66,5 @@ private:
   const platform::ThreadBound thread;
   const QString parent;
   KaPassOutcome outcomeSoFar;
+  bool hasRenewalFailed = false;
 };

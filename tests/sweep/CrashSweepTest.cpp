@@ -54,6 +54,7 @@ protected:
     GetParam().isLaterRun ? beginAgain() : beginAnew();
     const auto dying = start(around);
     const bool survives = waitForRuns(*dying);
+    EXPECT_TRUE(survives || !dying->isRunning()) << "neither dead nor at work";
     dying->terminate();
     // The saving at the end belongs to it.
     const bool hasSurvived = dying->waitForEnd(10s) == 0 && survives;
