@@ -59,7 +59,11 @@ KaResultCode KaDownloadRun::performBoth() {
   if (opening == Opening::Stopped) return result;
   if (opening == Opening::Ready) result = downloadUntilNothingIsNew();
   saveRecord(KaTargetStorage::Days30);
-  if (!isOn(option.checkBox10GDownload) || !offers10GStorage || with.session.isOver()) return result;
+  if (!isOn(option.checkBox10GDownload) || !offers10GStorage) {
+    with.lookBack.noteListed({}, KaTargetStorage::LongTerm10G); // nothing of it is waited for
+    return result;
+  }
+  if (with.session.isOver()) return result;
   if (with.session.lastRefresh() != KaRefresh::Succeeded) return result;
   return takeLongTermStorage();
 }

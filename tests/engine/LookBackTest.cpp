@@ -146,6 +146,10 @@ TEST_F(LookBack, countsWhatIsStillToComeUntilItHasComeOrTheStorageHasItNoMore) {
   EXPECT_EQ(delegate.answers().stillToCome, 4) << "of either storage";
   service.library().remove(image(u"11"_s, u"B.JPG"_s));
   EXPECT_TRUE(waitFor([&] { return delegate.answers().stillToCome == 2; }));
+  delegate.change([](auto &answers) { answers.option.checkBox10GDownload = u"false"_s; });
+  EXPECT_TRUE(waitFor([&] { return delegate.answers().stillToCome == 1; }));
+  delegate.change([](auto &answers) { answers.option.checkBox10GDownload = u"true"_s; });
+  EXPECT_TRUE(waitFor([&] { return delegate.answers().stillToCome == 2; }));
   service.clearFaults();
   EXPECT_TRUE(waitFor([&] { return delegate.answers().stillToCome == 0; }));
   EXPECT_EQ(fileNames(), names("A.JPG C.JPG"));
