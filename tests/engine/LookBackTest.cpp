@@ -217,12 +217,30 @@ TEST_F(LookBack, endsARunWithoutAFolderAndSaysSoAndNoMore) {
   ASSERT_TRUE(makeRuns(9)); // whose own fault it were, would be tried next in the 16th
   const QStringList events = delegate.events();
   EXPECT_TRUE(events.contains(u"trouble 13"_s) && !events.contains(u"result 1"_s) && !events.contains(u"result 13"_s));
+  EXPECT_EQ(fetched(), QStringList()) << "and transferred nothing";
   delegate.change([](auto &answers) { answers.folderVerdict = KaResultCode::Success; });
   delegate.forgetEvents();
   ASSERT_TRUE(delegate.waitForEvent(u"result 1"_s));
   EXPECT_LE(delegate.events().count(u"enableLoggin 0"_s), 3) << "none of them waits for a later run";
   EXPECT_EQ(fileNames(), names("A.JPG B.JPG C.JPG D.JPG E.JPG"));
   EXPECT_FALSE(delegate.events().contains(u"trouble 13"_s));
+}
+
+TEST_F(LookBack, takesWhatFoundNoRoomOnceThereIsSome) {
+  sandbox::LibraryObject large = image(u"10"_s, u"A.JPG"_s);
+  large.listedSize = 1LL << 60;
+  add(large);
+  addImages("11/B.JPG");
+  delegate.change([](auto &answers) { answers.waits.pollingNormal = 1h; });
+  ASSERT_TRUE(makeRuns(1));
+  const QStringList events = delegate.events();
+  EXPECT_EQ(events.count(u"trouble 8"_s), 1);
+  EXPECT_GT(events.indexOf(u"trouble 8"_s), events.indexOf(u"result 1"_s)) << "after the run's own result";
+  large.listedSize = -1;
+  add(large);
+  processor->getContentsNow();
+  EXPECT_TRUE(waitFor([&] { return files().size() == 2; }));
+  EXPECT_EQ(fileNames(), names("A.JPG B.JPG"));
 }
 
 TEST_F(LookBack, booksWhatTheLongTermStorageBringsThoughTheOrdinaryOneHadNoCredentials) {
@@ -322,8 +340,9 @@ TEST_F(LookBack, knowsTheLongTermStorageByItsKeysAndTheNamelessToo) {
   for (const QString &device : {u"dev1"_s, u"dev2"_s})
     add({device, u"20240501"_s, u"10"_s, u"A.JPG"_s, device.toUtf8(), sandbox::fileNameHeader(u"A.JPG"_s)});
   add(nameless);
+  add({u"dev1"_s, u"20230501"_s, u"10"_s, u"A.JPG"_s, "last year's", sandbox::fileNameHeader(u"A.JPG"_s)});
   ASSERT_TRUE(makeRuns(2));
-  EXPECT_EQ(fetched().count(u"A.JPG"_s), 4) << "two for each of two storages";
+  EXPECT_EQ(fetched().count(u"A.JPG"_s), 6) << "three for each of two storages";
   EXPECT_EQ(fetched().count(u"N.JPG"_s), 8);
   ASSERT_TRUE(makeRuns(2));
   processor.reset();
