@@ -66,7 +66,7 @@ struct Trouble {
 
 class LookBackOfASlowLine : public LookBack {
 protected:
-  LookBackOfASlowLine() : LookBack({{u"timeoutIntervalForRequest"_s, QString::number(0.3 * kSlowness)}}) {}
+  LookBackOfASlowLine() : LookBack({{u"timeoutIntervalForRequest"_s, u"0.3"_s}}) {}
 };
 class LookBackAfter : public LookBackOfASlowLine, public testing::WithParamInterface<Trouble> {};
 
