@@ -40,6 +40,21 @@ protected:
     ordinary.body = QByteArray(6000, 'f');
     ordinary.tags.insert(u"x-strata-storage-period"_s, u"30"_s);
     add(ordinary);
+    addPreviews(2);
+  }
+
+  void addPreviews(int count) {
+    QByteArrayList entries;
+    for (int index = 1; index <= count; ++index) {
+      const QString key = u"images/preview/%1/%2.x"_s.arg(service.library().userId()).arg(index);
+      service.library().addRaw(sandbox::contentBucket(), key, {.body = QByteArray(100 + index, 'v')});
+      entries << R"({"index":%1,"preview_object_key":"%2","file_size":%3,"original_file_name":"P%1.JPG"})"_ba
+                     .replace("%1", QByteArray::number(index))
+                     .replace("%2", key.toUtf8())
+                     .replace("%3", QByteArray::number(100 + index));
+    }
+    service.library().addRaw(sandbox::previewListBucket(), service.library().userId() + u".json"_s,
+                             {.body = "{\"data\":[" + entries.join(',') + "]}"});
   }
 
   /// From nothing on. @return whether there were @p count runs.
@@ -76,18 +91,19 @@ protected:
 };
 
 /// Where a single answer makes something else right: a picture whose metadata are not there is filed by its upload
-/// hour, one whose variant is not there comes as it is, and one whose tags name no period is of the 10G storage, too.
+/// hour, one whose variant is not there comes as it is, a preview that is not there is passed over, and one whose tags
+/// name no period is of the 10G storage, too.
 bool isRightOtherwise(const Fault &fault, Endpoint endpoint) {
   const bool saysNothing = fault.kind == EmptyBody || fault.kind == MalformedBody || fault.status == 404;
   if (endpoint == Endpoint::Metadata) return saysNothing;
-  if (endpoint == Endpoint::ObjectHead) return fault.status == 404;
+  if (endpoint == Endpoint::ObjectHead || endpoint == Endpoint::PreviewObject) return fault.status == 404;
   return endpoint == Endpoint::ObjectTagging && saysNothing;
 }
 
 TEST_P(FaultSweep, losesAndDoublesNothing) {
   ASSERT_TRUE(makeRuns(1));
   const QStringList all = taken();
-  ASSERT_EQ(all.size(), 6 + 5);
+  ASSERT_EQ(all.size(), 6 + 5 + 2);
   const auto requests = service.requests().size();
   const int step = qEnvironmentVariableIsSet("KA_SWEEP") ? 1 : 7;
   int points = 0;
