@@ -243,6 +243,36 @@ TEST_F(LookBack, takesWhatFoundNoRoomOnceThereIsSome) {
   EXPECT_EQ(fileNames(), names("A.JPG B.JPG"));
 }
 
+TEST_F(LookBack, tellsOfNoRoomForTheLongTermStorageTooWhateverCameAfterIt) {
+  takeLongTermStorageToo();
+  delegate.change([this](auto &answers) {
+    answers.records[service.library().userId()] = {u"20250101/00"_s, {}};
+    answers.waits.pollingNormal = 1h;
+  });
+  sandbox::LibraryObject large = image(u"10"_s, u"A.JPG"_s);
+  large.listedSize = 1LL << 60;
+  add(large);
+  addImages("11/B.JPG");
+  ASSERT_TRUE(makeRuns(1));
+  EXPECT_EQ(delegate.events().count(u"trouble 8"_s), 1);
+  EXPECT_EQ(fileNames(), names("B.JPG"));
+}
+
+TEST_F(LookBack, asksOnceForCredentialsThatItCannotHave) {
+  service.setCredentialLifetime(300s); // renewed before each image
+  addImages("10/A.JPG 11/B.JPG 12/C.JPG");
+  delegate.change([this](auto &answers) {
+    answers.records[service.library().userId()] = {u"20240501/13"_s, {}};
+    answers.ledgers[service.library().userId()] = {KaLoadedLedger::Outcome::Read, {}};
+    answers.waits.pollingNormal = answers.waits.pollingError = 1h;
+  });
+  service.order(Endpoint::RefreshToken, {.kind = Delay});
+  service.order(Endpoint::RefreshToken, {.status = 503, .times = -1});
+  ASSERT_TRUE(makeRuns(1));
+  EXPECT_EQ(lookBacks(), 1);
+  EXPECT_EQ(service.requestCount(Endpoint::RefreshToken), 2) << "for the run, and for one image";
+}
+
 TEST_F(LookBack, booksWhatTheLongTermStorageBringsThoughTheOrdinaryOneHadNoCredentials) {
   takeLongTermStorageToo();
   addImages("A.JPG");
