@@ -3,6 +3,7 @@
 #include "engine/FileFetch.h"
 #include "engine/KaBookkeeping.h"
 #include "engine/KaImageMetadata.h"
+#include "engine/KaLookAhead.h"
 #include "engine/OutputFolder.h"
 #include "log/KaLogUtility.h"
 #include "service/KaStorage.h"
@@ -37,7 +38,9 @@ KaPassOutcome KaContentDownload::getContentsProcess(const KaListedImages &images
   thread.check();
   traced = {};
   KaPass pass(with.pass, target.parentFolder);
+  KaLookAhead ahead({with.storage, with.pass.session}, images, target);
   for (const KaListedImage &image : images) {
+    ahead.moveOn();
     if (getOne(image, target, pass) == Loop::Stop) break;
     with.bookkeeping.saveNowAndThen(target.targetStorage);
   }
@@ -48,7 +51,9 @@ KaPassOutcome KaContentDownload::getEachByItself(const KaListedImages &images, c
   thread.check();
   traced = {};
   KaPassOutcome all;
+  KaLookAhead ahead({with.storage, with.pass.session}, images, target);
   for (int unanswered = 0; const KaListedImage &image : images) {
+    ahead.moveOn();
     KaPass pass(with.pass, target.parentFolder);
     const Loop loop = getOne(image, target, pass);
     all.savedCount += pass.outcome().savedCount;

@@ -100,6 +100,10 @@ KaContentListing::SettingsRead KaContentListing::readSettings() {
 }
 
 KaContentListing::Items KaContentListing::listItems(const QStringList &devices, const QString &lastDateTime) {
+  std::vector<KaStorage::ObjectListing> listings;
+  for (const QString &device : devices)
+    listings.push_back({devicePrefix(device), devicePrefix(device) + u'/' + lastDateTime});
+  with.storage.beginListings(listings, [this] { return with.session.isOver(); });
   Items items;
   for (const QString &device : devices) {
     if (with.session.isOver() || items.result != KaResultCode::Success) break;
@@ -108,11 +112,16 @@ KaContentListing::Items KaContentListing::listItems(const QStringList &devices, 
     items.isWhole = items.isWhole && found.isWhole;
     append(items.images, std::move(found.images));
   }
+  with.storage.endListings();
   return items;
 }
 
+QString KaContentListing::devicePrefix(const QString &device) const {
+  return u"images/original/"_s + with.bookkeeping.account() + u'/' + device;
+}
+
 KaContentListing::Items KaContentListing::listDevice(const QString &device, const QString &lastDateTime) {
-  const QString prefix = u"images/original/"_s + with.bookkeeping.account() + u'/' + device;
+  const QString prefix = devicePrefix(device);
   const QString startAfter = prefix + u'/' + lastDateTime;
   const QString folder = prefix + u'/';
   const QStringList subject{u"DeviceID="_s + device, u"StartAfter="_s + startAfter};

@@ -77,6 +77,7 @@ private:
   [[nodiscard]] Devices listDevices();
   [[nodiscard]] SettingsRead readSettings();
   [[nodiscard]] Items listItems(const QStringList &devices, const QString &lastDateTime);
+  [[nodiscard]] QString devicePrefix(const QString &device) const;
   [[nodiscard]] Items listDevice(const QString &device, const QString &lastDateTime);
   [[nodiscard]] KaListedImages excludeDownloaded(KaListedImages images, KaTargetStorage targetStorage) const;
 

@@ -23,8 +23,8 @@ struct KaDownloadPieces {
   KaDownloadPieces(KaDownloadProcessorDelegate &delegate, KaLink &link, const KaWaitClock &clock = {})
       : state(clock), session{{delegate, link, request, storage, state.endAppFlag}},
         bookkeeping{{delegate, session, filledFolders, clock}}, lookBack{{bookkeeping, clock}},
-        passParts{delegate, session, filledFolders}, run{{delegate, state, request, storage, session, bookkeeping,
-                                                          lookBack, listing, content, preview}} {}
+        passParts{delegate, session, filledFolders, storage}, run{{delegate, state, request, storage, session,
+                                                                   bookkeeping, lookBack, listing, content, preview}} {}
 
   KaDownloadState state;
   KaServerRequest request{[this] { return session.isOver(); }};

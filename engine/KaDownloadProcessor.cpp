@@ -74,6 +74,7 @@ void KaDownloadProcessor::getContentsNow() {
 
 void KaDownloadProcessor::newsFromOutside() {
   d->state.bNews = true;
+  d->pieces.storage.dropConnections(); // they may lead nowhere any more
   d->state.waitcnd.lookAgain();
   d->logincnd.lookAgain();
 }

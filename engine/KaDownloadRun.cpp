@@ -50,6 +50,7 @@ KaResultCode KaDownloadRun::perform() {
     with.session.tell([&] { with.delegate.notifySavingTrouble(*cause); });
   with.session.tell([&] { with.delegate.setStillToCome(with.lookBack.countStillToCome()); });
   with.lookBack.endRun();
+  with.storage.dropConnections();
   return result;
 }
 
@@ -174,6 +175,7 @@ KaDownloadRun::ReCheck KaDownloadRun::conclude(ReCheck soFar) {
   if (isNothingNew || isThrough) return finish(soFar);
   const auto wait = with.state.waitTimes.reCheck;
   KaLogUtility::writeInfoLog(u"reCheck Wait"_s, {u"reCheckWaitTime="_s + secondsText(wait)});
+  with.storage.dropConnections(); // nobody waits that long for a request
   with.state.waitcnd.wait(wait, [this] { return with.session.isOver(); });
   return soFar;
 }

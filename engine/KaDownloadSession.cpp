@@ -18,8 +18,6 @@ using namespace Qt::StringLiterals;
 
 namespace {
 
-constexpr std::chrono::seconds kRenewalLead(600);
-
 void writeRefreshFailure(const RefreshAnswer &answer) {
   QStringList lines{httpLine(answer.statusCode)};
   if (const auto body = platform::parseJsonObject(answer.data))

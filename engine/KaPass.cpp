@@ -5,6 +5,7 @@
 #include "engine/KaDownloadSession.h"
 #include "engine/KaFilledFolders.h"
 #include "log/KaLogUtility.h"
+#include "service/KaStorage.h"
 
 KaPass::KaPass(const Parts &parts, const QString &parentFolder) : with(parts), parent(parentFolder) {
 }
@@ -34,6 +35,8 @@ KaPass::Verdict KaPass::judgeItem(qint64 size) {
     carry(KaResultCode::FileNotSaved);
     return Verdict::Stop;
   }
+  // What waits for its turn takes room, too.
+  if (!checkDiskSpace(static_cast<float>(size), parent)) static_cast<void>(with.storage.giveUpAhead());
   if (hasRoomFor(size, parent)) return Verdict::Take;
   carry(KaResultCode::DiskFull);
   return isOver() ? Verdict::Stop : Verdict::PassOver;
@@ -41,6 +44,7 @@ KaPass::Verdict KaPass::judgeItem(qint64 size) {
 
 std::optional<QString> KaPass::makeFolder(const QString &folder) {
   auto made = with.filledFolders.make(folder, parent);
+  if (!made && with.storage.giveUpAhead()) made = with.filledFolders.make(folder, parent);
   if (!made) carry(KaResultCode::FileNotSaved);
   return made;
 }

@@ -10,6 +10,7 @@
 class KaDownloadProcessorDelegate;
 class KaDownloadSession;
 class KaFilledFolders;
+class KaStorage;
 
 /// What a pass came to.
 struct KaPassOutcome {
@@ -26,6 +27,7 @@ public:
     KaDownloadProcessorDelegate &delegate;
     KaDownloadSession &session;
     KaFilledFolders &filledFolders;
+    KaStorage &storage;
   };
   /// Whether the pass goes on behind an item.
   enum class Loop { GoOn, Stop };

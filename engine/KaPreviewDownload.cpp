@@ -4,10 +4,12 @@
 #include "engine/KaBookkeeping.h"
 #include "engine/KaImageKey.h"
 #include "engine/KaImageMetadata.h"
+#include "engine/KaLookAhead.h"
 #include "engine/OutputFolder.h"
 #include "log/KaLogUtility.h"
 #include "service/KaStorage.h"
 
+#include <deque>
 #include <utility>
 
 using namespace Qt::StringLiterals;
@@ -58,11 +60,24 @@ KaPassOutcome KaPreviewDownload::getPreview(const QString &parentFolder, qint64 
   thread.check();
   KaPass pass(with.pass, parentFolder);
   const PreviewList list = std::exchange(previews, PreviewList()); // the next pass has a new one
-  list.visit([&](const KaPreview &preview) {
-    if (getOne(preview, childFolder, pass) == Loop::Stop) return false;
+  KaLookAhead ahead({with.storage, with.pass.session}, parentFolder);
+  std::deque<KaPreview> next; // as far as is looked ahead
+  const auto takeFirst = [&] {
+    ahead.moveOn();
+    if (getOne(next.front(), childFolder, pass) == Loop::Stop) return false;
     with.bookkeeping.saveNowAndThen(KaTargetStorage::Preview2K);
+    next.pop_front();
     return true;
+  };
+  bool goesOn = true;
+  list.visit([&](const KaPreview &preview) {
+    ahead.offer(preview);
+    next.push_back(preview);
+    goesOn = static_cast<qsizetype>(next.size()) < KaLookAhead::kItems || takeFirst();
+    return goesOn;
   });
+  while (goesOn && !next.empty())
+    goesOn = takeFirst();
   return pass.outcome();
 }
 

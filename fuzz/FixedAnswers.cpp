@@ -19,12 +19,12 @@ void answerWith(const Answering &answering) {
 
 class KaHttpTransfer::Private {};
 
-KaHttpTransfer::KaHttpTransfer(std::function<bool()>) {
+KaHttpTransfer::KaHttpTransfer(std::shared_ptr<KaTransport>, Connections) {
 }
 
 KaHttpTransfer::~KaHttpTransfer() = default;
 
-HttpAnswer KaHttpTransfer::perform(const HttpRequest &request, const BodySink &sink) {
+HttpAnswer KaHttpTransfer::perform(const HttpRequest &request, const BodySink &sink, const ShallEnd &) {
   require(bool(current()), "a target that asks for something has an answer");
   HttpAnswer answer = current()(request);
   answer.bodySize = answer.body.size();
@@ -33,10 +33,6 @@ HttpAnswer KaHttpTransfer::perform(const HttpRequest &request, const BodySink &s
   if (answer.sinkRefused) answer.outcome = TransportOutcome::Failed;
   answer.body.clear();
   return answer;
-}
-
-bool KaHttpTransfer::shallEnd() const {
-  return false;
 }
 
 void KaHttpTransfer::cancel() {

@@ -26,7 +26,8 @@ public:
   enum class Publish {
     Published,
     NameTaken,
-    NameRefused, ///< the file system knows no such names
+    NameRefused,   ///< the file system knows no such names
+    AcrossVolumes, ///< the name would lie on another file system; no failure of the file
     Failed,
   };
 
@@ -44,9 +45,10 @@ public:
   /// Whether a regular file of the same bytes stands at @p path itself. Reads it, and no more than a piece at a time.
   /// @param shallEnd  asked between the pieces; once it says yes the answer is no.
   [[nodiscard]] bool isSameAs(const QString &path, const std::function<bool()> &shallEnd) const;
-  /// Gives the file its name, in the same folder; never overwrites. On disk the name is after syncFolder.
+  /// Gives the file its name, in any folder of the same file system; never overwrites. On disk the name is after
+  /// syncFolder.
   [[nodiscard]] Publish publish(const QString &path);
-  /// Absent while nothing has failed. A name that is taken or refused is no failure.
+  /// Absent while nothing has failed. A name that is taken, refused or elsewhere is no failure.
   [[nodiscard]] std::optional<FileFault> fault() const;
 
 private:

@@ -1,11 +1,12 @@
 #include "service/ArrivingObject.h"
 
-#include "log/KaLogUtility.h"
 #include "platform/FileNames.h"
 #include "platform/VolumeFacts.h"
 #include "service/SavedFileName.h"
 
 #include <QFileInfo>
+
+#include <utility>
 
 using namespace Qt::StringLiterals;
 
@@ -19,7 +20,7 @@ QString plainerPath(const QString &path) {
 
 } // namespace
 
-ArrivingObject::ArrivingObject(const QString &path) : defaultFilePath(path), folder(QFileInfo(path).path()) {
+ArrivingObject::ArrivingObject(QString madeIn) : folder(std::move(madeIn)) {
 }
 
 bool ArrivingObject::take(const char *bytes, std::size_t count) {
@@ -27,21 +28,26 @@ bool ArrivingObject::take(const char *bytes, std::size_t count) {
   return file->write(bytes, count);
 }
 
-bool ArrivingObject::finish(const QDateTime &modified) {
-  if (!file || !file->sync()) return false;
-  file->setDates(modified);
-  return true;
+bool ArrivingObject::sync() {
+  if (!isSynced) isSynced = file && file->sync();
+  return isSynced;
 }
 
-ArrivingObject::Placing ArrivingObject::publish(const QString &name, const std::function<bool()> &shallEnd) {
+void ArrivingObject::setDates(const QDateTime &modified) {
+  file->setDates(modified);
+}
+
+ArrivingObject::Placing ArrivingObject::publish(const QString &defaultFilePath, const QString &name,
+                                                const std::function<bool()> &shallEnd) {
   using enum platform::UnpublishedFile::Publish;
-  using Placing::Outcome::Ended, Placing::Outcome::Saved, Placing::Outcome::WasThere;
-  const qsizetype longest = platform::longestName(folder);
+  using Placing::Outcome::Ended, Placing::Outcome::Elsewhere, Placing::Outcome::Saved, Placing::Outcome::WasThere;
+  const qsizetype longest = platform::longestName(QFileInfo(defaultFilePath).path());
   QString target = targetFilePath(defaultFilePath, name, longest);
   for (unsigned counter = 0;;) {
     const QString path = counter == 0 ? target : numberedFilePath(target, counter, longest);
     const auto outcome = file->publish(path);
     if (outcome == Published) return {Saved, path};
+    if (outcome == AcrossVolumes) return {Elsewhere, path};
     if (outcome == NameTaken) {
       if (file->isSameAs(path, shallEnd)) return {WasThere, path};
       if (shallEnd()) return {Ended, path};
@@ -55,8 +61,7 @@ ArrivingObject::Placing ArrivingObject::publish(const QString &name, const std::
   }
 }
 
-KaResultCode ArrivingObject::failure(const QString &path) const {
-  if (file && file->fault() == platform::FileFault::DiskFull) return KaResultCode::DiskFull;
-  KaLogUtility::writeInfoLog(u"Save File Error"_s, {u"FilePath="_s + path});
-  return KaResultCode::FileNotSaved;
+KaResultCode ArrivingObject::failure() const {
+  const bool isFull = file && file->fault() == platform::FileFault::DiskFull;
+  return isFull ? KaResultCode::DiskFull : KaResultCode::FileNotSaved;
 }

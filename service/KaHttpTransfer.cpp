@@ -1,18 +1,15 @@
 #include "service/KaHttpTransfer.h"
 
 #include "platform/ReleasedBy.h"
-#include "platform/UserDefaults.h"
 #include "service/CurlOutcome.h"
 #include "service/HttpStatus.h"
-#include "service/KaTrustAnchors.h"
+#include "service/KaTransport.h"
 
 #include <curl/curl.h>
 #include <openssl/ssl.h>
 
 #include <algorithm>
 #include <atomic>
-
-using namespace Qt::StringLiterals;
 
 namespace {
 
@@ -21,23 +18,12 @@ using Clock = std::chrono::steady_clock;
 constexpr qint64 kMostBodyBytes = 64 * 1024 * 1024; ///< of a body that is kept in memory
 constexpr qint64 kMostHeaderBytes = 1024 * 1024;
 constexpr long kReceiveBufferSize = 256 * 1024;
+constexpr long kKeptFor = 20; ///< seconds, a connection that is not used
 
 using platform::ReleasedBy;
 using EasyHandle = std::unique_ptr<CURL, ReleasedBy<&curl_easy_cleanup>>;
 using MultiHandle = std::unique_ptr<CURLM, ReleasedBy<&curl_multi_cleanup>>;
 using HeaderLines = std::unique_ptr<curl_slist, ReleasedBy<&curl_slist_free_all>>;
-
-bool isLibraryReady() {
-  static const CURLcode initialized = curl_global_init(CURL_GLOBAL_DEFAULT);
-  return initialized == CURLE_OK;
-}
-
-std::chrono::milliseconds secondsFromUserDefaults(const QString &key, double builtIn) {
-  constexpr double kLongest = 1e6;
-  const double stored = platform::standardUserDefaults().doubleValue(key).value_or(builtIn);
-  const double seconds = stored > 0 ? std::min(stored, kLongest) : builtIn;
-  return std::chrono::milliseconds(static_cast<qint64>(seconds * 1000));
-}
 
 QByteArray wireUrl(const QString &url) {
   static constexpr char kDigits[] = "0123456789ABCDEF";
@@ -53,10 +39,12 @@ QByteArray wireUrl(const QString &url) {
 }
 
 /// @return null when a header cannot be sent as a line of its own.
-HeaderLines headerLines(const std::vector<std::pair<QByteArray, QByteArray>> &headers) {
-  HeaderLines list(curl_slist_append(nullptr, "Connection: close")); // lest the server waits for another request
+HeaderLines headerLines(const std::vector<std::pair<QByteArray, QByteArray>> &headers, bool keepsConnection) {
   // Else libcurl waits a second for leave to send a long body.
-  if (!list || !curl_slist_append(list.get(), "Expect:")) return {};
+  HeaderLines list(curl_slist_append(nullptr, "Expect:"));
+  if (!list) return {};
+  // Lest the server waits for another request.
+  if (!keepsConnection && !curl_slist_append(list.get(), "Connection: close")) return {};
   for (const auto &[name, value] : headers) {
     if (value.contains('\r') || value.contains('\n') || value.contains('\0')) return {};
     const QByteArray line = value.isEmpty() ? name + ';' : name + ": " + value;
@@ -81,19 +69,48 @@ private:
   bool accepted = true;
 };
 
+/// Watches the TLS of the latest connection. Outlives the connections.
+class TlsWatch {
+public:
+  explicit TlsWatch(const KaTrustAnchors &trusted) : anchors(trusted) {}
+
+  /// Makes a new connection's context report here.
+  [[nodiscard]] bool prepare(SSL_CTX *context) {
+    SSL_CTX_set_keylog_callback(context, nullptr); // no session keys into a file that the environment names
+    SSL_CTX_set_info_callback(context, &progress);
+    return SSL_CTX_set_ex_data(context, index(), this) == 1 && anchors.installInto(context);
+  }
+  /// The peer has told that nothing more will come.
+  [[nodiscard]] bool hasGoodbye() const { return goodbye; }
+
+private:
+  static int index() {
+    static const int number = SSL_CTX_get_ex_new_index(0, nullptr, nullptr, nullptr, nullptr);
+    return number;
+  }
+
+  static void progress(const SSL *session, int where, int alert) {
+    auto *const watch = static_cast<TlsWatch *>(SSL_CTX_get_ex_data(SSL_get_SSL_CTX(session), index()));
+    if (!watch) return;
+    if ((where & SSL_CB_HANDSHAKE_START) != 0) {
+      watch->latest = session;
+      watch->goodbye = false;
+    }
+    const bool isGoodbye = (where & SSL_CB_READ_ALERT) == SSL_CB_READ_ALERT && (alert & 0xFF) == SSL_AD_CLOSE_NOTIFY;
+    // A connection of before may say its goodbye late.
+    if (isGoodbye && session == watch->latest) watch->goodbye = true;
+  }
+
+  const KaTrustAnchors &anchors;
+  const SSL *latest = nullptr;
+  bool goodbye = false;
+};
+
 /// One exchange under way: what libcurl's callbacks fill.
 class Exchange {
 public:
-  Exchange(CURL *handle, const HttpRequest &request, const KaTrustAnchors &trusted,
-           const KaHttpTransfer::BodySink &bodySink)
-      : easy(handle), asksForBody(request.method != "HEAD"), anchors(trusted), sink(bodySink) {}
-
-  /// Makes a new connection's context report here.
-  [[nodiscard]] bool prepareTls(SSL_CTX *context) {
-    SSL_CTX_set_keylog_callback(context, nullptr); // no session keys into a file that the environment names
-    SSL_CTX_set_info_callback(context, &tlsProgress);
-    return SSL_CTX_set_ex_data(context, tlsIndex(), this) == 1 && anchors.installInto(context);
-  }
+  Exchange(CURL *handle, const HttpRequest &request, const TlsWatch &watch, const KaHttpTransfer::BodySink &bodySink)
+      : easy(handle), asksForBody(request.method != "HEAD"), tls(watch), sink(bodySink) {}
 
   [[nodiscard]] bool takeHeaderLine(const char *bytes, std::size_t count) {
     headerBytes += static_cast<qint64>(count);
@@ -120,6 +137,12 @@ public:
     if (answer.bodySize > kMostBodyBytes) return false;
     answer.body.append(bytes, static_cast<qsizetype>(count));
     return true;
+  }
+
+  /// Whether it went out on a kept connection of which not a byte came back.
+  [[nodiscard]] bool hasFoundKeptOneDead() const {
+    long made = 0;
+    return headerBytes == 0 && curl_easy_getinfo(easy, CURLINFO_NUM_CONNECTS, &made) == CURLE_OK && made == 0;
   }
 
   /// Grows whenever something arrives or the connection gets a step further.
@@ -160,18 +183,7 @@ private:
     constexpr long kNoContent = 204;
     constexpr long kNotModified = 304;
     const bool mayHaveBody = asksForBody && status() != kNoContent && status() != kNotModified;
-    return !mayHaveBody || answer.contentLength >= 0 || isChunked || hasGoodbye;
-  }
-
-  static int tlsIndex() {
-    static const int index = SSL_CTX_get_ex_new_index(0, nullptr, nullptr, nullptr, nullptr);
-    return index;
-  }
-
-  static void tlsProgress(const SSL *session, int where, int alert) {
-    const bool isGoodbye = (where & SSL_CB_READ_ALERT) == SSL_CB_READ_ALERT && (alert & 0xFF) == SSL_AD_CLOSE_NOTIFY;
-    auto *const exchange = static_cast<Exchange *>(SSL_CTX_get_ex_data(SSL_get_SSL_CTX(session), tlsIndex()));
-    if (isGoodbye && exchange) exchange->hasGoodbye = true;
+    return !mayHaveBody || answer.contentLength >= 0 || isChunked || tls.hasGoodbye();
   }
 
   [[nodiscard]] long status() const {
@@ -181,13 +193,12 @@ private:
 
   CURL *const easy;
   const bool asksForBody;
-  const KaTrustAnchors &anchors;
+  const TlsWatch &tls;
   const KaHttpTransfer::BodySink &sink;
   HttpAnswer answer;
   qint64 headerBytes = 0;
   bool headComplete = false;
   bool isChunked = false;
-  bool hasGoodbye = false;
 };
 
 std::size_t takeHeaderLine(char *bytes, std::size_t size, std::size_t count, void *exchange) {
@@ -198,12 +209,12 @@ std::size_t takeBody(char *bytes, std::size_t size, std::size_t count, void *exc
   return static_cast<Exchange *>(exchange)->takeBody(bytes, size * count) ? size * count : 0;
 }
 
-CURLcode prepareTls(CURL *, void *context, void *exchange) {
-  auto *const tls = static_cast<SSL_CTX *>(context);
-  return static_cast<Exchange *>(exchange)->prepareTls(tls) ? CURLE_OK : CURLE_SSL_CACERT_BADFILE;
+CURLcode prepareTls(CURL *, void *context, void *watch) {
+  const bool isPrepared = static_cast<TlsWatch *>(watch)->prepare(static_cast<SSL_CTX *>(context));
+  return isPrepared ? CURLE_OK : CURLE_SSL_CACERT_BADFILE;
 }
 
-/// Keeps an easy handle on a multi handle; its connection closes with it.
+/// Keeps an easy handle on a multi handle; a connection that is not kept, or at work, closes with it.
 class Attachment {
 public:
   Attachment(CURLM *multiHandle, CURL *easyHandle)
@@ -226,54 +237,53 @@ private:
 
 class KaHttpTransfer::Private {
 public:
-  explicit Private(std::function<bool()> end)
-      : shallEnd(std::move(end)), idleLimit(secondsFromUserDefaults(u"timeoutIntervalForRequest"_s, 10)),
-        wholeLimit(secondsFromUserDefaults(u"timeoutIntervalForResource"_s, 60)),
-        anchors(platform::standardUserDefaults().string(u"trustedCertificatesFile"_s).value_or(QString())),
-        multi(isLibraryReady() ? curl_multi_init() : nullptr) {}
+  Private(std::shared_ptr<KaTransport> with, Connections kind)
+      : keepsConnection(kind == Connections::Kept), transport(std::move(with)), tls(transport->anchors),
+        multi(transport->isReady() ? curl_multi_init() : nullptr) {
+    if (multi) curl_multi_setopt(multi.get(), CURLMOPT_MAXCONNECTS, 1L);
+  }
 
-  [[nodiscard]] bool prepare(const EasyHandle &easy, const HttpRequest &request, const QByteArray &url,
-                             const HeaderLines &headers, Exchange &exchange) const;
-  [[nodiscard]] TransportOutcome run(const EasyHandle &easy, const HttpRequest &request, const Exchange &exchange);
+  struct Tried {
+    HttpAnswer answer;
+    bool isWorthAnother = false; ///< on a fresh connection
+  };
+  [[nodiscard]] Tried exchangeOnce(const HttpRequest &request, const BodySink &sink, const ShallEnd &shallEnd,
+                                   bool isFresh);
   void cancel();
 
   /// None while no thread is in perform(); only cancel() makes it Cancelled.
   enum class Flight { None, UnderWay, Cancelled };
   std::atomic<Flight> flight = Flight::None;
-
-  // Fixed after construction; what the handles lead to belongs to the thread in perform().
-  const std::function<bool()> shallEnd;
-  const std::chrono::milliseconds idleLimit;
-  const std::chrono::milliseconds wholeLimit;
-  const KaTrustAnchors anchors;
-  const MultiHandle multi;
+  const bool keepsConnection;
 
 private:
-  [[nodiscard]] bool hasToEnd() const { return flight == Flight::Cancelled || (shallEnd && shallEnd()); }
+  [[nodiscard]] bool prepare(const EasyHandle &easy, const HttpRequest &request, const QByteArray &url,
+                             const HeaderLines &headers, Exchange &exchange, bool isFresh);
+  [[nodiscard]] TransportOutcome run(const EasyHandle &easy, const HttpRequest &request, const Exchange &exchange,
+                                     const ShallEnd &shallEnd);
+  [[nodiscard]] bool hasToEnd(const ShallEnd &shallEnd) const {
+    return flight == Flight::Cancelled || (shallEnd && shallEnd());
+  }
   [[nodiscard]] TransportOutcome finishedOutcome();
+
+  // Fixed after construction; what the handles lead to belongs to the thread in perform().
+  const std::shared_ptr<KaTransport> transport;
+  TlsWatch tls;
+  const MultiHandle multi;
 };
 
-KaHttpTransfer::KaHttpTransfer(std::function<bool()> shallEnd) : d(std::make_unique<Private>(std::move(shallEnd))) {
+KaHttpTransfer::KaHttpTransfer(std::shared_ptr<KaTransport> transport, Connections connections)
+    : d(std::make_unique<Private>(std::move(transport), connections)) {
 }
 KaHttpTransfer::~KaHttpTransfer() = default;
 
-HttpAnswer KaHttpTransfer::perform(const HttpRequest &request, const BodySink &sink) {
-  // A handle that refused an exchange before it had a connection would refuse every later one, too.
-  const EasyHandle easy(d->multi ? curl_easy_init() : nullptr);
-  Exchange exchange(easy.get(), request, d->anchors, sink);
-  const QByteArray url = wireUrl(request.url);
-  const HeaderLines headers = headerLines(request.headers);
-  if (!d->prepare(easy, request, url, headers, exchange)) return exchange.finished(TransportOutcome::Failed);
-
+HttpAnswer KaHttpTransfer::perform(const HttpRequest &request, const BodySink &sink, const ShallEnd &shallEnd) {
   [[maybe_unused]] const Private::Flight before = d->flight.exchange(Private::Flight::UnderWay);
   Q_ASSERT_X(before == Private::Flight::None, "KaHttpTransfer", "two threads at a time");
-  const TransportOutcome outcome = d->run(easy, request, exchange);
+  auto [answer, isWorthAnother] = d->exchangeOnce(request, sink, shallEnd, !d->keepsConnection);
+  if (isWorthAnother) answer = d->exchangeOnce(request, sink, shallEnd, /*isFresh=*/true).answer;
   d->flight = Private::Flight::None;
-  return exchange.finished(outcome);
-}
-
-bool KaHttpTransfer::shallEnd() const {
-  return d->shallEnd && d->shallEnd();
+  return std::move(answer);
 }
 
 void KaHttpTransfer::cancel() {
@@ -286,28 +296,44 @@ void KaHttpTransfer::Private::cancel() {
   if (flight.compare_exchange_strong(expected, Flight::Cancelled)) static_cast<void>(curl_multi_wakeup(multi.get()));
 }
 
+KaHttpTransfer::Private::Tried KaHttpTransfer::Private::exchangeOnce(const HttpRequest &request, const BodySink &sink,
+                                                                     const ShallEnd &shallEnd, bool isFresh) {
+  // A handle that refused an exchange before it had a connection would refuse every later one, too.
+  const EasyHandle easy(multi ? curl_easy_init() : nullptr);
+  Exchange exchange(easy.get(), request, tls, sink);
+  const QByteArray url = wireUrl(request.url);
+  const HeaderLines headers = headerLines(request.headers, keepsConnection);
+  if (!prepare(easy, request, url, headers, exchange, isFresh)) return {exchange.finished(TransportOutcome::Failed)};
+  const TransportOutcome outcome = run(easy, request, exchange, shallEnd);
+  const bool hasFailed = outcome == TransportOutcome::Failed || outcome == TransportOutcome::SecureConnectionFailed;
+  const bool isWorthAnother = !isFresh && hasFailed && !hasToEnd(shallEnd) && exchange.hasFoundKeptOneDead();
+  return {exchange.finished(outcome), isWorthAnother};
+}
+
 bool KaHttpTransfer::Private::prepare(const EasyHandle &easy, const HttpRequest &request, const QByteArray &url,
-                                      const HeaderLines &headers, Exchange &exchange) const {
+                                      const HeaderLines &headers, Exchange &exchange, bool isFresh) {
   if (!easy || !headers) return false;
   Options options(easy.get());
   options.set(CURLOPT_URL, url.constData())
       .set(CURLOPT_PROTOCOLS_STR, "https")
       .set(CURLOPT_PATH_AS_IS, 1L)
       .set(CURLOPT_HTTPHEADER, headers.get())
-      .set(CURLOPT_HTTP_VERSION, static_cast<long>(CURL_HTTP_VERSION_1_1)) // one request a connection gains nothing
+      .set(CURLOPT_HTTP_VERSION, static_cast<long>(CURL_HTTP_VERSION_1_1)) // one request at a time gains nothing
       .set(CURLOPT_FOLLOWLOCATION, 0L)
       .set(CURLOPT_NOPROXY, "*") // or the environment names one
       .set(CURLOPT_NOSIGNAL, 1L)
       .set(CURLOPT_QUICK_EXIT, 1L) // a name look-up under way does not hold up a cancel
-      .set(CURLOPT_FRESH_CONNECT, 1L)
-      .set(CURLOPT_FORBID_REUSE, 1L)
+      .set(CURLOPT_FRESH_CONNECT, isFresh ? 1L : 0L)
+      .set(CURLOPT_FORBID_REUSE, keepsConnection ? 0L : 1L)
+      .set(CURLOPT_MAXAGE_CONN, kKeptFor)
       .set(CURLOPT_BUFFERSIZE, kReceiveBufferSize);
   options.set(CURLOPT_SSLVERSION, static_cast<long>(CURL_SSLVERSION_TLSv1_2))
-      .set(CURLOPT_SSL_SESSIONID_CACHE, 0L)
+      .set(CURLOPT_SSL_SESSIONID_CACHE, keepsConnection ? 1L : 0L)
       .set(CURLOPT_CAINFO, static_cast<const char *>(nullptr)) // the anchors are installed ready-made
       .set(CURLOPT_CAPATH, static_cast<const char *>(nullptr))
       .set(CURLOPT_SSL_CTX_FUNCTION, &prepareTls)
-      .set(CURLOPT_SSL_CTX_DATA, &exchange);
+      .set(CURLOPT_SSL_CTX_DATA, &tls);
+  if (keepsConnection) options.set(CURLOPT_SHARE, static_cast<CURLSH *>(transport->sessions()));
   options.set(CURLOPT_HEADERFUNCTION, &takeHeaderLine)
       .set(CURLOPT_HEADERDATA, &exchange)
       .set(CURLOPT_WRITEFUNCTION, &takeBody)
@@ -323,19 +349,19 @@ bool KaHttpTransfer::Private::prepare(const EasyHandle &easy, const HttpRequest 
 }
 
 TransportOutcome KaHttpTransfer::Private::run(const EasyHandle &easy, const HttpRequest &request,
-                                              const Exchange &exchange) {
+                                              const Exchange &exchange, const ShallEnd &shallEnd) {
   const Attachment attachment(multi.get(), easy.get());
   if (!attachment.holds()) return TransportOutcome::Failed;
 
   // One that has not gone out is not missed.
-  if (hasToEnd()) return TransportOutcome::Failed;
+  if (hasToEnd(shallEnd)) return TransportOutcome::Failed;
   const Clock::time_point start = Clock::now();
   const Clock::time_point waitEnd = start + request.wait;
   std::optional<Clock::time_point> graceEnd;
   Clock::time_point lastStep = start;
   qint64 progress = 0;
   for (;;) {
-    if (!graceEnd && hasToEnd()) graceEnd = Clock::now() + request.endGrace;
+    if (!graceEnd && hasToEnd(shallEnd)) graceEnd = Clock::now() + request.endGrace;
     if (graceEnd && Clock::now() >= *graceEnd) break;
     int running = 0;
     if (curl_multi_perform(multi.get(), &running) != CURLM_OK) break;
@@ -346,7 +372,8 @@ TransportOutcome KaHttpTransfer::Private::run(const EasyHandle &easy, const Http
       progress = newProgress;
       lastStep = now;
     }
-    const Clock::time_point limit = std::min({lastStep + idleLimit, start + wholeLimit, graceEnd.value_or(waitEnd)});
+    const Clock::time_point limit =
+        std::min({lastStep + transport->idleLimit, start + transport->wholeLimit, graceEnd.value_or(waitEnd)});
     if (now >= waitEnd) return TransportOutcome::WaitRanOut;
     if (now >= limit) break;
     const auto rest = std::chrono::ceil<std::chrono::milliseconds>(std::min(limit, waitEnd) - now);

@@ -4,6 +4,7 @@
 #include <QString>
 
 #include <chrono>
+#include <cstddef>
 #include <functional>
 #include <memory>
 #include <optional>
@@ -39,26 +40,31 @@ struct HttpAnswer {
   bool sinkRefused = false;  ///< the sink returned false; the outcome is Failed
 };
 
-/// One HTTPS exchange at a time: a fresh connection each, certificates and host names checked, redirects not followed,
-/// no cookie. Limits and extra trust anchors come from the user defaults "timeoutIntervalForRequest",
-/// "timeoutIntervalForResource" (seconds) and "trustedCertificatesFile", read when the object is made.
+class KaTransport;
+
+/// One HTTPS exchange at a time, certificates and host names checked, redirects not followed, no cookie.
 class KaHttpTransfer {
 public:
   /// Takes the body of a 200 answer piece by piece; false ends the exchange.
   using BodySink = std::function<bool(const char *bytes, std::size_t count)>;
+  /// Asked on the thread that is in perform(); once it says yes, exchanges end at once as Failed (one that waits after
+  /// cancel() woke it). May be empty.
+  using ShallEnd = std::function<bool()>;
+  enum class Connections {
+    Fresh, ///< one for each exchange
+    Kept,  ///< from one exchange to the next, for 20 s; one that is found dead, or stays silent, before a byte of an
+           ///< answer costs a fresh one. TLS sessions are resumed
+  };
 
-  /// @param shallEnd  asked on the thread that is in perform(); once it says yes, exchanges end at once as Failed (one
-  /// that waits after cancel() woke it). May be empty.
-  explicit KaHttpTransfer(std::function<bool()> shallEnd = {});
+  /// @param transport  what it has in common with others.
+  explicit KaHttpTransfer(std::shared_ptr<KaTransport> transport, Connections connections = Connections::Fresh);
   ~KaHttpTransfer();
   KaHttpTransfer(const KaHttpTransfer &) = delete;
   KaHttpTransfer &operator=(const KaHttpTransfer &) = delete;
 
   /// Blocks until the exchange has ended. One thread at a time.
-  [[nodiscard]] HttpAnswer perform(const HttpRequest &request, const BodySink &sink = {});
-
-  /// What the constructor's function says now. On the thread of perform().
-  [[nodiscard]] bool shallEnd() const;
+  [[nodiscard]] HttpAnswer perform(const HttpRequest &request, const BodySink &sink = {},
+                                   const ShallEnd &shallEnd = {});
 
   /// Ends the exchange in flight, at once but for its endGrace; without one it does nothing. Any thread.
   void cancel();

@@ -2,14 +2,18 @@
 
 #include "service/HttpStatus.h"
 #include "service/KaApplicationConstants.h"
+#include "service/KaTransport.h"
 
 using namespace Qt::StringLiterals;
 
-KaServerRequest::KaServerRequest(std::function<bool()> shallEnd) : transfer(std::move(shallEnd)) {
+KaServerRequest::KaServerRequest(KaHttpTransfer::ShallEnd end)
+    : shallEnd(std::move(end)), transport(std::make_shared<KaTransport>()), transfer(transport),
+      storageConnections(transport) {
 }
 
 void KaServerRequest::stopServerRequest() {
   transfer.cancel();
+  storageConnections.cancel();
 }
 
 KaResultCode KaServerRequest::checkHTTPResponse(qint64 statusCode) {
@@ -34,9 +38,11 @@ ServerAnswer KaServerRequest::getKaAppId() {
   return exchange({.url = u"https://%1/configuration"_s.arg(KaApplicationConstants::strataHostName())});
 }
 
-ServerAnswer KaServerRequest::exchange(const HttpRequest &request, EmptyBody emptyBody,
-                                       const KaHttpTransfer::BodySink &take) {
-  HttpAnswer answer = transfer.perform(request, take);
+ServerAnswer KaServerRequest::exchange(const HttpRequest &request, EmptyBody emptyBody) {
+  return answerOf(transfer.perform(request, {}, shallEnd), emptyBody);
+}
+
+ServerAnswer KaServerRequest::answerOf(HttpAnswer answer, EmptyBody emptyBody) {
   KaResultCode result = resultOf(answer);
   if (result == KaResultCode::Success && answer.bodySize == 0 && emptyBody == EmptyBody::IsNoBody)
     result = KaResultCode::NoBody;

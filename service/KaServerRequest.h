@@ -1,15 +1,24 @@
 #pragma once
 
+#include "service/ArrivingObject.h"
 #include "service/KaHttpTransfer.h"
+#include "service/KaKeptConnections.h"
 #include "service/ServerAnswer.h"
 
 #include <QByteArray>
 #include <QString>
 
 #include <functional>
+#include <memory>
 #include <optional>
 
 struct SaveOrder;
+
+/// An answer about an object; for its content, with the file that this has come into.
+struct ArrivedObject {
+  HttpAnswer answer{};
+  std::unique_ptr<ArrivingObject> content{}; ///< null for other questions
+};
 
 /// Every HTTP exchange with the service. Each operation blocks its thread until the answer or a limit and returns a
 /// result code; nothing is retried and nothing is carried between requests. One thread at a time, but for
@@ -21,10 +30,10 @@ class KaServerRequest {
 public:
   /// @param shallEnd  asked on the thread of the request: once true, requests end at once with Offline, and what has
   /// arrived is not saved. May be empty.
-  explicit KaServerRequest(std::function<bool()> shallEnd = {});
+  explicit KaServerRequest(KaHttpTransfer::ShallEnd shallEnd = {});
 
-  /// Ends the request in flight at once; one that brings a token code may still have its answer for half a second. Any
-  /// thread.
+  /// Ends every request in flight at once; one that brings a token code may still have its answer for half a second.
+  /// Any thread.
   void stopServerRequest();
 
   [[nodiscard]] static KaResultCode checkHTTPResponse(qint64 statusCode);
@@ -56,6 +65,22 @@ public:
   [[nodiscard]] TagVerdict checkObjectTagIs10GStorage(const KaCredential &credential, const QString &objectKey);
   /// @}
 
+  /// @name What answers mean that came before their turn
+  /// @{
+  /// The connections of all requests to S3.
+  [[nodiscard]] KaKeptConnections &connections() { return storageConnections; }
+  [[nodiscard]] static ServerAnswer presignedAnswer(HttpAnswer answer);
+  [[nodiscard]] static ObjectHead headOf(const HttpAnswer &answer);
+  [[nodiscard]] static ServerAnswer tagsOf(HttpAnswer answer);
+  [[nodiscard]] static TagVerdict tagVerdictOf(const ServerAnswer &tags);
+  /// The same verdict without a word in the log. Any thread.
+  [[nodiscard]] static bool is10GStorageByTags(const QByteArray &tags);
+  /// Absent when it cannot get its name because that lies on another file system.
+  [[nodiscard]] std::optional<SavedObject> saveArrivedObject(const ArrivedObject &arrived, const SaveOrder &order);
+  [[nodiscard]] std::optional<SavedObject> saveArrivedPreview(const ArrivedObject &arrived, const SaveOrder &order,
+                                                              const std::optional<QString> &fileName);
+  /// @}
+
   /// Exchanges an ID token for temporary storage credentials, at STS.
   [[nodiscard]] CredentialAnswer getAwsTemporaryCredential(const QString &idToken);
   [[nodiscard]] static QString createGetCredentialString(const QString &idToken);
@@ -82,12 +107,17 @@ private:
   [[nodiscard]] static KaResultCode resultOf(const HttpAnswer &answer);
   /// The same for an object that is to be saved, its body counted.
   [[nodiscard]] static KaResultCode objectResultOf(const HttpAnswer &answer);
-  [[nodiscard]] ServerAnswer exchange(const HttpRequest &request, EmptyBody emptyBody = EmptyBody::IsNoBody,
-                                      const KaHttpTransfer::BodySink &take = {});
+  [[nodiscard]] static ServerAnswer answerOf(HttpAnswer answer, EmptyBody emptyBody);
+  [[nodiscard]] ServerAnswer exchange(const HttpRequest &request, EmptyBody emptyBody = EmptyBody::IsNoBody);
   [[nodiscard]] ServerAnswer presignedList(const QString &url, const KaCredential &credential,
                                            const KaHttpTransfer::BodySink &take = {});
   [[nodiscard]] SavedObject saveObject(const QString &url, const KaCredential &credential, const SaveOrder &order,
                                        const NameOf &nameOf);
+  [[nodiscard]] std::optional<SavedObject> placeObject(const ArrivedObject &arrived, const SaveOrder &order,
+                                                       const NameOf &nameOf);
 
-  KaHttpTransfer transfer;
+  const KaHttpTransfer::ShallEnd shallEnd;
+  const std::shared_ptr<KaTransport> transport;
+  KaHttpTransfer transfer; ///< of all requests but those to S3: a fresh connection each
+  KaKeptConnections storageConnections;
 };

@@ -1,74 +1,39 @@
 #include "log/KaLogUtility.h"
 #include "service/ArrivingObject.h"
 #include "service/HttpStatus.h"
-#include "service/KaApplicationConstants.h"
 #include "service/KaServerRequest.h"
 #include "service/KaXMLParser.h"
-#include "service/PercentEncoding.h"
 #include "service/SaveOrder.h"
 #include "service/SavedFileName.h"
-#include "service/SignatureV4.h"
+#include "service/StorageRequests.h"
 
-#include <QDateTime>
+#include <QFileInfo>
 
 using namespace Qt::StringLiterals;
 
 namespace {
 
-constexpr std::chrono::seconds kSignedRequestWait(100);
 constexpr qsizetype kMostLoggedBody = 16 * 1024;
 
-HttpRequest presignedRequest(const QString &url, const KaCredential &credential) {
-  return {.url = url, .headers = {{"x-amz-security-token", credential.sessionToken.toUtf8()}}};
+const auto kStoragePeriod = "x-strata-storage-period"_L1;
+
+/// What the tags of an object tell of its storage period.
+QHash<QString, QString> storagePeriodIn(const QByteArray &tags) {
+  KaXMLParser parser;
+  parser.setTarget({kStoragePeriod});
+  // A document that breaks off may still have told the tag.
+  static_cast<void>(parser.parseXML(tags, KaXMLParser::kKeyValueType));
+  return parser.result();
+}
+
+bool is10GStorage(const QHash<QString, QString> &told) {
+  return told.value(kStoragePeriod) != u"30"_s;
 }
 
 std::optional<QString> nameInHeader(const HttpAnswer &answer) {
   for (const auto &[name, value] : answer.headers)
     if (name == "x-amz-meta-file-name") return decodeFileNameHeader(value);
   return {};
-}
-
-/// A request to the content bucket that we sign ourselves.
-struct SignedRequest {
-  QString url;
-  QString timestamp;
-  QString sessionToken;
-  QString payloadHash;
-  QString authorization;
-};
-
-SignedRequest signedRequest(const KaCredential &credential, const QString &objectKey, const QString &method,
-                            const QString &query) {
-  const QString host =
-      KaApplicationConstants::awsS3BucketName() + u'.' + KaApplicationConstants::awsS3AccelerateHostName();
-  const QString path = u'/' + percentEncodedKey(objectKey);
-  SignedRequest made;
-  made.url = u"https://"_s + host + path + u'?' + query;
-  made.timestamp = signature_v4::getCurrentTimeStampUTCFormat(QDateTime::currentDateTimeUtc());
-  made.sessionToken = credential.sessionToken;
-  made.payloadHash = signature_v4::toHex(signature_v4::toSHA256hash(QString()));
-  made.authorization =
-      signRequests(credential, {.timestamp = made.timestamp,
-                                .service = u"s3"_s,
-                                .method = method,
-                                .canonicalUri = path,
-                                .canonicalQuery = query,
-                                .canonicalHeaders = u"host:"_s + host + u"\nx-amz-content-sha256:"_s + made.payloadHash
-                                                    + u"\nx-amz-date:"_s + made.timestamp + u"\nx-amz-security-token:"_s
-                                                    + made.sessionToken + u'\n',
-                                .signedHeaders = u"host;x-amz-content-sha256;x-amz-date;x-amz-security-token"_s,
-                                .payload = {}});
-  return made;
-}
-
-HttpRequest httpRequest(const SignedRequest &made, const QByteArray &method) {
-  return {.method = method,
-          .url = made.url,
-          .headers = {{"x-amz-date", made.timestamp.toUtf8()},
-                      {"x-amz-security-token", made.sessionToken.toUtf8()},
-                      {"x-amz-content-sha256", made.payloadHash.toUtf8()},
-                      {"Authorization", made.authorization.toUtf8()}},
-          .wait = kSignedRequestWait};
 }
 
 void writeFailureLog(const QString &operation, const SignedRequest &made, qint64 statusCode, const QString &received) {
@@ -92,9 +57,13 @@ ServerAnswer KaServerRequest::getAwsPreviewlList(const QString &url, const KaCre
 
 ServerAnswer KaServerRequest::presignedList(const QString &url, const KaCredential &credential,
                                             const KaHttpTransfer::BodySink &take) {
-  ServerAnswer answer = exchange(presignedRequest(url, credential), EmptyBody::IsNoBody, take);
-  if (answer.statusCode == 0) answer.result = KaResultCode::NoHttpStatus;
-  return answer;
+  return presignedAnswer(storageConnections.perform(presignedRequest(url, credential), take, shallEnd));
+}
+
+ServerAnswer KaServerRequest::presignedAnswer(HttpAnswer answer) {
+  ServerAnswer told = answerOf(std::move(answer), EmptyBody::IsNoBody);
+  if (told.statusCode == 0) told.result = KaResultCode::NoHttpStatus;
+  return told;
 }
 
 SavedObject KaServerRequest::getAwsS3Object(const QString &url, const KaCredential &credential,
@@ -118,12 +87,33 @@ KaResultCode KaServerRequest::objectResultOf(const HttpAnswer &answer) {
 
 SavedObject KaServerRequest::saveObject(const QString &url, const KaCredential &credential, const SaveOrder &order,
                                         const NameOf &nameOf) {
-  ArrivingObject object(order.defaultFilePath);
-  const HttpAnswer answer =
-      transfer.perform(presignedRequest(url, credential),
-                       [&object](const char *bytes, std::size_t count) { return object.take(bytes, count); });
+  ArrivedObject arrived = {.content = std::make_unique<ArrivingObject>(QFileInfo(order.defaultFilePath).path())};
+  arrived.answer = storageConnections.perform(
+      presignedRequest(url, credential),
+      [&](const char *bytes, std::size_t count) { return arrived.content->take(bytes, count); }, shallEnd);
+  if (const auto placed = placeObject(arrived, order, nameOf)) return *placed;
+  return {
+      .result = KaResultCode::FileNotSaved, .statusCode = arrived.answer.status, .triedPath = order.defaultFilePath};
+}
+
+std::optional<SavedObject> KaServerRequest::saveArrivedObject(const ArrivedObject &arrived, const SaveOrder &order) {
+  return placeObject(arrived, order, nameInHeader);
+}
+
+std::optional<SavedObject> KaServerRequest::saveArrivedPreview(const ArrivedObject &arrived, const SaveOrder &order,
+                                                               const std::optional<QString> &fileName) {
+  return placeObject(arrived, order, [&fileName](const HttpAnswer &) { return fileName; });
+}
+
+std::optional<SavedObject> KaServerRequest::placeObject(const ArrivedObject &arrived, const SaveOrder &order,
+                                                        const NameOf &nameOf) {
+  const HttpAnswer &answer = arrived.answer;
+  ArrivingObject &object = *arrived.content;
   const auto failed = [&](KaResultCode result) { return SavedObject{.result = result, .statusCode = answer.status}; };
-  if (answer.sinkRefused) return failed(object.failure(order.defaultFilePath));
+  const auto notSaved = [&](const QString &path) {
+    return SavedObject{.result = object.failure(), .statusCode = answer.status, .triedPath = path};
+  };
+  if (answer.sinkRefused) return notSaved(order.defaultFilePath);
   if (const KaResultCode result = objectResultOf(answer); result != KaResultCode::Success) return failed(result);
 
   const std::optional<QString> name = nameOf(answer);
@@ -132,14 +122,17 @@ SavedObject KaServerRequest::saveObject(const QString &url, const KaCredential &
                        .outputFileSize = answer.bodySize};
   const bool isRight = name && answer.bodySize == order.refFileSize;
   if (!isRight && !order.bKeepWhatComes) return saved;
-  if (!object.finish(order.modified)) return failed(object.failure(order.defaultFilePath));
+  if (!object.sync()) return notSaved(order.defaultFilePath);
+  object.setDates(order.modified);
   // What has taken so long may have outlived its link: then it is as if nothing had come.
   const SavedObject nothing = {.result = KaResultCode::NoHttpStatus};
-  if (transfer.shallEnd()) return nothing;
+  const auto ends = [this] { return shallEnd && shallEnd(); };
+  if (ends()) return nothing;
   using enum ArrivingObject::Placing::Outcome;
-  const auto [outcome, path] = object.publish(name.value_or(QString()), [this] { return transfer.shallEnd(); });
+  const auto [outcome, path] = object.publish(order.defaultFilePath, name.value_or(QString()), ends);
+  if (outcome == Elsewhere) return std::nullopt;
   if (outcome == Ended) return nothing;
-  if (outcome == Failed) return failed(object.failure(path));
+  if (outcome == Failed) return notSaved(path);
   saved.outputFilePath = path;
   saved.bConfirmed = isRight;
   saved.bNew = outcome == Saved;
@@ -148,41 +141,47 @@ SavedObject KaServerRequest::saveObject(const QString &url, const KaCredential &
 
 ServerAnswer KaServerRequest::getAWSS3ObjectTag(const KaCredential &credential, const QString &objectKey) {
   const SignedRequest made = signedRequest(credential, objectKey, u"GET"_s, u"tagging="_s);
-  HttpAnswer answer = transfer.perform(httpRequest(made, "GET"));
-  const KaResultCode result = checkHTTPResponse(answer.status);
-  if (result != KaResultCode::Success)
-    writeFailureLog(u"getAWSS3ObjectTag"_s, made, answer.status, QString::fromUtf8(answer.body.left(kMostLoggedBody)));
-  return {.result = result, .statusCode = answer.status, .data = std::move(answer.body)};
+  ServerAnswer tags = tagsOf(storageConnections.perform(httpRequest(made, "GET"), {}, shallEnd));
+  if (tags.result != KaResultCode::Success)
+    writeFailureLog(u"getAWSS3ObjectTag"_s, made, tags.statusCode, QString::fromUtf8(tags.data.left(kMostLoggedBody)));
+  return tags;
+}
+
+ServerAnswer KaServerRequest::tagsOf(HttpAnswer answer) {
+  return {.result = checkHTTPResponse(answer.status), .statusCode = answer.status, .data = std::move(answer.body)};
 }
 
 ObjectHead KaServerRequest::headAWSS3Object(const KaCredential &credential, const QString &objectKey) {
   const SignedRequest made = signedRequest(credential, objectKey, u"HEAD"_s, {});
-  const HttpAnswer answer = transfer.perform(httpRequest(made, "HEAD"));
-  const StatusMeaning meaning = meaningOf(answer.status);
-  const ObjectHead head = {.result = meaning.result,
-                           .isThere = meaning.document == StatusMeaning::Document::There,
-                           .statusCode = answer.status,
-                           .contentLength = answer.status == 0 ? 0 : answer.contentLength};
+  const ObjectHead head = headOf(storageConnections.perform(httpRequest(made, "HEAD"), {}, shallEnd));
   if (head.result != KaResultCode::Success)
     writeFailureLog(u"HeadAWSS3Object"_s, made, head.statusCode,
                     u"expectedFileSize:"_s + QString::number(head.contentLength));
   return head;
 }
 
+ObjectHead KaServerRequest::headOf(const HttpAnswer &answer) {
+  const StatusMeaning meaning = meaningOf(answer.status);
+  return {.result = meaning.result,
+          .isThere = meaning.document == StatusMeaning::Document::There,
+          .statusCode = answer.status,
+          .contentLength = answer.status == 0 ? 0 : answer.contentLength};
+}
+
 TagVerdict KaServerRequest::checkObjectTagIs10GStorage(const KaCredential &credential, const QString &objectKey) {
-  const QString storagePeriod = u"x-strata-storage-period"_s;
-  const ServerAnswer tags = getAWSS3ObjectTag(credential, objectKey);
+  return tagVerdictOf(getAWSS3ObjectTag(credential, objectKey));
+}
 
-  KaXMLParser parser;
-  parser.setTarget({storagePeriod});
-  // A document that breaks off may still have told the tag.
-  static_cast<void>(parser.parseXML(tags.data, KaXMLParser::kKeyValueType));
-  TagVerdict verdict = {.result = tags.result};
-  if (parser.result().value(storagePeriod) != u"30"_s) return verdict;
-
-  verdict.bDownloadContent = false;
-  KaLogUtility::writeInfoLog(u"checkObjectTagIs10GStorage: XMLParse Result"_s,
-                             {u"targetKeys:"_s + QStringList(parser.result().keys()).join(u", "_s),
-                              u"targetValues:"_s + QStringList(parser.result().values()).join(u", "_s)});
+TagVerdict KaServerRequest::tagVerdictOf(const ServerAnswer &tags) {
+  const QHash<QString, QString> told = storagePeriodIn(tags.data);
+  const TagVerdict verdict = {.result = tags.result, .bDownloadContent = is10GStorage(told)};
+  if (!verdict.bDownloadContent)
+    KaLogUtility::writeInfoLog(u"checkObjectTagIs10GStorage: XMLParse Result"_s,
+                               {u"targetKeys:"_s + QStringList(told.keys()).join(u", "_s),
+                                u"targetValues:"_s + QStringList(told.values()).join(u", "_s)});
   return verdict;
+}
+
+bool KaServerRequest::is10GStorageByTags(const QByteArray &tags) {
+  return is10GStorage(storagePeriodIn(tags));
 }

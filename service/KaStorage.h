@@ -3,6 +3,7 @@
 #include "platform/Mutex.h"
 #include "platform/ThreadBound.h"
 #include "service/KaCredential.h"
+#include "service/KaStorageAhead.h"
 #include "service/ServerAnswer.h"
 
 #include <QString>
@@ -10,11 +11,19 @@
 #include <chrono>
 #include <cstddef>
 #include <functional>
+#include <memory>
 #include <optional>
+#include <utility>
+#include <vector>
 
+class KaListingAhead;
 class KaServerRequest;
 struct ListParameters;
+struct ListingAnswer;
 struct SaveOrder;
+
+/// So long before their end credentials are renewed, and nothing more is asked ahead.
+inline constexpr std::chrono::seconds kRenewalLead(600);
 
 /// The object store: holds the temporary credentials and answers in values. Keys are plain text here; how they travel
 /// and are signed is decided below. Download thread, but for the credentials.
@@ -29,7 +38,8 @@ public:
   using PieceTaker = std::function<bool(const char *bytes, std::size_t count)>;
 
   /// @param request  outlives this object.
-  explicit KaStorage(KaServerRequest &request) : toSend(request) {}
+  explicit KaStorage(KaServerRequest &request);
+  ~KaStorage();
   KaStorage(const KaStorage &) = delete;
   KaStorage &operator=(const KaStorage &) = delete;
 
@@ -48,6 +58,13 @@ public:
   /// @{
   /// The names directly below @p prefix, which ends in "/".
   [[nodiscard]] ListingOutcome listDevices(const QString &prefix, const PageTaker &take);
+  /// These listings of objects will be asked for, in this order, until endListings.
+  struct ObjectListing {
+    QString prefix{};
+    QString startAfter{};
+  };
+  void beginListings(const std::vector<ObjectListing> &listings, std::function<bool()> shallEnd);
+  void endListings();
   /// The objects whose keys begin with @p prefix and come after @p startAfter.
   [[nodiscard]] ListingOutcome listObjects(const QString &prefix, const QString &startAfter, const PageTaker &take);
   /// @}
@@ -72,10 +89,26 @@ public:
                                         const std::optional<QString> &fileName);
   /// @}
 
+  /// Where answers may be had before their turn: head, tags, documents and content that are here or under way are taken
+  /// from it.
+  [[nodiscard]] KaStorageAhead &ahead() { return asksAhead; }
+  /// Drops what is ahead. @return whether that made room on the disk. To be asked before one is said to be full.
+  [[nodiscard]] bool giveUpAhead() { return asksAhead.giveUp(); }
+  /// Closes the connections that are kept. Any thread.
+  void dropConnections();
+
 private:
+  using Saving = std::function<SavedObject()>;
+  using PlacingArrived = std::function<std::optional<SavedObject>(const ArrivedObject &arrived)>;
+
   [[nodiscard]] ListingOutcome readPages(ListParameters parameters, const PageTaker &take);
+  [[nodiscard]] std::pair<ListingOutcome, std::optional<ListingAnswer>> readPage(const KaCredential &by,
+                                                                                 const ListParameters &parameters);
+  [[nodiscard]] SavedObject saveBy(const QString &key, qint64 size, const PlacingArrived &place, const Saving &save);
 
   KaServerRequest &toSend;
   const platform::ThreadBound downloadThread{};
   platform::Guarded<KaCredential> held;
+  KaStorageAhead asksAhead;
+  std::unique_ptr<KaListingAhead> listsAhead; ///< null while nothing is listed ahead
 };

@@ -87,6 +87,7 @@ struct SavedObject {
   QString outputFilePath{};  ///< empty when nothing was saved
   bool bConfirmed = false;   ///< saved under its own name, of the size that was ordered
   bool bNew = false;         ///< false, too, for a file that was there before and is the very object
+  QString triedPath{};       ///< what could not be saved, for the log; empty otherwise
 };
 
 /// How every log entry calls a status.

@@ -193,6 +193,7 @@ public:
   Publish publish(const QByteArray &path) {
     if (giveName(path)) return Publish::Published;
     if (errno == EEXIST) return Publish::NameTaken;
+    if (errno == EXDEV) return Publish::AcrossVolumes;
     // "No such file" where the folder is there: what one file system in user space says of characters.
     const bool isRefused = errno == EINVAL || errno == ENAMETOOLONG || errno == EILSEQ
                            || (errno == ENOENT && QFileInfo(QFile::decodeName(path)).dir().exists());

@@ -2,7 +2,7 @@
 
 #include "platform/ReleasedBy.h"
 #include "sandbox/OpenSsl.h"
-#include "service/KaTrustAnchors.h"
+#include "service/KaTransport.h"
 #include "service/SaveOrder.h"
 #include "tests/service/ServiceFixture.h"
 
@@ -25,7 +25,8 @@ using enum TransportOutcome;
 struct Transfer : ServiceTest {
   HttpRequest asked = {.url = url(u"api"_s, u"/configuration"_s)};
   std::atomic<bool> end = false;
-  KaHttpTransfer transfer{[this] { return end.load(); }};
+  const std::shared_ptr<KaTransport> transport = std::make_shared<KaTransport>();
+  KaHttpTransfer transfer{transport};
 };
 
 TEST_F(Transfer, sendsWhatItIsGivenAndNothingElse) {
@@ -110,7 +111,7 @@ TEST_F(Transfer, givesUpAtItsLimits) {
     service.order(Endpoint::Configuration, {.kind = fault});
     asked.wait = wait;
     const auto start = Clock::now();
-    EXPECT_EQ(KaHttpTransfer().perform(asked).outcome, outcome);
+    EXPECT_EQ(KaHttpTransfer(std::make_shared<KaTransport>()).perform(asked).outcome, outcome);
     EXPECT_GE(Clock::now() - start, 200ms);
     EXPECT_LT(Clock::now() - start, 5s);
   }
@@ -145,7 +146,7 @@ TEST(KaHttpTransfer, writesNoSessionKeysIntoAFileThatTheEnvironmentNames) {
   sandbox::Service service;
   profile.writeUserDefaults(service.userDefaults());
   const QString url = u"https://api.localhost:%1/configuration"_s.arg(service.port());
-  EXPECT_EQ(KaHttpTransfer().perform({.url = url}).status, 200);
+  EXPECT_EQ(KaHttpTransfer(std::make_shared<KaTransport>()).perform({.url = url}).status, 200);
   EXPECT_EQ(contentOf(keys), "");
 }
 
