@@ -25,7 +25,7 @@ namespace {
 using namespace std::chrono_literals;
 
 // Every open connection keeps a thread, also between two requests; one more than these waits until another ends.
-constexpr size_t kThreadCount = 96;
+constexpr size_t kThreadCount = 64;
 constexpr auto kLongestIdle = 30s;
 // The library's own backlog of 5 would make several clients at once wait for retransmitted SYNs.
 constexpr int kBacklog = 256;
