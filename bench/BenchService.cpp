@@ -1,6 +1,7 @@
 // The service with many like objects, and a home whose agent is linked to it.
-// usage: bench_service FOLDER COUNT SIZE [taken]
+// usage: bench_service FOLDER COUNT SIZE [taken] [--distance MS] [--rate BYTES]
 //   taken: all objects lie in one hour, and the home's bookkeeping knows every one of them
+//   --distance, --rate: the round trip to the service, and what goes through each way per second
 // Leaves in FOLDER: home (HOME, with .config, .local/share and .local/state), ca.pem, urls.conf (the presigned requests
 // of a first run, for curl; not for more than 10,000 objects), peer.env (what other clients of the store need).
 // Prints "ready". Then takes "ENDPOINT COUNT" per line: forgets what was asked before, prints "armed", and "reached"
@@ -13,6 +14,7 @@
 #include "sandbox/Service.h"
 #include "settings/SettingsFiles.h"
 
+#include <QCommandLineParser>
 #include <QCoreApplication>
 #include <QDir>
 #include <QFile>
@@ -79,10 +81,10 @@ void recordAsTaken(sandbox::Service &service, int count) {
 }
 
 void fill(sandbox::Service &service, const QString &folder, const QStringList &arguments) {
-  const int count = arguments[2].toInt();
-  const bool isTaken = arguments.value(4) == u"taken";
+  const int count = arguments[1].toInt();
+  const bool isTaken = arguments.value(3) == u"taken";
   service.library().addMany({.count = count,
-                             .size = arguments[3].toLongLong(),
+                             .size = arguments[2].toLongLong(),
                              .deviceId = u"dev1"_s,
                              .firstDate = u"20240501"_s,
                              .perHour = isTaken ? count : 1000});
@@ -124,16 +126,22 @@ void serve(sandbox::Service &service) {
 
 int main(int argc, char **argv) {
   const QCoreApplication application(argc, argv);
-  const QStringList arguments = QCoreApplication::arguments();
-  if (argc < 4) {
-    std::fputs("usage: bench_service FOLDER COUNT SIZE [taken]\n", stderr);
+  QCommandLineParser options;
+  options.addOptions({{u"distance"_s, {}, u"milliseconds"_s, u"0"_s}, {u"rate"_s, {}, u"bytes per second"_s, u"0"_s}});
+  options.process(application);
+  const QStringList arguments = options.positionalArguments();
+  if (arguments.size() < 3) {
+    std::fputs("usage: bench_service FOLDER COUNT SIZE [taken] [--distance MS] [--rate BYTES]\n", stderr);
     return 2;
   }
   int status = 0;
   try {
-    const QString folder = QDir(arguments[1]).absolutePath();
+    const QString folder = QDir(arguments[0]).absolutePath();
     QDir().mkpath(folder + u"/curl"_s);
-    sandbox::Service service({.folder = folder, .requestsPerConnection = 1000});
+    sandbox::Service service({.folder = folder,
+                              .requestsPerConnection = 1000,
+                              .roundTrip = std::chrono::milliseconds(options.value(u"distance"_s).toInt()),
+                              .bytesPerSecond = options.value(u"rate"_s).toLongLong()});
     fill(service, folder, arguments);
     serve(service);
   } catch (const std::exception &error) {

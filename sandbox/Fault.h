@@ -11,12 +11,13 @@ namespace sandbox {
 /// `{.kind = Fault::Kind::Status, .status = 503, .times = -1}`.
 struct Fault {
   enum class Kind {
-    // These six take the place of the service, which does and checks nothing.
+    // These seven take the place of the service, which does and checks nothing.
     Status,            ///< `status`, with `body` or the endpoint's usual kind of error document
     EmptyBody,         ///< 200 and no byte
     MalformedBody,     ///< 200 and neither XML nor JSON
     Body,              ///< `status` (200 when left 0) with `body`
     DroppedConnection, ///< closed without an answer
+    DroppedWhenKept,   ///< the same, but it meets only requests that are not the first of their connection
     NoAnswer,          ///< held until the client leaves, clearFaults() or the service's end; then closed
     // The rest let the service answer and spoil the delivery.
     Delay,          ///< the right answer after `delay`

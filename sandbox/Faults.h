@@ -22,7 +22,7 @@ public:
   void clear();
 
   /// The fault that a request meets, which uses it up by one.
-  [[nodiscard]] std::optional<Fault> take(Endpoint endpoint, const QByteArray &target);
+  [[nodiscard]] std::optional<Fault> take(Endpoint endpoint, const ReceivedRequest &request);
   /// The first waiting token fault that is among @p applicable.
   [[nodiscard]] std::optional<TokenFault> take(std::span<const TokenFault> applicable);
 

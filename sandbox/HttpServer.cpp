@@ -3,8 +3,9 @@
 #include "sandbox/Locked.h"
 #include "sandbox/OpenSsl.h"
 #include "sandbox/Pem.h"
+#include "sandbox/WakeUp.h"
 
-#include <QSet>
+#include <QHash>
 
 #include <httplib.h>
 
@@ -14,10 +15,8 @@
 #include <latch>
 #include <optional>
 #include <poll.h>
-#include <sys/eventfd.h>
 #include <sys/socket.h>
 #include <thread>
-#include <unistd.h>
 
 namespace sandbox {
 
@@ -25,32 +24,12 @@ namespace {
 
 using namespace std::chrono_literals;
 
-// Held connections each keep a thread, and a test holds several.
-constexpr size_t kThreadCount = 32;
+// Every open connection keeps a thread, also between two requests; one more than these waits until another ends.
+constexpr size_t kThreadCount = 64;
+constexpr auto kLongestIdle = 30s;
 // The library's own backlog of 5 would make several clients at once wait for retransmitted SYNs.
 constexpr int kBacklog = 256;
 constexpr size_t kWriteSlice = 256 * 1024;
-
-/// Wakes every thread that polls its descriptor, for good.
-class WakeUp {
-public:
-  WakeUp() : handle(eventfd(0, EFD_CLOEXEC | EFD_NONBLOCK)) {
-    if (handle < 0) throw std::runtime_error("eventfd failed");
-  }
-  ~WakeUp() { ::close(handle); }
-  WakeUp(const WakeUp &) = delete;
-  WakeUp &operator=(const WakeUp &) = delete;
-
-  void raise() const {
-    const uint64_t one = 1;
-    // Fails only when it is raised already.
-    [[maybe_unused]] const auto written = ::write(handle, &one, sizeof one);
-  }
-  [[nodiscard]] int descriptor() const { return handle; }
-
-private:
-  const int handle;
-};
 
 enum class Waited { TimeUp, Woken, ClientLeft };
 
@@ -67,16 +46,6 @@ Waited waitBeside(int client, const WakeUp &wakeUp, std::optional<std::chrono::m
   return watched[1].revents != 0 ? Waited::Woken : Waited::ClientLeft;
 }
 
-/// The client of one request, and what ends waiting for it.
-struct Client {
-  int socket = -1;
-  std::shared_ptr<const WakeUp> wakeUp{};
-
-  [[nodiscard]] Waited wait(std::optional<std::chrono::milliseconds> timeout) const {
-    return waitBeside(socket, *wakeUp, timeout);
-  }
-};
-
 void cut(int socket) {
   // Fails when the client was first, which is as good.
   ::shutdown(socket, SHUT_RDWR);
@@ -86,12 +55,30 @@ int socketOf(const httplib::Request &request) {
   return SSL_get_fd(request.ssl);
 }
 
-/// The descriptors of all connections from handshake to end, so that they can be cut.
+/// The client of one request, and what ends waiting for it.
+struct Client {
+  SSL *session = nullptr;
+  std::shared_ptr<const WakeUp> wakeUp{};
+
+  [[nodiscard]] int socket() const { return SSL_get_fd(session); }
+  [[nodiscard]] Waited wait(std::optional<std::chrono::milliseconds> timeout) const {
+    return waitBeside(socket(), *wakeUp, timeout);
+  }
+  /// Ends the connection as a server does whose answer ends with it.
+  void sayGoodbye() const {
+    SSL_shutdown(session);
+    // The library would wait for another request, whatever the client was told.
+    ::shutdown(socket(), SHUT_RD);
+  }
+};
+
+/// All connections from handshake to end, so that they can be told apart and cut.
 class Connections {
 public:
   void add(int socket) {
+    static std::atomic<quint64> numbers = 0;
     open.with([&](State &state) {
-      state.sockets.insert(socket);
+      state.sockets.insert(socket, {.number = ++numbers});
       if (state.closing) cut(socket);
     });
   }
@@ -101,14 +88,45 @@ public:
   void cutAll() {
     open.with([](State &state) {
       state.closing = true;
-      for (const int socket : state.sockets)
+      for (const int socket : state.sockets.keys())
         cut(socket);
+    });
+  }
+  /// Writes into @p request what it came over.
+  void asked(int socket, ReceivedRequest &request) {
+    open.with([&](State &state) {
+      Connection &connection = state.sockets[socket];
+      request.connection = connection.number;
+      request.isLater = connection.requests++ > 0;
+      connection.isAnswering = true;
+    });
+  }
+  void answered(int socket) {
+    open.with([&](State &state) {
+      Connection &connection = state.sockets[socket];
+      connection.isAnswering = false;
+      if (connection.endsAnswered) cut(socket);
+    });
+  }
+  void cutIdle() {
+    open.with([](State &state) {
+      for (auto each = state.sockets.begin(); each != state.sockets.end(); ++each) {
+        // Its client may have the whole answer already, and rely on the cut.
+        each->endsAnswered = each->isAnswering;
+        if (each->requests > 0 && !each->isAnswering) cut(each.key());
+      }
     });
   }
 
 private:
+  struct Connection {
+    quint64 number = 0; ///< unlike any other of this process
+    int requests = 0;
+    bool isAnswering = false;
+    bool endsAnswered = false;
+  };
   struct State {
-    QSet<int> sockets{};
+    QHash<int, Connection> sockets{};
     bool closing = false;
   };
   Locked<State> open;
@@ -145,10 +163,8 @@ void setUp(SSL_CTX &context, const CertifiedKey &certified, Connections &connect
   requireSsl(SSL_CTX_use_certificate(&context, certificateFromPem(certified.certificate).get()) == 1, "certificate");
   requireSsl(SSL_CTX_use_PrivateKey(&context, keyFromPem(certified.key).get()) == 1, "key");
   requireSsl(SSL_CTX_set_min_proto_version(&context, TLS1_2_VERSION) == 1, "protocol");
-  // Nobody comes back for a session here, and tickets cost a round of encryption.
+  // Clients come back with the tickets that they are given, which hold all there is to a session.
   SSL_CTX_set_session_cache_mode(&context, SSL_SESS_CACHE_OFF);
-  SSL_CTX_set_options(&context, SSL_OP_NO_TICKET);
-  requireSsl(SSL_CTX_set_num_tickets(&context, 0) == 1, "tickets");
   requireSsl(SSL_CTX_set_ex_data(&context, contextIndex(), &connections) == 1, "context data");
   SSL_CTX_set_info_callback(&context, &connectionProgress);
 }
@@ -164,7 +180,8 @@ ReceivedRequest requestOf(const httplib::Request &request) {
   ReceivedRequest result{.method = QByteArray::fromStdString(request.method),
                          .hostHeader = QByteArray::fromStdString(request.get_header_value("Host")),
                          .target = QByteArray::fromStdString(request.target),
-                         .body = QByteArray::fromStdString(request.body)};
+                         .body = QByteArray::fromStdString(request.body),
+                         .isResumed = SSL_session_reused(request.ssl) == 1};
   for (const auto &[name, value] : request.headers) {
     // The library adds these four itself.
     static const std::array kOwn{"REMOTE_ADDR", "REMOTE_PORT", "LOCAL_ADDR", "LOCAL_PORT"};
@@ -194,6 +211,7 @@ public:
   quint16 boundPort = 0;
   void start();
   void releaseWaiting();
+  Connections connections;
 
 private:
   void setUpServer(int requestsPerConnection);
@@ -206,7 +224,6 @@ private:
   Locked<std::shared_ptr<const WakeUp>> wakeUp{std::make_shared<const WakeUp>()};
   std::atomic<bool> stopping = false;
   std::latch threadsMade{1};
-  Connections connections;
   TlsServer server;
   std::thread listener;
 };
@@ -236,6 +253,7 @@ void HttpServer::Private::setUpServer(int requestsPerConnection) {
     return threads;
   };
   server.set_keep_alive_max_count(size_t(requestsPerConnection));
+  server.set_keep_alive_timeout(kLongestIdle.count());
   server.set_read_timeout(30s);
   server.set_write_timeout(60s);
   server.set_tcp_nodelay(true);
@@ -254,6 +272,11 @@ void HttpServer::Private::setUpServer(int requestsPerConnection) {
     return httplib::Server::HandlerResponse::Handled;
   });
   server.Post(".*", answerIt);
+  // Called once the answer has been handed to the system.
+  server.set_logger([this](const httplib::Request &request, const httplib::Response &) {
+    // None when the request could not be read.
+    if (request.ssl) connections.answered(socketOf(request));
+  });
 }
 
 void HttpServer::Private::bind(quint16 port) {
@@ -282,17 +305,19 @@ void HttpServer::Private::releaseWaiting() {
 
 void HttpServer::Private::answer(const httplib::Request &request, httplib::Response &response) {
   // Taken before the handler decides to wait, so that a release in between is not missed.
-  const Client client{socketOf(request), wakeUp.with([](const auto &current) { return current; })};
-  const ServedAnswer answer = handle(requestOf(request));
+  const Client client{const_cast<SSL *>(request.ssl), wakeUp.with([](const auto &current) { return current; })};
+  ReceivedRequest received = requestOf(request);
+  connections.asked(client.socket(), received);
+  const ServedAnswer answer = handle(received);
   if (answer.delay > 0ms) (void)client.wait(answer.delay);
   if (answer.delivery == Delivery::Held) (void)client.wait(std::nullopt);
   if (answer.delivery == Delivery::Held || answer.delivery == Delivery::Dropped) {
-    cut(client.socket);
+    cut(client.socket());
     return;
   }
   if (answer.delivery == Delivery::AfterInterim) {
     constexpr std::string_view kInterim = "HTTP/1.1 103 Early Hints\r\nx-interim: yes\r\n\r\n";
-    SSL_write(const_cast<SSL *>(request.ssl), kInterim.data(), int(kInterim.size()));
+    SSL_write(client.session, kInterim.data(), int(kInterim.size()));
   }
   response.status = answer.status;
   for (const auto &[name, value] : answer.headers)
@@ -308,13 +333,14 @@ void HttpServer::Private::setUncountedBody(const ServedAnswer &answer, const Cli
   constexpr qsizetype kLengthBefore = 4; // what Qt puts in front of the deflated bytes
   const bool deflated = answer.delivery == Delivery::Deflated || answer.delivery == Delivery::DeflatedChunks;
   if (deflated) response.set_header("Transfer-Encoding", "deflate");
-  const auto provide = [client, goodbye = answer.delivery != Delivery::UncountedCut,
+  const auto provide = [client, delivery = answer.delivery,
                         body = deflated ? qCompress(answer.body).mid(kLengthBefore)
                                         : answer.body](size_t offset, httplib::DataSink &sink) {
     if (offset < size_t(body.size())) return writeSlice(sink, body, offset, size_t(body.size()));
-    if (!goodbye) cut(client.socket);
+    if (delivery == Delivery::UncountedCut) cut(client.socket());
     sink.done();
-    return goodbye;
+    if (delivery == Delivery::Uncounted || delivery == Delivery::Deflated) client.sayGoodbye();
+    return delivery != Delivery::UncountedCut;
   };
   const std::string type = answer.contentType.toStdString();
   if (answer.delivery == Delivery::DeflatedChunks)
@@ -358,6 +384,10 @@ quint16 HttpServer::port() const {
 
 void HttpServer::releaseWaiting() {
   d->releaseWaiting();
+}
+
+void HttpServer::closeIdleConnections() {
+  d->connections.cutIdle();
 }
 
 } // namespace sandbox

@@ -17,7 +17,7 @@ public:
   using Handler = std::function<ServedAnswer(const ReceivedRequest &)>;
 
   /// Has its port once constructed. Throws std::runtime_error when that cannot be had.
-  HttpServer(const CertifiedKey &certificate, quint16 port, Handler handler, int requestsPerConnection = 1);
+  HttpServer(const CertifiedKey &certificate, quint16 port, Handler handler, int requestsPerConnection);
   /// Cuts every connection and returns when the last handler has.
   ~HttpServer();
   HttpServer(const HttpServer &) = delete;
@@ -28,6 +28,8 @@ public:
   [[nodiscard]] quint16 port() const;
   /// Lets go of delayed, held and slow answers that wait now.
   void releaseWaiting();
+  /// Cuts the connections that have had an answer and are given no other now; one in mid-answer once that is out.
+  void closeIdleConnections();
 
 private:
   class Private;

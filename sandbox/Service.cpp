@@ -3,9 +3,11 @@
 #include "sandbox/AccountApi.h"
 #include "sandbox/Certificates.h"
 #include "sandbox/Credentials.h"
+#include "sandbox/DistantLine.h"
 #include "sandbox/Faults.h"
 #include "sandbox/HttpServer.h"
 #include "sandbox/Library.h"
+#include "sandbox/Locked.h"
 #include "sandbox/LogsApi.h"
 #include "sandbox/RequestLog.h"
 #include "sandbox/S3Api.h"
@@ -20,6 +22,7 @@
 #include <QTemporaryDir>
 #include <QUrl>
 
+#include <algorithm>
 #include <mutex>
 #include <stdexcept>
 #include <vector>
@@ -62,20 +65,20 @@ QString madeFolder(const QString &folder) {
   return folder;
 }
 
-/// A server on the port asked for, or else on the one used here before, or else on any.
-std::unique_ptr<HttpServer> serverFor(const QDir &folder, const ServiceOptions &options,
-                                      const CertifiedKey &certificate, const HttpServer::Handler &handler) {
+/// What @p make makes on the port asked for, or else on the one used here before, or else on any.
+/// @param make  takes a port; throws std::runtime_error when that cannot be had.
+template <class Make> auto onPublicPort(const QDir &folder, quint16 wanted, Make make) {
   const QString portFile = folder.filePath(u"port"_s);
-  const quint16 before = options.port == 0 ? contentOf(portFile).toUShort() : options.port;
-  std::unique_ptr<HttpServer> server;
+  const quint16 before = wanted == 0 ? contentOf(portFile).toUShort() : wanted;
+  decltype(make(before)) made;
   try {
-    server = std::make_unique<HttpServer>(certificate, before, handler, options.requestsPerConnection);
+    made = make(before);
   } catch (const std::runtime_error &) {
-    if (options.port != 0 || before == 0) throw;
-    server = std::make_unique<HttpServer>(certificate, 0, handler, options.requestsPerConnection);
+    if (wanted != 0 || before == 0) throw;
+    made = make(0);
   }
-  writePrivately(portFile, QByteArray::number(server->port()));
-  return server;
+  writePrivately(portFile, QByteArray::number(made->port()));
+  return made;
 }
 
 /// What is asked for, by host and path.
@@ -109,9 +112,11 @@ public:
   [[nodiscard]] QString host(const QString &name, quint16 towards) const {
     return u"%1.localhost:%2"_s.arg(name).arg(towards);
   }
-  [[nodiscard]] QString url(const QString &name) const { return u"https://"_s + host(name, server->port()); }
+  [[nodiscard]] quint16 port() const { return line ? line->port() : server->port(); }
+  [[nodiscard]] QString url(const QString &name) const { return u"https://"_s + host(name, port()); }
   [[nodiscard]] QString filePath(const QString &name) const { return QDir(folder).filePath(name); }
   [[nodiscard]] CertifiedKey badCertificate(BadCertificate kind) const;
+  void open(const ServiceOptions &options);
   [[nodiscard]] ServedAnswer answer(const ReceivedRequest &request);
 
   const std::unique_ptr<QTemporaryDir> temporary; ///< only when no folder was given
@@ -122,6 +127,7 @@ public:
   Library library;
   Faults faults;
   RequestLog requests;
+  Locked<QHash<quint64, bool>> storageConnections; ///< by number: whether it resumed a session
   Credentials credentials;
   LogsApi logs{credentials};
   S3Api storage{library, credentials};
@@ -131,6 +137,7 @@ public:
   std::unique_ptr<StsApi> sts;
   std::unique_ptr<SiteApi> site;
 
+  std::unique_ptr<DistantLine> line; ///< only at a distance
   std::mutex opening;
   // Last, so that no handler runs while the rest goes away.
   std::vector<std::unique_ptr<HttpServer>> badlyCertified; ///< behind `opening`
@@ -145,15 +152,34 @@ Service::Private::Private(const ServiceOptions &options)
       folder(madeFolder(temporary ? temporary->path() : options.folder)), authority(authorityIn(QDir(folder))) {
 }
 
+/// Gets the ports.
+void Service::Private::open(const ServiceOptions &options) {
+  const auto serverOn = [&](quint16 port) {
+    return std::make_unique<HttpServer>(
+        makeServerCertificate(authority, kNames), port,
+        [this](const ReceivedRequest &request) { return answer(request); }, options.requestsPerConnection);
+  };
+  const Distance distance{.roundTrip = options.roundTrip, .bytesPerSecond = options.bytesPerSecond};
+  if (!distance.isSome()) {
+    server = onPublicPort(QDir(folder), options.port, serverOn);
+    return;
+  }
+  line = onPublicPort(QDir(folder), options.port,
+                      [&](quint16 port) { return std::make_unique<DistantLine>(port, distance); });
+  server = serverOn(0);
+}
+
 ServedAnswer Service::Private::answer(const ReceivedRequest &request) {
   const Endpoint endpoint = endpointOf(request);
+  if (storageAddress(request))
+    storageConnections.with([&](auto &seen) { seen.insert(request.connection, request.isResumed); });
   const quint64 number = requests.arrived({.endpoint = endpoint,
                                            .method = request.method,
                                            .host = QString::fromLatin1(request.host()),
                                            .target = request.target,
                                            .headers = request.headers,
                                            .body = request.body});
-  const auto fault = faults.take(endpoint, request.target);
+  const auto fault = faults.take(endpoint, request);
   ServedAnswer answer;
   if (!fault || !replacesService(fault->kind)) answer = rightAnswer(request, endpoint);
   if (fault) answer = spoiled(*fault, endpoint, std::move(answer));
@@ -217,8 +243,7 @@ CertifiedKey Service::Private::badCertificate(BadCertificate kind) const {
 }
 
 Service::Service(const ServiceOptions &options) : d(std::make_unique<Private>(options)) {
-  const auto answerIt = [this](const ReceivedRequest &request) { return d->answer(request); };
-  d->server = serverFor(QDir(d->folder), options, makeServerCertificate(d->authority, kNames), answerIt);
+  d->open(options);
   const bool kept = d->temporary == nullptr;
   d->tokens = std::make_unique<Tokens>(kept ? d->filePath(u"token.key.pem"_s) : QString(), issuer(), d->clientId);
   d->account =
@@ -229,12 +254,13 @@ Service::Service(const ServiceOptions &options) : d(std::make_unique<Private>(op
   d->sts = std::make_unique<StsApi>(*d->tokens, d->credentials);
   d->site = std::make_unique<SiteApi>(*d->account, d->requests, d->logs);
   d->server->start();
+  if (d->line) d->line->start(d->server->port());
 }
 
 Service::~Service() = default;
 
 quint16 Service::port() const {
-  return d->server->port();
+  return d->port();
 }
 
 QString Service::trustAnchorsFile() const {
@@ -261,8 +287,9 @@ QHash<QString, QString> Service::userDefaults(quint16 towards) const {
 }
 
 quint16 Service::badlyCertifiedPort(BadCertificate kind) {
-  auto another = std::make_unique<HttpServer>(d->badCertificate(kind), 0,
-                                              [this](const ReceivedRequest &request) { return d->answer(request); });
+  auto another = std::make_unique<HttpServer>(
+      d->badCertificate(kind), 0, [this](const ReceivedRequest &request) { return d->answer(request); },
+      /*requestsPerConnection=*/1);
   another->start();
   const std::lock_guard lock(d->opening);
   return d->badlyCertified.emplace_back(std::move(another))->port();
@@ -314,6 +341,7 @@ int Service::requestCount(Endpoint endpoint) const {
 
 void Service::resetRequestCounts() {
   d->requests.reset();
+  d->storageConnections.with([](auto &seen) { seen.clear(); });
 }
 
 QList<RequestRecord> Service::requests() const {
@@ -322,6 +350,18 @@ QList<RequestRecord> Service::requests() const {
 
 bool Service::waitForRequests(Endpoint endpoint, int count, std::chrono::milliseconds timeout) const {
   return d->requests.waitFor(endpoint, count, timeout);
+}
+
+int Service::connectionCount() const {
+  return d->storageConnections.with([](const auto &seen) { return int(seen.size()); });
+}
+
+int Service::resumedConnectionCount() const {
+  return d->storageConnections.with([](const auto &seen) { return int(std::count(seen.begin(), seen.end(), true)); });
+}
+
+void Service::closeIdleConnections() {
+  d->server->closeIdleConnections();
 }
 
 QList<LogEvent> Service::logEvents() const {

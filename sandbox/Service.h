@@ -20,7 +20,10 @@ struct ServiceOptions {
   /// Keeps ca.pem, the authority's and the token key, the port and the links, so that a later service with the same
   /// folder is the same service. Empty: a temporary folder, gone with the service.
   QString folder{};
-  int requestsPerConnection = 1; ///< the agent makes one; other clients come back
+  int requestsPerConnection = 100; ///< the last answer says that the connection ends
+  /// Both put the service at a distance, as DistantLine does, but for badlyCertifiedPort().
+  std::chrono::milliseconds roundTrip{}; ///< 0: none
+  qint64 bytesPerSecond = 0;             ///< each way, shared by all connections; 0: as fast as it goes
 };
 
 /// What an agent holds after a login.
@@ -53,10 +56,10 @@ enum class BadCertificate {
   Expired,
 };
 
-/// Everything the agent talks to, over HTTPS on one loopback port: api., www., idp., sts. and logs.localhost,
-/// BUCKET.s3.localhost, and localhost/BUCKET for other clients. Starts answering in the constructor, which throws
-/// std::runtime_error when it cannot, and stops in the destructor without waiting for clients. Every function may be
-/// called from any thread.
+/// Everything the agent talks to, over HTTPS on one loopback port, near or at a distance: api., www., idp., sts. and
+/// logs.localhost, BUCKET.s3.localhost, and localhost/BUCKET for other clients. Starts answering in the constructor,
+/// which throws std::runtime_error when it cannot, and stops in the destructor without waiting for clients. Every
+/// function may be called from any thread.
 class Service {
 public:
   explicit Service(const ServiceOptions &options = {});
@@ -93,13 +96,20 @@ public:
   /// Every credential issued so far is refused from now on.
   void revokeCredentials();
 
-  /// Requests count as they arrive, before they are answered. A reset also forgets requests().
+  /// Requests count as they arrive, before they are answered. A reset also forgets requests() and the connections.
   [[nodiscard]] int requestCount(Endpoint endpoint) const;
   void resetRequestCounts();
   /// The latest 20,000 requests, oldest first.
   [[nodiscard]] QList<RequestRecord> requests() const;
   /// @return false when @p timeout passed before @p count requests had arrived since the last reset.
   [[nodiscard]] bool waitForRequests(Endpoint endpoint, int count, std::chrono::milliseconds timeout) const;
+  /// The connections over which a request to the storage has come since the last reset; those among them that took up
+  /// an earlier TLS session.
+  [[nodiscard]] int connectionCount() const;
+  [[nodiscard]] int resumedConnectionCount() const;
+  /// Ends every connection that waits for its next request, so that its client finds it dead; one in mid-answer once
+  /// that is out.
+  void closeIdleConnections();
   [[nodiscard]] QList<LogEvent> logEvents() const;
   /// What a person does in the browser with the agent's login URL. @return the callback URL; empty when that is
   /// refused.

@@ -13,6 +13,7 @@
 #include <QSaveFile>
 #include <QTextStream>
 
+#include <chrono>
 #include <csignal>
 #include <cstdio>
 #include <stdexcept>
@@ -41,7 +42,7 @@ QString required(const QCommandLineParser &options, const QString &name) {
 int number(const QCommandLineParser &options, const QString &name) {
   bool valid = false;
   const int value = options.value(name).toInt(&valid);
-  if (!valid) throw Usage("--" + name.toStdString() + " needs a number");
+  if (!valid || value < 0) throw Usage("--" + name.toStdString() + " needs a number");
   return value;
 }
 
@@ -65,7 +66,10 @@ int serve(const QCommandLineParser &options) {
   if (pthread_sigmask(SIG_BLOCK, &endings, nullptr) != 0) throw std::runtime_error("cannot block signals");
 
   const QDir profile(QDir(required(options, u"profile"_s)).absolutePath());
-  sandbox::Service service({.port = quint16(number(options, u"port"_s)), .folder = profile.path()});
+  sandbox::Service service({.port = quint16(number(options, u"port"_s)),
+                            .folder = profile.path(),
+                            .roundTrip = std::chrono::milliseconds(number(options, u"distance"_s)),
+                            .bytesPerSecond = number(options, u"rate"_s)});
   if (options.isSet(u"sample"_s)) sandbox::fillSampleLibrary(service.library());
   writeDefaults(profile.filePath(u"defaults.conf"_s), service.userDefaults());
   output() << "ready https://www.localhost:" << service.port() << Qt::endl;
@@ -156,6 +160,8 @@ int run(const QStringList &arguments) {
   options.addHelpOption();
   options.addOptions({{u"profile"_s, u"Folder that keeps the authority, the keys and the links."_s, u"folder"_s},
                       {u"port"_s, u"serve: the port; 0 takes a free one."_s, u"number"_s, u"0"_s},
+                      {u"distance"_s, u"serve: the round trip to the service."_s, u"milliseconds"_s, u"0"_s},
+                      {u"rate"_s, u"serve: what goes through each way; 0: all."_s, u"bytes per second"_s, u"0"_s},
                       {u"sample"_s, u"serve: fill the account with the sample pictures."_s},
                       {u"folder"_s, u"verify: the download folder."_s, u"folder"_s},
                       {u"10g-folder"_s, u"verify: the folder of the 10G storage and the previews."_s, u"folder"_s},
