@@ -28,7 +28,8 @@ protected:
   /// @param defaults  user defaults besides those that lead to the service, and "requestsAhead" 0: so each request
   ///                  fails or succeeds by itself, in its turn.
   /// @param options   else each request has a connection of its own, so that none is tried anew behind our back.
-  explicit EngineTest(const QHash<QString, QString> &defaults = {}, const QString &account = QStringLiteral("user-0001"),
+  explicit EngineTest(const QHash<QString, QString> &defaults = {},
+                      const QString &account = QStringLiteral("user-0001"),
                       const sandbox::ServiceOptions &options = {.requestsPerConnection = 1});
 
   void add(const sandbox::LibraryObject &object) { service.library().add(object); }

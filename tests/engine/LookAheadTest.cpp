@@ -6,6 +6,7 @@
 #include <QFileInfo>
 #include <QTemporaryDir>
 
+#include <algorithm>
 #include <csignal>
 #include <optional>
 #include <sys/resource.h>
@@ -69,17 +70,18 @@ protected:
     for (const QString &folder : folders)
       for (const QString &file : filesBelow(folder)) {
         const QString path = folder + u'/' + file;
-        made.files << u"%1 %2 %3"_s.arg(file, QString::fromLatin1(contentOf(path).toHex().left(40)))
+        made.files << u"%1 %2 %3"_s.arg(file, QString::fromLatin1(contentOf(path).left(20)))
                           .arg(QFileInfo(path).lastModified().toMSecsSinceEpoch());
       }
     return made;
   }
   virtual void prepare() {}
 
-  /// What is in both runs the same: not what tells of times, nor what is made of them.
+  /// What is in both runs the same: not what is made of the time, nor the wait that the end may forestall.
   [[nodiscard]] static QStringList lasting(QStringList lines) {
     lines.removeIf([](const QString &line) {
-      static const QRegularExpression passing(u"(url|xAmzDate|sessionToken|authorization):|StartAfter="_s);
+      static const QRegularExpression passing(
+          u"(url|xAmzDate|sessionToken|authorization):|StartAfter=|[pP]olling ?Wait"_s);
       return line.contains(passing);
     });
     return lines;
@@ -89,7 +91,10 @@ protected:
     const Made alone = makeRun(0);
     service.resetRequestCounts();
     const Made ahead = makeRun(requestsAhead);
-    EXPECT_EQ(ahead.log.join(u'\n'), alone.log.join(u'\n'));
+    const auto [one, other] = std::mismatch(ahead.log.begin(), ahead.log.end(), alone.log.begin(), alone.log.end());
+    EXPECT_TRUE(one == ahead.log.end() && other == alone.log.end())
+        << "with: " << QStringList(one, ahead.log.end()).mid(0, 5).join(u'\n').toStdString()
+        << "\nwithout: " << QStringList(other, alone.log.end()).mid(0, 5).join(u'\n').toStdString();
     EXPECT_EQ(ahead.events, alone.events);
     EXPECT_EQ(ahead.files, alone.files);
     EXPECT_EQ(ahead.records, alone.records);
@@ -103,8 +108,8 @@ protected:
     for (int number = 0; number < 24; ++number) {
       sandbox::LibraryObject object = image(u"%1"_s.arg(number / 3 + 10), u"P%1.JPG"_s.arg(number, 2, 10, QChar(u'0')));
       object.body = QByteArray(20'000 + number, char('a' + number));
-      object.metadataDocument = R"({"captureTime":"2024-05-%1T10:00:00.000Z"})"_ba.replace(
-          "%1", QByteArray::number(10 + number % 5));
+      object.metadataDocument =
+          R"({"captureTime":"2024-05-%1T10:00:00.000Z"})"_ba.replace("%1", QByteArray::number(10 + number % 5));
       spoil(object, number);
       add(object);
     }
@@ -114,7 +119,8 @@ protected:
     switch (number) {
     case 1: // a variant of its own, sorted by a rule
       object.expandBody = QByteArray(7000, 'e');
-      object.expandMetadataDocument = R"({"captureTime":"2024-06-01T10:00:00.000Z","sortation":{"matchedRules":["Birds"]}})";
+      object.expandMetadataDocument =
+          R"({"captureTime":"2024-06-01T10:00:00.000Z","sortation":{"matchedRules":["Birds"]}})";
       break;
     case 3: // no metadata at all
       object.metadataDocument.reset();
@@ -163,7 +169,9 @@ TEST_F(AsIf, eachKindOfOutcomeIsTheSameWithAndWithoutAsking) {
 
 /// A picture that the disk takes no more, and one whose folder cannot be made.
 struct AsIfOnABadDisk : AsIf {
-  void prepare() override { writeFile(profile.picturesFolder() + u"/2024_05_12"_s, "in the way"); }
+  void prepare() override {
+    ASSERT_TRUE(QFile::link(u"nowhere"_s, profile.picturesFolder() + u"/2024_05_12"_s)); // in the way
+  }
 };
 
 TEST_F(AsIfOnABadDisk, whatCannotBeSavedIsTheSame) {
@@ -205,7 +213,7 @@ TEST_F(AsIfElsewhere, isTheSameAndFetchesOneTwice) {
     GTEST_SKIP() << "no second file system";
   addImages("10/A.JPG 10/B.JPG 10/C.JPG 10/D.JPG 10/E.JPG 10/F.JPG");
   expectTheSame(1);
-  EXPECT_EQ(service.requestCount(Endpoint::ObjectGet), 2 * 6 + 1 + 1) << "of each storage one";
+  EXPECT_EQ(service.requestCount(Endpoint::ObjectGet), 2 * 6 + 1);
 }
 
 /// One pass with the engine's pieces.
@@ -263,8 +271,7 @@ TEST_F(LookAhead, findsAKeptConnectionDeadAndAsksAgain) {
 }
 
 struct SlowLine : LookAhead {
-  SlowLine()
-      : LookAhead({{u"timeoutIntervalForResource"_s, QString::number(1.5)}}, {.bytesPerSecond = 100'000}) {}
+  SlowLine() : LookAhead({{u"timeoutIntervalForResource"_s, QString::number(1.5)}}, {.bytesPerSecond = 100'000}) {}
 };
 
 TEST_F(SlowLine, isNotSharedIntoItsOwnLimits) {

@@ -166,6 +166,8 @@ TEST(KaTrustAnchors, holdThoseOfTheSystem) {
 
 /// An object of the storage, asked for on connections that are kept.
 struct Kept : ServiceTest {
+  Kept() : ServiceTest(100) {}
+
   HttpRequest asked = {.url = presigned(imageKey), .headers = {{"x-amz-security-token", issued.sessionToken.toUtf8()}}};
   KaKeptConnections kept{impatient()};
 
