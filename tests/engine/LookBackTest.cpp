@@ -314,6 +314,19 @@ TEST_F(LookBack, followsSoonOnAListingThatWasSaidToBeMissing) {
   EXPECT_EQ(fileNames(), names("A.JPG B.JPG"));
 }
 
+TEST_F(LookBack, waitsForSettingsThatWereThereAMomentAgo) {
+  service.library().setSettingsObject(R"({"applicationAliasIds":["alias"]})");
+  addImages("10/A.JPG");
+  ASSERT_TRUE(makeRuns(1));
+  addImages("09/LATE.JPG alias/09/B.JPG");
+  for (const int times : {1, -1}) { // in one look-back, then in all that the run after it asks for, too
+    service.order(Endpoint::SettingsObject, {.kind = Delay});
+    service.order(Endpoint::SettingsObject, {.status = 404, .times = times});
+    ASSERT_TRUE(makeRuns(2));
+    EXPECT_EQ(fileNames(), names(times == 1 ? "A.JPG LATE.JPG" : "A.JPG B.JPG LATE.JPG"));
+  }
+}
+
 TEST_F(LookBack, ofALedgerThatCannotBeReadAsksForAllThatIsListed) {
   addImages("10/A.JPG 11/B.JPG");
   delegate.change([this](auto &answers) {
