@@ -94,6 +94,7 @@ KaContentListing::SettingsRead KaContentListing::readSettings() {
     return {.result = isThere ? KaResultCode::NoBody : document.result};
   }
   KaServiceSettings settings = settingsIn(*object);
+  settings.areThere = !isMissing;
   KaLogUtility::writeConnectionResultLog(KaLogStep::GetExcludeDeviceList, true,
                                          {u"ExcludeDeviceList="_s + settings.applicationAliasIds.join(u',')});
   return {.settings = std::move(settings)};

@@ -26,6 +26,7 @@ using KaListedImages = std::vector<KaListedImage>;
 
 /// What the service's settings object tells.
 struct KaServiceSettings {
+  bool areThere = true;                   ///< false: they were said to be missing, and tell nothing
   std::optional<QString> latestVersion{}; ///< of this program
   bool offers10GStorage = false;
   QStringList applicationAliasIds{}; ///< devices to leave out

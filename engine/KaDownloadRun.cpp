@@ -44,6 +44,7 @@ KaResultCode KaDownloadRun::perform() {
   if (isOn(option.checkBoxCreateSubfolder)) KaLogUtility::writeInfoLog(u"Download CreateSubFolder Enabled"_s);
   if (isOn(option.checkBoxDownloadMetadata)) KaLogUtility::writeInfoLog(u"Download Metadata Enabled"_s);
   with.lookBack.beginRun(with.state.bUserTrigger);
+  hadSettings = false;
   const auto result = performBoth();
   // Unless it was the result that was told.
   if (const auto cause = with.lookBack.savingTrouble(); cause && *cause != result)
@@ -117,7 +118,10 @@ KaListing KaDownloadRun::list(KaTargetStorage targetStorage) {
   KaListing listing = with.listing.getContentsList(targetStorage, with.bookkeeping.lastDateTime(targetStorage));
   listing.result = judged(listing.result);
   if (!listing.isWhole) with.lookBack.noteLeftUndone();
-  if (listing.settings) tellSettings(*listing.settings);
+  if (listing.settings) {
+    hadSettings = hadSettings || listing.settings->areThere;
+    tellSettings(*listing.settings);
+  }
   if (listing.result == KaResultCode::Success) tellInitialAccess();
   return listing;
 }
@@ -212,6 +216,9 @@ KaPassOutcome KaDownloadRun::lookBack() {
   const QString start = with.lookBack.startAfter(QDateTime::currentDateTimeUtc());
   KaLogUtility::writeInfoLog(u"Look Back"_s, {u"StartAfter="_s + start});
   KaListing listing = with.listing.getContentsList(KaTargetStorage::Days30, start);
+  // Settings that were there a moment ago: without them a month of the devices that they leave out would come.
+  if (hadSettings && listing.settings && !listing.settings->areThere)
+    listing = {.result = listing.result, .isWhole = false};
   const bool hasListed = listing.result == KaResultCode::Success && listing.isWhole;
   if (!hasListed) with.lookBack.noteLeftUndone();
   if (listing.result != KaResultCode::Success || with.session.isOver()) return {.result = judged(listing.result)};

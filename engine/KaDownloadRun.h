@@ -111,5 +111,6 @@ private:
   const platform::ThreadBound thread;
   KaDownloadOption option;        ///< read anew with every listing: the user may have changed it
   bool notifyUserOfUpdate = true; ///< once a process: until the service's settings have named the latest version
+  bool hadSettings = false;       ///< of the service, in a listing of this run
   bool offers10GStorage = true;   ///< by the service's settings, as they were last read
 };

@@ -7,6 +7,7 @@
 #include <QDate>
 
 #include <atomic>
+#include <functional>
 
 using namespace Qt::StringLiterals;
 using namespace std::chrono_literals;
@@ -314,6 +315,19 @@ TEST_F(LookBack, followsSoonOnAListingThatWasSaidToBeMissing) {
   EXPECT_EQ(fileNames(), names("A.JPG B.JPG"));
 }
 
+TEST_F(LookBack, waitsForSettingsThatWereThereAMomentAgo) {
+  service.library().setSettingsObject(R"({"applicationAliasIds":["alias"]})");
+  addImages("10/A.JPG");
+  ASSERT_TRUE(makeRuns(1));
+  addImages("09/LATE.JPG alias/09/B.JPG");
+  for (const int times : {1, -1}) { // in one look-back, then in all that the run after it asks for, too
+    service.order(Endpoint::SettingsObject, {.kind = Delay});
+    service.order(Endpoint::SettingsObject, {.status = 404, .times = times});
+    ASSERT_TRUE(makeRuns(2));
+    EXPECT_EQ(fileNames(), names(times == 1 ? "A.JPG LATE.JPG" : "A.JPG B.JPG LATE.JPG"));
+  }
+}
+
 TEST_F(LookBack, ofALedgerThatCannotBeReadAsksForAllThatIsListed) {
   addImages("10/A.JPG 11/B.JPG");
   delegate.change([this](auto &answers) {
@@ -322,6 +336,31 @@ TEST_F(LookBack, ofALedgerThatCannotBeReadAsksForAllThatIsListed) {
   });
   ASSERT_TRUE(makeRuns(1));
   EXPECT_EQ(fileNames(), names("A.JPG B.JPG"));
+}
+
+TEST_F(LookBack, copiesNothingThatLiesWhereItWasPutWhateverWasLostBeforeANewLink) {
+  struct Loss {
+    const char *name;
+    std::function<void(FakeDelegate::Answers &)> lose;
+    qsizetype transfers; ///< for both storages
+  };
+  const KaLoadedLedger unreadable{KaLoadedLedger::Outcome::Unreadable, {}};
+  const Loss losses[] = {{"ledger", [](auto &answers) { answers.ledgers.clear(); }, 0},
+                         {"record", [](auto &answers) { answers.records.clear(); }, 0},
+                         {"what the ledger holds", [&](auto &answers) { *answers.ledgers.begin() = unreadable; }, 6},
+                         {"both", [](auto &answers) { answers.ledgers.clear(), answers.records.clear(); }, 6}};
+  takeLongTermStorageToo();
+  addImages("10/A.JPG dev2/10/A.JPG 11/B.JPG");
+  ASSERT_TRUE(makeRuns(1));
+  for (const Loss &loss : losses) {
+    processor.reset();
+    delegate.change(loss.lose);
+    link.completeLogin(signIn());
+    link.confirmFolders();
+    ASSERT_TRUE(makeRuns(2));
+    EXPECT_EQ(fileNames(), names("A.JPG A_1.JPG B.JPG")) << loss.name;
+    EXPECT_EQ(fetched().size(), loss.transfers) << loss.name;
+  }
 }
 
 TEST_F(LookBack, findsSavedWhatALongPassHadHalfAMinuteAgo) {

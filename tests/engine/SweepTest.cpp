@@ -1,8 +1,10 @@
 #include "tests/engine/EngineFixture.h"
 
+#include <QCryptographicHash>
 #include <QDir>
-#include <QFile>
+#include <QRegularExpression>
 
+#include <filesystem>
 #include <iostream>
 
 using namespace Qt::StringLiterals;
@@ -18,29 +20,36 @@ struct Kind {
   Fault fault;
 };
 
-/// Each single request of the first runs of an account fails in one way; from then on the service is well again. What
-/// the user has afterwards must be all that there is, each once. Every request with KA_SWEEP in the environment, else
-/// each seventh.
+/// Each single request of an account's runs fails in one way; from then on the service is well again. What the user has
+/// afterwards must be all that there is, each once. Every request with KA_SWEEP in the environment, else each seventh.
 class FaultSweep : public ProcessorTest, public testing::WithParamInterface<Kind> {
 protected:
   FaultSweep() : ProcessorTest({{u"timeoutIntervalForRequest"_s, QString::number(0.3 * kSlowness)}}) {
-    delegate.change([this](auto &answers) {
+    const QString longTerm = u"long-term"_s;
+    delegate.change([&](auto &answers) {
       answers.option.checkBoxDownloadMetadata = answers.option.checkBoxCreateSubfolder = u"true"_s;
       answers.option.checkBox10GDownload = u"true"_s;
-      answers.option.parent10GFolder = profile.path(u"long-term"_s);
+      answers.option.parent10GFolder = path(longTerm);
       answers.waits.pollingNormal = answers.waits.pollingError = 1ms;
     });
-    QDir().mkpath(profile.path(u"long-term"_s));
+    QDir().mkpath(path(longTerm));
+    beginWithWhatIsThere();
     service.library().setSettingsObject(R"({"applicationAliasIds":[],"isEnableDownload10GStorage":true})");
-    addImages("10/A.JPG 11/B.JPG dev2/11/B.JPG 12/C.JPG");
-    sandbox::LibraryObject expanded = image(u"13"_s, u"E.JPG"_s);
+    for (const QString &path : names("dev1/10/A.JPG dev1/11/B.JPG dev2/11/B.JPG dev1/12/C.JPG"))
+      add(unlike(path));
+    sandbox::LibraryObject expanded = unlike(u"dev1/13/E.JPG"_s);
     expanded.expandBody = QByteArray(7000, 'e');
     add(expanded);
-    sandbox::LibraryObject ordinary = image(u"13"_s, u"F.JPG"_s);
-    ordinary.body = QByteArray(6000, 'f');
-    ordinary.tags.insert(u"x-strata-storage-period"_s, u"30"_s);
-    add(ordinary);
+    add(unlike(u"dev1/13/F.JPG"_s, u"30"_s));
     addPreviews(2);
+  }
+
+  /// An image DEVICE/HOUR/NAME with bytes of its own.
+  static sandbox::LibraryObject unlike(const QString &path, const QString &period = {}) {
+    sandbox::LibraryObject object = image(path.section(u'/', 1, 1), path.section(u'/', 2), path.toUtf8().repeated(400));
+    object.deviceId = path.section(u'/', 0, 0);
+    if (!period.isEmpty()) object.tags.insert(u"x-strata-storage-period"_s, period);
+    return object;
   }
 
   void addPreviews(int count) {
@@ -57,13 +66,19 @@ protected:
                              {.body = "{\"data\":[" + entries.join(',') + "]}"});
   }
 
-  /// From nothing on. @return whether there were @p count runs.
+  /// makeRuns() begins with what is taken by now.
+  void beginWithWhatIsThere() {
+    before = delegate.answers();
+    std::filesystem::copy(picturesBelow, beforeBelow, std::filesystem::copy_options::recursive);
+  }
+  /// @return whether there were @p count runs.
   [[nodiscard]] bool makeRuns(int count, int number = 0) {
-    for (const QString &folder : {profile.picturesFolder(), profile.path(u"long-term"_s)}) {
-      QDir(folder).removeRecursively();
-      QDir().mkpath(folder);
-    }
-    delegate.forgetTaken();
+    std::filesystem::remove_all(picturesBelow);
+    std::filesystem::copy(beforeBelow, picturesBelow, std::filesystem::copy_options::recursive);
+    delegate.change([this](auto &answers) {
+      answers.records = before.records;
+      answers.ledgers = before.ledgers;
+    });
     delegate.forgetEvents();
     service.resetRequestCounts();
     if (number > 0) service.orderAt(number, GetParam().fault);
@@ -79,15 +94,23 @@ protected:
     const bool isRefusal = GetParam().fault.status == 400 || GetParam().fault.status == 403;
     return isRefusal && service.requests().value(number - 1).endpoint == Endpoint::RefreshToken;
   }
-  /// Names and sizes, whatever the order in which equal names got their counters.
+  /// Names, and what they hold, whatever the order in which equal names got their counters.
   [[nodiscard]] QStringList taken() const {
-    QStringList found;
-    for (const QString &folder : {profile.picturesFolder(), profile.path(u"long-term"_s)})
-      for (const QString &file : filesBelow(folder))
-        found << u"%1 %2"_s.arg(file).arg(QFile(folder + u'/' + file).size());
+    static const QRegularExpression counter(uR"(_\d+(?=\.[^./]+$))"_s);
+    QStringList found = files();
+    for (const QString &file : files()) {
+      const QByteArray hash = QCryptographicHash::hash(contentOf(path(file)), QCryptographicHash::Sha256);
+      found << QString(file).remove(counter) + u' ' + QString::fromLatin1(hash.toHex());
+    }
     found.sort();
     return found;
   }
+  /// Lets each request of a run fail, after which @p count files are there.
+  void sweep(const char *what, qsizetype count);
+
+  const std::filesystem::path picturesBelow = profile.picturesFolder().toStdString();
+  const std::filesystem::path beforeBelow = profile.path(u"before"_s).toStdString();
+  FakeDelegate::Answers before;
 };
 
 /// Where a single answer makes something else right: a picture whose metadata are not there is filed by its upload
@@ -100,10 +123,10 @@ bool isRightOtherwise(const Fault &fault, Endpoint endpoint) {
   return endpoint == Endpoint::ObjectTagging && saysNothing;
 }
 
-TEST_P(FaultSweep, losesAndDoublesNothing) {
+void FaultSweep::sweep(const char *what, qsizetype count) {
   ASSERT_TRUE(makeRuns(1));
   const QStringList all = taken();
-  ASSERT_EQ(all.size(), 6 + 5 + 2);
+  ASSERT_EQ(files().size(), count);
   const auto requests = service.requests().size();
   const int step = qEnvironmentVariableIsSet("KA_SWEEP") ? 1 : 7;
   int points = 0;
@@ -120,7 +143,23 @@ TEST_P(FaultSweep, losesAndDoublesNothing) {
     EXPECT_EQ(taken(), all);
     EXPECT_EQ(link.state(), KaLinkState::Linked);
   }
-  std::cout << GetParam().name << ": " << points << " points, " << otherwise << " of them right otherwise\n";
+  std::cout << GetParam().name << ", " << what << ": " << points << " points, " << otherwise
+            << " of them right otherwise\n";
+}
+
+TEST_P(FaultSweep, losesAndDoublesNothing) {
+  sweep("a first run", 6 + 5 + 2);
+}
+
+TEST_P(FaultSweep, losesAndDoublesNothingOfALaterRun) {
+  ASSERT_TRUE(makeRuns(1));
+  ASSERT_EQ(files().size(), 13);
+  beginWithWhatIsThere();
+  for (const QString &path : names("dev1/14/G.JPG dev1/13/H.JPG dev2/10/A.JPG"))
+    add(unlike(path, u"30"_s));
+  add(unlike(u"dev1/14/I.JPG"_s, u"unlimited"_s));
+  addPreviews(3);
+  sweep("a later run", 13 + 3 + 2 + 1);
 }
 
 INSTANTIATE_TEST_SUITE_P(Engine, FaultSweep,
