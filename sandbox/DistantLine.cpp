@@ -56,7 +56,7 @@ struct End {
   Descriptor descriptor;
   bool readable = true;
   bool writable = true;
-  bool failed = false;
+  bool failed = false; ///< the peer takes nothing more
 };
 
 /// Tells when one direction of the line is free for the next piece of any stream.
@@ -107,9 +107,8 @@ public:
 
   /// When there is something to do that no event will tell of.
   [[nodiscard]] Moment wakeAt(Moment now) const;
-  [[nodiscard]] bool isRefused() const { return refused; } ///< by the sink, which is gone
-  [[nodiscard]] bool isEnded() const { return ended; }     ///< takes nothing more
-  [[nodiscard]] bool isOver() const { return over; }       ///< and the sink knows
+  [[nodiscard]] bool isEnded() const { return ended; } ///< takes nothing more
+  [[nodiscard]] bool isOver() const { return over; }   ///< and the sink knows
   [[nodiscard]] bool isReset() const { return wasReset; }
 
 private:
@@ -130,15 +129,13 @@ private:
   qint64 held = 0;
   qint64 handedOver = 0; ///< of the first piece
   bool ended = false;
-  bool refused = false;
   bool resetting = false;
   bool over = false;
   bool wasReset = false;
 };
 
 void Stream::take(Pace &pace, QByteArray &scratch) {
-  const qint64 most = std::min(pace.piece(), course.mostHeld - held);
-  const auto count = ::recv(source.descriptor.get(), scratch.data(), size_t(most), 0);
+  const auto count = ::recv(source.descriptor.get(), scratch.data(), size_t(pace.piece()), 0);
   if (count < 0 && errno == EINTR) return;
   if (count < 0 && errno == EAGAIN) {
     source.readable = false;
@@ -157,8 +154,7 @@ void Stream::reset(Moment now) {
   if (resetting) return;
   resetting = true;
   ended = true;
-  const Moment due = now + course.oneWay;
-  onTheWay.push_back({.due = onTheWay.empty() ? due : std::max(due, onTheWay.back().due), .kind = Kind::Reset});
+  onTheWay.push_back({.due = now + course.oneWay, .kind = Kind::Reset});
 }
 
 void Stream::deliver(Moment now) {
@@ -180,7 +176,8 @@ bool Stream::handOver(const QByteArray &bytes) {
     if (count < 0 && errno == EAGAIN) {
       sink.writable = false;
     } else if (count < 0) {
-      refused = ended = true;
+      sink.failed = true; // which may not be told of again
+      ended = true;
       onTheWay.clear();
       return false;
     } else {
@@ -219,8 +216,9 @@ struct Connection {
   void deliver(Moment now) {
     up.deliver(now);
     down.deliver(now);
-    if (up.isRefused() || (server.failed && down.isEnded())) down.reset(now);
-    if (down.isRefused() || (client.failed && up.isEnded())) up.reset(now);
+    // Of what they have sent before they failed nothing is lost.
+    if (server.failed && down.isEnded()) down.reset(now);
+    if (client.failed && up.isEnded()) up.reset(now);
   }
   [[nodiscard]] bool isOver() const { return up.isReset() || down.isReset() || (up.isOver() && down.isOver()); }
 

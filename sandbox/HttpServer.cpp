@@ -64,12 +64,8 @@ struct Client {
   [[nodiscard]] Waited wait(std::optional<std::chrono::milliseconds> timeout) const {
     return waitBeside(socket(), *wakeUp, timeout);
   }
-  /// Ends the connection as a server does whose answer ends with it.
-  void sayGoodbye() const {
-    SSL_shutdown(session);
-    // The library would wait for another request, whatever the client was told.
-    ::shutdown(socket(), SHUT_RD);
-  }
+  /// What ends an answer that has no other end; a client that keeps connections closes this one then.
+  void sayGoodbye() const { SSL_shutdown(session); }
 };
 
 /// All connections from handshake to end, so that they can be told apart and cut.

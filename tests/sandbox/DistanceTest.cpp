@@ -116,22 +116,22 @@ TEST_F(Distant, letsClientsLearnOfCutsInTime) {
 }
 
 struct Narrow : Distant {
-  static constexpr qsizetype kMegabyte = 1'000'000;
-  Narrow() : Distant({.bytesPerSecond = 2 * kMegabyte}) {}
+  static constexpr qsizetype kBody = 100'000;
+  Narrow() : Distant({.bytesPerSecond = 2 * kBody}) {}
 };
 
 TEST_F(Narrow, sharesItsRate) {
-  orderBody(kMegabyte);
+  orderBody(kBody);
   EXPECT_GE(client.get(at("www")).took, 450ms);
   const HeaderLine type(curl_slist_append(nullptr, "Content-Type: text/plain"));
   client.set(CURLOPT_HTTPHEADER, type.get());
-  const QByteArray body(kMegabyte, 'x');
+  const QByteArray body(kBody, 'x');
   client.set(CURLOPT_POSTFIELDSIZE, long(body.size()));
   client.set(CURLOPT_POSTFIELDS, body.constData());
   EXPECT_GE(client.get(at("www")).took, 450ms) << "upwards, too";
 
-  orderBody(kMegabyte);
-  orderBody(kMegabyte);
+  orderBody(kBody);
+  orderBody(kBody);
   const auto load = [this] { return Client(service).get(at("www")).took; };
   const auto one = std::async(std::launch::async, load);
   const auto begun = Clock::now();
