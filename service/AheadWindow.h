@@ -2,6 +2,7 @@
 
 #include <QtGlobal>
 
+#include <chrono>
 #include <optional>
 
 /// What is under way to the storage, and what has come before its turn.
@@ -11,8 +12,13 @@ struct AheadLoad {
   qint64 held = 0;     ///< bytes that have come and wait for their turn
 };
 
-/// Whether one more request, for an object of @p size bytes (0 for what is small), may go out before its turn. So much
-/// at a time that a slow line is never shared into its own limits of time.
-/// @param most            requests at a time
-/// @param bytesPerSecond  what the line has lately carried; absent while that is not known: then one at a time
-[[nodiscard]] bool mayBeginAhead(const AheadLoad &load, qint64 size, int most, std::optional<double> bytesPerSecond);
+/// What may go out at a time: so little that a slow line is never shared into its own limits of time.
+struct AheadLimits {
+  int most = 0;                                       ///< requests at a time
+  std::chrono::duration<double> longest{};            ///< that the line may need for what is under way
+  std::optional<double> bytesPerSecond{};             ///< that it has lately carried; absent while that is not known
+};
+
+/// Whether one more request, for an object of @p size bytes (0 for what is small), may go out before its turn. While the
+/// line is not known, one at a time; what it cannot carry in time comes alone.
+[[nodiscard]] bool mayBeginAhead(const AheadLoad &load, qint64 size, const AheadLimits &limits);

@@ -1,5 +1,7 @@
 #include "service/KaKeptConnections.h"
 
+#include "service/KaTransport.h"
+
 #include <utility>
 
 using Clock = std::chrono::steady_clock;
@@ -23,6 +25,10 @@ HttpAnswer KaKeptConnections::perform(const HttpRequest &request, const KaHttpTr
   meter.end(Clock::now());
   giveBack(std::move(transfer));
   return answer;
+}
+
+std::chrono::milliseconds KaKeptConnections::wholeLimit() const {
+  return transport->wholeLimit;
 }
 
 std::optional<double> KaKeptConnections::bytesPerSecond() const {

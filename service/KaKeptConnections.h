@@ -23,6 +23,8 @@ public:
   void cancel();
   /// Nothing is kept of what is open now: what is free closes at once, the rest after its exchange.
   void drop();
+  /// How long an exchange may take in all.
+  [[nodiscard]] std::chrono::milliseconds wholeLimit() const;
   /// Bytes per second that they have lately carried; absent while nothing is known.
   [[nodiscard]] std::optional<double> bytesPerSecond() const;
 

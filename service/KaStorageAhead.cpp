@@ -19,6 +19,7 @@ namespace {
 
 constexpr std::chrono::seconds kMissingFor(30); ///< it may come at any time
 constexpr std::chrono::milliseconds kLook(50);  ///< how often is looked whether the disk still has room
+constexpr int kShareOfLimit = 12;               ///< 5 s of the minute that an exchange may take
 constexpr qsizetype kMostBody = 1024 * 1024;    ///< bytes of an answer that waits in memory
 
 int mostRequests() {
@@ -197,7 +198,10 @@ bool KaStorageAhead::isAllowed(const Entry &entry, int requests) const {
     return false;
   AheadLoad now = load;
   now.requests = requests;
-  return mayBeginAhead(now, entry.order.size, most, with.connections.bytesPerSecond());
+  return mayBeginAhead(now, entry.order.size,
+                       {.most = most,
+                        .longest = with.connections.wholeLimit() / kShareOfLimit,
+                        .bytesPerSecond = with.connections.bytesPerSecond()});
 }
 
 /// Without a word in the log: that is for its turn.

@@ -30,9 +30,12 @@ KaPassOutcome EngineParts::pass(const KaContentTarget &target) {
                                                : KaPassOutcome{found.result};
 }
 
-EngineTest::EngineTest(const QHash<QString, QString> &defaults, const QString &account) {
+EngineTest::EngineTest(const QHash<QString, QString> &defaults, const QString &account,
+                       const sandbox::ServiceOptions &options)
+    : service(options) {
   service.library().setUserId(account);
   QHash<QString, QString> values = service.userDefaults();
+  values.insert(u"requestsAhead"_s, u"0"_s);
   values.insert(defaults);
   profile.writeUserDefaults(values);
   const sandbox::LinkedToken linked = service.issueLinkedToken();

@@ -25,9 +25,11 @@ struct EngineParts : KaDownloadPieces {
 /// The service on this machine, a linked account in a home of its own, logging on.
 class EngineTest : public testing::Test {
 protected:
-  /// @param defaults  user defaults besides those that lead to the service.
-  explicit EngineTest(const QHash<QString, QString> &defaults = {},
-                      const QString &account = QStringLiteral("user-0001"));
+  /// @param defaults  user defaults besides those that lead to the service, and "requestsAhead" 0: so each request
+  ///                  fails or succeeds by itself, in its turn.
+  /// @param options   else each request has a connection of its own, so that none is tried anew behind our back.
+  explicit EngineTest(const QHash<QString, QString> &defaults = {}, const QString &account = QStringLiteral("user-0001"),
+                      const sandbox::ServiceOptions &options = {.requestsPerConnection = 1});
 
   void add(const sandbox::LibraryObject &object) { service.library().add(object); }
   /// Images "NAME", "HOUR/NAME" or "DEVICE/HOUR/NAME", with blanks between.

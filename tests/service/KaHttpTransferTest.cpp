@@ -2,6 +2,7 @@
 
 #include "platform/ReleasedBy.h"
 #include "sandbox/OpenSsl.h"
+#include "service/KaKeptConnections.h"
 #include "service/KaTransport.h"
 #include "service/SaveOrder.h"
 #include "tests/service/ServiceFixture.h"
@@ -130,11 +131,12 @@ TEST_F(Transfer, endsAtOnceWhenCancelledAndForGoodOnceTheEndFlagIsSet) {
       cancelled = Clock::now();
       transfer.cancel();
     });
-    EXPECT_EQ(transfer.perform(asked).outcome, Failed);
+    const auto shallEnd = [this] { return end.load(); };
+    EXPECT_EQ(transfer.perform(asked, {}, shallEnd).outcome, Failed);
     const auto ended = Clock::now();
     other.join();
     EXPECT_LT(ended - cancelled, 1s);
-    EXPECT_EQ(transfer.perform(asked).status, forGood ? 0 : 200);
+    EXPECT_EQ(transfer.perform(asked, {}, shallEnd).status, forGood ? 0 : 200);
     EXPECT_EQ(service.requestCount(Endpoint::Configuration), forGood ? 1 : 2);
   }
 }
@@ -160,6 +162,68 @@ TEST(KaTrustAnchors, holdThoseOfTheSystem) {
   EXPECT_EQ(X509_STORE_CTX_init(run.get(), SSL_CTX_get_cert_store(context.get()), anchor.get(), nullptr), 1);
   X509_STORE_CTX_set_flags(run.get(), X509_V_FLAG_NO_CHECK_TIME); // the system's anchors outlive their dates
   EXPECT_EQ(X509_verify_cert(run.get()), 1);
+}
+
+/// An object of the storage, asked for on connections that are kept.
+struct Kept : ServiceTest {
+  HttpRequest asked = {.url = presigned(imageKey), .headers = {{"x-amz-security-token", issued.sessionToken.toUtf8()}}};
+  KaKeptConnections kept{impatient()};
+
+  static std::shared_ptr<KaTransport> impatient() {
+    platform::standardUserDefaults().setString(u"timeoutIntervalForRequest"_s, QString::number(0.5 * kSlowness));
+    return std::make_shared<KaTransport>();
+  }
+};
+
+TEST_F(Kept, goesFromOneExchangeToTheNext) {
+  for (int count = 0; count < 3; ++count)
+    EXPECT_EQ(kept.perform(asked).body, image.body);
+  EXPECT_EQ(service.connectionCount(), 1);
+  EXPECT_TRUE(service.requests().value(0).header("connection").isEmpty());
+  kept.drop();
+  EXPECT_EQ(kept.perform(asked).status, 200);
+  EXPECT_EQ(service.connectionCount(), 2);
+  EXPECT_EQ(service.resumedConnectionCount(), 1);
+}
+
+TEST_F(Kept, triesAFreshOneWhereItFindsItDeadOrSilentBeforeTheAnswerAlone) {
+  using enum Fault::Kind;
+  struct Case {
+    const char *name;
+    Fault fault;
+    TransportOutcome first; ///< on a fresh connection
+    TransportOutcome later; ///< on a kept one
+  };
+  for (const auto &[name, fault, first, later] :
+       {Case{"dropped", {.kind = DroppedConnection}, Failed, Answered},
+        Case{"silent", {.kind = NoAnswer}, Failed, Answered},
+        Case{"cut in the body", {.kind = TruncatedBody}, Failed, Failed},
+        Case{"refused", {.kind = Fault::Kind::Status, .status = 503}, Answered, Answered}}) {
+    SCOPED_TRACE(name);
+    for (const bool isKept : {false, true}) {
+      kept.drop();
+      ASSERT_TRUE(!isKept || kept.perform(asked).outcome == Answered);
+      service.order(Endpoint::ObjectGet, fault);
+      service.resetRequestCounts();
+      EXPECT_EQ(kept.perform(asked).outcome, isKept ? later : first);
+      const bool isRepeated = isKept && first != later;
+      EXPECT_EQ(service.requestCount(Endpoint::ObjectGet), isRepeated ? 2 : 1);
+      service.clearFaults();
+    }
+  }
+  ASSERT_EQ(kept.perform(asked).outcome, Answered);
+  service.closeIdleConnections();
+  EXPECT_EQ(kept.perform(asked).outcome, Answered);
+}
+
+TEST_F(Kept, believesTheGoodbyeOfItsOwnConnectionAlone) {
+  // The first one says goodbye while it rests; what is cut on the next has no end all the same.
+  ASSERT_EQ(kept.perform(asked).outcome, Answered);
+  service.closeIdleConnections();
+  service.order(Endpoint::ObjectGet, {.kind = Fault::Kind::UncountedCut});
+  EXPECT_EQ(kept.perform(asked).outcome, Failed);
+  service.order(Endpoint::ObjectGet, {.kind = Fault::Kind::Uncounted});
+  EXPECT_EQ(kept.perform(asked).outcome, Answered);
 }
 
 } // namespace
