@@ -101,8 +101,7 @@ measure_curl() { # NAME HOME CONNECTIONS
 }
 
 metadata_and_images() { # COMMAND... with SOURCE and TARGET
-  local kind
-  for kind in metadata images; do "$@" "$kind/original/$ACCOUNT/" "$target/$kind" || return; done
+  "$@" "metadata/exif/$ACCOUNT/" "$target/metadata" && "$@" "images/original/$ACCOUNT/" "$target/images"
 }
 export -f metadata_and_images
 
@@ -131,6 +130,7 @@ write_aws_settings() {
 first_copy() { # KIND PROGRAM COMMAND...
   target=$work/$2
   measure "$1.$2" bash -c "metadata_and_images ${*:3}"
+  [[ $(find "$target/metadata" -name '*.json' | wc -l) == "$pictures" ]] || fail "not every document is in $target"
   all_arrived "$2/images"
 }
 
