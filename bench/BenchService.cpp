@@ -1,12 +1,17 @@
-// The service with many like objects, and a home whose agent is linked to it.
+// The service with many like objects, and homes whose agents are linked to it.
 // usage: bench_service FOLDER COUNT SIZE [taken] [--distance MS] [--rate BYTES]
-//   taken: all objects lie in one hour, and the home's bookkeeping knows every one of them
+//   taken: all objects lie in one hour, and the bookkeeping of every home knows each of them
 //   --distance, --rate: the round trip to the service, and what goes through each way per second
-// Leaves in FOLDER: home (HOME, with .config, .local/share and .local/state), ca.pem, urls.conf (the presigned requests
-// of a first run, for curl; not for more than 10,000 objects), peer.env (what other clients of the store need).
-// Prints "ready". Then takes "ENDPOINT COUNT" per line: forgets what was asked before, prints "armed", and "reached"
-// once that many requests for the endpoint have come. Runs until its standard input closes.
+// Leaves in FOLDER: ca.pem, peer.env (what other clients of the store need). Prints "ready". Then takes, a line each:
+//   home NAME [plain] [KEY=VALUE]...
+//     Makes in FOLDER the home NAME (HOME, with .config, .local/share and .local/state) of an agent by default
+//     settings, or by plain ones, with these user defaults besides; and NAME.conf, what it asks in its first run, for
+//     curl (not for more than 10,000 objects), which leaves the pictures in NAME.curl. Prints "made".
+//   ENDPOINT COUNT
+//     Forgets what was asked before, prints "armed", and "reached" once that many requests for the endpoint have come.
+// Runs until its standard input closes.
 
+#include "bench/CurlRequests.h"
 #include "bench/LinkedHome.h"
 
 #include "engine/KaTargetStorage.h"
@@ -31,33 +36,18 @@ using namespace std::chrono_literals;
 namespace {
 
 constexpr int kMostUrls = 10'000;
-constexpr auto kLongestRun = 600s;
+constexpr auto kLongestRun = 1800s;
+
+struct Order {
+  QString folder;
+  int count = 0;
+  qint64 size = 0;
+  bool isTaken = false;
+};
 
 void writeFile(const QString &path, const QString &text) {
   QFile file(path);
   if (!file.open(QFile::WriteOnly) || file.write(text.toUtf8()) < 0) throw std::runtime_error("cannot write a file");
-}
-
-/// What the agent asks for per object: its metadata, then the object itself.
-QString curlConfig(sandbox::Service &service, const sandbox::TemporaryCredential &credential, const QString &folder) {
-  const auto bucket = sandbox::contentBucket();
-  QString text =
-      u"silent\nfail\ncacert = \"%1\"\nheader = \"x-amz-security-token: %2\"\nheader = \"Connection: close\"\n"_s.arg(
-          service.trustAnchorsFile(), credential.sessionToken);
-  int number = 0;
-  QByteArray after;
-  for (;;) {
-    const auto page = service.library().list(bucket, {.prefix = "images/original/", .after = after});
-    for (const auto &object : page.objects) {
-      const QString key = QString::fromUtf8(object.key);
-      for (const QString &wanted : {sandbox::metadataKey(key, false), key}) {
-        text += u"url = \""_s + service.presignedUrl(credential, bucket, wanted) + u"\"\noutput = \""_s + folder
-                + u"/curl/"_s + QString::number(number++) + u"\"\n"_s;
-      }
-    }
-    if (!page.truncated) return text;
-    after = page.resumeAfter;
-  }
 }
 
 QString peerEnvironment(sandbox::Service &service, const sandbox::TemporaryCredential &credential) {
@@ -80,20 +70,32 @@ void recordAsTaken(sandbox::Service &service, int count) {
     throw std::runtime_error("cannot record what was taken");
 }
 
-void fill(sandbox::Service &service, const QString &folder, const QStringList &arguments) {
-  const int count = arguments[1].toInt();
-  const bool isTaken = arguments.value(3) == u"taken";
-  service.library().addMany({.count = count,
-                             .size = arguments[2].toLongLong(),
+void fill(sandbox::Service &service, const Order &order) {
+  service.library().addMany({.count = order.count,
+                             .size = order.size,
                              .deviceId = u"dev1"_s,
                              .firstDate = u"20240501"_s,
-                             .perHour = isTaken ? count : 1000});
+                             .perHour = order.isTaken ? order.count : 1000});
   service.library().setSettingsObject("{\"applicationAliasIds\":[],\"isEnableDownload10GStorage\":true}");
-  makeLinkedHome(folder + u"/home"_s, service);
-  if (isTaken) recordAsTaken(service, count);
-  const auto credential = service.issueCredential();
-  writeFile(folder + u"/peer.env"_s, peerEnvironment(service, credential));
-  if (count <= kMostUrls) writeFile(folder + u"/urls.conf"_s, curlConfig(service, credential, folder));
+  writeFile(order.folder + u"/peer.env"_s, peerEnvironment(service, service.issueCredential()));
+}
+
+/// @param words  the home's name, and what it is to be like.
+void makeHome(sandbox::Service &service, const Order &order, QStringList words) {
+  const QString home = order.folder + u'/' + words.takeFirst();
+  const auto settings = words.removeAll(u"plain"_s) > 0 ? HomeSettings::Plain : HomeSettings::Default;
+  QHash<QString, QString> besides;
+  for (const QString &word : words)
+    besides.insert(word.section(u'=', 0, 0), word.section(u'=', 1));
+  makeLinkedHome(home, service, settings, besides);
+  if (order.isTaken) recordAsTaken(service, order.count);
+  if (order.count > kMostUrls) return;
+  const auto issued = service.issueCredential();
+  const KaCredential credential{issued.accessKeyId, issued.secretAccessKey, issued.sessionToken,
+                                QString::number(issued.expiration)};
+  const QString received = home + u".curl"_s;
+  QDir().mkpath(received);
+  writeFile(home + u".conf"_s, curlRequests(service, credential, settings, received));
 }
 
 void say(const char *word) {
@@ -109,16 +111,26 @@ sandbox::Endpoint endpointNamed(const QString &name) {
   return *found;
 }
 
-void serve(sandbox::Service &service) {
+void awaitRequests(sandbox::Service &service, const QString &name, int count) {
+  const auto endpoint = endpointNamed(name);
+  service.resetRequestCounts();
+  say("armed");
+  if (!service.waitForRequests(endpoint, count, kLongestRun))
+    throw std::runtime_error("not reached: " + name.toStdString());
+  say("reached");
+}
+
+void serve(sandbox::Service &service, const Order &order) {
   say("ready");
   for (std::string line; std::getline(std::cin, line);) {
-    const QStringList words = QString::fromStdString(line).split(u' ');
-    const auto endpoint = endpointNamed(words.first());
-    service.resetRequestCounts();
-    say("armed");
-    if (!service.waitForRequests(endpoint, words.value(1).toInt(), kLongestRun))
-      throw std::runtime_error("not reached: " + line);
-    say("reached");
+    const QStringList words = QString::fromStdString(line).split(u' ', Qt::SkipEmptyParts);
+    if (words.size() < 2) throw std::runtime_error("not understood: " + line);
+    if (words.first() == u"home") {
+      makeHome(service, order, words.mid(1));
+      say("made");
+    } else {
+      awaitRequests(service, words[0], words[1].toInt());
+    }
   }
 }
 
@@ -136,14 +148,17 @@ int main(int argc, char **argv) {
   }
   int status = 0;
   try {
-    const QString folder = QDir(arguments[0]).absolutePath();
-    QDir().mkpath(folder + u"/curl"_s);
-    sandbox::Service service({.folder = folder,
+    const Order order = {.folder = QDir(arguments[0]).absolutePath(),
+                         .count = arguments[1].toInt(),
+                         .size = arguments[2].toLongLong(),
+                         .isTaken = arguments.value(3) == u"taken"};
+    QDir().mkpath(order.folder);
+    sandbox::Service service({.folder = order.folder,
                               .requestsPerConnection = 1000,
                               .roundTrip = std::chrono::milliseconds(options.value(u"distance"_s).toInt()),
                               .bytesPerSecond = options.value(u"rate"_s).toLongLong()});
-    fill(service, folder, arguments);
-    serve(service);
+    fill(service, order);
+    serve(service, order);
   } catch (const std::exception &error) {
     std::fprintf(stderr, "bench_service: %s\n", error.what());
     status = 1;

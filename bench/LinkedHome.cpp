@@ -10,18 +10,20 @@
 
 using namespace Qt::StringLiterals;
 
-void makeLinkedHome(const QString &folder, sandbox::Service &service) {
+void makeLinkedHome(const QString &folder, sandbox::Service &service, HomeSettings settings,
+                    const QHash<QString, QString> &besides) {
   const QDir home(folder);
   qputenv("HOME", QFile::encodeName(home.path()));
   qputenv("XDG_CONFIG_HOME", QFile::encodeName(home.filePath(u".config"_s)));
   qputenv("XDG_DATA_HOME", QFile::encodeName(home.filePath(u".local/share"_s)));
   qputenv("XDG_STATE_HOME", QFile::encodeName(home.filePath(u".local/state"_s)));
-  useDefaults(service.userDefaults());
+  auto defaults = service.userDefaults();
+  defaults.insert(besides);
+  useDefaults(defaults);
 
   const auto link = service.issueLinkedToken();
   KaDownloadOption option = defaultDownloadOption();
-  option.checkBoxCreateSubfolder = u"false"_s;
-  option.checkBoxDownloadMetadata = u"false"_s;
+  if (settings == HomeSettings::Plain) option.checkBoxCreateSubfolder = option.checkBoxDownloadMetadata = u"false"_s;
   if (!ensureAppFolder() || !saveDownloadOption(option)) throw std::runtime_error("cannot save settings");
   if (!KaLinkageUtility::saveLinkageSetting(link.idToken) || !KaLinkageUtility::saveTokenCode(link.tokenCode))
     throw std::runtime_error("cannot link");
