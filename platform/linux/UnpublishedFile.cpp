@@ -126,6 +126,8 @@ public:
       // A file system that makes unnamed files may know no links all the same.
       const bool isUnknown = errno == EPERM || errno == EOPNOTSUPP || errno == ENOSYS;
       if (!isUnknown || !becomeHidden(QFileInfo(QFile::decodeName(path)).path())) return false;
+    } else {
+      sweepHiddenFiles(QFileInfo(QFile::decodeName(path)).path()); // it may have been made in another folder
     }
     if (::renameat2(AT_FDCWD, hiddenPath.constData(), AT_FDCWD, path.constData(), RENAME_NOREPLACE) == 0) {
       hiddenPath.clear();

@@ -240,6 +240,14 @@ TEST_F(Reservation, isSweptWithItsFileAfterAKill) {
     EXPECT_FALSE(UnpublishedFile::create(copy.path(), UnpublishedFile::Naming::Hidden).fault());
     EXPECT_EQ(filesBelow(copy.path()), remaining);
   }
+
+  // Also where a file takes its name that was made in another folder.
+  const QTemporaryDir parent;
+  for (const QString &name : left)
+    writeFile(parent.filePath(u"day/"_s + name), {});
+  auto file = UnpublishedFile::create(parent.path(), UnpublishedFile::Naming::Hidden);
+  EXPECT_EQ(file.publish(parent.filePath(u"day/a.jpg"_s)), UnpublishedFile::Publish::Published);
+  EXPECT_EQ(filesBelow(parent.path()), (QStringList{u"day/a.jpg"_s, u"day/empty.jpg"_s}));
 }
 
 TEST(HiddenFiles, areSweptOnceTheirWriterIsGone) {
