@@ -21,10 +21,14 @@ struct Kind {
 };
 
 /// Each single request of an account's runs fails in one way; from then on the service is well again. What the user has
-/// afterwards must be all that there is, each once. Every request with KA_SWEEP in the environment, else each seventh.
-class FaultSweep : public ProcessorTest, public testing::WithParamInterface<Kind> {
+/// afterwards must be all that there is, each once. Every request with KA_SWEEP in the environment, else some. Once one
+/// request after the other, and once with what is asked ahead, on kept connections.
+class FaultSweep : public ProcessorTest, public testing::WithParamInterface<std::tuple<bool, Kind>> {
 protected:
-  FaultSweep() : ProcessorTest({{u"timeoutIntervalForRequest"_s, QString::number(0.3 * kSlowness)}}) {
+  FaultSweep()
+      : ProcessorTest({{u"timeoutIntervalForRequest"_s, QString::number(0.3 * kSlowness)},
+                       {u"requestsAhead"_s, asksAhead() ? u"8"_s : u"0"_s}},
+                      u"user-0001"_s, {.requestsPerConnection = asksAhead() ? 100 : 1}) {
     const QString longTerm = u"long-term"_s;
     delegate.change([&](auto &answers) {
       answers.option.checkBoxDownloadMetadata = answers.option.checkBoxCreateSubfolder = u"true"_s;
@@ -43,6 +47,9 @@ protected:
     add(unlike(u"dev1/13/F.JPG"_s, u"30"_s));
     addPreviews(2);
   }
+
+  [[nodiscard]] static bool asksAhead() { return std::get<bool>(GetParam()); }
+  [[nodiscard]] static const Fault &fault() { return std::get<Kind>(GetParam()).fault; }
 
   /// An image DEVICE/HOUR/NAME with bytes of its own.
   static sandbox::LibraryObject unlike(const QString &path, const QString &period = {}) {
@@ -82,7 +89,7 @@ protected:
     });
     delegate.forgetEvents();
     service.resetRequestCounts();
-    if (number > 0) service.orderAt(number, GetParam().fault);
+    if (number > 0) service.orderAt(number, fault());
     start();
     bool made = true;
     for (int runs = 1; made && runs <= count; ++runs)
@@ -92,7 +99,7 @@ protected:
   }
   /// By the request of that number, if it was made: then no further run begins.
   [[nodiscard]] bool isLoginRefused(int number) const {
-    const bool isRefusal = GetParam().fault.status == 400 || GetParam().fault.status == 403;
+    const bool isRefusal = fault().status == 400 || fault().status == 403;
     return isRefusal && service.requests().value(number - 1).endpoint == Endpoint::RefreshToken;
   }
   /// Names, and what they hold, whatever the order in which equal names got their counters.
@@ -129,14 +136,14 @@ void FaultSweep::sweep(const char *what, qsizetype count) {
   const QStringList all = taken();
   ASSERT_EQ(files().size(), count);
   const auto requests = service.requests().size();
-  const int step = qEnvironmentVariableIsSet("KA_SWEEP") ? 1 : 7;
+  const int step = qEnvironmentVariableIsSet("KA_SWEEP") ? 1 : 13;
   int points = 0;
   int otherwise = 0;
   for (int number = 1; number <= requests; number += step, ++points) {
     const bool goesOn = makeRuns(3, number);
     const Endpoint met = service.requests().value(number - 1).endpoint;
     SCOPED_TRACE("request " + std::to_string(number) + ", " + sandbox::endpointName(met).toStdString());
-    if (isRightOtherwise(GetParam().fault, met) || isLoginRefused(number)) {
+    if (isRightOtherwise(fault(), met) || isLoginRefused(number)) {
       ++otherwise;
       continue;
     }
@@ -144,8 +151,8 @@ void FaultSweep::sweep(const char *what, qsizetype count) {
     EXPECT_EQ(taken(), all);
     EXPECT_EQ(link.state(), KaLinkState::Linked);
   }
-  std::cout << GetParam().name << ", " << what << ": " << points << " points, " << otherwise
-            << " of them right otherwise\n";
+  std::cout << std::get<Kind>(GetParam()).name << (asksAhead() ? ", asked ahead" : "") << ", " << what << ": " << points
+            << " points, " << otherwise << " of them right otherwise\n";
 }
 
 TEST_P(FaultSweep, losesAndDoublesNothing) {
@@ -163,14 +170,18 @@ TEST_P(FaultSweep, losesAndDoublesNothingOfALaterRun) {
   sweep("a later run", 13 + 3 + 2 + 1);
 }
 
-INSTANTIATE_TEST_SUITE_P(Engine, FaultSweep,
-                         testing::Values(Kind{"dropped", {.kind = DroppedConnection}},
-                                         Kind{"droppedInTheBody", {.kind = UncountedCut}},
-                                         Kind{"cut", {.kind = TruncatedBody}}, Kind{"empty", {.kind = EmptyBody}},
-                                         Kind{"silent", {.kind = NoAnswer}}, Kind{"malformed", {.kind = MalformedBody}},
-                                         Kind{"status400", {.status = 400}}, Kind{"status403", {.status = 403}},
-                                         Kind{"status404", {.status = 404}}, Kind{"status500", {.status = 500}},
-                                         Kind{"status503", {.status = 503}}),
-                         [](const auto &row) { return row.param.name; });
+INSTANTIATE_TEST_SUITE_P(
+    Engine, FaultSweep,
+    testing::Combine(testing::Bool(),
+                     testing::Values(Kind{"dropped", {.kind = DroppedConnection}},
+                                     Kind{"droppedInTheBody", {.kind = UncountedCut}},
+                                     Kind{"cut", {.kind = TruncatedBody}}, Kind{"empty", {.kind = EmptyBody}},
+                                     Kind{"silent", {.kind = NoAnswer}}, Kind{"malformed", {.kind = MalformedBody}},
+                                     Kind{"status400", {.status = 400}}, Kind{"status403", {.status = 403}},
+                                     Kind{"status404", {.status = 404}}, Kind{"status500", {.status = 500}},
+                                     Kind{"status503", {.status = 503}})),
+    [](const auto &row) {
+      return std::string(std::get<Kind>(row.param).name) + (std::get<bool>(row.param) ? "Ahead" : "");
+    });
 
 } // namespace
