@@ -71,6 +71,11 @@ ListingOutcome KaStorage::listObjects(const QString &prefix, const QString &star
   return readPages({.prefix = prefix, .startAfter = startAfter}, take);
 }
 
+struct KaStorage::PageRead {
+  ListingOutcome outcome;
+  std::optional<ListingAnswer> listed; ///< absent, too, when it cannot be parsed
+};
+
 ListingOutcome KaStorage::readPages(ListParameters parameters, const PageTaker &take) {
   downloadThread.check();
   QSet<QString> tokensSent;
@@ -91,9 +96,7 @@ ListingOutcome KaStorage::readPages(ListParameters parameters, const PageTaker &
   }
 }
 
-/// @return absent, too, what cannot be parsed.
-std::pair<ListingOutcome, std::optional<ListingAnswer>> KaStorage::readPage(const KaCredential &by,
-                                                                            const ListParameters &parameters) {
+KaStorage::PageRead KaStorage::readPage(const KaCredential &by, const ListParameters &parameters) {
   if (auto page = listsAhead ? listsAhead->next(parameters) : std::nullopt)
     return {{.statusCode = kFound}, std::move(page)};
   const ServerAnswer answer =

@@ -13,13 +13,11 @@
 #include <functional>
 #include <memory>
 #include <optional>
-#include <utility>
 #include <vector>
 
 class KaListingAhead;
 class KaServerRequest;
 struct ListParameters;
-struct ListingAnswer;
 struct SaveOrder;
 
 /// So long before their end credentials are renewed, and nothing more is asked ahead.
@@ -98,12 +96,12 @@ public:
   void dropConnections();
 
 private:
+  struct PageRead;
   using Saving = std::function<SavedObject()>;
   using PlacingArrived = std::function<std::optional<SavedObject>(const ArrivedObject &arrived)>;
 
   [[nodiscard]] ListingOutcome readPages(ListParameters parameters, const PageTaker &take);
-  [[nodiscard]] std::pair<ListingOutcome, std::optional<ListingAnswer>> readPage(const KaCredential &by,
-                                                                                 const ListParameters &parameters);
+  [[nodiscard]] PageRead readPage(const KaCredential &by, const ListParameters &parameters);
   [[nodiscard]] SavedObject saveBy(const QString &key, qint64 size, const PlacingArrived &place, const Saving &save);
 
   KaServerRequest &toSend;
