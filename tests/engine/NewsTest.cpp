@@ -159,6 +159,16 @@ TEST_F(News, tellsAUserWhoAsksAgainOfAFailureThatIsKnown) {
   EXPECT_EQ(told().mid(0, 3), (QStringList{u"result 17"_s, u"result 17 by user"_s, u"link holds"_s}));
 }
 
+TEST_F(News, ofTroubleIsToldAnewOnceARefreshHasSucceeded) {
+  delegate.change([](auto &answers) { answers.waits.pollingNormal = answers.waits.pollingError = 1ms; });
+  for (const Fault &fault : {Fault{.status = 503, .times = 2}, Fault{.kind = Delay}, Fault{.status = 503, .times = 2}})
+    service.order(Endpoint::RefreshToken, fault);
+  begin();
+  EXPECT_TRUE(delegate.waitForEvent(u"result 17"_s, 2, 5 * kSlowness));
+  ASSERT_TRUE(service.waitForRequests(Endpoint::RefreshToken, 6, 20s));
+  EXPECT_EQ(delegate.events().count(u"result 17"_s), 2);
+}
+
 TEST_F(News, wakesAWaitForTheNextRunOncePerErrorPollingWait) {
   begin();
   ASSERT_TRUE(waitForLog(u"Polling Wait"_s));
