@@ -198,8 +198,7 @@ KaStorageAhead::EntryPointer KaStorageAhead::nextAllowed() {
 bool KaStorageAhead::isAllowed(const Entry &entry, int requests) const {
   const bool isContent = entry.order.question.kind == Kind::Content;
   if (isEnding || isPaused || with.credential().accessKeyId.isEmpty()) return false;
-  if (isContent && (leavesContent || !pass.hasRoom(entry.order.size + load.underWay)))
-    return false;
+  if (isContent && (leavesContent || !pass.hasRoom(entry.order.size + load.underWay))) return false;
   AheadLoad now = load;
   now.requests = requests;
   return mayBeginAhead(now, entry.order.size,
