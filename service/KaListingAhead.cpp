@@ -2,6 +2,7 @@
 
 #include "log/ExceptionGuard.h"
 #include "platform/ThreadName.h"
+#include "service/HttpStatus.h"
 #include "service/KaApplicationConstants.h"
 #include "service/KaKeptConnections.h"
 #include "service/KaServerRequest.h"
@@ -91,7 +92,9 @@ std::optional<ListingAnswer> KaListingAhead::ask(const ListParameters &parameter
                                        KaApplicationConstants::awsS3AccelerateHostName(), parameters);
   const ServerAnswer answer = KaServerRequest::presignedAnswer(
       with.connections.perform(presignedRequest(url, by), {}, [this] { return hasToEnd(); }));
-  return answer.result == KaResultCode::Success ? listingPageIn(answer.data) : std::nullopt;
+  // "Not found" is Success too, but what it means for the listing is only said of a question asked in its turn.
+  const bool isThere = meaningOf(answer.statusCode).document == StatusMeaning::Document::There;
+  return isThere && answer.result == KaResultCode::Success ? listingPageIn(answer.data) : std::nullopt;
 }
 
 bool KaListingAhead::hasToEnd() const {

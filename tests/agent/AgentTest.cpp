@@ -130,7 +130,7 @@ TEST_F(Agent, killedInMidDownloadLeavesNothingBrokenAndTheNextRunCompletes) {
   {
     AgentProcess agent;
     link(agent);
-    ASSERT_TRUE(service.waitForRequests(Endpoint::ObjectGet, 2, 20s));
+    ASSERT_TRUE(waitForFiles(1) && service.waitForRequests(Endpoint::ObjectGet, 2, 20s));
     agent.kill9();
   }
   EXPECT_EQ(filesBelow(downloads()), QStringList{u"2024_04_30/A.JPG"_s});

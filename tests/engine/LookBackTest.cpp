@@ -1,4 +1,5 @@
 #include "platform/BootClock.h"
+#include "platform/UserDefaults.h"
 #include "settings/KaLedger.h"
 #include "tests/engine/EngineFixture.h"
 
@@ -313,6 +314,14 @@ TEST_F(LookBack, followsSoonOnAListingThatWasSaidToBeMissing) {
   service.order(Endpoint::ListItems, {.status = 404, .pathContains = u"dev1"_s});
   ASSERT_TRUE(makeRuns(2));
   EXPECT_EQ(fileNames(), names("A.JPG B.JPG"));
+}
+
+TEST_F(LookBack, takesNoListingAskedAheadForEmptyThatWasSaidToBeMissing) {
+  platform::standardUserDefaults().setString(u"requestsAhead"_s, u"8"_s);
+  addImages("10/A.JPG dev2/11/B.JPG");
+  service.order(Endpoint::ListItems, {.status = 404, .pathContains = u"dev1"_s});
+  ASSERT_TRUE(makeRuns(1));
+  EXPECT_EQ(fileNames(), names("A.JPG B.JPG")) << "the question of its turn had its answer";
 }
 
 TEST_F(LookBack, waitsForSettingsThatWereThereAMomentAgo) {
