@@ -20,6 +20,7 @@ public:
     bool saves = true;
     bool savesLedger = true;
     KaResultCode folderVerdict = KaResultCode::Success;
+    std::function<KaResultCode()> judgeFolder; ///< instead of it
     bool hasNetwork = true;
     bool offers10GStorage = true;
     qsizetype stillToCome = -1;
@@ -46,7 +47,10 @@ public:
   [[nodiscard]] bool waitForEvent(const QString &event, int times = 1, int seconds = 20) const;
 
   KaDownloadOption downloadOption() const override { return answers().option; }
-  KaResultCode verifyDownloadOptionParentFolder(const QString &) const override { return answers().folderVerdict; }
+  KaResultCode verifyDownloadOptionParentFolder(const QString &) const override {
+    const Answers now = answers();
+    return now.judgeFolder ? now.judgeFolder() : now.folderVerdict;
+  }
   KaWaitTimes loadWaitTimeInfo(KaWaitTimes) const override { return answers().waits; }
   bool hasNetwork() const override { return answers().hasNetwork; }
   void setDownloadDataUUID(const QString &key) override {

@@ -52,8 +52,7 @@ protected:
   /// From nothing on.
   [[nodiscard]] Made makeRun(int requestsAhead) {
     setRequestsAhead(requestsAhead);
-    const QStringList folders{profile.picturesFolder(), longTerm()};
-    for (const QString &folder : folders) {
+    for (const QString &folder : folders()) {
       QDir(folder).removeRecursively();
       QDir().mkpath(folder);
     }
@@ -67,7 +66,7 @@ protected:
               .events = delegate.events(),
               .records = delegate.answers().records,
               .ledgers = delegate.answers().ledgers};
-    for (const QString &folder : folders)
+    for (const QString &folder : folders())
       for (const QString &file : filesBelow(folder)) {
         const QString path = folder + u'/' + file;
         made.files << u"%1 %2 %3"_s.arg(file, QString::fromLatin1(contentOf(path).left(20)))
@@ -76,6 +75,7 @@ protected:
     return made;
   }
   virtual void prepare() {}
+  [[nodiscard]] virtual QStringList folders() const { return {profile.picturesFolder(), longTerm()}; }
 
   /// What is in both runs the same: not what is made of the time, nor the wait that the end may forestall.
   [[nodiscard]] static QStringList lasting(QStringList lines) {
@@ -186,6 +186,31 @@ TEST_F(AsIfOnABadDisk, whatCannotBeSavedIsTheSame) {
   ::setrlimit(RLIMIT_FSIZE, &small);
   expectTheSame();
   ::setrlimit(RLIMIT_FSIZE, &before);
+}
+
+/// The folder goes while a picture is before its turn, and others are under way.
+struct AsIfTheFolderGoes : AsIf {
+  void prepare() override {
+    QDir().rmdir(gone());
+    judged = 0;
+    delegate.change([this](auto &answers) { answers.judgeFolder = [this] { return judge(); }; });
+  }
+  /// Download thread.
+  [[nodiscard]] KaResultCode judge() {
+    ++judged;
+    if (judged < 4) return KaResultCode::Success;
+    if (judged == 4) QDir().rename(profile.picturesFolder(), gone());
+    return KaResultCode::FolderNotAccessible;
+  }
+  [[nodiscard]] QStringList folders() const override { return {profile.picturesFolder(), gone()}; }
+  [[nodiscard]] QString gone() const { return profile.path(u"gone"_s); }
+  int judged = 0;
+};
+
+TEST_F(AsIfTheFolderGoes, isTheSameAndNothingIsLeftInIt) {
+  addImages("10/A.JPG 10/B.JPG 10/C.JPG 10/D.JPG 10/E.JPG 10/F.JPG");
+  expectTheSame();
+  EXPECT_EQ(filesBelow(gone()).size(), 3);
 }
 
 TEST_F(AsIf, renewingBeforeEachImageIsTheSameAndNothingIsAskedAhead) {
