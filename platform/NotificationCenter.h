@@ -1,13 +1,18 @@
 #pragma once
 
+#include "platform/Notification.h"
+
 #include <QObject>
 #include <QString>
 
+#include <chrono>
 #include <memory>
 
 namespace platform {
 
-/// Desktop notifications. Nothing here blocks; without a notification service nothing happens. Main thread.
+/// Desktop notifications, one of a kind: a kind is the caller's own number. Each stands until it is replaced,
+/// withdrawn, or the user has done with it. Those that stand wait for a notification service that starts later, and
+/// outlast one that ends. Nothing here blocks but withdrawAll; without a session bus nothing happens. Main thread.
 class NotificationCenter : public QObject {
   Q_OBJECT
 
@@ -15,8 +20,12 @@ public:
   explicit NotificationCenter(QObject *parent = nullptr);
   ~NotificationCenter() override;
 
-  /// @param processingResult  handed back with a click.
-  void post(const QString &title, const QString &text, const QString &processingResult);
+  /// In place of the one of this kind that stands.
+  void post(int kind, const Notification &notification);
+  /// Does nothing when none of this kind stands.
+  void withdraw(int kind);
+  /// Before the process ends: once this returns, they are gone or @p patience is over. Needs no event loop.
+  void withdrawAll(std::chrono::milliseconds patience = std::chrono::milliseconds(250));
 
 Q_SIGNALS:
   /// The user clicked; the notification has been removed.

@@ -3,7 +3,10 @@
 #include "platform/ThreadBound.h"
 #include "ui/Texts.h"
 
+#include <QApplication>
+#include <QIcon>
 #include <QMessageBox>
+#include <QStyle>
 
 using namespace Qt::StringLiterals;
 
@@ -19,7 +22,10 @@ void KaAlertQueue::show(const QString &text) {
 }
 
 void KaAlertQueue::open(const QString &text) {
-  current = new QMessageBox(QMessageBox::Warning, localised("APP_SHORT_NAME"_L1), text);
+  current = new QMessageBox(QMessageBox::NoIcon, localised("APP_SHORT_NAME"_L1), text);
+  // Whose word it is: good news comes this way, too, and wants no warning beside it.
+  const int iconSize = current->style()->pixelMetric(QStyle::PM_MessageBoxIconSize, nullptr, current);
+  current->setIconPixmap(QApplication::windowIcon().pixmap(QSize(iconSize, iconSize), current->devicePixelRatio()));
   current->addButton(localised("DLG_COMMON_BUTTON_OK_MAC"_L1), QMessageBox::AcceptRole);
   current->setTextFormat(Qt::PlainText);
   current->setAttribute(Qt::WA_DeleteOnClose);

@@ -80,7 +80,14 @@ void KaDesktopStatusItem::alert(const QString &text) {
   alerts.show(text);
 }
 
-void KaDesktopStatusItem::notify(const QString &title, const QString &text, const QString &processingResult) {
-  platform::assertMainThread();
-  notifyCenter.post(title, text, processingResult);
+void KaDesktopStatusItem::notify(NotificationKind kind, const platform::Notification &notification) {
+  notifyCenter.post(static_cast<int>(kind), notification);
+}
+
+void KaDesktopStatusItem::withdraw(NotificationKind kind) {
+  notifyCenter.withdraw(static_cast<int>(kind));
+}
+
+void KaDesktopStatusItem::withdrawAll() {
+  notifyCenter.withdrawAll();
 }

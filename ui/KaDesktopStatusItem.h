@@ -23,7 +23,9 @@ public:
 
   void show(const StatusItemState &state) override;
   void alert(const QString &text) override;
-  void notify(const QString &title, const QString &text, const QString &processingResult) override;
+  void notify(NotificationKind kind, const platform::Notification &notification) override;
+  void withdraw(NotificationKind kind) override;
+  void withdrawAll() override;
 
 private:
   QAction *addEntry(StatusEntry entry, QLatin1StringView titleKey);

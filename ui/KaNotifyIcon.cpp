@@ -40,7 +40,11 @@ void KaNotifyIcon::Detach::operator()(KaModelFacade *facade) const {
 }
 
 void KaNotifyIcon::onChangeStatus(KaModelFacade & /*facade*/, KaAppStatus statusMode) {
-  mailbox.post([this, statusMode] { appStatus = statusMode; });
+  mailbox.post([this, statusMode] {
+    appStatus = statusMode;
+    // Without a network it only says that the next run waits for one.
+    if (statusMode == KaAppStatus::Normal && model.hasNetwork()) withdraw(endedByListing(model.stillToCome() == 0));
+  });
 }
 
 void KaNotifyIcon::onProcessingResult(KaModelFacade &facade, KaResultCode result, bool userTrigger) {
@@ -48,7 +52,7 @@ void KaNotifyIcon::onProcessingResult(KaModelFacade &facade, KaResultCode result
 }
 
 void KaNotifyIcon::onSavingTrouble(KaResultCode cause) {
-  mailbox.post([this, cause] { reportResult(cause, resultEffect(cause).messageKey, /*userTrigger=*/false); });
+  mailbox.post([this, cause] { reportResult({cause}, resultEffect(cause).messageKey, /*userTrigger=*/false); });
 }
 
 void KaNotifyIcon::onCompleteLinkageSetting() {
@@ -69,7 +73,13 @@ void KaNotifyIcon::onFinishDownloadProcess() {
 
 void KaNotifyIcon::onChangeLinkage(bool linked) {
   platform::assertMainThread();
-  linkHolds = linked;
+  if (linked) return noteLinkHolds();
+  linkHolds = false;
+}
+
+void KaNotifyIcon::noteLinkHolds() {
+  linkHolds = true;
+  withdraw(endedByLink());
 }
 
 void KaNotifyIcon::setIdCode(const QString &token) {
@@ -104,7 +114,7 @@ void KaNotifyIcon::confirmFolders() {
 /// Once the user has seen where the pictures go, whatever the answer, the first run begins.
 void KaNotifyIcon::foldersConfirmed() {
   // An error shown meanwhile was not this link's.
-  linkHolds = true;
+  noteLinkHolds();
   QTimer::singleShot(times.startDelay, this, [this] { guarded([this] { startInitialRun(); }); });
 }
 
@@ -154,14 +164,29 @@ void KaNotifyIcon::applyResult(const KaFault &told, bool userTrigger) {
   if (effect.clearsLinkage) linkHolds = false;
   // What a click on its notification does is decided by the latest of its kind.
   if (told.result == KaResultCode::ValidationFailed) validationFault = told.cause;
-  reportResult(told.result, effect.messageKey, userTrigger);
+  withdraw(endedBy(told.result, told.cause));
+  if (notificationKind(told.result, told.cause) == NotificationKind::LoginNeeded) isLoginAskedFor = true;
+  reportResult(told, effect.messageKey, userTrigger);
 }
 
-void KaNotifyIcon::reportResult(KaResultCode result, QLatin1StringView messageKey, bool userTrigger) {
+void KaNotifyIcon::reportResult(const KaFault &told, QLatin1StringView messageKey, bool userTrigger) {
   const QString message = messageKey.isEmpty() ? QString() : localised(messageKey);
   if (userTrigger) return statusItem.alert(message);
   if (message.isEmpty()) return;
-  statusItem.notify(localised("APP_SHORT_NAME"_L1), message, QString::number(static_cast<qint64>(result)));
+  const NotificationKind kind = notificationKind(told.result, told.cause);
+  statusItem.notify(kind, {.title = localised("APP_SHORT_NAME"_L1),
+                           .text = message,
+                           .processingResult = QString::number(static_cast<qint64>(told.result)),
+                           .topic = notificationTopic(kind),
+                           .urgency = notificationUrgency(kind),
+                           .imagePath = {}}); // here the newest picture belongs once the facade tells which came
+}
+
+void KaNotifyIcon::withdraw(NotificationKinds kinds) {
+  for (const NotificationKind kind : kinds) {
+    statusItem.withdraw(kind);
+    if (kind == NotificationKind::LoginNeeded) isLoginAskedFor = false;
+  }
 }
 
 void KaNotifyIcon::perform(StatusEntry entry) {
@@ -238,7 +263,9 @@ void KaNotifyIcon::notificationActivated(const QString &processingResult) {
     case ClickEffect::OpenParent10GFolder:
       return openFolder(model.downloadOption().parent10GFolder);
     case ClickEffect::Link:
-      return model.setupLinkage();
+      // A new login would end a link that holds, and some desktops keep what was withdrawn in a list of past ones.
+      if (isLoginAskedFor || model.linkState() == KaLinkState::Unlinked) model.setupLinkage();
+      return;
     case ClickEffect::LookNow:
       return model.downloadNow(/*initialAccess=*/false);
     case ClickEffect::None:
@@ -261,7 +288,10 @@ bool KaNotifyIcon::appFinalize(std::chrono::milliseconds finishWait) {
   model.saveDownloadFolderSetting();
   model.endDownloadProcess();
 
-  const bool finished = waitForFinish(std::chrono::steady_clock::now() + finishWait);
+  const auto deadline = std::chrono::steady_clock::now() + finishWait;
+  // While the thread ends.
+  statusItem.withdrawAll();
+  const bool finished = waitForFinish(deadline);
   if (finished) model.joinDownloadProcess();
   return finished;
 }

@@ -78,7 +78,9 @@ private:
   void iconDraw();
   void startMenu(bool linked);
   void applyResult(const KaFault &told, bool userTrigger);
-  void reportResult(KaResultCode result, QLatin1StringView messageKey, bool userTrigger);
+  void reportResult(const KaFault &told, QLatin1StringView messageKey, bool userTrigger);
+  void withdraw(NotificationKinds kinds);
+  void noteLinkHolds();
   /// Opens a window of its own, or brings the one before the user that is open.
   template <class Dialog, class... Arguments> void openDialog(Arguments &...arguments);
   void confirmFolders();
@@ -101,6 +103,7 @@ private:
   qint32 animationCount = 0;
   /// The link that was told of, until an error result: what it says clears bLinkage although the link itself is kept.
   bool linkHolds = false;
+  bool isLoginAskedFor = false; ///< the user was told to log in, and nothing has made that untrue since
   StatusItemState shown;
   QPointer<QDialog> dialog; ///< the settings or the about window, one at a time; deletes itself
 

@@ -1,5 +1,7 @@
 #include "ui/StatusTables.h"
 
+#include <array>
+
 using namespace Qt::StringLiterals;
 
 namespace {
@@ -156,11 +158,123 @@ QLatin1StringView tooltipKey(KaAppStatus status, KaErrorStatus errSubStatus) {
   return {};
 }
 
+namespace {
+
+/// A login that may be as good as before.
+bool isUnchecked(KaResultCode result, KaFaultCause cause) {
+  return result == KaResultCode::ValidationFailed
+         && (cause == KaFaultCause::NoAnswer || cause == KaFaultCause::WrongClock);
+}
+
+} // namespace
+
 ClickEffect clickEffect(KaResultCode result, KaFaultCause cause) {
   if (result == KaResultCode::DownloadComplete) return ClickEffect::OpenParentFolder;
   if (result == KaResultCode::Download10GComplete) return ClickEffect::OpenParent10GFolder;
-  const bool isUnchecked = cause == KaFaultCause::NoAnswer || cause == KaFaultCause::WrongClock;
-  if (result == KaResultCode::ValidationFailed && isUnchecked) return ClickEffect::LookNow;
+  if (isUnchecked(result, cause)) return ClickEffect::LookNow;
   if (result == KaResultCode::NotLinked || result == KaResultCode::ValidationFailed) return ClickEffect::Link;
   return ClickEffect::None;
+}
+
+NotificationKind notificationKind(KaResultCode result, KaFaultCause cause) {
+  if (isUnchecked(result, cause)) return NotificationKind::Failure;
+  switch (result) {
+  case KaResultCode::InitialAccessComplete:
+    return NotificationKind::LoggedIn;
+  case KaResultCode::DownloadComplete:
+  case KaResultCode::NothingToDownload:
+    return NotificationKind::Complete;
+  case KaResultCode::Download10GComplete:
+    return NotificationKind::Complete10G;
+  case KaResultCode::NotLinked:
+  case KaResultCode::LinkInvalid:
+  case KaResultCode::ValidationFailed:
+    return NotificationKind::LoginNeeded;
+  case KaResultCode::SecureConnectionFailed:
+  case KaResultCode::NoBody:
+  case KaResultCode::Offline:
+  case KaResultCode::RetryLater:
+  case KaResultCode::ServerError:
+    return NotificationKind::Failure;
+  case KaResultCode::DiskFull:
+  case KaResultCode::FileNotSaved:
+    return NotificationKind::SavingTrouble;
+  case KaResultCode::NewVersionReleased:
+    return NotificationKind::NewVersion;
+  case KaResultCode::Unexpected:
+  case KaResultCode::Success:
+  case KaResultCode::Unlinked:
+  case KaResultCode::NoHttpStatus:
+  case KaResultCode::FolderNotAccessible:
+  case KaResultCode::FolderNotSupported:
+  case KaResultCode::FolderPathTooLong:
+  case KaResultCode::DefaultFileName:
+  case KaResultCode::CaptureTimeMissing:
+  case KaResultCode::ObjectMissing:
+    break;
+  }
+  return NotificationKind::Unexpected;
+}
+
+platform::Notification::Topic notificationTopic(NotificationKind kind) {
+  using enum platform::Notification::Topic;
+  switch (kind) {
+  case NotificationKind::LoggedIn:
+    return Connected;
+  case NotificationKind::Complete:
+  case NotificationKind::Complete10G:
+    return TransferComplete;
+  case NotificationKind::LoginNeeded:
+  case NotificationKind::Failure:
+    return ConnectionError;
+  case NotificationKind::SavingTrouble:
+  case NotificationKind::Unexpected:
+    return TransferError;
+  case NotificationKind::NewVersion:
+    break;
+  }
+  return Transfer;
+}
+
+platform::Notification::Urgency notificationUrgency(NotificationKind kind) {
+  switch (kind) {
+  case NotificationKind::LoggedIn:
+  case NotificationKind::Complete:
+  case NotificationKind::Complete10G:
+  case NotificationKind::NewVersion:
+    return platform::Notification::Urgency::Low;
+  case NotificationKind::LoginNeeded:
+  case NotificationKind::Failure:
+  case NotificationKind::SavingTrouble:
+  case NotificationKind::Unexpected:
+    break;
+  }
+  return platform::Notification::Urgency::Normal;
+}
+
+NotificationKinds endedBy(KaResultCode result, KaFaultCause cause) {
+  using enum NotificationKind;
+  // What could not be saved is told again at the end of the same run, should it still not be.
+  static constexpr std::array kByPictures{LoggedIn, LoginNeeded, Failure, SavingTrouble};
+  static constexpr std::array kByDoubt{LoggedIn, Failure};
+  static constexpr std::array kByLogOut{LoggedIn, Complete,      Complete10G, LoginNeeded,
+                                        Failure,  SavingTrouble, Unexpected};
+  if (result == KaResultCode::DownloadComplete || result == KaResultCode::Download10GComplete) return kByPictures;
+  if (result == KaResultCode::NothingToDownload || result == KaResultCode::InitialAccessComplete)
+    return endedByListing(/*isAllHere=*/false);
+  if (result == KaResultCode::Unlinked) return kByLogOut;
+  if (notificationKind(result, cause) == LoginNeeded) return kByDoubt;
+  return {};
+}
+
+NotificationKinds endedByListing(bool isAllHere) {
+  using enum NotificationKind;
+  // Not what went wrong unexpectedly: much of that is told once a process, and as true after a good run.
+  static constexpr std::array kEnded{LoginNeeded, Failure, SavingTrouble};
+  return NotificationKinds(kEnded).first(isAllHere ? 3 : 2);
+}
+
+NotificationKinds endedByLink() {
+  static constexpr std::array kEnded{NotificationKind::LoginNeeded};
+  return kEnded;
 }

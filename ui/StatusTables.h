@@ -1,12 +1,14 @@
 #pragma once
 
 #include "engine/KaAppStatus.h"
+#include "platform/Notification.h"
 #include "service/KaFaultCause.h"
 #include "service/KaResultCode.h"
 
 #include <QString>
 
 #include <optional>
+#include <span>
 
 /// Which error, while the status is an error.
 enum class KaErrorStatus : qint64 {
@@ -56,3 +58,29 @@ enum class ClickEffect {
 };
 
 [[nodiscard]] ClickEffect clickEffect(KaResultCode result, KaFaultCause cause = KaFaultCause::Unknown);
+
+/// What the user is told without having asked stands as a notification for as long as it is true, one of a kind.
+enum class NotificationKind {
+  LoggedIn,
+  Complete,
+  Complete10G,
+  LoginNeeded,
+  Failure,       ///< of the last run, for want of the service
+  SavingTrouble, ///< pictures wait for room or for a folder
+  Unexpected,
+  NewVersion,
+};
+using NotificationKinds = std::span<const NotificationKind>;
+
+[[nodiscard]] NotificationKind notificationKind(KaResultCode result, KaFaultCause cause = KaFaultCause::Unknown);
+[[nodiscard]] platform::Notification::Topic notificationTopic(NotificationKind kind);
+[[nodiscard]] platform::Notification::Urgency notificationUrgency(NotificationKind kind);
+
+/// @name What is not true any more
+/// @{
+[[nodiscard]] NotificationKinds endedBy(KaResultCode result, KaFaultCause cause = KaFaultCause::Unknown);
+/// ... once a run's listing has succeeded. @param isAllHere  no picture is still to come.
+[[nodiscard]] NotificationKinds endedByListing(bool isAllHere);
+/// ... once there is a link, or it holds again.
+[[nodiscard]] NotificationKinds endedByLink();
+/// @}

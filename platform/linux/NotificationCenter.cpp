@@ -6,24 +6,69 @@
 #include "NotificationsProxy.h"
 
 #include <QDBusConnection>
+#include <QDBusMessage>
 #include <QDBusPendingCallWatcher>
 #include <QDBusPendingReply>
 #include <QDBusServiceWatcher>
-#include <QHash>
+#include <QUrl>
 
+#include <algorithm>
+#include <functional>
+#include <limits>
+#include <map>
 #include <optional>
+#include <thread>
+#include <utility>
 
 using namespace Qt::StringLiterals;
 
 namespace platform {
 namespace {
 
+using Deadline = std::chrono::steady_clock::time_point;
+
 constexpr auto kService = "org.freedesktop.Notifications"_L1;
-constexpr int kCallWaitMs = 5000;
+/// A service that hangs shows what it was sent once it works again: given up before, its id would be lost, and with it
+/// the way to take the notification back.
+constexpr int kNoLimit = std::numeric_limits<int>::max();
+constexpr std::chrono::milliseconds kLookInterval(2);
 
 /// Without a bus, one that ended too, calls would never end, not even in an error.
 bool hasBus() {
   return QDBusConnection::sessionBus().isConnected();
+}
+
+/// For answers, which arrive on a thread of the library's own.
+void awaitUntil(Deadline deadline, const std::function<bool()> &condition) {
+  while (!condition() && std::chrono::steady_clock::now() < deadline)
+    std::this_thread::sleep_for(kLookInterval);
+}
+
+QString categoryOf(Notification::Topic topic) {
+  switch (topic) {
+  case Notification::Topic::Connected:
+    return u"network.connected"_s;
+  case Notification::Topic::ConnectionError:
+    return u"network.error"_s;
+  case Notification::Topic::Transfer:
+    return u"transfer"_s;
+  case Notification::Topic::TransferComplete:
+    return u"transfer.complete"_s;
+  case Notification::Topic::TransferError:
+    return u"transfer.error"_s;
+  }
+  return {};
+}
+
+QVariantMap hintsOf(const Notification &notification) {
+  const uchar urgency = notification.urgency == Notification::Urgency::Low ? 0 : 1;
+  QVariantMap hints{{u"x-ProcessingResult"_s, notification.processingResult},
+                    {u"desktop-entry"_s, QString::fromUtf16(kApplicationId)},
+                    {u"category"_s, categoryOf(notification.topic)},
+                    {u"urgency"_s, QVariant::fromValue(urgency)}};
+  if (!notification.imagePath.isEmpty())
+    hints.insert(u"image-path"_s, QUrl::fromLocalFile(notification.imagePath).toString(QUrl::FullyEncoded));
+  return hints;
 }
 
 } // namespace
@@ -33,59 +78,161 @@ public:
   explicit Private(NotificationCenter &center)
       : owner(center), proxy(kService, u"/org/freedesktop/Notifications"_s, QDBusConnection::sessionBus()),
         watcher(kService, QDBusConnection::sessionBus(), QDBusServiceWatcher::WatchForOwnerChange) {
-    proxy.setTimeout(kCallWaitMs);
+    proxy.setTimeout(kNoLimit);
     connect(&proxy, &NotificationsProxy::ActionInvoked, this, &Private::onAction);
-    connect(&proxy, &NotificationsProxy::NotificationClosed, this, [this](uint id, uint reason) {
-      // One that went away by itself may still be clicked in the server's list of past ones.
-      constexpr uint kExpired = 1;
-      if (reason != kExpired) shown.remove(id);
-    });
-    // A new server counts its ids from the start: an old one would catch a stranger's click.
-    connect(&watcher, &QDBusServiceWatcher::serviceOwnerChanged, this, [this] {
-      shown.clear();
-      bodyIsMarkup.reset();
-    });
+    connect(&proxy, &NotificationsProxy::NotificationClosed, this, &Private::onClosed);
+    connect(&watcher, &QDBusServiceWatcher::serviceOwnerChanged, this,
+            [this](const QString & /*name*/, const QString & /*before*/, const QString &now) { meet(now); });
   }
 
-  void post(const QString &title, const QString &text, const QString &processingResult) {
-    if (bodyIsMarkup) return notify(title, text, processingResult);
-    auto *const call = new QDBusPendingCallWatcher(proxy.GetCapabilities(), this);
-    connect(call, &QDBusPendingCallWatcher::finished, this, [=, this](QDBusPendingCallWatcher *done) {
-      const QDBusPendingReply<QStringList> reply = *done;
-      done->deleteLater();
-      if (reply.isError()) return;
-      bodyIsMarkup = reply.value().contains(u"body-markup");
-      notify(title, text, processingResult);
+  void post(int kind, const Notification &notification) {
+    Entry &entry = entries[kind];
+    entry.wanted = notification;
+    entry.isSent = false;
+    settle();
+  }
+
+  void withdraw(int kind) {
+    const auto entry = entries.find(kind);
+    if (entry == entries.end()) return;
+    entry->second.wanted.reset();
+    settle();
+  }
+
+  void withdrawAll(Deadline deadline) {
+    // The ids of what was posted just now are still on their way.
+    awaitUntil(deadline, [this] {
+      return std::ranges::all_of(entries,
+                                 [](const auto &one) { return !one.second.call || one.second.call->isFinished(); });
     });
+    bool isAnyClosed = false;
+    for (const auto &[kind, entry] : std::exchange(entries, {})) {
+      const uint id = entry.call && entry.call->isFinished() ? idIn(*entry.call) : entry.id;
+      if (id == 0) continue;
+      proxy.CloseNotification(id);
+      isAnyClosed = true;
+    }
+    if (!isAnyClosed) return;
+    // The bus takes what it is sent in turn: its answer to a last call says that the rest has left this process.
+    const QDBusPendingCall last = QDBusConnection::sessionBus().asyncCall(QDBusMessage::createMethodCall(
+        u"org.freedesktop.DBus"_s, u"/org/freedesktop/DBus"_s, u"org.freedesktop.DBus"_s, u"GetId"_s));
+    awaitUntil(deadline, [&last] { return last.isFinished(); });
   }
 
 private:
-  void notify(const QString &title, const QString &text, const QString &processingResult) {
-    const QVariantMap hints{{u"x-ProcessingResult"_s, processingResult},
-                            {u"desktop-entry"_s, QString::fromUtf16(kApplicationId)}};
-    const QString body = *bodyIsMarkup ? text.toHtmlEscaped() : text;
-    // An empty label: the default action is the click on the notification itself.
-    auto *const call = new QDBusPendingCallWatcher(
-        proxy.Notify(appInfo().name, 0, QString(), title, body, {u"default"_s, QString()}, hints, -1), this);
-    connect(call, &QDBusPendingCallWatcher::finished, this, [=, this](QDBusPendingCallWatcher *done) {
-      const QDBusPendingReply<uint> reply = *done;
+  using Call = QDBusPendingCallWatcher;
+
+  /// What is to stand of a kind, and what does.
+  struct Entry {
+    std::optional<Notification> wanted; ///< absent: nothing
+    bool isSent = false;                ///< the service that is there was sent what is wanted
+    Call *call = nullptr;               ///< under way to it; owned by the center
+    uint id = 0;                        ///< of what it shows; 0: nothing
+  };
+
+  static uint idIn(const Call &call) {
+    const QDBusPendingReply<uint> reply = call;
+    return reply.isError() ? 0 : reply.value();
+  }
+
+  template <class Then> Call *whenAnswered(const QDBusPendingCall &call, Then then) {
+    auto *const watched = new Call(call, this);
+    connect(watched, &Call::finished, this, [then](Call *done) {
       done->deleteLater();
-      if (!reply.isError()) shown.insert(reply.value(), processingResult);
+      then(done);
+    });
+    return watched;
+  }
+
+  /// Has the service show what is wanted. What is under way settles with its answer, which brings the id to go by.
+  void settle() {
+    for (auto &[kind, entry] : entries) {
+      if (entry.call) continue;
+      if (!entry.wanted && entry.id != 0) proxy.CloseNotification(std::exchange(entry.id, 0));
+      if (entry.wanted && !entry.isSent) send(kind, entry);
+    }
+    std::erase_if(entries, [](const auto &one) { return !one.second.wanted && !one.second.call; });
+  }
+
+  void send(int kind, Entry &entry) {
+    if (!bodyIsMarkup) return askCapabilities();
+    const Notification &what = *entry.wanted;
+    const QString body = *bodyIsMarkup ? what.text.toHtmlEscaped() : what.text;
+    entry.isSent = true;
+    // An empty label: the default action is the click on the notification itself.
+    entry.call = whenAnswered(proxy.Notify(appInfo().name, entry.id, QString::fromUtf16(kApplicationId), what.title,
+                                           body, {u"default"_s, QString()}, hintsOf(what), -1),
+                              [this, kind](Call *done) { onSent(kind, done); });
+  }
+
+  void onSent(int kind, Call *done) {
+    const auto found = entries.find(kind);
+    if (found == entries.end() || found->second.call != done) return;
+    Entry &entry = found->second;
+    entry.call = nullptr;
+    if (!done->isError()) entry.id = idIn(*done);
+    // Refused: not again before there is something new to say, or to somebody new.
+    if (done->isError() && std::exchange(entry.isSent, false) && entry.wanted) return;
+    settle();
+  }
+
+  void askCapabilities() {
+    if (capabilities) return;
+    capabilities = whenAnswered(proxy.GetCapabilities(), [this](Call *done) {
+      if (done != capabilities) return;
+      capabilities = nullptr;
+      const QDBusPendingReply<QStringList> reply = *done;
+      if (reply.isError()) return;
+      bodyIsMarkup = reply.value().contains(u"body-markup");
+      settle();
     });
   }
 
+  /// Another service, or none. It counts its ids from the start: an old one would catch a stranger's click. What is
+  /// under way settles with its answer, which may be this one's already.
+  void meet(const QString &service) {
+    bodyIsMarkup.reset();
+    capabilities = nullptr;
+    for (auto &[kind, entry] : entries) {
+      entry.isSent = false;
+      entry.id = 0;
+    }
+    if (!service.isEmpty()) settle();
+  }
+
+  [[nodiscard]] Entry *shownAs(uint id) {
+    const auto entry = std::ranges::find_if(entries, [id](const auto &one) { return id != 0 && one.second.id == id; });
+    return entry == entries.end() ? nullptr : &entry->second;
+  }
+
+  void onClosed(uint id, uint reason) {
+    // One that went away by itself may still be clicked in the server's list of past ones.
+    constexpr uint kExpired = 1;
+    Entry *const entry = shownAs(id);
+    if (!entry || reason == kExpired) return;
+    entry->id = 0;
+    // The user has done with it, but not with what is on its way in its place.
+    if (!entry->call) entry->wanted.reset();
+    settle();
+  }
+
   void onAction(uint id, const QString &action) {
-    if (!shown.contains(id) || action != u"default") return;
-    const QString processingResult = shown.take(id);
-    proxy.CloseNotification(id);
+    Entry *const entry = shownAs(id);
+    if (!entry || !entry->wanted || action != u"default") return;
+    const QString processingResult = entry->wanted->processingResult;
+    if (!entry->call) {
+      entry->wanted.reset();
+      settle();
+    }
     Q_EMIT owner.activated(processingResult);
   }
 
   NotificationCenter &owner;
   NotificationsProxy proxy;
   QDBusServiceWatcher watcher;
-  QHash<uint, QString> shown;
-  std::optional<bool> bodyIsMarkup; ///< unknown until the server was asked
+  std::map<int, Entry> entries;
+  Call *capabilities = nullptr;     ///< under way, owned by the center
+  std::optional<bool> bodyIsMarkup; ///< unknown until the service was asked
 };
 
 NotificationCenter::NotificationCenter(QObject *parent) : QObject(parent) {
@@ -94,9 +241,19 @@ NotificationCenter::NotificationCenter(QObject *parent) : QObject(parent) {
 
 NotificationCenter::~NotificationCenter() = default;
 
-void NotificationCenter::post(const QString &title, const QString &text, const QString &processingResult) {
+void NotificationCenter::post(int kind, const Notification &notification) {
   assertMainThread();
-  if (d && hasBus()) d->post(title, text, processingResult);
+  if (d && hasBus()) d->post(kind, notification);
+}
+
+void NotificationCenter::withdraw(int kind) {
+  assertMainThread();
+  if (d && hasBus()) d->withdraw(kind);
+}
+
+void NotificationCenter::withdrawAll(std::chrono::milliseconds patience) {
+  assertMainThread();
+  if (d && hasBus()) d->withdrawAll(std::chrono::steady_clock::now() + patience);
 }
 
 } // namespace platform

@@ -3,6 +3,7 @@
 #include "tests/support/AgentProcess.h"
 #include "tests/support/FakeBrowser.h"
 #include "tests/support/Image.h"
+#include "tests/support/NotificationServer.h"
 #include "tests/support/PrivateBus.h"
 #include "tests/support/TestProfile.h"
 
@@ -241,6 +242,32 @@ TEST_F(Start, canBeQuitWithinASecondInEveryState) {
   ASSERT_TRUE(service.waitForRequests(Endpoint::ListDevices, 1, 20s));
   bus.hang();
   quitWithinASecond(agent, "a session bus that hangs");
+}
+
+TEST_F(Start, quitTakesItsNotificationsAlongUnlessTheirServiceHangs) {
+  NotificationServer notifications;
+  const auto takesThemAlong = [&](AgentProcess &agent) {
+    EXPECT_TRUE(waitFor([&] { return !agent.isRunning(); }, 1s * kSlowness));
+    return notifications.lastId > 0 && notifications.waitForStanding({});
+  };
+  {
+    AgentProcess agent;
+    ASSERT_TRUE(waitFor([&] { return !notifications.standing.isEmpty(); })) << "that the agent is not linked";
+    agent.terminate();
+    EXPECT_TRUE(takesThemAlong(agent));
+  }
+  {
+    AgentProcess agent;
+    notifications.beforeAnswer = [&] { agent.terminate(); };
+    ASSERT_TRUE(waitFor([&] { return !notifications.beforeAnswer; }));
+    EXPECT_TRUE(takesThemAlong(agent)) << "the id came late";
+  }
+  AgentProcess agent;
+  notifications.beforeAnswer = [&] {
+    agent.terminate();
+    EXPECT_EQ(agent.waitForEnd(1s * kSlowness), 0);
+  };
+  EXPECT_TRUE(waitFor([&] { return !agent.isRunning(); }));
 }
 
 TEST_F(Start, canBeQuitWithinASecondWhileANameServerIsSilent) {

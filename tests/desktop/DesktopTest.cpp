@@ -67,12 +67,16 @@ QVariant notifierHost(const QString &property) {
   return QDBusReply<QVariant>(QDBusConnection::sessionBus().call(question)).value();
 }
 
+/// Whether a notification stands, or comes to stand, or none.
+bool waitForNotification(bool isThere = true) {
+  return waitFor([&] { return xdotool(u"search --onlyvisible --class Dunst"_s).isEmpty() != isThere; });
+}
+
 /// Clicks the notification that stands alone, which removes it.
 bool clickNotification() {
-  const auto isShown = [] { return !xdotool(u"search --onlyvisible --class Dunst"_s).isEmpty(); };
-  if (!waitFor(isShown)) return false;
+  if (!waitForNotification()) return false;
   xdotool(u"mousemove 850 50 click 1"_s);
-  return waitFor([&] { return !isShown(); });
+  return waitForNotification(false);
 }
 
 bool waitForContent(const QString &path, const QByteArray &part) {
@@ -91,14 +95,15 @@ protected:
     profile.writeUserDefaults(defaults);
     // A window that asks for its place while openbox starts stays unseen until something else happens: begin only once
     // it does what it is told.
-    if (!waitForService(u"org.freedesktop.Notifications"_s)
-        || !waitFor([] { return xdotool(u"set_desktop 1 get_desktop"_s) == u"1"_s; }))
+    if (!waitFor([] { return xdotool(u"set_desktop 1 get_desktop"_s) == u"1"_s; }))
       throw std::runtime_error("no desktop");
   }
 
-  static QString written(const QString &path, const QByteArray &content) {
-    writeFile(path, content);
-    return path;
+  void startNotifications() {
+    const QString settings = profile.path(u"dunstrc"_s);
+    writeFile(settings, "[global]\norigin = top-right\noffset = 20x20\nwidth = 300\nmouse_left_click = do_action\n"
+                        "[urgency_low]\ntimeout = 0\n[urgency_normal]\ntimeout = 0\n");
+    notifications.emplace(u"dunst"_s, QStringList{u"-config"_s, settings});
   }
 
   void startTray(Tray kind) {
@@ -156,10 +161,7 @@ protected:
                               && qunsetenv("LANGUAGE");
   QApplication application{noArguments, nullptr};
   Program windowManager{u"openbox"_s, {u"--sm-disable"_s}};
-  Program notifications{u"dunst"_s,
-                        {u"-config"_s, written(profile.path(u"dunstrc"_s),
-                                               "[global]\norigin = top-right\noffset = 20x20\nwidth = 300\n"
-                                               "mouse_left_click = do_action\n[urgency_normal]\ntimeout = 0\n")}};
+  std::optional<Program> notifications;
   std::optional<Program> panelSettings;
   std::optional<Program> panel;
   sandbox::Service service;
@@ -202,11 +204,16 @@ TEST_P(Desktop, notificationsAndUrlsLinkAndShowWhatArrives) {
   startTray(GetParam());
   ASSERT_TRUE(waitForIcon());
 
-  ASSERT_TRUE(clickNotification()) << "that the agent is not linked";
-  const auto loginUrl = browser.takeUrl();
-  ASSERT_TRUE(loginUrl);
-  ASSERT_EQ(QProcess::execute(desktopsOpener, {service.signIn(*loginUrl)}), 0);
+  startNotifications();
+  ASSERT_TRUE(clickNotification()) << "that the agent is not linked, told before anything could show it";
+  ASSERT_TRUE(browser.takeUrl()) << "the login page";
+  for (const auto &token : {u"none"_s, u"neither"_s})
+    ASSERT_EQ(QProcess::execute(desktopsOpener, {u"downloaderpictora://authenticate?idToken="_s + token}), 0);
+  ASSERT_TRUE(waitForNotification()) << "that the login was refused, once";
+  ASSERT_TRUE(AgentProcess::requestAction(u"link"_s));
+  ASSERT_EQ(QProcess::execute(desktopsOpener, {service.signIn(browser.takeUrl().value_or(QString()))}), 0);
   ASSERT_TRUE(waitForActiveWindow(u"Downloaderpictora"_s));
+  EXPECT_TRUE(waitForNotification(false)) << "it is not true any more";
   xdotool(u"key Return"_s);
 
   ASSERT_TRUE(clickNotification()) << "that the agent is linked";

@@ -1,6 +1,7 @@
 #include "platform/Mailbox.h"
 #include "platform/NotificationCenter.h"
 #include "platform/SingleInstance.h"
+#include "tests/support/NotificationServer.h"
 #include "tests/support/PrivateBus.h"
 #include "tests/support/RefusedCalls.h"
 #include "tests/support/TestProfile.h"
@@ -9,6 +10,8 @@
 
 #include <QCoreApplication>
 #include <QDBusConnection>
+#include <QDBusConnectionInterface>
+#include <QDBusReply>
 #include <QEventLoop>
 
 #include <sys/syscall.h>
@@ -23,97 +26,87 @@ namespace {
 
 int noArguments = 0;
 
-/// A notification service that shows nothing and remembers everything.
-class Server : public QObject {
-  Q_OBJECT
-  Q_CLASSINFO("D-Bus Interface", "org.freedesktop.Notifications")
-
-public:
-  Server() {
-    auto bus = QDBusConnection::connectToBus(QDBusConnection::SessionBus, u"server"_s);
-    bus.registerObject(u"/org/freedesktop/Notifications"_s, this, QDBusConnection::ExportAllContents);
-    EXPECT_TRUE(bus.registerService(u"org.freedesktop.Notifications"_s));
+class Notifications : public testing::Test {
+protected:
+  void post(int kind, const QString &text) {
+    center.post(kind, {.title = u"T"_s, .text = text, .processingResult = text});
   }
-  ~Server() override { QDBusConnection::disconnectFromBus(u"server"_s); }
-
-  void restart() {
-    auto bus = QDBusConnection(u"server"_s);
-    bus.unregisterService(u"org.freedesktop.Notifications"_s);
-    bus.registerService(u"org.freedesktop.Notifications"_s);
-    lastId = 0;
-  }
-
-  QStringList capabilities{u"body-markup"_s};
-  uint lastId = 0;
-  QVariantList shown;
-  QList<uint> closed;
-
-public Q_SLOTS:
-  QStringList GetCapabilities() { return capabilities; }
-  uint Notify(const QString &, uint replaced, const QString &, const QString &title, const QString &body,
-              const QStringList &actions, const QVariantMap &hints, int milliseconds) {
-    EXPECT_TRUE(replaced == 0 && milliseconds == -1) << "a new one, for as long as the desktop thinks right";
-    shown = {title, body, actions.value(0), hints.value(u"x-ProcessingResult"_s)};
-    return ++lastId;
-  }
-  void CloseNotification(uint id) { closed << id; }
-
-Q_SIGNALS:
-  void ActionInvoked(uint id, const QString &action);
-  void NotificationClosed(uint id, uint reason);
-};
-
-TEST(Notifications, areCarriedAndHandTheirResultBackWithAClick) {
-  const TestProfile profile;
-  const PrivateBus bus;
-  const QCoreApplication application(noArguments, nullptr);
-  platform::NotificationCenter center;
-  QStringList clicked;
-  QObject::connect(&center, &platform::NotificationCenter::activated,
-                   [&](const QString &result) { clicked << result; });
-  Server server;
-  center.post(u"Title"_s, u"a < b & c"_s, u"17"_s);
-  ASSERT_TRUE(waitFor([&] {
-    return server.shown == QVariantList{u"Title"_s, u"a &lt; b &amp; c"_s, u"default"_s, u"17"_s};
-  }));
-  // The id must have arrived before a click on it can mean anything.
-  const auto clickUntilHeard = [&](uint id, qsizetype count) {
+  /// Clicks until it means something: the id must have arrived before.
+  [[nodiscard]] bool click(NotificationServer &server, uint id) const {
+    const auto before = clicked.size();
     return waitFor([&] {
       Q_EMIT server.NotificationClosed(id, 1);       // by itself: it can still be clicked in the list of past ones
       Q_EMIT server.ActionInvoked(99, u"default"_s); // somebody else's
       Q_EMIT server.ActionInvoked(id, u"snooze"_s);
       Q_EMIT server.ActionInvoked(id, u"default"_s);
       QCoreApplication::processEvents();
-      return clicked.size() >= count;
+      return clicked.size() > before;
     });
-  };
-  ASSERT_TRUE(clickUntilHeard(1, 1));
-  EXPECT_EQ(clicked, QStringList{u"17"_s});
-  EXPECT_TRUE(waitFor([&] { return server.closed == QList<uint>{1}; }));
+  }
 
-  server.capabilities.clear();
-  const auto post = [&](const QString &text) {
-    center.post(u"T"_s, text, text);
-    return waitFor([&] { return server.shown.value(1) == text; });
-  };
-  EXPECT_TRUE(post(u"2"_s));
-  EXPECT_TRUE(clickUntilHeard(2, 2));
-  EXPECT_TRUE(post(u"3"_s));
-  Q_EMIT server.NotificationClosed(3, 2); // by the user
-  EXPECT_TRUE(post(u"4"_s));
-  Q_EMIT server.ActionInvoked(3, u"default"_s);
-  EXPECT_TRUE(clickUntilHeard(4, 3));
-  EXPECT_EQ(clicked, (QStringList{u"17"_s, u"2"_s, u"4"_s}));
+  const TestProfile profile;
+  const PrivateBus bus;
+  const QCoreApplication application{noArguments, nullptr};
+  platform::NotificationCenter center;
+  QStringList clicked;
+  const QMetaObject::Connection clicks = QObject::connect(&center, &platform::NotificationCenter::activated,
+                                                          [this](const QString &result) { clicked << result; });
+};
+
+TEST_F(Notifications, areCarriedAndHandTheirResultBackWithAClick) {
+  NotificationServer server;
+  center.post(1, {.title = u"Title"_s,
+                  .text = u"a < b & c"_s,
+                  .processingResult = u"17"_s,
+                  .topic = platform::Notification::Topic::ConnectionError,
+                  .imagePath = u"/a b/ü#.jpg"_s});
+  ASSERT_TRUE(server.waitForStanding({u"a &lt; b &amp; c"_s}));
+  const QString name = u"com.norvale.Downloaderpictora"_s;
+  EXPECT_EQ(server.last, (QVariantList{u"Downloaderpictora"_s, name, u"Title"_s, u"default"_s}));
+  EXPECT_EQ(server.lastHints, (QVariantMap{{u"x-ProcessingResult"_s, u"17"_s},
+                                           {u"desktop-entry"_s, name},
+                                           {u"category"_s, u"network.error"_s},
+                                           {u"urgency"_s, QVariant::fromValue(uchar(1))},
+                                           {u"image-path"_s, u"file:///a%20b/%C3%BC%23.jpg"_s}}));
+  ASSERT_TRUE(click(server, 1));
+  EXPECT_TRUE(server.waitForStanding({}));
   // A server that starts anew counts anew, and may know less.
-  EXPECT_TRUE(post(u"5"_s));
+  post(1, u"one"_s);
+  ASSERT_TRUE(server.waitForStanding({u"one"_s}));
+  server.capabilities.clear();
   server.restart();
-  EXPECT_TRUE(waitFor([&] {
-    center.post(u"T"_s, u"<6>"_s, u"6"_s);
-    return waitFor([&] { return server.shown.value(1) == u"<6>"_s; }, 200ms);
-  })) << "told plainly to who reads no markup";
-  Q_EMIT server.ActionInvoked(5, u"default"_s);
-  EXPECT_TRUE(clickUntilHeard(server.lastId, 4));
-  EXPECT_EQ(clicked.back(), u"6"_s);
+  post(2, u"<two>"_s);
+  EXPECT_TRUE(server.waitForStanding({u"<two>"_s, u"one"_s})) << "told plainly to who reads no markup";
+  EXPECT_TRUE(click(server, server.standing.key(u"<two>"_s)));
+  EXPECT_EQ(clicked, (QStringList{u"17"_s, u"<two>"_s}));
+}
+
+TEST_F(Notifications, standOnceOfAKindForAsLongAsTheyAreTrueWhateverBecomesOfTheService) {
+  post(1, u"one"_s);
+  post(2, u"two"_s);
+  post(3, u"untrue"_s);
+  ASSERT_FALSE(
+      QDBusConnection::sessionBus().interface()->isServiceRegistered(u"org.freedesktop.Notifications"_s).value());
+  QCoreApplication::processEvents(); // nobody has taken it
+  post(1, u"one, later"_s);
+  center.withdraw(3);
+  NotificationServer server;
+  EXPECT_TRUE(server.waitForStanding({u"one, later"_s, u"two"_s}));
+  // What is under way is replaced and withdrawn as well.
+  for (const auto &text : {u"a"_s, u"b"_s}) {
+    post(1, text);
+    post(3, text);
+  }
+  center.withdraw(3);
+  EXPECT_TRUE(waitFor([&] { return server.lastId == 3; }) && server.waitForStanding({u"b"_s, u"two"_s}));
+  server.close(2, 2); // by the user
+  server.restart();
+  EXPECT_TRUE(server.waitForStanding({u"b"_s})) << "what the user has not done with";
+  Q_EMIT server.NotificationClosed(1, 1);
+  post(4, u"c"_s);
+  center.withdraw(1);
+  EXPECT_TRUE(server.waitForStanding({u"c"_s})) << "of those in the list of past ones";
+  EXPECT_EQ(server.lastId, 2) << "each was posted once";
 }
 
 TEST(SingleInstance, hasTheProfileAloneAndCanBeReachedUntilItResigns) {
@@ -197,5 +190,3 @@ TEST(Mailbox, runsJobsInOrderWhileOneShowsADialogAndDropsWhatIsLeft) {
 }
 
 } // namespace
-
-#include "EventsTest.moc"

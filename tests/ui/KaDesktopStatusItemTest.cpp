@@ -61,13 +61,18 @@ TEST_F(DesktopItem, statesItsMenuByTheGivenValueAndHasAPictureForEveryFrame) {
 TEST_F(DesktopItem, alertsOneAtATimeInOrderAndOnceEach) {
   QTranslator spanish; // without the words of Qt, which a system may lack
   ASSERT_TRUE(spanish.load(u":/i18n/pictora_es"_s) && QCoreApplication::installTranslator(&spanish));
+  const QIcon own(u":/images/img_app_info.png"_s);
+  QApplication::setWindowIcon(own);
   KaDesktopStatusItem item;
   for (const auto &text : {u"first"_s, u"second"_s, u"first"_s, u"second"_s, QString()})
     item.alert(text);
   for (const auto &text : {u"first"_s, u"second"_s, QString()}) {
     ASSERT_EQ(UiProfile::windows<QMessageBox>().size(), 1);
-    EXPECT_EQ(UiProfile::windows<QMessageBox>().first()->text(), text);
-    QAbstractButton *const ok = UiProfile::windows<QMessageBox>().first()->buttons().value(0);
+    const QMessageBox &box = *UiProfile::windows<QMessageBox>().first();
+    EXPECT_EQ(box.text(), text);
+    const QPixmap icon = box.iconPixmap();
+    EXPECT_TRUE(icon.width() >= 16 && icon.toImage() == own.pixmap(icon.size()).toImage()) << "no warning";
+    QAbstractButton *const ok = box.buttons().value(0);
     EXPECT_EQ(ok->text(), u"Aceptar");
     ok->click();
     QCoreApplication::processEvents();

@@ -21,6 +21,8 @@
 #include <QUrl>
 #include <QUrlQuery>
 
+#include <sched.h>
+
 #include <thread>
 
 using namespace Qt::StringLiterals;
@@ -42,14 +44,18 @@ public:
     if (const auto fault = std::exchange(nextFault, {})) fault();
   }
   void alert(const QString &text) override { alerts << text; }
-  void notify(const QString &title, const QString &text, const QString &processingResult) override {
-    notifications << title + text + processingResult;
+  void notify(NotificationKind kind, const platform::Notification &told) override {
+    notifications << told.title + told.text + told.processingResult;
+    standing[kind] = told.processingResult;
   }
+  void withdraw(NotificationKind kind) override { standing.remove(kind); }
+  void withdrawAll() override { standing.clear(); }
 
   std::vector<StatusItemState> states;
   QStringList alerts;
   QStringList notifications;
-  std::function<void()> nextFault; ///< happens once, at the next show
+  QMap<NotificationKind, QString> standing; ///< results
+  std::function<void()> nextFault;          ///< happens once, at the next show
 };
 
 /// The controller over the real facade, with a status item that only remembers. The download thread has ended, so that
@@ -281,6 +287,67 @@ TEST_F(NotifyIcon, switchesTheStartAtLoginAndAlertsOfAnActionThatFails) {
   view.nextFault = [] { throw KaException(u"ShowFault"_s, u"on purpose"_s); };
   icon->menuAction_LaunchSetting();
   ASSERT_TRUE(waitFor([&] { return view.alerts == QStringList{localised("MSG_ERR_UNEXPECTED"_L1)}; }));
+}
+
+TEST_F(NotifyIcon, withdrawsWhatIsNotTrueAnyMoreAndBeginsNoLoginForALinkThatHolds) {
+  platform::standardUserDefaults().setString(u"strataHostName"_s,
+                                             u"localhost"_s); // for which every computer has a network
+  ASSERT_TRUE(KaLinkageUtility::saveLinkageSetting(u"token"_s));
+  start();
+  report([] {});
+  const auto normal = [this] { icon->onChangeStatus(facade, KaAppStatus::Normal); };
+  const auto holds = [this] { icon->onChangeLinkage(true); };
+  const auto result = [this](qint64 code) {
+    return [this, code] { icon->onProcessingResult(facade, static_cast<KaResultCode>(code), /*userTrigger=*/false); };
+  };
+  const std::tuple<QStringList, std::function<void()>, QStringList> rows[] = {
+      {{u"1"_s, u"2"_s, u"10"_s, u"16"_s}, [] {}, {u"1"_s, u"2"_s, u"16"_s}},
+      {{u"4"_s, u"9"_s, u"8"_s, u"14"_s, u"24"_s}, result(17), {u"17"_s, u"8"_s, u"14"_s, u"24"_s}},
+      {{u"16"_s, u"11"_s, u"13"_s, u"14"_s}, normal, {u"14"_s}},
+      {{u"10"_s, u"12"_s}, holds, {u"12"_s}},
+      {{u"4"_s, u"17"_s, u"7"_s, u"8"_s, u"14"_s}, result(2), {u"2"_s, u"14"_s}},
+      {{u"1"_s, u"17"_s, u"6"_s, u"8"_s}, result(4), {u"4"_s, u"1"_s, u"8"_s}},
+      {{u"1"_s, u"2"_s, u"4"_s, u"9"_s, u"8"_s, u"14"_s, u"24"_s}, result(5), {u"24"_s}},
+  };
+  for (const auto &[told, event, expected] : rows) {
+    view.standing.clear();
+    report([&] {
+      for (const QString &code : told)
+        result(code.toLongLong())();
+    });
+    event();
+    report([] {});
+    EXPECT_EQ(view.standing.values(), expected) << told.join(u',').toStdString();
+  }
+  facade.setStillToCome(1);
+  report([&] {
+    result(8)();
+    normal();
+  });
+  EXPECT_EQ(view.standing.take(NotificationKind::SavingTrouble), u"8"_s) << "a picture waits for room";
+
+  const auto clickLogIn = [&] {
+    Q_EMIT view.notificationActivated(u"17"_s);
+    return KaLinkageUtility::loadLinkageSetting().has_value();
+  };
+  holds();
+  report(result(9));
+  EXPECT_TRUE(clickLogIn()) << "a login would have dropped the link";
+  report(result(17));
+  EXPECT_FALSE(clickLogIn());
+  EXPECT_THAT(opened(), HasSubstr("/getLogin?"));
+  EXPECT_FALSE(icon->appFinalize(0ms));
+  EXPECT_TRUE(view.standing.isEmpty()) << "all end with the program";
+}
+
+TEST_F(NotifyIcon, withdrawsNothingWhenARunOnlyWaitsForANetwork) {
+  if (::unshare(CLONE_NEWNET) != 0) GTEST_SKIP() << "this user may not be without a network";
+  start();
+  report([&] {
+    icon->onProcessingResult(facade, KaResultCode::ValidationFailed, /*userTrigger=*/false);
+    icon->onChangeStatus(facade, KaAppStatus::Normal);
+  });
+  EXPECT_EQ(view.standing.values(), QStringList{u"17"_s}) << "which is told once";
 }
 
 TEST_F(NotifyIcon, opensWhatBelongsToTheResultOfAClickedNotification) {
