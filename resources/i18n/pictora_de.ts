@@ -150,7 +150,7 @@
   </message>
   <message id="DLG_SETTING_DOWNLOAD_METADATA">
     <source></source>
-    <translation>Fotos mit ihren &amp;Metadaten herunterladen, sofern der Fotodienst sie so bereithält</translation>
+    <translation>Fotos mit ihren &amp;Metadaten herunterladen, falls vorhanden</translation>
   </message>
   <message id="MSG_TRANS_FOLDER_NOT_ACCESS">
     <source></source>

@@ -150,7 +150,7 @@
   </message>
   <message id="DLG_SETTING_DOWNLOAD_METADATA">
     <source></source>
-    <translation>Download pictures with their &amp;metadata, where the photo service has them that way</translation>
+    <translation>Download pictures with their &amp;metadata, if available</translation>
   </message>
   <message id="MSG_TRANS_FOLDER_NOT_ACCESS">
     <source></source>

@@ -150,7 +150,7 @@
   </message>
   <message id="DLG_SETTING_DOWNLOAD_METADATA">
     <source></source>
-    <translation>Descargar las fotos con sus &amp;metadatos, cuando el servicio de fotos las ofrezca así</translation>
+    <translation>Descargar las fotos con sus &amp;metadatos, si están disponibles</translation>
   </message>
   <message id="MSG_TRANS_FOLDER_NOT_ACCESS">
     <source></source>

@@ -150,7 +150,7 @@
   </message>
   <message id="DLG_SETTING_DOWNLOAD_METADATA">
     <source></source>
-    <translation>Télécharger les photos avec leurs &amp;métadonnées, lorsque le service photo les propose ainsi</translation>
+    <translation>Télécharger les photos avec leurs &amp;métadonnées, si elles sont disponibles</translation>
   </message>
   <message id="MSG_TRANS_FOLDER_NOT_ACCESS">
     <source></source>

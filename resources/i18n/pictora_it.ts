@@ -146,11 +146,11 @@
   </message>
   <message id="DLG_SETTING_CREATE_SUBFOLDER">
     <source></source>
-    <translation>&amp;Smista le foto in cartelle secondo le regole di smistamento dell’account</translation>
+    <translation>&amp;Smista le foto in cartelle secondo le regole di smistamento del tuo account</translation>
   </message>
   <message id="DLG_SETTING_DOWNLOAD_METADATA">
     <source></source>
-    <translation>Scarica le foto con i relativi &amp;metadati, quando il servizio foto le offre così</translation>
+    <translation>Scarica le foto con i loro &amp;metadati, se disponibili</translation>
   </message>
   <message id="MSG_TRANS_FOLDER_NOT_ACCESS">
     <source></source>

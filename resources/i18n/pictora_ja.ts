@@ -146,11 +146,11 @@
   </message>
   <message id="DLG_SETTING_CREATE_SUBFOLDER">
     <source></source>
-    <translation>アカウントの振り分けルールに従って写真をフォルダーに振り分ける(&amp;S)</translation>
+    <translation>アカウントの振り分けルールで写真をフォルダーに振り分け(&amp;S)</translation>
   </message>
   <message id="DLG_SETTING_DOWNLOAD_METADATA">
     <source></source>
-    <translation>写真サービスにメタデータ付きの写真がある場合は、それをダウンロードする(&amp;M)</translation>
+    <translation>メタデータ付きの写真をダウンロード（ある場合）(&amp;M)</translation>
   </message>
   <message id="MSG_TRANS_FOLDER_NOT_ACCESS">
     <source></source>

@@ -150,7 +150,7 @@
   </message>
   <message id="DLG_SETTING_DOWNLOAD_METADATA">
     <source></source>
-    <translation>사진 서비스에 메타데이터가 포함된 사진이 있으면 그 사진을 다운로드(&amp;M)</translation>
+    <translation>가능하면 메타데이터가 포함된 사진을 다운로드(&amp;M)</translation>
   </message>
   <message id="MSG_TRANS_FOLDER_NOT_ACCESS">
     <source></source>

@@ -150,7 +150,7 @@
   </message>
   <message id="DLG_SETTING_DOWNLOAD_METADATA">
     <source></source>
-    <translation>如果照片服务提供带元数据的照片，则下载这种照片(&amp;M)</translation>
+    <translation>下载带元数据的照片（如有）(&amp;M)</translation>
   </message>
   <message id="MSG_TRANS_FOLDER_NOT_ACCESS">
     <source></source>
