@@ -10,7 +10,7 @@
   </message>
   <message id="APP_LONG_NAME">
     <source></source>
-    <translation>Downloaderpictora Foto-Download</translation>
+    <translation>Downloaderpictora – Foto-Download</translation>
   </message>
   <!-- Start-up -->
   <message id="MSG_FIRST_LAUNCH">
@@ -19,7 +19,7 @@
   </message>
   <message id="MSG_ERR_START">
     <source></source>
-    <translation>Downloaderpictora konnte nicht starten. Versuchen Sie es erneut oder starten Sie den Computer neu.</translation>
+    <translation>Downloaderpictora konnte nicht gestartet werden. Versuchen Sie es erneut oder starten Sie den Computer neu.</translation>
   </message>
   <message id="MSG_ERR_MACHINE_ID">
     <source></source>
@@ -93,7 +93,7 @@
   </message>
   <message id="TOOL_TIP_STATUS_ERR_DOWNLOAD">
     <source></source>
-    <translation>Downloaderpictora: Fotos konnten nicht gespeichert werden</translation>
+    <translation>Downloaderpictora: einige Fotos konnten nicht gespeichert werden</translation>
   </message>
   <message id="TOOL_TIP_STATUS_UNLINK">
     <source></source>
@@ -110,7 +110,7 @@
   </message>
   <message id="CHK_SETTING_SUB_10G_DOWNLOAD">
     <source></source>
-    <translation>Auch den &amp;Langzeitspeicher (10G) und die Vorschaubilder in diesen Ordner herunterladen:</translation>
+    <translation>Auch Fotos aus dem &amp;Langzeitspeicher (10G) und Vorschaubilder in diesen Ordner herunterladen:</translation>
   </message>
   <message id="DLG_SETTING_SAVE_SUB_FOLDER">
     <source></source>
@@ -150,7 +150,7 @@
   </message>
   <message id="DLG_SETTING_DOWNLOAD_METADATA">
     <source></source>
-    <translation>Fotos mit ihren &amp;Metadaten herunterladen, sofern der Fotodienst sie so bereithält</translation>
+    <translation>Fotos mit ihren &amp;Metadaten herunterladen, falls vorhanden</translation>
   </message>
   <message id="MSG_TRANS_FOLDER_NOT_ACCESS">
     <source></source>
@@ -192,7 +192,7 @@
   </message>
   <message id="MSG_ERR_COMMUNICATION">
     <source></source>
-    <translation>Die Antwort des Fotodienstes war nicht zu verstehen. Der Download wird später erneut versucht.</translation>
+    <translation>Der Fotodienst hat eine unverständliche Antwort geschickt. Downloaderpictora versucht es von selbst erneut.</translation>
   </message>
   <message id="MSG_ERR_DISK_FULL">
     <source></source>
@@ -200,7 +200,7 @@
   </message>
   <message id="MSG_ERR_OFFLINE">
     <source></source>
-    <translation>Der Fotodienst ist nicht erreichbar. Prüfen Sie Ihre Internetverbindung; der Download wird später erneut versucht.</translation>
+    <translation>Der Fotodienst ist nicht erreichbar. Prüfen Sie Ihre Internetverbindung; Downloaderpictora versucht es von selbst erneut.</translation>
   </message>
   <message id="MSG_ERR_UNLINK">
     <source></source>
@@ -208,19 +208,19 @@
   </message>
   <message id="MSG_ERR_RETRY">
     <source></source>
-    <translation>Der Fotodienst ist überlastet. Der Download wird später erneut versucht.</translation>
+    <translation>Der Fotodienst ist überlastet. Downloaderpictora versucht es von selbst erneut.</translation>
   </message>
   <message id="MSG_ERR_SERVER">
     <source></source>
-    <translation>Der Fotodienst hat ein Problem gemeldet. Der Download wird später erneut versucht.</translation>
+    <translation>Der Fotodienst hat ein Problem gemeldet. Downloaderpictora versucht es von selbst erneut.</translation>
   </message>
   <message id="MSG_ERR_DOWNLOAD">
     <source></source>
-    <translation>Fotos konnten nicht gespeichert werden. Prüfen Sie, ob Ihr Download-Ordner vorhanden ist und ob Sie in ihn schreiben dürfen.</translation>
+    <translation>Einige Fotos konnten nicht gespeichert werden. Prüfen Sie, ob Ihre Download-Ordner vorhanden sind und ob Sie in sie schreiben dürfen.</translation>
   </message>
   <message id="MSG_ERR_UNEXPECTED">
     <source></source>
-    <translation>Etwas Unerwartetes ist schiefgegangen. Falls es wieder geschieht, beenden Sie Downloaderpictora und starten Sie es neu.</translation>
+    <translation>Ein unerwartetes Problem ist aufgetreten. Wenn es sich wiederholt, beenden Sie Downloaderpictora und starten Sie es neu.</translation>
   </message>
   <message id="MSG_ERR_LINK_INVALID">
     <source></source>

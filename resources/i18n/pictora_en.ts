@@ -10,7 +10,7 @@
   </message>
   <message id="APP_LONG_NAME">
     <source></source>
-    <translation>Downloaderpictora Photo Download</translation>
+    <translation>Downloaderpictora – Photo Download</translation>
   </message>
   <!-- Start-up -->
   <message id="MSG_FIRST_LAUNCH">
@@ -93,7 +93,7 @@
   </message>
   <message id="TOOL_TIP_STATUS_ERR_DOWNLOAD">
     <source></source>
-    <translation>Downloaderpictora: pictures could not be saved</translation>
+    <translation>Downloaderpictora: some pictures could not be saved</translation>
   </message>
   <message id="TOOL_TIP_STATUS_UNLINK">
     <source></source>
@@ -110,7 +110,7 @@
   </message>
   <message id="CHK_SETTING_SUB_10G_DOWNLOAD">
     <source></source>
-    <translation>Also download the &amp;long-term storage (10G) and the previews to this folder:</translation>
+    <translation>Also download pictures from &amp;long-term storage (10G) and previews to this folder:</translation>
   </message>
   <message id="DLG_SETTING_SAVE_SUB_FOLDER">
     <source></source>
@@ -150,7 +150,7 @@
   </message>
   <message id="DLG_SETTING_DOWNLOAD_METADATA">
     <source></source>
-    <translation>Download pictures with their &amp;metadata, where the photo service has them that way</translation>
+    <translation>Download pictures with their &amp;metadata, if available</translation>
   </message>
   <message id="MSG_TRANS_FOLDER_NOT_ACCESS">
     <source></source>
@@ -158,7 +158,7 @@
   </message>
   <message id="MSG_TRANS_FOLDER_NOT_SUPPORT">
     <source></source>
-    <translation>Pictures cannot be saved in this folder, because it lies on a removable or network disk or belongs to the system. Choose a folder on this computer’s own disk.</translation>
+    <translation>Pictures cannot be saved in this folder, because it is on a removable or network disk or belongs to the system. Choose a folder on a built-in disk of this computer.</translation>
   </message>
   <message id="MSG_TRANS_FOLDER_TOO_LONG">
     <source></source>
@@ -176,7 +176,7 @@
   </message>
   <message id="MSG_10G_DOWNLOAD_COMPLETE">
     <source></source>
-    <translation>All new pictures from the long-term storage have been downloaded. Click here to open the folder.</translation>
+    <translation>All new pictures from long-term storage have been downloaded. Click here to open the folder.</translation>
   </message>
   <message id="MSG_DOWNLOAD_ZERO">
     <source></source>
@@ -188,11 +188,11 @@
   </message>
   <message id="MSG_ERR_CERTIFICATE">
     <source></source>
-    <translation>No secure connection to the photo service could be made. Check that the date and time of this computer are right, and whether your network lets secure connections through.</translation>
+    <translation>No secure connection to the photo service could be made. Check that the date and time of this computer are right and that your network allows secure connections.</translation>
   </message>
   <message id="MSG_ERR_COMMUNICATION">
     <source></source>
-    <translation>The photo service sent an answer that could not be understood. The download will be tried again later.</translation>
+    <translation>The photo service sent an answer that could not be understood. Downloaderpictora will try again by itself.</translation>
   </message>
   <message id="MSG_ERR_DISK_FULL">
     <source></source>
@@ -200,7 +200,7 @@
   </message>
   <message id="MSG_ERR_OFFLINE">
     <source></source>
-    <translation>The photo service could not be reached. Check your internet connection; the download will be tried again later.</translation>
+    <translation>The photo service could not be reached. Check your internet connection; Downloaderpictora will try again by itself.</translation>
   </message>
   <message id="MSG_ERR_UNLINK">
     <source></source>
@@ -208,15 +208,15 @@
   </message>
   <message id="MSG_ERR_RETRY">
     <source></source>
-    <translation>The photo service is busy. The download will be tried again later.</translation>
+    <translation>The photo service is busy. Downloaderpictora will try again by itself.</translation>
   </message>
   <message id="MSG_ERR_SERVER">
     <source></source>
-    <translation>The photo service reported a problem. The download will be tried again later.</translation>
+    <translation>The photo service reported a problem. Downloaderpictora will try again by itself.</translation>
   </message>
   <message id="MSG_ERR_DOWNLOAD">
     <source></source>
-    <translation>Pictures could not be saved. Check that your download folder exists and that you may write to it.</translation>
+    <translation>Some pictures could not be saved. Check that your download folders exist and that you may write to them.</translation>
   </message>
   <message id="MSG_ERR_UNEXPECTED">
     <source></source>

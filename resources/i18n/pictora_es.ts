@@ -27,7 +27,7 @@
   </message>
   <message id="MSG_ERR_PROFILE_IN_USE">
     <source></source>
-    <translation>Downloaderpictora ya se está ejecutando para usted en otra sesión y no se puede acceder a él desde aquí. Ciérrelo primero allí.</translation>
+    <translation>Downloaderpictora ya está abierto en otra de sus sesiones y no se puede acceder a él desde aquí. Ciérrelo primero allí.</translation>
   </message>
   <message id="DLG_COMMON_BUTTON_OK_MAC">
     <source></source>
@@ -93,7 +93,7 @@
   </message>
   <message id="TOOL_TIP_STATUS_ERR_DOWNLOAD">
     <source></source>
-    <translation>Downloaderpictora: no se pudieron guardar fotos</translation>
+    <translation>Downloaderpictora: no se pudieron guardar algunas fotos</translation>
   </message>
   <message id="TOOL_TIP_STATUS_UNLINK">
     <source></source>
@@ -110,7 +110,7 @@
   </message>
   <message id="CHK_SETTING_SUB_10G_DOWNLOAD">
     <source></source>
-    <translation>Descargar también el almacenamiento a &amp;largo plazo (10G) y las vistas previas en esta carpeta:</translation>
+    <translation>Descargar también las fotos del almacenamiento a &amp;largo plazo (10G) y las vistas previas en esta carpeta:</translation>
   </message>
   <message id="DLG_SETTING_SAVE_SUB_FOLDER">
     <source></source>
@@ -150,7 +150,7 @@
   </message>
   <message id="DLG_SETTING_DOWNLOAD_METADATA">
     <source></source>
-    <translation>Descargar las fotos con sus &amp;metadatos, cuando el servicio de fotos las ofrezca así</translation>
+    <translation>Descargar las fotos con sus &amp;metadatos, si están disponibles</translation>
   </message>
   <message id="MSG_TRANS_FOLDER_NOT_ACCESS">
     <source></source>
@@ -192,7 +192,7 @@
   </message>
   <message id="MSG_ERR_COMMUNICATION">
     <source></source>
-    <translation>No se pudo entender la respuesta del servicio de fotos. La descarga se volverá a intentar más tarde.</translation>
+    <translation>El servicio de fotos envió una respuesta que no se pudo entender. Downloaderpictora lo volverá a intentar por sí solo.</translation>
   </message>
   <message id="MSG_ERR_DISK_FULL">
     <source></source>
@@ -200,7 +200,7 @@
   </message>
   <message id="MSG_ERR_OFFLINE">
     <source></source>
-    <translation>No se pudo acceder al servicio de fotos. Compruebe su conexión a Internet; la descarga se volverá a intentar más tarde.</translation>
+    <translation>No se pudo acceder al servicio de fotos. Compruebe su conexión a Internet; Downloaderpictora lo volverá a intentar por sí solo.</translation>
   </message>
   <message id="MSG_ERR_UNLINK">
     <source></source>
@@ -208,15 +208,15 @@
   </message>
   <message id="MSG_ERR_RETRY">
     <source></source>
-    <translation>El servicio de fotos está saturado. La descarga se volverá a intentar más tarde.</translation>
+    <translation>El servicio de fotos está saturado. Downloaderpictora lo volverá a intentar por sí solo.</translation>
   </message>
   <message id="MSG_ERR_SERVER">
     <source></source>
-    <translation>El servicio de fotos informó de un problema. La descarga se volverá a intentar más tarde.</translation>
+    <translation>El servicio de fotos informó de un problema. Downloaderpictora lo volverá a intentar por sí solo.</translation>
   </message>
   <message id="MSG_ERR_DOWNLOAD">
     <source></source>
-    <translation>No se pudieron guardar fotos. Compruebe que su carpeta de descarga exista y que tenga permiso para escribir en ella.</translation>
+    <translation>No se pudieron guardar algunas fotos. Compruebe que sus carpetas de descarga existan y que tenga permiso para escribir en ellas.</translation>
   </message>
   <message id="MSG_ERR_UNEXPECTED">
     <source></source>
@@ -248,7 +248,7 @@
   </message>
   <message id="MSG_NEW_VERSION_RELEASED">
     <source></source>
-    <translation>Hay una nueva versión de Downloaderpictora. Puede obtenerla en el mismo sitio en que obtuvo esta.</translation>
+    <translation>Hay una versión nueva de Downloaderpictora. Puede obtenerla en el mismo sitio que esta.</translation>
   </message>
 </context>
 </TS>

@@ -27,7 +27,7 @@
   </message>
   <message id="MSG_ERR_PROFILE_IN_USE">
     <source></source>
-    <translation>Downloaderpictora fonctionne déjà pour vous dans une autre session et n’est pas joignable d’ici. Quittez-le d’abord là-bas.</translation>
+    <translation>Downloaderpictora est déjà ouvert dans une autre de vos sessions et n’est pas joignable d’ici. Quittez-le d’abord là-bas.</translation>
   </message>
   <message id="DLG_COMMON_BUTTON_OK_MAC">
     <source></source>
@@ -81,11 +81,11 @@
   </message>
   <message id="TOOL_TIP_STATUS_OFFLINE">
     <source></source>
-    <translation>Downloaderpictora : pas de connexion au service photo</translation>
+    <translation>Downloaderpictora : service photo injoignable</translation>
   </message>
   <message id="TOOL_TIP_STATUS_MAINTENANCE">
     <source></source>
-    <translation>Downloaderpictora : le service photo est indisponible pour le moment</translation>
+    <translation>Downloaderpictora : service photo indisponible pour le moment</translation>
   </message>
   <message id="TOOL_TIP_STATUS_DISK_FULL">
     <source></source>
@@ -93,11 +93,11 @@
   </message>
   <message id="TOOL_TIP_STATUS_ERR_DOWNLOAD">
     <source></source>
-    <translation>Downloaderpictora : des photos n’ont pas pu être enregistrées</translation>
+    <translation>Downloaderpictora : certaines photos n’ont pas pu être enregistrées</translation>
   </message>
   <message id="TOOL_TIP_STATUS_UNLINK">
     <source></source>
-    <translation>Downloaderpictora : non connecté</translation>
+    <translation>Downloaderpictora : aucun compte connecté</translation>
   </message>
   <!-- Download folders -->
   <message id="DLG_SETTING_SAVE_FOLDER_TITLE">
@@ -110,7 +110,7 @@
   </message>
   <message id="CHK_SETTING_SUB_10G_DOWNLOAD">
     <source></source>
-    <translation>Télécharger aussi le stockage à &amp;long terme (10G) et les aperçus dans ce dossier :</translation>
+    <translation>Télécharger aussi les photos du stockage à &amp;long terme (10G) et les aperçus dans ce dossier :</translation>
   </message>
   <message id="DLG_SETTING_SAVE_SUB_FOLDER">
     <source></source>
@@ -150,7 +150,7 @@
   </message>
   <message id="DLG_SETTING_DOWNLOAD_METADATA">
     <source></source>
-    <translation>Télécharger les photos avec leurs &amp;métadonnées, lorsque le service photo les propose ainsi</translation>
+    <translation>Télécharger les photos avec leurs &amp;métadonnées, si elles sont disponibles</translation>
   </message>
   <message id="MSG_TRANS_FOLDER_NOT_ACCESS">
     <source></source>
@@ -184,15 +184,15 @@
   </message>
   <message id="MSG_INITIAL_ACCESS_COMPLETE">
     <source></source>
-    <translation>Vous êtes connecté. Vos photos vont maintenant être téléchargées.</translation>
+    <translation>Votre compte est connecté. Vos photos vont maintenant être téléchargées.</translation>
   </message>
   <message id="MSG_ERR_CERTIFICATE">
     <source></source>
-    <translation>Impossible d’établir une connexion sécurisée avec le service photo. Vérifiez que la date et l’heure de cet ordinateur sont justes et que votre réseau laisse passer les connexions sécurisées.</translation>
+    <translation>Impossible d’établir une connexion sécurisée avec le service photo. Vérifiez que la date et l’heure de cet ordinateur sont justes et que votre réseau autorise les connexions sécurisées.</translation>
   </message>
   <message id="MSG_ERR_COMMUNICATION">
     <source></source>
-    <translation>La réponse du service photo n’a pas pu être comprise. Une nouvelle tentative de téléchargement aura lieu plus tard.</translation>
+    <translation>Le service photo a envoyé une réponse incompréhensible. Downloaderpictora réessaiera de lui-même.</translation>
   </message>
   <message id="MSG_ERR_DISK_FULL">
     <source></source>
@@ -200,7 +200,7 @@
   </message>
   <message id="MSG_ERR_OFFLINE">
     <source></source>
-    <translation>Le service photo est injoignable. Vérifiez votre connexion à Internet ; une nouvelle tentative de téléchargement aura lieu plus tard.</translation>
+    <translation>Le service photo est injoignable. Vérifiez votre connexion à Internet ; Downloaderpictora réessaiera de lui-même.</translation>
   </message>
   <message id="MSG_ERR_UNLINK">
     <source></source>
@@ -208,15 +208,15 @@
   </message>
   <message id="MSG_ERR_RETRY">
     <source></source>
-    <translation>Le service photo est surchargé. Une nouvelle tentative de téléchargement aura lieu plus tard.</translation>
+    <translation>Le service photo est surchargé. Downloaderpictora réessaiera de lui-même.</translation>
   </message>
   <message id="MSG_ERR_SERVER">
     <source></source>
-    <translation>Le service photo a signalé un problème. Une nouvelle tentative de téléchargement aura lieu plus tard.</translation>
+    <translation>Le service photo a signalé un problème. Downloaderpictora réessaiera de lui-même.</translation>
   </message>
   <message id="MSG_ERR_DOWNLOAD">
     <source></source>
-    <translation>Des photos n’ont pas pu être enregistrées. Vérifiez que votre dossier de téléchargement existe et que vous avez le droit d’y écrire.</translation>
+    <translation>Certaines photos n’ont pas pu être enregistrées. Vérifiez que vos dossiers de téléchargement existent et que vous avez le droit d’y écrire.</translation>
   </message>
   <message id="MSG_ERR_UNEXPECTED">
     <source></source>

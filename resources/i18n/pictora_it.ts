@@ -19,15 +19,15 @@
   </message>
   <message id="MSG_ERR_START">
     <source></source>
-    <translation>Impossibile avviare Downloaderpictora. Riprovare o riavviare il computer.</translation>
+    <translation>Non è stato possibile avviare Downloaderpictora. Riprova o riavvia il computer.</translation>
   </message>
   <message id="MSG_ERR_MACHINE_ID">
     <source></source>
-    <translation>Impossibile avviare Downloaderpictora perché l’identità di questo computer non è leggibile. Riprovare più tardi.</translation>
+    <translation>Non è possibile avviare Downloaderpictora perché l’identità di questo computer non è leggibile. Riprova più tardi.</translation>
   </message>
   <message id="MSG_ERR_PROFILE_IN_USE">
     <source></source>
-    <translation>Downloaderpictora è già in esecuzione in un’altra sessione dello stesso utente e non è raggiungibile da qui. Chiuderlo prima là.</translation>
+    <translation>Downloaderpictora è già aperto in un’altra tua sessione e da qui non è raggiungibile. Chiudilo prima là.</translation>
   </message>
   <message id="DLG_COMMON_BUTTON_OK_MAC">
     <source></source>
@@ -93,7 +93,7 @@
   </message>
   <message id="TOOL_TIP_STATUS_ERR_DOWNLOAD">
     <source></source>
-    <translation>Downloaderpictora: impossibile salvare alcune foto</translation>
+    <translation>Downloaderpictora: alcune foto non sono state salvate</translation>
   </message>
   <message id="TOOL_TIP_STATUS_UNLINK">
     <source></source>
@@ -110,7 +110,7 @@
   </message>
   <message id="CHK_SETTING_SUB_10G_DOWNLOAD">
     <source></source>
-    <translation>Scarica anche l’archivio a &amp;lungo termine (10G) e le anteprime in questa cartella:</translation>
+    <translation>Scarica anche le foto dell’archivio a &amp;lungo termine (10G) e le anteprime in questa cartella:</translation>
   </message>
   <message id="DLG_SETTING_SAVE_SUB_FOLDER">
     <source></source>
@@ -146,23 +146,23 @@
   </message>
   <message id="DLG_SETTING_CREATE_SUBFOLDER">
     <source></source>
-    <translation>&amp;Smista le foto in cartelle secondo le regole di smistamento dell’account</translation>
+    <translation>&amp;Smista le foto in cartelle secondo le regole di smistamento del tuo account</translation>
   </message>
   <message id="DLG_SETTING_DOWNLOAD_METADATA">
     <source></source>
-    <translation>Scarica le foto con i relativi &amp;metadati, quando il servizio foto le offre così</translation>
+    <translation>Scarica le foto con i loro &amp;metadati, se disponibili</translation>
   </message>
   <message id="MSG_TRANS_FOLDER_NOT_ACCESS">
     <source></source>
-    <translation>Questa cartella non può essere usata: non esiste oppure non si dispone del permesso di scrittura. Scegliere un’altra cartella oppure creare prima questa.</translation>
+    <translation>Questa cartella non può essere usata: non esiste oppure non hai il permesso di scrittura. Scegli un’altra cartella oppure crea prima questa.</translation>
   </message>
   <message id="MSG_TRANS_FOLDER_NOT_SUPPORT">
     <source></source>
-    <translation>Le foto non possono essere salvate in questa cartella, perché si trova su un disco rimovibile o di rete oppure appartiene al sistema. Scegliere una cartella su un disco interno di questo computer.</translation>
+    <translation>Le foto non possono essere salvate in questa cartella, perché si trova su un disco rimovibile o di rete oppure appartiene al sistema. Scegli una cartella su un disco interno di questo computer.</translation>
   </message>
   <message id="MSG_TRANS_FOLDER_TOO_LONG">
     <source></source>
-    <translation>Il percorso di questa cartella è troppo lungo. Scegliere una cartella con un percorso più breve.</translation>
+    <translation>Il percorso di questa cartella è troppo lungo. Scegli una cartella con un percorso più breve.</translation>
   </message>
   <!-- About -->
   <message id="DLG_ABOUT_TITLE">
@@ -172,11 +172,11 @@
   <!-- Results -->
   <message id="MSG_DOWNLOAD_COMPLETE">
     <source></source>
-    <translation>Tutte le nuove foto sono state scaricate. Fare clic qui per aprire la cartella.</translation>
+    <translation>Tutte le nuove foto sono state scaricate. Fai clic qui per aprire la cartella.</translation>
   </message>
   <message id="MSG_10G_DOWNLOAD_COMPLETE">
     <source></source>
-    <translation>Tutte le nuove foto dell’archivio a lungo termine sono state scaricate. Fare clic qui per aprire la cartella.</translation>
+    <translation>Tutte le nuove foto dell’archivio a lungo termine sono state scaricate. Fai clic qui per aprire la cartella.</translation>
   </message>
   <message id="MSG_DOWNLOAD_ZERO">
     <source></source>
@@ -184,23 +184,23 @@
   </message>
   <message id="MSG_INITIAL_ACCESS_COMPLETE">
     <source></source>
-    <translation>Accesso effettuato. Le foto verranno ora scaricate.</translation>
+    <translation>Accesso effettuato. Ora le tue foto verranno scaricate.</translation>
   </message>
   <message id="MSG_ERR_CERTIFICATE">
     <source></source>
-    <translation>Impossibile stabilire una connessione sicura con il servizio foto. Controllare che la data e l’ora di questo computer siano corrette e che la rete consenta le connessioni sicure.</translation>
+    <translation>Non è stato possibile stabilire una connessione sicura con il servizio foto. Controlla che la data e l’ora di questo computer siano corrette e che la rete consenta le connessioni sicure.</translation>
   </message>
   <message id="MSG_ERR_COMMUNICATION">
     <source></source>
-    <translation>Il servizio foto ha inviato una risposta incomprensibile. Il download verrà ritentato più tardi.</translation>
+    <translation>Il servizio foto ha inviato una risposta incomprensibile. Downloaderpictora riproverà da solo.</translation>
   </message>
   <message id="MSG_ERR_DISK_FULL">
     <source></source>
-    <translation>Il disco della cartella di download è pieno. Liberare spazio; il download proseguirà poi da solo.</translation>
+    <translation>Il disco della cartella di download è pieno. Libera spazio; il download proseguirà poi da solo.</translation>
   </message>
   <message id="MSG_ERR_OFFLINE">
     <source></source>
-    <translation>Impossibile raggiungere il servizio foto. Controllare la connessione a Internet; il download verrà ritentato più tardi.</translation>
+    <translation>Il servizio foto non è raggiungibile. Controlla la connessione a Internet; Downloaderpictora riproverà da solo.</translation>
   </message>
   <message id="MSG_ERR_UNLINK">
     <source></source>
@@ -208,19 +208,19 @@
   </message>
   <message id="MSG_ERR_RETRY">
     <source></source>
-    <translation>Il servizio foto è occupato. Il download verrà ritentato più tardi.</translation>
+    <translation>Il servizio foto è sovraccarico. Downloaderpictora riproverà da solo.</translation>
   </message>
   <message id="MSG_ERR_SERVER">
     <source></source>
-    <translation>Il servizio foto ha segnalato un problema. Il download verrà ritentato più tardi.</translation>
+    <translation>Il servizio foto ha segnalato un problema. Downloaderpictora riproverà da solo.</translation>
   </message>
   <message id="MSG_ERR_DOWNLOAD">
     <source></source>
-    <translation>Impossibile salvare alcune foto. Controllare che la cartella di download esista e che si disponga del permesso di scrittura.</translation>
+    <translation>Alcune foto non sono state salvate. Controlla che le cartelle di download esistano e che tu abbia il permesso di scrittura.</translation>
   </message>
   <message id="MSG_ERR_UNEXPECTED">
     <source></source>
-    <translation>Si è verificato un problema imprevisto. Se si ripete, uscire da Downloaderpictora e riavviarlo.</translation>
+    <translation>Si è verificato un problema imprevisto. Se si ripete, esci da Downloaderpictora e riavvialo.</translation>
   </message>
   <message id="MSG_ERR_LINK_INVALID">
     <source></source>
@@ -248,7 +248,7 @@
   </message>
   <message id="MSG_NEW_VERSION_RELEASED">
     <source></source>
-    <translation>È disponibile una nuova versione di Downloaderpictora. La si può ottenere dove si è ottenuta quella attuale.</translation>
+    <translation>È disponibile una nuova versione di Downloaderpictora. La trovi dove hai ottenuto questa.</translation>
   </message>
 </context>
 </TS>

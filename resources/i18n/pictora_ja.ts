@@ -10,7 +10,7 @@
   </message>
   <message id="APP_LONG_NAME">
     <source></source>
-    <translation>Downloaderpictora 写真ダウンロード</translation>
+    <translation>Downloaderpictora – 写真ダウンロード</translation>
   </message>
   <!-- Start-up -->
   <message id="MSG_FIRST_LAUNCH">
@@ -93,7 +93,7 @@
   </message>
   <message id="TOOL_TIP_STATUS_ERR_DOWNLOAD">
     <source></source>
-    <translation>Downloaderpictora: 写真を保存できませんでした</translation>
+    <translation>Downloaderpictora: 保存できなかった写真があります</translation>
   </message>
   <message id="TOOL_TIP_STATUS_UNLINK">
     <source></source>
@@ -110,7 +110,7 @@
   </message>
   <message id="CHK_SETTING_SUB_10G_DOWNLOAD">
     <source></source>
-    <translation>長期保存（10G）の写真とプレビューも次のフォルダーにダウンロードする(&amp;L):</translation>
+    <translation>長期保存（10G）の写真とプレビューも次のフォルダーに保存(&amp;L):</translation>
   </message>
   <message id="DLG_SETTING_SAVE_SUB_FOLDER">
     <source></source>
@@ -146,11 +146,11 @@
   </message>
   <message id="DLG_SETTING_CREATE_SUBFOLDER">
     <source></source>
-    <translation>アカウントの振り分けルールに従って写真をフォルダーに振り分ける(&amp;S)</translation>
+    <translation>アカウントの振り分けルールで写真をフォルダーに振り分け(&amp;S)</translation>
   </message>
   <message id="DLG_SETTING_DOWNLOAD_METADATA">
     <source></source>
-    <translation>写真サービスにメタデータ付きの写真がある場合は、それをダウンロードする(&amp;M)</translation>
+    <translation>メタデータ付きの写真をダウンロード（ある場合）(&amp;M)</translation>
   </message>
   <message id="MSG_TRANS_FOLDER_NOT_ACCESS">
     <source></source>
@@ -188,11 +188,11 @@
   </message>
   <message id="MSG_ERR_CERTIFICATE">
     <source></source>
-    <translation>写真サービスへの安全な接続を確立できませんでした。このコンピューターの日付と時刻が正しいか、ご利用のネットワークで安全な接続が許可されているかを確認してください。</translation>
+    <translation>写真サービスへの安全な接続を確立できませんでした。このコンピューターの日付と時刻が正しいか、ネットワークで安全な接続が許可されているかを確認してください。</translation>
   </message>
   <message id="MSG_ERR_COMMUNICATION">
     <source></source>
-    <translation>写真サービスからの応答を理解できませんでした。後でもう一度ダウンロードを試みます。</translation>
+    <translation>写真サービスから正しい応答がありませんでした。後で自動的に再試行します。</translation>
   </message>
   <message id="MSG_ERR_DISK_FULL">
     <source></source>
@@ -200,7 +200,7 @@
   </message>
   <message id="MSG_ERR_OFFLINE">
     <source></source>
-    <translation>写真サービスに接続できませんでした。インターネット接続を確認してください。後でもう一度ダウンロードを試みます。</translation>
+    <translation>写真サービスに接続できませんでした。インターネット接続を確認してください。後で自動的に再試行します。</translation>
   </message>
   <message id="MSG_ERR_UNLINK">
     <source></source>
@@ -208,15 +208,15 @@
   </message>
   <message id="MSG_ERR_RETRY">
     <source></source>
-    <translation>写真サービスが混み合っています。後でもう一度ダウンロードを試みます。</translation>
+    <translation>写真サービスが混み合っています。後で自動的に再試行します。</translation>
   </message>
   <message id="MSG_ERR_SERVER">
     <source></source>
-    <translation>写真サービスで問題が発生しました。後でもう一度ダウンロードを試みます。</translation>
+    <translation>写真サービスで問題が発生しました。後で自動的に再試行します。</translation>
   </message>
   <message id="MSG_ERR_DOWNLOAD">
     <source></source>
-    <translation>写真を保存できませんでした。ダウンロードフォルダーが存在し、書き込む権限があることを確認してください。</translation>
+    <translation>保存できなかった写真があります。ダウンロードフォルダーが存在し、書き込む権限があることを確認してください。</translation>
   </message>
   <message id="MSG_ERR_UNEXPECTED">
     <source></source>
@@ -248,7 +248,7 @@
   </message>
   <message id="MSG_NEW_VERSION_RELEASED">
     <source></source>
-    <translation>Downloaderpictora の新しいバージョンがあります。現在のバージョンと同じ入手先から入手してください。</translation>
+    <translation>Downloaderpictora の新しいバージョンがあります。現在のバージョンと同じ場所から入手してください。</translation>
   </message>
 </context>
 </TS>

@@ -10,7 +10,7 @@
   </message>
   <message id="APP_LONG_NAME">
     <source></source>
-    <translation>Downloaderpictora 사진 다운로드</translation>
+    <translation>Downloaderpictora – 사진 다운로드</translation>
   </message>
   <!-- Start-up -->
   <message id="MSG_FIRST_LAUNCH">
@@ -93,7 +93,7 @@
   </message>
   <message id="TOOL_TIP_STATUS_ERR_DOWNLOAD">
     <source></source>
-    <translation>Downloaderpictora: 사진을 저장하지 못함</translation>
+    <translation>Downloaderpictora: 일부 사진을 저장하지 못함</translation>
   </message>
   <message id="TOOL_TIP_STATUS_UNLINK">
     <source></source>
@@ -150,7 +150,7 @@
   </message>
   <message id="DLG_SETTING_DOWNLOAD_METADATA">
     <source></source>
-    <translation>사진 서비스에 메타데이터가 포함된 사진이 있으면 그 사진을 다운로드(&amp;M)</translation>
+    <translation>가능하면 메타데이터가 포함된 사진을 다운로드(&amp;M)</translation>
   </message>
   <message id="MSG_TRANS_FOLDER_NOT_ACCESS">
     <source></source>
@@ -192,7 +192,7 @@
   </message>
   <message id="MSG_ERR_COMMUNICATION">
     <source></source>
-    <translation>사진 서비스의 응답을 이해할 수 없습니다. 나중에 다시 다운로드를 시도합니다.</translation>
+    <translation>사진 서비스에서 올바른 응답을 받지 못했습니다. 나중에 자동으로 다시 시도합니다.</translation>
   </message>
   <message id="MSG_ERR_DISK_FULL">
     <source></source>
@@ -200,7 +200,7 @@
   </message>
   <message id="MSG_ERR_OFFLINE">
     <source></source>
-    <translation>사진 서비스에 연결하지 못했습니다. 인터넷 연결을 확인하세요. 나중에 다시 다운로드를 시도합니다.</translation>
+    <translation>사진 서비스에 연결하지 못했습니다. 인터넷 연결을 확인하세요. 나중에 자동으로 다시 시도합니다.</translation>
   </message>
   <message id="MSG_ERR_UNLINK">
     <source></source>
@@ -208,15 +208,15 @@
   </message>
   <message id="MSG_ERR_RETRY">
     <source></source>
-    <translation>사진 서비스에 요청이 몰려 있습니다. 나중에 다시 다운로드를 시도합니다.</translation>
+    <translation>사진 서비스가 혼잡합니다. 나중에 자동으로 다시 시도합니다.</translation>
   </message>
   <message id="MSG_ERR_SERVER">
     <source></source>
-    <translation>사진 서비스에 문제가 발생했습니다. 나중에 다시 다운로드를 시도합니다.</translation>
+    <translation>사진 서비스에 문제가 발생했습니다. 나중에 자동으로 다시 시도합니다.</translation>
   </message>
   <message id="MSG_ERR_DOWNLOAD">
     <source></source>
-    <translation>사진을 저장하지 못했습니다. 다운로드 폴더가 있는지, 쓰기 권한이 있는지 확인하세요.</translation>
+    <translation>일부 사진을 저장하지 못했습니다. 다운로드 폴더가 있는지, 쓰기 권한이 있는지 확인하세요.</translation>
   </message>
   <message id="MSG_ERR_UNEXPECTED">
     <source></source>

@@ -10,7 +10,7 @@
   </message>
   <message id="APP_LONG_NAME">
     <source></source>
-    <translation>Downloaderpictora 照片下载</translation>
+    <translation>Downloaderpictora – 照片下载</translation>
   </message>
   <!-- Start-up -->
   <message id="MSG_FIRST_LAUNCH">
@@ -23,7 +23,7 @@
   </message>
   <message id="MSG_ERR_MACHINE_ID">
     <source></source>
-    <translation>无法读取本机的标识，因此 Downloaderpictora 无法启动。请稍后重试。</translation>
+    <translation>无法读取此电脑的标识，因此 Downloaderpictora 无法启动。请稍后重试。</translation>
   </message>
   <message id="MSG_ERR_PROFILE_IN_USE">
     <source></source>
@@ -81,7 +81,7 @@
   </message>
   <message id="TOOL_TIP_STATUS_OFFLINE">
     <source></source>
-    <translation>Downloaderpictora：未连接到照片服务</translation>
+    <translation>Downloaderpictora：无法连接到照片服务</translation>
   </message>
   <message id="TOOL_TIP_STATUS_MAINTENANCE">
     <source></source>
@@ -93,7 +93,7 @@
   </message>
   <message id="TOOL_TIP_STATUS_ERR_DOWNLOAD">
     <source></source>
-    <translation>Downloaderpictora：无法保存照片</translation>
+    <translation>Downloaderpictora：部分照片无法保存</translation>
   </message>
   <message id="TOOL_TIP_STATUS_UNLINK">
     <source></source>
@@ -150,7 +150,7 @@
   </message>
   <message id="DLG_SETTING_DOWNLOAD_METADATA">
     <source></source>
-    <translation>如果照片服务提供带元数据的照片，则下载这种照片(&amp;M)</translation>
+    <translation>下载带元数据的照片（如有）(&amp;M)</translation>
   </message>
   <message id="MSG_TRANS_FOLDER_NOT_ACCESS">
     <source></source>
@@ -158,7 +158,7 @@
   </message>
   <message id="MSG_TRANS_FOLDER_NOT_SUPPORT">
     <source></source>
-    <translation>无法将照片保存到此文件夹，因为它位于可移动磁盘或网络磁盘上，或者属于系统。请选择本机内置磁盘上的文件夹。</translation>
+    <translation>无法将照片保存到此文件夹，因为它位于可移动磁盘或网络磁盘上，或者属于系统。请选择此电脑内置磁盘上的文件夹。</translation>
   </message>
   <message id="MSG_TRANS_FOLDER_TOO_LONG">
     <source></source>
@@ -172,11 +172,11 @@
   <!-- Results -->
   <message id="MSG_DOWNLOAD_COMPLETE">
     <source></source>
-    <translation>所有新照片均已下载。点击此处可打开文件夹。</translation>
+    <translation>新照片已全部下载。点击此处可打开文件夹。</translation>
   </message>
   <message id="MSG_10G_DOWNLOAD_COMPLETE">
     <source></source>
-    <translation>长期存储中的所有新照片均已下载。点击此处可打开文件夹。</translation>
+    <translation>长期存储中的新照片已全部下载。点击此处可打开文件夹。</translation>
   </message>
   <message id="MSG_DOWNLOAD_ZERO">
     <source></source>
@@ -188,11 +188,11 @@
   </message>
   <message id="MSG_ERR_CERTIFICATE">
     <source></source>
-    <translation>无法与照片服务建立安全连接。请检查本机的日期和时间是否正确，以及您的网络是否允许安全连接。</translation>
+    <translation>无法与照片服务建立安全连接。请检查此电脑的日期和时间是否正确，以及您的网络是否允许安全连接。</translation>
   </message>
   <message id="MSG_ERR_COMMUNICATION">
     <source></source>
-    <translation>无法理解照片服务返回的响应。稍后将再次尝试下载。</translation>
+    <translation>照片服务返回的内容无法识别。稍后会自动重试。</translation>
   </message>
   <message id="MSG_ERR_DISK_FULL">
     <source></source>
@@ -200,7 +200,7 @@
   </message>
   <message id="MSG_ERR_OFFLINE">
     <source></source>
-    <translation>无法连接到照片服务。请检查您的网络连接；稍后将再次尝试下载。</translation>
+    <translation>无法连接到照片服务。请检查您的网络连接；稍后会自动重试。</translation>
   </message>
   <message id="MSG_ERR_UNLINK">
     <source></source>
@@ -208,15 +208,15 @@
   </message>
   <message id="MSG_ERR_RETRY">
     <source></source>
-    <translation>照片服务正忙。稍后将再次尝试下载。</translation>
+    <translation>照片服务正忙。稍后会自动重试。</translation>
   </message>
   <message id="MSG_ERR_SERVER">
     <source></source>
-    <translation>照片服务报告了一个问题。稍后将再次尝试下载。</translation>
+    <translation>照片服务出现问题。稍后会自动重试。</translation>
   </message>
   <message id="MSG_ERR_DOWNLOAD">
     <source></source>
-    <translation>无法保存照片。请检查下载文件夹是否存在，以及您是否有写入权限。</translation>
+    <translation>部分照片无法保存。请检查下载文件夹是否存在，以及您是否有写入权限。</translation>
   </message>
   <message id="MSG_ERR_UNEXPECTED">
     <source></source>
@@ -248,7 +248,7 @@
   </message>
   <message id="MSG_NEW_VERSION_RELEASED">
     <source></source>
-    <translation>Downloaderpictora 有新版本可用。请从您获取当前版本的地方获取新版本。</translation>
+    <translation>Downloaderpictora 有新版本。请从获取当前版本的地方获取新版本。</translation>
   </message>
 </context>
 </TS>

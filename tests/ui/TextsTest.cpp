@@ -52,15 +52,10 @@ TEST(Texts, areWholeInEveryLanguage) {
     SCOPED_TRACE(table.toStdString());
     const auto texts = textsIn(table);
     EXPECT_EQ(texts.keys(), english.keys());
-    const QString language = table.section(u"pictora_"_s, 1).chopped(3);
-    const QString help = QString::fromUtf8(contentOf(kHelp + language + u"/index.html"_s));
     QStringList mnemonics;
     for (auto text = texts.begin(); text != texts.end(); ++text) {
       EXPECT_FALSE(text->trimmed().isEmpty() || text->contains(u'%')) << qPrintable(text.key());
       EXPECT_EQ(text->count(u'&'), english[text.key()].count(u'&')) << qPrintable(text.key());
-      if (text.key().startsWith(u"MSG_ERR"_s) || text.key().startsWith(u"TOOL_TIP"_s)) {
-        EXPECT_TRUE(help.contains(*text)) << qPrintable(text.key()) << " reads otherwise in the help";
-      }
       if (!mnemonic(*text).isEmpty()) mnemonics << mnemonic(*text);
       static const QRegularExpression ofLogin(u"^MSG_ERR_(UNLINK|LINK_INVALID|VALIDATION|CLOCK)"_s);
       if (!text.key().contains(ofLogin)) continue;
@@ -69,6 +64,51 @@ TEST(Texts, areWholeInEveryLanguage) {
           << qPrintable(text.key());
     }
     EXPECT_EQ(mnemonics.removeDuplicates(), 0);
+  }
+}
+
+/// The elements of a help page, without what each language words in its own way.
+QStringList elementsOf(const QString &page, const QString &language) {
+  static const QRegularExpression element(u"<[^>]+>"_s);
+  static const QRegularExpression worded(u" (?:alt|aria-label|lang)=\"[^\"]*\""_s);
+  QStringList elements;
+  for (auto match = element.globalMatch(page); match.hasNext();)
+    elements << match.next().captured().remove(worded).replace(u"pictures/"_s + language + u'/', u"pictures/"_s);
+  return elements;
+}
+
+/// Which texts a page names, each told from the way it stands in the table: as scripts/help-texts writes them.
+QSet<QString> quotesIn(const QString &page, const QMap<QString, QString> &texts) {
+  static const QRegularExpression quote(u"data-text=\"(\\w+)\">([^<]*)"_s);
+  static const QRegularExpression marks(u"\\(&\\w\\)|&|[\\s:\uFF1A]+$"_s,
+                                        QRegularExpression::UseUnicodePropertiesOption);
+  QSet<QString> keys;
+  for (auto match = quote.globalMatch(page); match.hasNext();) {
+    const auto found = match.next();
+    keys << found.captured(1);
+    EXPECT_EQ(found.captured(2), QString(texts[found.captured(1)]).remove(marks)) << qPrintable(found.captured(1));
+  }
+  return keys;
+}
+
+TEST(Help, isAlikeInEveryLanguageAndNamesTheTextsAsTheyAre) {
+  const QRegularExpression picture(u"src=\"([^\"]+)\""_s);
+  const QStringList english = elementsOf(QString::fromUtf8(contentOf(kHelp + u"en/index.html"_s)), u"en"_s);
+  for (const QString &table : QDir(kTables).entryList({u"*.ts"_s})) {
+    SCOPED_TRACE(table.toStdString());
+    const QString language = table.section(u"pictora_"_s, 1).chopped(3);
+    const QString page = QString::fromUtf8(contentOf(kHelp + language + u"/index.html"_s));
+    EXPECT_EQ(elementsOf(page, language), english);
+    const auto texts = textsIn(table);
+    const QSet<QString> quotes = quotesIn(page, texts);
+    for (const QString &key : texts.keys()) {
+      const bool isTold = key.startsWith(u"MSG"_s) || key.startsWith(u"TOOL_TIP"_s);
+      EXPECT_TRUE(!isTold || quotes.contains(key)) << qPrintable(key) << " is not explained";
+    }
+    for (auto match = picture.globalMatch(page); match.hasNext();) {
+      const QString file = match.next().captured(1);
+      EXPECT_TRUE(QFileInfo::exists(kHelp + language + u'/' + file)) << qPrintable(file);
+    }
   }
 }
 
