@@ -2,13 +2,12 @@
 
 #include "app/KaModelFacade.h"
 #include "log/ExceptionGuard.h"
-#include "log/KaLogUtility.h"
-#include "platform/Opening.h"
 #include "platform/ThreadBound.h"
 #include "ui/HelpPages.h"
 #include "ui/KaDownloadFolderSettingView.h"
 #include "ui/KaVersionInformationView.h"
 #include "ui/LoginItemQuestion.h"
+#include "ui/OpenOrSay.h"
 #include "ui/Texts.h"
 
 #include <QCoreApplication>
@@ -70,6 +69,11 @@ void KaNotifyIcon::onFinishDownloadProcess() {
 void KaNotifyIcon::onChangeLinkage(bool linked) {
   platform::assertMainThread();
   linkHolds = linked;
+}
+
+void KaNotifyIcon::onPageNotOpened(const QString &url) {
+  platform::assertMainThread();
+  guarded([&] { showNotOpened(Openable::Page, url); });
 }
 
 void KaNotifyIcon::setIdCode(const QString &token) {
@@ -193,9 +197,7 @@ void KaNotifyIcon::menuAction_DispSetting() {
 }
 
 void KaNotifyIcon::menuAction_Help() {
-  guarded([] {
-    if (!platform::openUrl(helpPageUrl())) KaLogUtility::writeErrorLog(u"the help cannot be shown"_s);
-  });
+  guarded([] { openPageOrSay(helpPageUrl()); });
 }
 
 void KaNotifyIcon::menuAction_About() {
@@ -232,19 +234,15 @@ void KaNotifyIcon::notificationActivated(const QString &processingResult) {
   guarded([&] {
     switch (clickEffect(static_cast<KaResultCode>(processingResult.toLongLong()))) {
     case ClickEffect::OpenParentFolder:
-      return openFolder(model.downloadOption().parentFolder);
+      return openFolderOrSay(model.downloadOption().parentFolder);
     case ClickEffect::OpenParent10GFolder:
-      return openFolder(model.downloadOption().parent10GFolder);
+      return openFolderOrSay(model.downloadOption().parent10GFolder);
     case ClickEffect::Link:
       return model.setupLinkage();
     case ClickEffect::None:
       return;
     }
   });
-}
-
-void KaNotifyIcon::openFolder(const QString &path) {
-  platform::openFolder(path, [path] { KaLogUtility::writeErrorLog(u"the folder cannot be shown: "_s + path); });
 }
 
 void KaNotifyIcon::guarded(const std::function<void()> &action) {

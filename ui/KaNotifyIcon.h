@@ -43,6 +43,7 @@ public:
   void onSetEnableLogginMenu(bool enable) override;
   void onFinishDownloadProcess() override;
   void onChangeLinkage(bool linked) override;
+  void onPageNotOpened(const QString &url) override;
 
   /// Answers the open settings window with its OK, as a desktop tool may when there is nobody to press it.
   void confirmDialog();
@@ -84,7 +85,6 @@ private:
   void foldersConfirmed();
   void startInitialRun();
   void notificationActivated(const QString &processingResult);
-  void openFolder(const QString &path);
   [[nodiscard]] bool waitForFinish(std::chrono::steady_clock::time_point deadline);
   void guarded(const std::function<void()> &action);
 

@@ -15,9 +15,13 @@
 
 #include <gmock/gmock.h>
 
+#include <QClipboard>
 #include <QDir>
 #include <QElapsedTimer>
+#include <QLabel>
+#include <QLineEdit>
 #include <QProcess>
+#include <QPushButton>
 #include <QUrl>
 #include <QUrlQuery>
 
@@ -256,6 +260,30 @@ TEST_F(NotifyIcon, switchesTheStartAtLoginAndAlertsOfAnActionThatFails) {
   view.nextFault = [] { throw KaException(u"ShowFault"_s, u"on purpose"_s); };
   icon->menuAction_LaunchSetting();
   ASSERT_TRUE(waitFor([&] { return view.alerts == QStringList{localised("MSG_ERR_UNEXPECTED"_L1)}; }));
+}
+
+TEST_F(NotifyIcon, saysWhatDidNotOpenInOneWindowOfAKindWithItsAddressToCopy) {
+  browser.fail();
+  start();
+  report([] {}); // the menu offers a login from now on
+  const auto address = [] { return dialogs().size() == 1 ? dialogs().first()->findChild<QLineEdit *>() : nullptr; };
+  const auto shows = [&](const QString &part) { return address() && address()->text().contains(part); };
+  Q_EMIT view.entryTriggered(StatusEntry::Link);
+  ASSERT_TRUE(waitFor([&] { return shows(u"/getLogin?"_s); }));
+  EXPECT_EQ(dialogs().first()->findChild<QLabel *>()->text(), localised("MSG_PAGE_NOT_OPENED"_L1));
+  Q_EMIT view.entryTriggered(StatusEntry::Help);
+  ASSERT_TRUE(waitFor([&] { return shows(u"/help/en/index.html"_s); }));
+  QPushButton *const copy = dialogs().first()->findChild<QPushButton *>();
+  EXPECT_EQ(copy->text(), localised("DLG_NOT_OPENED_BUTTON_COPY_ADDRESS"_L1));
+  copy->click();
+  EXPECT_EQ(QApplication::clipboard()->text(), address()->text());
+  EXPECT_EQ(address()->selectedText(), address()->text());
+  dialogs().first()->reject();
+  Q_EMIT view.notificationActivated(u"1"_s); // there is no such folder yet
+  ASSERT_TRUE(waitFor([&] { return shows(facade.downloadOption().parentFolder); }));
+  EXPECT_EQ(dialogs().first()->findChild<QLabel *>()->text(), localised("MSG_FOLDER_NOT_OPENED"_L1));
+  dialogs().first()->reject();
+  QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
 }
 
 TEST_F(NotifyIcon, opensWhatBelongsToTheResultOfAClickedNotification) {
