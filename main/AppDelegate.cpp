@@ -54,8 +54,10 @@ void AppDelegate::launch() {
 
   statusItem = newStatusItem ? newStatusItem() : std::make_unique<KaDesktopStatusItem>();
   kaNotify = std::make_unique<KaNotifyIcon>(KaModelFacade::sharedInstance(), *statusItem);
+  // Behind the first state that the status item shows: what it greys is not done for anybody.
   for (const auto &job : std::exchange(kept, {}))
-    job(*kaNotify);
+    QMetaObject::invokeMethod(
+        kaNotify.get(), [this, job] { job(*kaNotify); }, Qt::QueuedConnection);
   // The icon goes first.
   QTimer::singleShot(0, this, [] { KaModelFacade::sharedInstance().listenForNews(); });
 }

@@ -166,8 +166,17 @@ void KaNotifyIcon::reportResult(KaResultCode result, QLatin1StringView messageKe
   statusItem.notify(localised("APP_SHORT_NAME"_L1), message, QString::number(static_cast<qint64>(result)));
 }
 
+bool KaNotifyIcon::isOffered(StatusEntry entry) const {
+  if (entry == StatusEntry::Download) return shown.isDownloadEnabled;
+  if (entry == StatusEntry::Link) return shown.isLogginEnabled && !shown.isLinked;
+  if (entry == StatusEntry::Logout) return shown.isLogginEnabled && shown.isLinked;
+  return true;
+}
+
 void KaNotifyIcon::perform(StatusEntry entry) {
   platform::assertMainThread();
+  // The desktop's tools may ask for what the menu has greyed.
+  if (!isOffered(entry)) return;
   switch (entry) {
   case StatusEntry::Download:
     return menuAction_Download();

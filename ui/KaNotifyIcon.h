@@ -53,7 +53,7 @@ public:
 
   /// @name What the menu's entries do. None lets an exception out.
   /// @{
-  void perform(StatusEntry entry);
+  void perform(StatusEntry entry); ///< nothing, if the menu does not offer it or has it greyed
   void menuAction_Download();
   void menuAction_DispSetting();
   void menuAction_Link();
@@ -75,6 +75,8 @@ private:
 
   /// Whether the user may ask for a run: linked, and no error result since.
   [[nodiscard]] bool bLinkage() const;
+  /// Whether the menu shows @p entry, and not greyed.
+  [[nodiscard]] bool isOffered(StatusEntry entry) const;
   void iconDraw();
   void startMenu(bool linked);
   void applyResult(KaResultCode result, bool userTrigger);

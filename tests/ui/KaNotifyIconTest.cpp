@@ -292,7 +292,40 @@ TEST_F(NotifyIcon, opensWhatBelongsToTheResultOfAClickedNotification) {
   EXPECT_EQ(browser.takeUrl(), facade.downloadOption().parent10GFolder);
   for (const QString &result : {u"9"_s, u"24"_s, u"one"_s})
     Q_EMIT view.notificationActivated(result);
-  EXPECT_FALSE(QFile::exists(profile.path(u"opened-url"_s))) << "the browser noted something";
+  EXPECT_FALSE(browser.hasUrl()) << "the browser noted something";
+}
+
+TEST(NotifyIconAtWork, doesNothingThatItsMenuHasGreyed) {
+  const UiProfile profile;
+  const FakeBrowser browser(profile);
+  sandbox::Service service;
+  profile.writeUserDefaults(service.userDefaults());
+  const sandbox::LinkedToken linked = service.issueLinkedToken();
+  ASSERT_TRUE(KaLinkageUtility::saveLinkageSetting(linked.idToken)
+              && KaLinkageUtility::saveTokenCode(linked.tokenCode));
+  service.order(sandbox::Endpoint::RefreshToken, {.status = 503, .times = -1});
+  FakeStatusItem view;
+  KaNotifyIcon icon(KaModelFacade::sharedInstance(), view, {.tick = 5ms});
+  const auto waitUntilShown = [&](const std::function<bool(const StatusItemState &)> &isShown) {
+    ASSERT_TRUE(waitFor([&] { return !view.states.empty() && isShown(view.states.back()); }));
+  };
+  waitUntilShown(
+      [](const auto &state) { return !state.isLinked && !state.isDownloadEnabled && state.isLogginEnabled; });
+  icon.onSetEnableLogginMenu(false);
+  waitUntilShown([](const auto &state) { return !state.isLogginEnabled; });
+  const int before = service.requestCount(sandbox::Endpoint::RefreshToken);
+  for (const StatusEntry entry : {StatusEntry::Link, StatusEntry::Logout, StatusEntry::Download})
+    icon.perform(entry);
+  icon.onSetEnableLogginMenu(true);
+  waitUntilShown([](const auto &state) { return state.isLogginEnabled; });
+  icon.perform(StatusEntry::Logout);
+  EXPECT_FALSE(service.waitForRequests(sandbox::Endpoint::RefreshToken, before + 1, 300ms));
+  EXPECT_FALSE(browser.hasUrl()) << "a page was opened";
+  icon.onChangeLinkage(true);
+  waitUntilShown([](const auto &state) { return state.isDownloadEnabled; });
+  icon.perform(StatusEntry::Download);
+  EXPECT_TRUE(service.waitForRequests(sandbox::Endpoint::RefreshToken, before + 1, 20s));
+  EXPECT_TRUE(icon.appFinalize());
 }
 
 } // namespace
