@@ -9,8 +9,11 @@
 #include <gmock/gmock.h>
 
 #include <QCoreApplication>
+#include <QDBusConnection>
+#include <QDBusConnectionInterface>
 #include <QDir>
 #include <QElapsedTimer>
+#include <QScopeGuard>
 
 #include <fcntl.h>
 #include <netinet/in.h>
@@ -108,6 +111,30 @@ TEST_F(Start, withoutABusIsTheOnlyAgentAndTakesCallbacks) {
   EXPECT_EQ(agent.waitForEnd(1s * kSlowness), 0);
 }
 
+TEST_F(Start, byTheBusWithoutADisplayLinksAndMakesRoomForAStartThatIsSeen) {
+  for (const char *const variable : {"QT_QPA_PLATFORM", "DISPLAY", "WAYLAND_DISPLAY"})
+    qunsetenv(variable);
+  profile.writeUserDefaults(service.userDefaults()); // a first launch, whose question nobody would see
+  service.library().add(image(u"10"_s, u"A.JPG"_s));
+  const PrivateBus starting("DBUS_SESSION_BUS_ADDRESS", AgentProcess::program());
+  const auto process = [] {
+    return QDBusConnection::sessionBus().interface()->servicePid(u"com.norvale.Downloaderpictora"_s).value();
+  };
+  const auto end = qScopeGuard([&] {
+    if (const auto last = static_cast<pid_t>(process()); last > 0) ::kill(last, SIGKILL);
+  });
+  ASSERT_TRUE(AgentProcess::open(u"downloaderpictora://authenticate?idToken="_s + service.issueIdToken(u"nonce"_s)));
+  EXPECT_TRUE(service.waitForRequests(Endpoint::Configuration, 1, 20s)) << "the token is lost";
+  const auto unseen = process();
+  ASSERT_TRUE(AgentProcess::requestAction(u"link"_s));
+  const auto loginUrl = browser.takeUrl();
+  ASSERT_TRUE(loginUrl && AgentProcess::open(service.signIn(*loginUrl)));
+  EXPECT_TRUE(waitFor([this] { return AgentProcess::requestAction(u"confirm"_s) && !files().isEmpty(); }));
+  EXPECT_EQ(process(), unseen);
+  AgentProcess seen;
+  EXPECT_TRUE(waitFor([&] { return process() != unseen && holdsTheProfile(seen); }));
+}
+
 TEST_F(Start, waitsForTheEndOfTheAgentBefore) {
   link();
   for (int round = 0; round < 20 / kSlowness; ++round) {
@@ -142,6 +169,13 @@ TEST_F(Start, thatFailsSaysWhyAndEndsWithAFailure) {
     expectAWordAndAFailure(agent, "identity of this computer");
   }
   ASSERT_TRUE(QDir().rmdir(kept));
+  qunsetenv("WAYLAND_DISPLAY");
+  for (const char *const display : {"", ":64321"}) {
+    qputenv("DISPLAY", display);
+    AgentProcess agent({}, {});
+    EXPECT_EQ(agent.waitForEnd(10s), 1) << "or it was aborted";
+    EXPECT_EQ(agent.errorOutput(), u"downloaderpictora: there is no display that can be used\n"_s);
+  }
   AgentProcess agent;
   EXPECT_TRUE(agent.waitUntilServing());
 }
