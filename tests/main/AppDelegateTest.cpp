@@ -1,6 +1,6 @@
 #include "main/AppDelegate.h"
 
-#include "app/KaModelFacade.h"
+#include "identity/KaLinkageUtility.h"
 #include "log/KaLogUtility.h"
 #include "platform/UserDefaults.h"
 #include "tests/log/LogFile.h"
@@ -117,14 +117,16 @@ TEST_F(FirstLaunch, thatFailsSaysWhyAndEndsWithAFailure) {
   EXPECT_EQ(told, localised("MSG_ERR_START"_L1) + u"std::runtime_error : no more threads"_s);
 }
 
-TEST_F(FirstLaunch, keepsWhatComesInDuringTheQuestion) {
+TEST_F(FirstLaunch, keepsWhatComesInDuringTheQuestionAndDoesWhatTheMenuThenOffers) {
   const FakeBrowser browser(profile);
+  ASSERT_TRUE(KaLinkageUtility::saveLinkageSetting(u"token"_s));
   launch([&](QMessageBox &question) {
-    delegate->performAction(u"link"_s);
-    EXPECT_FALSE(KaModelFacade::sharedInstance().bLoggedIn());
+    for (const QString &action : {u"link"_s, u"help"_s})
+      delegate->performAction(action);
     question.close();
   });
-  EXPECT_THAT(browser.takeUrl().value_or(QString()).toStdString(), testing::HasSubstr("/getLogin?"));
+  EXPECT_THAT(browser.takeUrl().value_or(QString()).toStdString(), testing::HasSubstr("/help/"));
+  EXPECT_TRUE(KaLinkageUtility::loadLinkageSetting()) << "a login was begun";
 }
 
 } // namespace
