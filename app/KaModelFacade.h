@@ -125,7 +125,7 @@ public:
   [[nodiscard]] std::optional<QString> loadLinkageSetting() const { return link.idToken(); }
   /// Takes up the stored link and lets its runs begin. Once, at start, with the delegate in place.
   void initializeLinkageSetting();
-  /// Opens the login page. Drops a login whose token is being verified.
+  /// Opens the login page, and tells later when it does not open. Drops a login whose token is being verified.
   void setupLinkage();
   /// Verifies a callback's token on a thread of its own; the effects come back to this one. A token that completed the
   /// last login, or is being verified, changes and tells nothing: browsers call twice.
@@ -150,6 +150,7 @@ private:
   void finishLogin(const QString &token, const KaTokenVerdict &verdict);
   void takeLogin(const QString &token);
   void tellResult(const KaFault &told, bool userTrigger);
+  void tellNotOpened(const QString &page, const QString &url);
 
   mutable platform::Mutex optionLock;
   KaDownloadOption dOption KA_GUARDED_BY(optionLock);

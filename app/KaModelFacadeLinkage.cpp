@@ -48,9 +48,16 @@ void KaModelFacade::takeUpLinkage() {
 void KaModelFacade::setupLinkage() {
   platform::assertMainThread();
   dropLogins();
-  if (link.beginLogin()) return;
-  KaLogUtility::writeErrorLog(u"the login page cannot be opened"_s);
-  dlProc->loginEnded();
+  link.beginLogin([this](const QString &url) {
+    dlProc->loginEnded();
+    tellNotOpened(u"login"_s, url);
+  });
+}
+
+void KaModelFacade::tellNotOpened(const QString &page, const QString &url) {
+  // Without its address: that of a login is for its user alone.
+  KaLogUtility::writeErrorLog(u"the %1 page cannot be opened"_s.arg(page));
+  if (KaDownloadDelegate *const delegate = dlDelegate) delegate->onPageNotOpened(url);
 }
 
 void KaModelFacade::setIdCode(const QString &token) {
@@ -115,7 +122,9 @@ void KaModelFacade::closeLinkage() {
   link.close();
   keeper.forgetAccount();
   dropLogins();
-  if (!KaLinkageUtility::closeLinkage()) KaLogUtility::writeErrorLog(u"the logout page cannot be opened"_s);
+  KaLinkageUtility::closeLinkage(&mailbox, [this](bool opened, const QString &url) {
+    if (!opened) tellNotOpened(u"logout"_s, url);
+  });
   dlProc->deleteCredential();
   setAppStatus(KaAppStatus::NotLinked);
   tellResult({KaResultCode::Unlinked}, /*userTrigger=*/false);

@@ -34,16 +34,36 @@ void KaLink::makeCurrent(KaLinkState state, const QString &idToken, const std::o
   currentNumber = lastNumber;
 }
 
-bool KaLink::beginLogin() {
+void KaLink::beginLogin(const std::function<void(const QString &url)> &notOpened) {
   mainThread.check();
   const QString nonce = QUuid::createUuid().toString(QUuid::WithoutBraces).toUpper();
   forgetFilesFor(nonce);
-  // Without the turn, as a browser takes its time: until the login completes the verifier is nobody's, so no other
-  // thread comes near its file.
-  if (KaLinkageUtility::setupLinkage(nonce)) return true;
+  const QString codeVerifier =
+      KaLinkageUtility::setupLinkage(nonce, &pages, [this, nonce, notOpened](bool opened, const QString &url) {
+        if (opened) return pageHasOpened(nonce);
+        if (pageHasNotOpened(nonce) && notOpened) notOpened(url);
+      });
   const platform::MutexLock copying(lock);
+  values.codeVerifier = codeVerifier;
+}
+
+void KaLink::pageHasOpened(const QString &nonce) {
+  const platform::MutexLock scope(turn);
+  std::optional<QString> codeVerifier;
+  {
+    const platform::MutexLock copying(lock);
+    // A callback that was faster has it written by the login's completion, and another login has one of its own.
+    if (values.nonce != nonce) return;
+    codeVerifier = std::exchange(values.codeVerifier, std::nullopt);
+  }
+  if (codeVerifier) KaLinkageUtility::saveCodeVerifier(*codeVerifier);
+}
+
+bool KaLink::pageHasNotOpened(const QString &nonce) {
+  const platform::MutexLock copying(lock);
+  if (values.nonce != nonce) return false;
   values.loginEnds = Clock::now();
-  return false;
+  return true;
 }
 
 void KaLink::forgetFilesFor(const QString &nonce) {
@@ -51,6 +71,7 @@ void KaLink::forgetFilesFor(const QString &nonce) {
   {
     const platform::MutexLock copying(lock);
     values.nonce = nonce;
+    values.codeVerifier.reset();
     values.loginEnds = Clock::now() + patience;
     values.verifierOf = 0;
   }
@@ -72,15 +93,18 @@ bool KaLink::isRepeated(const QString &idToken) const {
 bool KaLink::completeLogin(const QString &idToken) {
   mainThread.check();
   const platform::MutexLock scope(turn);
+  std::optional<QString> codeVerifier;
   {
     const platform::MutexLock copying(lock);
     makeCurrent(KaLinkState::AwaitsFolders, idToken, std::nullopt);
+    codeVerifier = std::exchange(values.codeVerifier, std::nullopt);
     values.nonce.reset();
     values.loginEnds.reset();
     values.completedBy = idToken;
   }
   // First, so that a kill in between never leaves the new token with the code of another link.
   KaLinkageUtility::deleteTokenCode();
+  if (codeVerifier) KaLinkageUtility::saveCodeVerifier(*codeVerifier);
   return KaLinkageUtility::saveLinkageSetting(idToken);
 }
 

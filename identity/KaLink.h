@@ -6,6 +6,7 @@
 #include "platform/ThreadAnnotations.h"
 #include "platform/ThreadBound.h"
 
+#include <QObject>
 #include <QString>
 
 #include <atomic>
@@ -41,9 +42,11 @@ public:
   /// At start: takes up the link that is stored, if there is none yet. @return whether there is one.
   bool load();
   /// Drops the pairing files and opens the login page, which is given a fresh nonce and a code challenge. The present
-  /// link, if any, goes on in memory until the login completes, and its next refresh stores it again.
-  /// @return whether the page opened and the verifier is kept; if not, the login keeps no run waiting.
-  bool beginLogin();
+  /// link, if any, goes on in memory until the login completes, and its next refresh stores it again. The verifier is
+  /// written once the page has opened.
+  /// @param notOpened  told the page's address, from the event loop, when it could not be opened and the login is the
+  /// last one still: it keeps no run waiting any more, but whoever opens the page by hand completes it.
+  void beginLogin(const std::function<void(const QString &url)> &notOpened = {});
   /// The nonce of the login in progress. It counts once: absent from then on.
   [[nodiscard]] std::optional<QString> useNonce();
   /// Whether @p idToken is the present one, or completed the last login: browsers call back twice.
@@ -99,6 +102,7 @@ private:
     std::optional<QString> idToken{};             ///< of the last link
     std::optional<QString> tokenCode{};           ///< of the present link
     std::optional<QString> nonce{};               ///< of the login in progress
+    std::optional<QString> codeVerifier{};        ///< of the login in progress, while it is not on disk
     std::optional<Clock::time_point> loginEnds{}; ///< while a login is under way: when its patience is over
     std::optional<QString> completedBy{};         ///< the token that completed the last login
     KaLinkNumber verifierOf = 0;                  ///< the link whose login the stored verifier belongs to
@@ -107,6 +111,8 @@ private:
   void makeCurrent(KaLinkState state, const QString &idToken, const std::optional<QString> &tokenCode)
       KA_REQUIRES(turn, lock);
   void forgetFilesFor(const QString &nonce) KA_EXCLUDES(turn, lock);
+  void pageHasOpened(const QString &nonce) KA_EXCLUDES(turn, lock);
+  [[nodiscard]] bool pageHasNotOpened(const QString &nonce) KA_EXCLUDES(lock);
   [[nodiscard]] Clock::duration restOfLogin() const KA_REQUIRES(lock);
 
   const std::chrono::milliseconds patience;
@@ -116,4 +122,5 @@ private:
   platform::Mutex turn; ///< held by whoever changes the link, writes its files or speaks for it; taken before `lock`
   mutable platform::Mutex lock; ///< covers copying, and nothing is called under it
   Values values KA_GUARDED_BY(lock);
+  const QObject pages; ///< hears what became of them, as long as this lives
 };

@@ -73,19 +73,25 @@ QString logoutUrl() {
          + sitePage(u"/st/downloader-logout.html"_s);
 }
 
-} // namespace
-
-bool KaLinkageUtility::setupLinkage(const QString &nonce) {
-  return guardedOr(false, [&] {
-    const QString codeVerifier = GenerateNonce();
-    if (codeVerifier.isEmpty()) return false;
-    const QString codeChallenge = KaCryptionUtility::GenerateCodeS256Challenge(codeVerifier);
-    return platform::openUrl(loginUrl(nonce, codeChallenge)) && saveCodeVerifier(codeVerifier);
-  });
+void open(const QString &url, const QObject *receiver, const KaLinkageUtility::PageVerdict &verdict) {
+  platform::openUrl(url, receiver, [url, verdict](bool opened) { verdict(opened, url); });
 }
 
-bool KaLinkageUtility::closeLinkage() {
-  return guardedOr(false, [] { return platform::openUrl(logoutUrl()); });
+} // namespace
+
+QString KaLinkageUtility::setupLinkage(const QString &nonce, const QObject *receiver, const PageVerdict &verdict) {
+  QString url;
+  const QString codeVerifier = guardedOr(QString(), [&] {
+    const QString made = GenerateNonce();
+    if (!made.isEmpty()) url = loginUrl(nonce, KaCryptionUtility::GenerateCodeS256Challenge(made));
+    return made;
+  });
+  open(url, receiver, verdict);
+  return codeVerifier;
+}
+
+void KaLinkageUtility::closeLinkage(const QObject *receiver, const PageVerdict &verdict) {
+  open(logoutUrl(), receiver, verdict);
 }
 
 QString KaLinkageUtility::GenerateNonce() {

@@ -2,7 +2,10 @@
 
 #include <QString>
 
+#include <functional>
 #include <optional>
+
+class QObject;
 
 /// The link between this computer and the user's account: the browser pages that make and end it, and the three
 /// enciphered files that keep it. Files that are missing, damaged or another user's read as absent; what was saved or
@@ -12,11 +15,15 @@ class KaLinkageUtility {
 public:
   KaLinkageUtility() = delete;
 
-  /// Opens the login page and keeps the login's code verifier. @return whether both went well; when the browser cannot
-  /// be opened no verifier is kept. Main thread.
-  static bool setupLinkage(const QString &nonce);
+  /// What became of a page that was to be opened, and its address: told once, from the event loop of the main thread,
+  /// unless the receiver is gone.
+  using PageVerdict = std::function<void(bool opened, const QString &url)>;
+
+  /// Opens the login page. Main thread.
+  /// @return the login's code verifier, which nothing keeps yet; empty when no login can be made, and nothing opens.
+  [[nodiscard]] static QString setupLinkage(const QString &nonce, const QObject *receiver, const PageVerdict &verdict);
   /// Opens the logout page. Main thread.
-  static bool closeLinkage();
+  static void closeLinkage(const QObject *receiver, const PageVerdict &verdict);
   /// 86 random base64url characters.
   [[nodiscard]] static QString GenerateNonce();
 

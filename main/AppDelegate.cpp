@@ -4,6 +4,7 @@
 #include "log/ExceptionGuard.h"
 #include "log/KaLogUtility.h"
 #include "platform/AppInfo.h"
+#include "platform/Sight.h"
 #include "platform/ThreadBound.h"
 #include "ui/KaDesktopStatusItem.h"
 #include "ui/KaNotifyIcon.h"
@@ -50,12 +51,14 @@ void AppDelegate::launch() {
   KaLogUtility::initialize();
   // Logging is off at this point, so this writes nothing.
   KaLogUtility::writeStartLog({getUserAgent()});
-  if (!askAtFirstLaunch([this] { return isTerminating; })) return;
+  if (!platform::isUnseen() && !askAtFirstLaunch([this] { return isTerminating; })) return;
 
   statusItem = newStatusItem ? newStatusItem() : std::make_unique<KaDesktopStatusItem>();
   kaNotify = std::make_unique<KaNotifyIcon>(KaModelFacade::sharedInstance(), *statusItem);
+  // Behind the first state that the status item shows: what it greys is not done for anybody.
   for (const auto &job : std::exchange(kept, {}))
-    job(*kaNotify);
+    QMetaObject::invokeMethod(
+        kaNotify.get(), [this, job] { job(*kaNotify); }, Qt::QueuedConnection);
   // The icon goes first.
   QTimer::singleShot(0, this, [] { KaModelFacade::sharedInstance().listenForNews(); });
 }
@@ -78,6 +81,7 @@ void AppDelegate::handleUrl(const QString &url) {
 }
 
 void AppDelegate::activate() {
+  if (platform::isUnseen()) return terminate();
   whenStarted([](KaNotifyIcon &notify) { notify.perform(StatusEntry::DispSetting); });
 }
 
@@ -126,6 +130,7 @@ std::optional<StatusEntry> entryOfAction(const QString &action) {
   if (action == u"logout") return StatusEntry::Logout;
   if (action == u"help") return StatusEntry::Help;
   if (action == u"about") return StatusEntry::About;
+  if (action == u"login-item") return StatusEntry::LaunchSetting;
   if (action == u"quit") return StatusEntry::Exit;
   return std::nullopt;
 }

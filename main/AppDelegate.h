@@ -24,8 +24,9 @@ public:
   explicit AppDelegate(StatusItemMaker makeStatusItem = {}, QObject *parent = nullptr);
   ~AppDelegate() override;
 
-  /// The start-up sequence, to be called from the running event loop: on the very first launch it asks a question and
-  /// blocks until that is answered. An exception ends the event loop, with a message and EXIT_FAILURE.
+  /// The start-up sequence, to be called from the running event loop: on the very first launch that somebody can see it
+  /// asks a question and blocks until that is answered. An exception ends the event loop, with a message and
+  /// EXIT_FAILURE.
   void applicationDidFinishLaunching();
   /// The shutdown sequence, once; a second call does nothing. Needs no event loop.
   /// @param finishWait  at most this long for the download thread, which may go on after it.
@@ -34,7 +35,8 @@ public:
   /// @name What reaches the program from outside. Kept until the status item exists.
   /// @{
   void handleUrl(const QString &url);
-  void activate(); ///< a second start: shows the settings, which is all that the agent has to show
+  /// A second start: shows the settings, which is all that the agent has to show. One that nobody can see ends.
+  void activate();
   void performAction(const QString &action);
   /// @}
 

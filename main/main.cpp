@@ -4,6 +4,7 @@
 #include "platform/Folders.h"
 #include "platform/LoginItem.h"
 #include "platform/ProcessEnd.h"
+#include "platform/Sight.h"
 #include "platform/SingleInstance.h"
 #include "platform/TerminationSignals.h"
 #include "platform/UrlScheme.h"
@@ -67,6 +68,13 @@ void describe() {
   QApplication::setQuitOnLastWindowClosed(false);
 }
 
+/// The library aborts the process when it has no display to work with. What it says of that goes before and is dropped.
+void endWithoutDisplay(QtMsgType type, const QMessageLogContext & /*where*/, const QString & /*message*/) {
+  if (type != QtFatalMsg) return;
+  std::fputs("downloaderpictora: there is no display that can be used\n", stderr);
+  platform::leaveProcess(EXIT_FAILURE);
+}
+
 int refuseStart(QLatin1StringView messageKey) {
   const platform::TerminationSignals endsTheMessage;
   QObject::connect(&endsTheMessage, &platform::TerminationSignals::terminationRequested, qApp,
@@ -108,7 +116,10 @@ void launch(AppDelegate &delegate) {
 }
 
 int runAgent(int &argc, char **argv, const CommandLine &commandLine) {
+  platform::workUnseenIfStartedByBus();
+  qInstallMessageHandler(endWithoutDisplay);
   const QApplication application(argc, argv);
+  qInstallMessageHandler(nullptr);
   describe();
   installTexts();
   SingleInstance instance;

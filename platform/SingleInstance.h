@@ -45,7 +45,7 @@ public:
 
 Q_SIGNALS:
   void urlReceived(const QString &url);
-  void activated();
+  void activated(); ///< to show itself or, where nobody could see it, to end
   /// A word that a tool sent.
   void actionRequested(const QString &action);
 

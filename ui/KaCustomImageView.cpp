@@ -2,15 +2,12 @@
 
 #include "app/KaModelFacade.h"
 #include "log/ExceptionGuard.h"
-#include "log/KaLogUtility.h"
 #include "platform/ModifierKeys.h"
-#include "platform/Opening.h"
 #include "ui/KaLogStateDelegate.h"
+#include "ui/OpenOrSay.h"
 
 #include <QKeyEvent>
 #include <QMouseEvent>
-
-using namespace Qt::StringLiterals;
 
 KaCustomImageView::KaCustomImageView(QWidget *parent) : QLabel(parent) {
   setFocusPolicy(Qt::StrongFocus);
@@ -52,8 +49,6 @@ void KaCustomImageView::clicked() {
     facade.switchLogMode();
     if (dLogDelegate) dLogDelegate->didSwitchStatus();
   } else if (clickingShiftKey) {
-    const auto folder = facade.getOutputLogFilePath();
-    platform::openFolder(folder.value_or(QString()),
-                         [] { KaLogUtility::writeErrorLog(u"the log folder cannot be shown"_s); });
+    openFolderOrSay(facade.getOutputLogFilePath().value_or(QString()));
   }
 }

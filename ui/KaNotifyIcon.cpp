@@ -2,13 +2,12 @@
 
 #include "app/KaModelFacade.h"
 #include "log/ExceptionGuard.h"
-#include "log/KaLogUtility.h"
-#include "platform/Opening.h"
 #include "platform/ThreadBound.h"
 #include "ui/HelpPages.h"
 #include "ui/KaDownloadFolderSettingView.h"
 #include "ui/KaVersionInformationView.h"
 #include "ui/LoginItemQuestion.h"
+#include "ui/OpenOrSay.h"
 #include "ui/Texts.h"
 
 #include <QCoreApplication>
@@ -80,6 +79,11 @@ void KaNotifyIcon::onChangeLinkage(bool linked) {
 void KaNotifyIcon::noteLinkHolds() {
   linkHolds = true;
   withdraw(endedByLink());
+}
+
+void KaNotifyIcon::onPageNotOpened(const QString &url) {
+  platform::assertMainThread();
+  guarded([&] { showNotOpened(Openable::Page, url); });
 }
 
 void KaNotifyIcon::setIdCode(const QString &token) {
@@ -189,8 +193,17 @@ void KaNotifyIcon::withdraw(NotificationKinds kinds) {
   }
 }
 
+bool KaNotifyIcon::isOffered(StatusEntry entry) const {
+  if (entry == StatusEntry::Download) return shown.isDownloadEnabled;
+  if (entry == StatusEntry::Link) return shown.isLogginEnabled && !shown.isLinked;
+  if (entry == StatusEntry::Logout) return shown.isLogginEnabled && shown.isLinked;
+  return true;
+}
+
 void KaNotifyIcon::perform(StatusEntry entry) {
   platform::assertMainThread();
+  // The desktop's tools may ask for what the menu has greyed.
+  if (!isOffered(entry)) return;
   switch (entry) {
   case StatusEntry::Download:
     return menuAction_Download();
@@ -220,9 +233,7 @@ void KaNotifyIcon::menuAction_DispSetting() {
 }
 
 void KaNotifyIcon::menuAction_Help() {
-  guarded([] {
-    if (!platform::openUrl(helpPageUrl())) KaLogUtility::writeErrorLog(u"the help cannot be shown"_s);
-  });
+  guarded([] { openPageOrSay(helpPageUrl()); });
 }
 
 void KaNotifyIcon::menuAction_About() {
@@ -259,9 +270,9 @@ void KaNotifyIcon::notificationActivated(const QString &processingResult) {
   guarded([&] {
     switch (clickEffect(static_cast<KaResultCode>(processingResult.toLongLong()), validationFault)) {
     case ClickEffect::OpenParentFolder:
-      return openFolder(model.downloadOption().parentFolder);
+      return openFolderOrSay(model.downloadOption().parentFolder);
     case ClickEffect::OpenParent10GFolder:
-      return openFolder(model.downloadOption().parent10GFolder);
+      return openFolderOrSay(model.downloadOption().parent10GFolder);
     case ClickEffect::Link:
       // A new login would end a link that holds, and some desktops keep what was withdrawn in a list of past ones.
       if (isLoginAskedFor || model.linkState() == KaLinkState::Unlinked) model.setupLinkage();
@@ -272,10 +283,6 @@ void KaNotifyIcon::notificationActivated(const QString &processingResult) {
       return;
     }
   });
-}
-
-void KaNotifyIcon::openFolder(const QString &path) {
-  platform::openFolder(path, [path] { KaLogUtility::writeErrorLog(u"the folder cannot be shown: "_s + path); });
 }
 
 void KaNotifyIcon::guarded(const std::function<void()> &action) {

@@ -44,6 +44,7 @@ public:
   void onSetEnableLogginMenu(bool enable) override;
   void onFinishDownloadProcess() override;
   void onChangeLinkage(bool linked) override;
+  void onPageNotOpened(const QString &url) override;
 
   /// Answers the open settings window with its OK, as a desktop tool may when there is nobody to press it.
   void confirmDialog();
@@ -53,7 +54,7 @@ public:
 
   /// @name What the menu's entries do. None lets an exception out.
   /// @{
-  void perform(StatusEntry entry);
+  void perform(StatusEntry entry); ///< nothing, if the menu does not offer it or has it greyed
   void menuAction_Download();
   void menuAction_DispSetting();
   void menuAction_Link();
@@ -75,6 +76,8 @@ private:
 
   /// Whether the user may ask for a run: linked, and no error result since.
   [[nodiscard]] bool bLinkage() const;
+  /// Whether the menu shows @p entry, and not greyed.
+  [[nodiscard]] bool isOffered(StatusEntry entry) const;
   void iconDraw();
   void startMenu(bool linked);
   void applyResult(const KaFault &told, bool userTrigger);
@@ -87,7 +90,6 @@ private:
   void foldersConfirmed();
   void startInitialRun();
   void notificationActivated(const QString &processingResult);
-  void openFolder(const QString &path);
   [[nodiscard]] bool waitForFinish(std::chrono::steady_clock::time_point deadline);
   void guarded(const std::function<void()> &action);
 

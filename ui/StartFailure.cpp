@@ -1,5 +1,6 @@
 #include "ui/StartFailure.h"
 
+#include "platform/Sight.h"
 #include "platform/ThreadBound.h"
 #include "ui/Texts.h"
 
@@ -14,6 +15,7 @@ void showStartFailure(QLatin1StringView messageKey, const QString &detail) {
   const QString message = localised(messageKey);
   const QString line = detail.isEmpty() ? message : message + u" ("_s + detail + u')';
   std::fprintf(stderr, "downloaderpictora: %s\n", qPrintable(line));
+  if (platform::isUnseen()) return;
   QMessageBox window(QMessageBox::Critical, localised("APP_SHORT_NAME"_L1), message);
   window.setTextFormat(Qt::PlainText);
   window.setInformativeText(detail);

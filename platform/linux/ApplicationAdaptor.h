@@ -1,5 +1,6 @@
 #pragma once
 
+#include "platform/Sight.h"
 #include "platform/SingleInstance.h"
 #include "platform/TerminationSignals.h"
 
@@ -16,7 +17,8 @@ namespace platform {
 
 /// The desktop's interface to a running program, on a SingleInstance. What a call asks for happens once it has been
 /// answered: a dialog that it opens would keep the caller waiting otherwise. A program that has been told to end
-/// answers as if it were gone: who takes its yes for one would not start another.
+/// answers as if it were gone: who takes its yes for one would not start another. So does one that nobody can see and
+/// that is asked to show itself: it ends, and leaves its place to a start that has a display.
 class ApplicationAdaptor : public QDBusAbstractAdaptor {
   Q_OBJECT
   Q_CLASSINFO("D-Bus Interface", "org.freedesktop.Application")
@@ -26,7 +28,14 @@ public:
 
 public Q_SLOTS:
   void Activate(const QVariantMap &, const QDBusMessage &call) {
-    later(call, [this] { Q_EMIT instance.activated(); });
+    if (!isUnseen()) return later(call, [this] { Q_EMIT instance.activated(); });
+    call.setDelayedReply(true);
+    later(call, [this, call] {
+      // Before the answer: whoever has it looks for the agent in every place.
+      instance.resign();
+      answerAsGone(call, QStringLiteral("there is no display to show the agent on"));
+      Q_EMIT instance.activated();
+    });
   }
   void Open(const QStringList &uris, const QVariantMap &, const QDBusMessage &call) {
     later(call, [this, uris] {
@@ -45,7 +54,10 @@ private:
       return;
     }
     call.setDelayedReply(true);
-    QDBusConnection::sessionBus().send(call.createErrorReply(QDBusError::UnknownObject, QString()));
+    answerAsGone(call);
+  }
+  static void answerAsGone(const QDBusMessage &call, const QString &reason = {}) {
+    QDBusConnection::sessionBus().send(call.createErrorReply(QDBusError::UnknownObject, reason));
   }
 
   SingleInstance &instance;

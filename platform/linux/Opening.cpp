@@ -1,46 +1,38 @@
 #include "platform/Opening.h"
 
 #include "platform/ThreadBound.h"
+#include "platform/linux/FileDescriptor.h"
 
+#include <QCoreApplication>
 #include <QDBusConnection>
 #include <QDBusMessage>
 #include <QDBusPendingCallWatcher>
 #include <QFile>
 #include <QFileInfo>
+#include <QPointer>
+#include <QSocketNotifier>
 #include <QStandardPaths>
+#include <QTimer>
 #include <QUrl>
 
 #include <spawn.h>
+#include <sys/syscall.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
-#include <chrono>
 #include <csignal>
-#include <thread>
+#include <optional>
+#include <utility>
 
 using namespace Qt::StringLiterals;
-using namespace std::chrono_literals;
 
 extern char **environ; // NOLINT: POSIX names it so
 
 namespace platform {
 namespace {
 
-/// Long enough to see every failure of the opener, short enough for a person not to notice.
-constexpr auto kVerdictWait = 500ms;
 /// A file manager that does not answer in this time is passed over. The bus may have to start it first.
 constexpr int kFileManagerWaitMs = 25'000;
-
-/// @return the exit status, -1 when it is still at work after @p wait.
-int waitForExit(pid_t child, std::chrono::steady_clock::duration wait) {
-  const auto end = std::chrono::steady_clock::now() + wait;
-  for (;;) {
-    int status = 0;
-    if (::waitpid(child, &status, WNOHANG) == child) return WIFEXITED(status) ? WEXITSTATUS(status) : 255;
-    if (std::chrono::steady_clock::now() >= end) return -1;
-    std::this_thread::sleep_for(5ms);
-  }
-}
 
 /// What a child starts with: a session of its own, which ends with no terminal, and no signal ignored on our account.
 class SpawnAttributes {
@@ -67,20 +59,74 @@ private:
   const bool complete;
 };
 
-/// Starts the desktop's own opener and waits shortly for its verdict; one that takes longer is at work and goes on
-/// alone.
-bool runXdgOpen(const QString &argument) {
+/// Whoever is to hear what became of an opening, once.
+class Listener {
+public:
+  Listener(const QObject *receiver, OpeningVerdict verdict) : alive(receiver), tell(std::move(verdict)) {}
+
+  void conclude(bool opened) {
+    const auto verdict = std::exchange(tell, {});
+    if (verdict && alive) verdict(opened);
+  }
+  /// From the event loop, as every other verdict.
+  void failLater() const {
+    QTimer::singleShot(0, QCoreApplication::instance(),
+                       [listener = *this]() mutable { listener.conclude(/*opened=*/false); });
+  }
+
+private:
+  QPointer<const QObject> alive;
+  OpeningVerdict tell;
+};
+
+/// By the kernel's number: the C library of Debian 12 declares its own name for C alone.
+int handleOf(pid_t process) {
+  return static_cast<int>(::syscall(SYS_pidfd_open, process, 0));
+}
+
+/// An opener at work: tells how it did and takes its exit status, so that no zombie stays behind. Deletes itself then.
+/// Not a QProcess, which ends its program when it is destroyed: if this goes first, the opener goes on alone.
+class StartedOpener : public QObject {
+public:
+  StartedOpener(pid_t process, Listener toTell, std::chrono::milliseconds wait)
+      : QObject(QCoreApplication::instance()), child(process), handle(handleOf(process)), listener(std::move(toTell)) {
+    // A kernel that has no handle for it leaves its verdict unknown.
+    if (!handle) wait = std::chrono::milliseconds::zero();
+    if (handle) watch();
+    QTimer::singleShot(wait, this, [this] { listener.conclude(/*opened=*/true); });
+  }
+
+private:
+  void watch() {
+    end.emplace(handle.get(), QSocketNotifier::Read);
+    connect(&*end, &QSocketNotifier::activated, this, &StartedOpener::hasEnded);
+  }
+  void hasEnded() {
+    end->setEnabled(false);
+    int status = 0;
+    const bool isKnown = ::waitpid(child, &status, WNOHANG) == child;
+    listener.conclude(!isKnown || (WIFEXITED(status) && WEXITSTATUS(status) == 0));
+    deleteLater();
+  }
+
+  const pid_t child;
+  const FileDescriptor handle;
+  std::optional<QSocketNotifier> end;
+  Listener listener;
+};
+
+/// Starts the desktop's own opener.
+void runXdgOpen(const QString &argument, Listener listener, std::chrono::milliseconds wait) {
   QByteArray program = QFile::encodeName(QStandardPaths::findExecutable(u"xdg-open"_s));
-  if (program.isEmpty()) return false;
   QByteArray bytes = argument.toUtf8();
   char *const arguments[] = {program.data(), bytes.data(), nullptr};
   const SpawnAttributes attributes;
   pid_t child = 0;
-  if (::posix_spawn(&child, program.constData(), nullptr, attributes.get(), arguments, environ) != 0) return false;
-  const int status = waitForExit(child, kVerdictWait);
-  // Somebody must take the exit status of one that goes on, or it stays behind as a zombie.
-  if (status < 0) std::thread([child] { ::waitpid(child, nullptr, 0); }).detach();
-  return status <= 0;
+  const bool isStarted =
+      !program.isEmpty()
+      && ::posix_spawn(&child, program.constData(), nullptr, attributes.get(), arguments, environ) == 0;
+  if (!isStarted) return listener.failLater();
+  new StartedOpener(child, std::move(listener), wait); // NOLINT: the application owns it
 }
 
 QDBusPendingCall askFileManager(const QString &path) {
@@ -92,20 +138,25 @@ QDBusPendingCall askFileManager(const QString &path) {
 
 } // namespace
 
-bool openUrl(const QString &url) {
-  return !url.isEmpty() && !url.startsWith(u'-') && runXdgOpen(url);
+void openUrl(const QString &url, const QObject *receiver, const OpeningVerdict &verdict,
+             std::chrono::milliseconds wait) {
+  assertMainThread();
+  Listener listener(receiver, verdict);
+  if (url.isEmpty() || url.startsWith(u'-')) return listener.failLater();
+  runXdgOpen(url, std::move(listener), wait);
 }
 
-void openFolder(const QString &path, const std::function<void()> &onFailure) {
+void openFolder(const QString &path, const QObject *receiver, const OpeningVerdict &verdict) {
   assertMainThread();
-  if (!QFileInfo(path).isDir()) return onFailure();
-  const auto askOpener = [path, onFailure] {
-    if (!runXdgOpen(path)) onFailure();
-  };
-  if (!QDBusConnection::sessionBus().isConnected()) return askOpener();
-  auto *const call = new QDBusPendingCallWatcher(askFileManager(path));
-  QObject::connect(call, &QDBusPendingCallWatcher::finished, call, [call, askOpener] {
-    if (call->isError()) askOpener();
+  Listener listener(receiver, verdict);
+  if (!QFileInfo(path).isDir()) return listener.failLater();
+  if (!QDBusConnection::sessionBus().isConnected()) return runXdgOpen(path, std::move(listener), kOpeningWait);
+  auto *const call = new QDBusPendingCallWatcher(askFileManager(path), QCoreApplication::instance());
+  QObject::connect(call, &QDBusPendingCallWatcher::finished, call, [call, path, listener]() mutable {
+    if (call->isError())
+      runXdgOpen(path, std::move(listener), kOpeningWait);
+    else
+      listener.conclude(/*opened=*/true);
     call->deleteLater();
   });
 }

@@ -21,6 +21,7 @@ set(system_sources
   linux/Opening.cpp
   linux/ProcessEnd.cpp
   linux/ProfileLock.cpp linux/ProfileLock.h
+  linux/Sight.cpp
   linux/SingleInstance.cpp
   linux/SleepNews.cpp
   linux/TerminationSignals.cpp

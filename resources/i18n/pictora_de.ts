@@ -169,6 +169,27 @@
     <source></source>
     <translation>Über Downloaderpictora</translation>
   </message>
+  <!-- What does not open -->
+  <message id="MSG_PAGE_NOT_OPENED">
+    <source></source>
+    <translation>Der Webbrowser ließ sich nicht öffnen. Kopieren Sie diese Adresse und öffnen Sie sie selbst in einem Browser.</translation>
+  </message>
+  <message id="MSG_FOLDER_NOT_OPENED">
+    <source></source>
+    <translation>Dieser Ordner ließ sich nicht öffnen. Vielleicht wurde er verschoben oder gelöscht, oder das Programm, das Ordner anzeigt, ist nicht gestartet.</translation>
+  </message>
+  <message id="DLG_NOT_OPENED_BUTTON_COPY_ADDRESS">
+    <source></source>
+    <translation>Adresse kopieren</translation>
+  </message>
+  <message id="DLG_NOT_OPENED_BUTTON_COPY_PATH">
+    <source></source>
+    <translation>Pfad kopieren</translation>
+  </message>
+  <message id="DLG_NOT_OPENED_BUTTON_CLOSE">
+    <source></source>
+    <translation>Schließen</translation>
+  </message>
   <!-- Results -->
   <message id="MSG_DOWNLOAD_COMPLETE">
     <source></source>

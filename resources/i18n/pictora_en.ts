@@ -169,6 +169,27 @@
     <source></source>
     <translation>About Downloaderpictora</translation>
   </message>
+  <!-- What does not open -->
+  <message id="MSG_PAGE_NOT_OPENED">
+    <source></source>
+    <translation>The web browser did not open. Copy this address and open it in a browser yourself.</translation>
+  </message>
+  <message id="MSG_FOLDER_NOT_OPENED">
+    <source></source>
+    <translation>This folder could not be opened. It may have been moved or deleted, or the program that shows folders did not start.</translation>
+  </message>
+  <message id="DLG_NOT_OPENED_BUTTON_COPY_ADDRESS">
+    <source></source>
+    <translation>Copy Address</translation>
+  </message>
+  <message id="DLG_NOT_OPENED_BUTTON_COPY_PATH">
+    <source></source>
+    <translation>Copy Path</translation>
+  </message>
+  <message id="DLG_NOT_OPENED_BUTTON_CLOSE">
+    <source></source>
+    <translation>Close</translation>
+  </message>
   <!-- Results -->
   <message id="MSG_DOWNLOAD_COMPLETE">
     <source></source>

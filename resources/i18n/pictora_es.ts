@@ -169,6 +169,27 @@
     <source></source>
     <translation>Acerca de Downloaderpictora</translation>
   </message>
+  <!-- What does not open -->
+  <message id="MSG_PAGE_NOT_OPENED">
+    <source></source>
+    <translation>No se pudo abrir el navegador web. Copie esta dirección y ábrala usted en un navegador.</translation>
+  </message>
+  <message id="MSG_FOLDER_NOT_OPENED">
+    <source></source>
+    <translation>No se pudo abrir esta carpeta. Puede que se haya movido o eliminado, o que no se haya iniciado el programa que muestra las carpetas.</translation>
+  </message>
+  <message id="DLG_NOT_OPENED_BUTTON_COPY_ADDRESS">
+    <source></source>
+    <translation>Copiar dirección</translation>
+  </message>
+  <message id="DLG_NOT_OPENED_BUTTON_COPY_PATH">
+    <source></source>
+    <translation>Copiar ruta</translation>
+  </message>
+  <message id="DLG_NOT_OPENED_BUTTON_CLOSE">
+    <source></source>
+    <translation>Cerrar</translation>
+  </message>
   <!-- Results -->
   <message id="MSG_DOWNLOAD_COMPLETE">
     <source></source>

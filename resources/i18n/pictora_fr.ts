@@ -169,6 +169,27 @@
     <source></source>
     <translation>À propos de Downloaderpictora</translation>
   </message>
+  <!-- What does not open -->
+  <message id="MSG_PAGE_NOT_OPENED">
+    <source></source>
+    <translation>Le navigateur web ne s’est pas ouvert. Copiez cette adresse et ouvrez-la vous-même dans un navigateur.</translation>
+  </message>
+  <message id="MSG_FOLDER_NOT_OPENED">
+    <source></source>
+    <translation>Ce dossier n’a pas pu être ouvert. Il a peut-être été déplacé ou supprimé, ou le programme qui affiche les dossiers n’a pas démarré.</translation>
+  </message>
+  <message id="DLG_NOT_OPENED_BUTTON_COPY_ADDRESS">
+    <source></source>
+    <translation>Copier l’adresse</translation>
+  </message>
+  <message id="DLG_NOT_OPENED_BUTTON_COPY_PATH">
+    <source></source>
+    <translation>Copier le chemin</translation>
+  </message>
+  <message id="DLG_NOT_OPENED_BUTTON_CLOSE">
+    <source></source>
+    <translation>Fermer</translation>
+  </message>
   <!-- Results -->
   <message id="MSG_DOWNLOAD_COMPLETE">
     <source></source>

@@ -169,6 +169,27 @@
     <source></source>
     <translation>Informazioni su Downloaderpictora</translation>
   </message>
+  <!-- What does not open -->
+  <message id="MSG_PAGE_NOT_OPENED">
+    <source></source>
+    <translation>Impossibile aprire il browser web. Copiare questo indirizzo e aprirlo in un browser.</translation>
+  </message>
+  <message id="MSG_FOLDER_NOT_OPENED">
+    <source></source>
+    <translation>Impossibile aprire questa cartella. Forse è stata spostata o eliminata, oppure il programma che mostra le cartelle non si è avviato.</translation>
+  </message>
+  <message id="DLG_NOT_OPENED_BUTTON_COPY_ADDRESS">
+    <source></source>
+    <translation>Copia indirizzo</translation>
+  </message>
+  <message id="DLG_NOT_OPENED_BUTTON_COPY_PATH">
+    <source></source>
+    <translation>Copia percorso</translation>
+  </message>
+  <message id="DLG_NOT_OPENED_BUTTON_CLOSE">
+    <source></source>
+    <translation>Chiudi</translation>
+  </message>
   <!-- Results -->
   <message id="MSG_DOWNLOAD_COMPLETE">
     <source></source>

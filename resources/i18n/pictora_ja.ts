@@ -169,6 +169,27 @@
     <source></source>
     <translation>Downloaderpictora について</translation>
   </message>
+  <!-- What does not open -->
+  <message id="MSG_PAGE_NOT_OPENED">
+    <source></source>
+    <translation>ウェブブラウザーを開けませんでした。このアドレスをコピーして、ご自分でブラウザーで開いてください。</translation>
+  </message>
+  <message id="MSG_FOLDER_NOT_OPENED">
+    <source></source>
+    <translation>このフォルダーを開けませんでした。移動または削除されたか、フォルダーを表示するプログラムが起動しなかった可能性があります。</translation>
+  </message>
+  <message id="DLG_NOT_OPENED_BUTTON_COPY_ADDRESS">
+    <source></source>
+    <translation>アドレスをコピー</translation>
+  </message>
+  <message id="DLG_NOT_OPENED_BUTTON_COPY_PATH">
+    <source></source>
+    <translation>パスをコピー</translation>
+  </message>
+  <message id="DLG_NOT_OPENED_BUTTON_CLOSE">
+    <source></source>
+    <translation>閉じる</translation>
+  </message>
   <!-- Results -->
   <message id="MSG_DOWNLOAD_COMPLETE">
     <source></source>

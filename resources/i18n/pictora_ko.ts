@@ -169,6 +169,27 @@
     <source></source>
     <translation>Downloaderpictora 정보</translation>
   </message>
+  <!-- What does not open -->
+  <message id="MSG_PAGE_NOT_OPENED">
+    <source></source>
+    <translation>웹 브라우저를 열지 못했습니다. 이 주소를 복사하여 브라우저에서 직접 여세요.</translation>
+  </message>
+  <message id="MSG_FOLDER_NOT_OPENED">
+    <source></source>
+    <translation>이 폴더를 열지 못했습니다. 폴더가 이동 또는 삭제되었거나 폴더를 표시하는 프로그램이 시작되지 않았을 수 있습니다.</translation>
+  </message>
+  <message id="DLG_NOT_OPENED_BUTTON_COPY_ADDRESS">
+    <source></source>
+    <translation>주소 복사</translation>
+  </message>
+  <message id="DLG_NOT_OPENED_BUTTON_COPY_PATH">
+    <source></source>
+    <translation>경로 복사</translation>
+  </message>
+  <message id="DLG_NOT_OPENED_BUTTON_CLOSE">
+    <source></source>
+    <translation>닫기</translation>
+  </message>
   <!-- Results -->
   <message id="MSG_DOWNLOAD_COMPLETE">
     <source></source>

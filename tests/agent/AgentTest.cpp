@@ -99,7 +99,8 @@ TEST_F(Agent, linksAndFillsTheFolderFetchesNothingTwiceAndLogsOut) {
   // Another run begins when the first one is through.
   ASSERT_TRUE(waitFor(
       [&] { return AgentProcess::requestAction(u"download"_s) && service.requestCount(Endpoint::RefreshToken) >= 2; }));
-  ASSERT_TRUE(AgentProcess::requestAction(u"logout"_s));
+  // It is greyed during a run.
+  ASSERT_TRUE(waitFor([&] { return AgentProcess::requestAction(u"logout"_s) && browser.hasUrl(); }));
   EXPECT_THAT(browser.takeUrl().value_or(QString()).toStdString(), testing::HasSubstr("/logout"));
   quitWithinASecond(again);
   EXPECT_EQ(service.requestCount(Endpoint::ObjectGet), 0);

@@ -10,8 +10,11 @@
 #include <gmock/gmock.h>
 
 #include <QCoreApplication>
+#include <QDBusConnection>
+#include <QDBusConnectionInterface>
 #include <QDir>
 #include <QElapsedTimer>
+#include <QScopeGuard>
 
 #include <fcntl.h>
 #include <netinet/in.h>
@@ -74,7 +77,6 @@ protected:
 };
 
 TEST_F(Start, onAnotherBusOrWithoutOneReachesTheProfilesAgent) {
-  link();
   service.library().add(image(u"10"_s, u"A.JPG"_s));
   AgentProcess agent;
   ASSERT_TRUE(agent.waitUntilServing());
@@ -83,6 +85,10 @@ TEST_F(Start, onAnotherBusOrWithoutOneReachesTheProfilesAgent) {
     if (!hasBus) qputenv("DBUS_SESSION_BUS_ADDRESS", "unix:path=/nonexistent");
     AgentProcess second;
     EXPECT_EQ(second.waitForEnd(10s), 0);
+    if (!hasBus) { // linked, and greyed during a run
+      ASSERT_TRUE(waitFor([&] { return AgentProcess::requestAction(u"logout"_s) && browser.hasUrl(); }));
+      ASSERT_TRUE(browser.takeUrl());
+    }
     ASSERT_TRUE(AgentProcess::requestAction(u"link"_s)); // by the bus of the test
     service.resetRequestCounts();
     AgentProcess callback({service.signIn(browser.takeUrl().value_or(QString()))});
@@ -104,6 +110,30 @@ TEST_F(Start, withoutABusIsTheOnlyAgentAndTakesCallbacks) {
   EXPECT_TRUE(service.waitForRequests(Endpoint::Configuration, 1, 20s)) << "nobody verifies what has come";
   agent.terminate();
   EXPECT_EQ(agent.waitForEnd(1s * kSlowness), 0);
+}
+
+TEST_F(Start, byTheBusWithoutADisplayLinksAndMakesRoomForAStartThatIsSeen) {
+  for (const char *const variable : {"QT_QPA_PLATFORM", "DISPLAY", "WAYLAND_DISPLAY"})
+    qunsetenv(variable);
+  profile.writeUserDefaults(service.userDefaults()); // a first launch, whose question nobody would see
+  service.library().add(image(u"10"_s, u"A.JPG"_s));
+  const PrivateBus starting("DBUS_SESSION_BUS_ADDRESS", AgentProcess::program());
+  const auto process = [] {
+    return QDBusConnection::sessionBus().interface()->servicePid(u"com.norvale.Downloaderpictora"_s).value();
+  };
+  const auto end = qScopeGuard([&] {
+    if (const auto last = static_cast<pid_t>(process()); last > 0) ::kill(last, SIGKILL);
+  });
+  ASSERT_TRUE(AgentProcess::open(u"downloaderpictora://authenticate?idToken="_s + service.issueIdToken(u"nonce"_s)));
+  EXPECT_TRUE(service.waitForRequests(Endpoint::Configuration, 1, 20s)) << "the token is lost";
+  const auto unseen = process();
+  ASSERT_TRUE(AgentProcess::requestAction(u"link"_s));
+  const auto loginUrl = browser.takeUrl();
+  ASSERT_TRUE(loginUrl && AgentProcess::open(service.signIn(*loginUrl)));
+  EXPECT_TRUE(waitFor([this] { return AgentProcess::requestAction(u"confirm"_s) && !files().isEmpty(); }));
+  EXPECT_EQ(process(), unseen);
+  AgentProcess seen;
+  EXPECT_TRUE(waitFor([&] { return process() != unseen && holdsTheProfile(seen); }));
 }
 
 TEST_F(Start, waitsForTheEndOfTheAgentBefore) {
@@ -140,6 +170,13 @@ TEST_F(Start, thatFailsSaysWhyAndEndsWithAFailure) {
     expectAWordAndAFailure(agent, "identity of this computer");
   }
   ASSERT_TRUE(QDir().rmdir(kept));
+  qunsetenv("WAYLAND_DISPLAY");
+  for (const char *const display : {"", ":64321"}) {
+    qputenv("DISPLAY", display);
+    AgentProcess agent({}, {});
+    EXPECT_EQ(agent.waitForEnd(10s), 1) << "or it was aborted";
+    EXPECT_EQ(agent.errorOutput(), u"downloaderpictora: there is no display that can be used\n"_s);
+  }
   AgentProcess agent;
   EXPECT_TRUE(agent.waitUntilServing());
 }
@@ -236,6 +273,7 @@ TEST_F(Start, canBeQuitWithinASecondInEveryState) {
     AgentProcess agent;
     ASSERT_TRUE(agent.waitUntilServing() && AgentProcess::requestAction(u"help"_s) && browser.takeUrl());
     quitWithinASecond(agent, "a stuck browser");
+    EXPECT_EQ(::kill(browser.hangingProcess(), SIGKILL), 0) << "it was to go on by itself";
   }
   service.resetRequestCounts();
   AgentProcess agent;

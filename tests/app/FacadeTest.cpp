@@ -48,6 +48,7 @@ public:
   void onCompleteLinkageSetting() override { note(u"login"_s, true); }
   void onSetEnableLogginMenu(bool enable) override { runs += enable; }
   void onFinishDownloadProcess() override { finished = true; }
+  void onPageNotOpened(const QString &url) override { reports << url.section(u'?', 0, 0).section(u'/', 3); }
   void onChangeLinkage(bool linked) override { note(u"linkage"_s, linked); }
 
   QStringList reports;
@@ -229,6 +230,25 @@ TEST_F(FacadeLinkage, goesOnWithItsLinkWhenALoginDoesNotHold) {
     facade().downloadNow(/*initialAccess=*/false);
     return service.requestCount(Endpoint::RefreshToken) >= 2;
   })) << "the patience with a login is over before its time";
+}
+
+TEST_F(FacadeLinkage, saysWhichPageDidNotOpenAndGoesOnWithItsLink) {
+  browser.fail();
+  startLinked();
+  ASSERT_TRUE(waitFor([&] { return delegate.runs == 1; }));
+  facade().switchLogMode();
+  facade().setupLinkage();
+  facade().downloadNow(/*initialAccess=*/false);
+  const auto waits = [&] { return !loggedLines(profile).filter(u"Login Wait"_s).isEmpty(); };
+  for (int time = 0; time < 1000 * kSlowness && !waits(); ++time)
+    QThread::msleep(5); // the event loop would bring the news of the page
+  ASSERT_TRUE(waits());
+  EXPECT_TRUE(waitFor([&] { return service.requestCount(Endpoint::RefreshToken) == 2; })) << "runs go on";
+  QStringList expected{u"status 0"_s, u"linkage 1"_s, u"getLogin"_s};
+  EXPECT_TRUE(waitForReports(expected));
+  facade().closeLinkage();
+  EXPECT_TRUE(waitForReports(expected << u"status 3"_s << u"result 5"_s << u"logout"_s));
+  EXPECT_EQ(loggedLines(profile).filter(u"nonce="_s), QStringList()) << "it is for the user alone";
 }
 
 TEST_F(FacadeLinkage, tellsOnceALoginThatCouldNotBeVerifiedHoldsAgainUnlessItIsOver) {

@@ -64,8 +64,15 @@ void EngineTest::addImages(const char *paths) {
   }
 }
 
-QString EngineTest::signIn() {
+void EngineTest::beginLogin(KaLink &link) {
+  int noArguments = 0;
+  const QCoreApplication application(noArguments, nullptr);
   link.beginLogin();
+  EXPECT_TRUE(waitFor([] { return KaLinkageUtility::existCodeVerifier(); }));
+}
+
+QString EngineTest::signIn() {
+  beginLogin(link);
   const QString callback = service.signIn(browser.takeUrl().value_or(QString()));
   return QUrlQuery(QUrl(callback)).queryItemValue(u"idToken"_s);
 }

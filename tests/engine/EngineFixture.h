@@ -53,6 +53,8 @@ protected:
 
   /// A login as a person makes it, up to the callback. @return its ID token.
   [[nodiscard]] QString signIn();
+  /// Up to the page that has opened.
+  static void beginLogin(KaLink &link);
   /// What the pairing folder holds.
   [[nodiscard]] QStringList pairingFiles() const;
 

@@ -254,7 +254,7 @@ TEST_P(OldLink, isNotBroughtBackByItsLateAnswer) {
     ASSERT_TRUE(waitForRequest(GetParam()));
     delegate.forgetEvents();
     link.close();
-    EXPECT_EQ(loginGivenUp, loginGivenUp && link.beginLogin());
+    if (loginGivenUp) beginLogin(link);
     service.clearFaults();
     ASSERT_TRUE(delegate.waitForEvent(u"enableLoggin 1"_s));
     EXPECT_EQ(link.state(), KaLinkState::Unlinked);
@@ -301,7 +301,7 @@ TEST_F(Processor, goesOnWithItsLinkWhenALoginIsGivenUpWhichALateCallbackStillCom
   KaDownloadProcessor patientOne(delegate, patient); // goes away before its link
   patientOne.startReceiving(/*initialAccess=*/false);
   ASSERT_TRUE(delegate.waitForEvent(u"enableLoggin 1"_s));
-  patient.beginLogin();
+  beginLogin(patient);
   const QString callback = service.signIn(browser.takeUrl().value_or(QString()));
   patientOne.getContentsNow();
   ASSERT_TRUE(delegate.waitForEvent(u"result 3 by user"_s)) << "the old link still works";

@@ -44,6 +44,8 @@ TEST(Cryption, breaksLinesAndReadsDamagedOrForeignTextsAsAbsent) {
 }
 
 struct Linkage : ServiceTest {
+  int noArguments = 0;
+  const QCoreApplication application{noArguments, nullptr};
   QDir folder{profile.dataFolder() + u"/NORVALE INC/Downloaderpictora Shared/PairingInfo"_s};
   const sandbox::LinkedToken login = service.issueUnlinkedToken();
 };
@@ -106,22 +108,26 @@ TEST_F(Linkage, leavesNothingThatAKillLeftWhenItIsTakenUpOrClosed) {
   }
 }
 
-TEST_F(Linkage, opensThePagesOfTheServiceAndKeepsTheVerifier) {
+TEST_F(Linkage, opensThePagesOfTheServiceAndSaysWhichDidNotOpen) {
   const FakeBrowser browser(profile);
-  EXPECT_TRUE(KaLinkageUtility::setupLinkage(u"NONCE"_s));
-  const QString verifier = KaLinkageUtility::loadCodeVerifier().value_or(QString());
+  QStringList verdicts;
+  const auto note = [&](bool opened, const QString &page) { verdicts << (opened ? u"opened"_s : page); };
+  const QString verifier = KaLinkageUtility::setupLinkage(u"NONCE"_s, qApp, note);
   EXPECT_TRUE(QRegularExpression(u"^[A-Za-z0-9_-]{86}$"_s).match(verifier).hasMatch()) << qPrintable(verifier);
-  EXPECT_EQ(browser.takeUrl(),
-            url(u"api"_s, u"/getLogin?appRedirectUrl="_s)
-                + url(u"www"_s, u"/st/downloader-login.html&nonce=NONCE&codeChallenge="_s)
-                + KaCryptionUtility::GenerateCodeS256Challenge(verifier)
-                + u"&downloaderRedirectUrl=downloaderpictora://authenticate&strataClient=pc_2.0&view=login"_s);
-  EXPECT_TRUE(KaLinkageUtility::closeLinkage());
-  EXPECT_EQ(browser.takeUrl(),
-            url(u"api"_s, u"/logout?appRedirectUrl="_s) + url(u"www"_s, u"/st/downloader-logout.html"_s));
+  const QString loginPage =
+      url(u"api"_s, u"/getLogin?appRedirectUrl="_s)
+      + url(u"www"_s, u"/st/downloader-login.html&nonce=NONCE&codeChallenge="_s)
+      + KaCryptionUtility::GenerateCodeS256Challenge(verifier)
+      + u"&downloaderRedirectUrl=downloaderpictora://authenticate&strataClient=pc_2.0&view=login"_s;
+  EXPECT_EQ(browser.takeUrl(), loginPage);
+  const QString logoutPage =
+      url(u"api"_s, u"/logout?appRedirectUrl="_s) + url(u"www"_s, u"/st/downloader-logout.html"_s);
+  KaLinkageUtility::closeLinkage(qApp, note);
+  EXPECT_EQ(browser.takeUrl(), logoutPage);
+  EXPECT_TRUE(waitFor([&] { return verdicts == QStringList{u"opened"_s, u"opened"_s}; }));
   browser.uninstall();
-  EXPECT_FALSE(KaLinkageUtility::setupLinkage(u"NONCE"_s));
-  EXPECT_FALSE(KaLinkageUtility::existCodeVerifier());
+  KaLinkageUtility::closeLinkage(qApp, note);
+  EXPECT_TRUE(waitFor([&] { return verdicts.size() == 3; }) && verdicts.last() == logoutPage);
 }
 
 TEST_F(Linkage, givesNoTokenCodeOfABadAnswer) {

@@ -1,6 +1,6 @@
 #include "main/AppDelegate.h"
 
-#include "app/KaModelFacade.h"
+#include "identity/KaLinkageUtility.h"
 #include "log/KaLogUtility.h"
 #include "platform/UserDefaults.h"
 #include "tests/log/LogFile.h"
@@ -15,6 +15,7 @@
 #include <QRegularExpression>
 #include <QTimer>
 
+#include <set>
 #include <stdexcept>
 
 using namespace Qt::StringLiterals;
@@ -32,6 +33,18 @@ TEST(AppDelegate, takesTheFirstTokenPercentDecodedOnceAndNamesItself) {
     EXPECT_EQ(token(query), QString()) << query;
   const QRegularExpression userAgent(u"^UserAgent=Downloaderpictora/[0-9.]+\\(NORVALE;MAC_OS/\\d+\\.\\d+\\.\\d+\\)$"_s);
   EXPECT_TRUE(userAgent.match(AppDelegate::getUserAgent()).hasMatch()) << qPrintable(AppDelegate::getUserAgent());
+}
+
+TEST(AppDelegate, doesWhatTheLauncherOffersForEachEntryOfTheMenu) {
+  const QString entry =
+      QString::fromUtf8(contentOf(QStringLiteral(KA_SOURCE "/resources/com.norvale.Downloaderpictora.desktop")));
+  std::set<std::optional<StatusEntry>> done;
+  for (const QString &action : entry.section(u"\nActions="_s, 1).section(u";\n"_s, 0, 0).split(u';')) {
+    EXPECT_TRUE(entry.contains(u"\n[Desktop Action %1]\nName="_s.arg(action))) << qPrintable(action);
+    EXPECT_TRUE(entry.contains(u"\nExec=gapplication action com.norvale.Downloaderpictora "_s + action + u'\n'));
+    EXPECT_TRUE(done.insert(entryOfAction(action)).second && entryOfAction(action)) << qPrintable(action);
+  }
+  EXPECT_EQ(done.size(), static_cast<std::size_t>(StatusEntry::Exit) + 1);
 }
 
 /// The very first launch: what is done while the question is open, and what is left behind.
@@ -104,14 +117,16 @@ TEST_F(FirstLaunch, thatFailsSaysWhyAndEndsWithAFailure) {
   EXPECT_EQ(told, localised("MSG_ERR_START"_L1) + u"std::runtime_error : no more threads"_s);
 }
 
-TEST_F(FirstLaunch, keepsWhatComesInDuringTheQuestion) {
+TEST_F(FirstLaunch, keepsWhatComesInDuringTheQuestionAndDoesWhatTheMenuThenOffers) {
   const FakeBrowser browser(profile);
+  ASSERT_TRUE(KaLinkageUtility::saveLinkageSetting(u"token"_s));
   launch([&](QMessageBox &question) {
-    delegate->performAction(u"link"_s);
-    EXPECT_FALSE(KaModelFacade::sharedInstance().bLoggedIn());
+    for (const QString &action : {u"link"_s, u"help"_s})
+      delegate->performAction(action);
     question.close();
   });
-  EXPECT_THAT(browser.takeUrl().value_or(QString()).toStdString(), testing::HasSubstr("/getLogin?"));
+  EXPECT_THAT(browser.takeUrl().value_or(QString()).toStdString(), testing::HasSubstr("/help/"));
+  EXPECT_TRUE(KaLinkageUtility::loadLinkageSetting()) << "a login was begun";
 }
 
 } // namespace

@@ -17,10 +17,16 @@
 #include <QKeyEvent>
 
 #include <sys/stat.h>
+#include <unistd.h>
 
+#include <chrono>
+#include <csignal>
 #include <functional>
+#include <memory>
+#include <optional>
 
 using namespace Qt::StringLiterals;
+using namespace std::chrono_literals;
 
 namespace {
 
@@ -100,22 +106,54 @@ TEST(ModifierKeys, areToldApartByTheirSide) {
     EXPECT_EQ(platform::modifierKeyOf(QKeyEvent(QEvent::KeyPress, Qt::Key_Any, {}, 0, name, 0)), key) << name;
 }
 
-TEST_F(Desktop, opensUrlsAndFoldersAndSaysWhenItCannot) {
-  qputenv("DBUS_SESSION_BUS_ADDRESS", "unix:path=/nonexistent");
-  const FakeBrowser browser(profile);
-  for (const QString &url : {u""_s, u"--help"_s})
-    EXPECT_FALSE(platform::openUrl(url));
-  EXPECT_TRUE(platform::openUrl(u"https://a.example/?b"_s));
-  EXPECT_EQ(browser.takeUrl(), u"https://a.example/?b"_s);
-  int failures = 0;
-  const auto open = [&](const QString &folder) { platform::openFolder(folder, [&failures] { ++failures; }); };
-  open(profile.picturesFolder());
-  EXPECT_TRUE(browser.takeUrl() == profile.picturesFolder() && failures == 0);
-  open(profile.path(u"missing"_s));
-  EXPECT_EQ(failures, 1);
-  browser.fail();
-  open(profile.picturesFolder());
-  EXPECT_TRUE(failures == 2 && !platform::openUrl(u"https://a.example/"_s));
+struct Opening : Desktop {
+  Opening() { qputenv("DBUS_SESSION_BUS_ADDRESS", "unix:path=/nonexistent"); }
+
+  /// What becomes of the URL or of the folder, which begins with a slash.
+  [[nodiscard]] std::optional<bool> verdictOn(const QString &what, std::chrono::milliseconds wait = 20s) {
+    std::optional<bool> verdict;
+    const auto note = [&](bool opened) { verdict = opened; };
+    what.startsWith(u'/') ? platform::openFolder(what, &application, note)
+                          : platform::openUrl(what, &application, note, wait);
+    EXPECT_FALSE(verdict) << "from the event loop alone";
+    EXPECT_TRUE(waitFor([&] { return verdict.has_value(); }));
+    return verdict;
+  }
+
+  const FakeBrowser browser{profile};
+};
+
+TEST_F(Opening, ofUrlsAndFoldersSaysWhetherItWentWell) {
+  const QString url = u"https://a.example/?b"_s;
+  for (const QString &what : {url, profile.picturesFolder()}) {
+    EXPECT_EQ(verdictOn(what), true);
+    EXPECT_EQ(browser.takeUrl(), what);
+  }
+  for (const QString &what : {u""_s, u"--help"_s, profile.path(u"missing"_s)})
+    EXPECT_EQ(verdictOn(what), false) << what.toStdString();
+  for (const auto &stop : {&FakeBrowser::fail, &FakeBrowser::uninstall}) {
+    (browser.*stop)();
+    for (const QString &what : {url, profile.picturesFolder()})
+      EXPECT_EQ(verdictOn(what), false);
+  }
+  auto gone = std::make_unique<QObject>();
+  platform::openUrl(url, gone.get(), [](bool) { ADD_FAILURE() << "told to what is gone"; });
+  gone.reset();
+  EXPECT_EQ(verdictOn(url), false);
+}
+
+TEST_F(Opening, thatTakesLongCountsAndGoesOnByItselfUntilItEnds) {
+  std::signal(SIGPIPE, SIG_IGN);
+  browser.hang();
+  EXPECT_EQ(verdictOn(u"https://a.example/"_s, 100ms), true);
+  ASSERT_TRUE(browser.takeUrl());
+  const pid_t process = browser.hangingProcess();
+  EXPECT_EQ(::getsid(process), process);
+  const QString status = QString::fromUtf8(contentOf(u"/proc/%1/status"_s.arg(process)));
+  const quint64 ignored = status.section(u"SigIgn:"_s, 1).section(u'\n', 0, 0).trimmed().toULongLong(nullptr, 16);
+  EXPECT_FALSE(ignored & 1ULL << (SIGPIPE - 1)) << status.toStdString();
+  EXPECT_EQ(::kill(process, SIGKILL), 0);
+  EXPECT_TRUE(waitFor([&] { return ::kill(process, 0) != 0; })) << "a zombie stays";
 }
 
 TEST_F(Desktop, keepsTheUsersIdWhichDiffersByMachine) {

@@ -44,11 +44,20 @@ bool AgentProcess::waitUntilServing() {
   return waitFor([] { return QDBusConnection::sessionBus().interface()->isServiceRegistered(kName).value(); });
 }
 
-bool AgentProcess::requestAction(const QString &action) {
+static bool callApplication(const QString &method, const QVariantList &arguments) {
   auto message = QDBusMessage::createMethodCall(kName, u"/com/norvale/Downloaderpictora"_s,
-                                                u"org.freedesktop.Application"_s, u"ActivateAction"_s);
-  message << action << QVariantList() << QVariantMap();
+                                                u"org.freedesktop.Application"_s, method);
+  message.setArguments(arguments);
+  message << QVariantMap();
   return QDBusConnection::sessionBus().call(message).type() == QDBusMessage::ReplyMessage;
+}
+
+bool AgentProcess::requestAction(const QString &action) {
+  return callApplication(u"ActivateAction"_s, {action, QVariantList()});
+}
+
+bool AgentProcess::open(const QString &url) {
+  return callApplication(u"Open"_s, {QStringList{url}});
 }
 
 QByteArray AgentProcess::program() {

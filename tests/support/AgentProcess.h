@@ -23,8 +23,9 @@ public:
 
   /// Until the agent serves its name on the bus.
   [[nodiscard]] bool waitUntilServing();
-  /// An action as desktop tools send it.
+  /// An action as desktop tools send it, and a URL. Where nobody serves the name the bus may start an agent.
   [[nodiscard]] static bool requestAction(const QString &action);
+  [[nodiscard]] static bool open(const QString &url);
 
   void kill9();
   void signal(int number) const;

@@ -15,13 +15,17 @@ void FakeBrowser::install(const QByteArray &afterwards) const {
   const QString script = folder + u"/xdg-open"_s;
   const QByteArray note = QFile::encodeName(notePath);
   // Renamed into place, so that nobody reads half a URL.
-  writeFile(script,
-            "#!/bin/sh\nprintf '%s' \"$1\" >'" + note + ".new' && mv '" + note + ".new' '" + note + "'\n" + afterwards);
+  writeFile(script, "#!/bin/sh\nprintf $$ >'" + note + ".process'; printf '%s' \"$1\" >'" + note + ".new' && mv '"
+                        + note + ".new' '" + note + "'\n" + afterwards);
   QFile::setPermissions(script, QFile::ReadOwner | QFile::WriteOwner | QFile::ExeOwner);
 }
 
 void FakeBrowser::hang() const {
   install("exec sleep 20\n");
+}
+
+pid_t FakeBrowser::hangingProcess() const {
+  return contentOf(notePath + u".process"_s).toInt();
 }
 
 void FakeBrowser::fail() const {
@@ -32,8 +36,12 @@ FakeBrowser::~FakeBrowser() {
   qputenv("PATH", pathBefore);
 }
 
+bool FakeBrowser::hasUrl() const {
+  return QFile::exists(notePath);
+}
+
 std::optional<QString> FakeBrowser::takeUrl() const {
-  if (!waitFor([this] { return QFile::exists(notePath); })) return std::nullopt;
+  if (!waitFor([this] { return hasUrl(); })) return std::nullopt;
   const QString url = QString::fromUtf8(contentOf(notePath));
   QFile::remove(notePath);
   return url;

@@ -5,6 +5,8 @@
 #include <QByteArray>
 #include <QString>
 
+#include <sys/types.h>
+
 #include <optional>
 
 /// Stands first in PATH, as long as it lives, as what opens URLs and notes what it was asked to open.
@@ -15,8 +17,12 @@ public:
 
   /// The URL that it was asked to open since the last call; waits for one.
   [[nodiscard]] std::optional<QString> takeUrl() const;
+  /// Whether there is one.
+  [[nodiscard]] bool hasUrl() const;
   /// From now on it opens nothing and does not end by itself for a while.
   void hang() const;
+  /// The process that hangs; the caller ends it.
+  [[nodiscard]] pid_t hangingProcess() const;
   /// From now on it says that it could open nothing.
   void fail() const;
   /// From now on there is nothing on this desktop that could open a URL.

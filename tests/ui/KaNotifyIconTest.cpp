@@ -15,9 +15,13 @@
 
 #include <gmock/gmock.h>
 
+#include <QClipboard>
 #include <QDir>
 #include <QElapsedTimer>
+#include <QLabel>
+#include <QLineEdit>
 #include <QProcess>
+#include <QPushButton>
 #include <QUrl>
 #include <QUrlQuery>
 
@@ -350,13 +354,70 @@ TEST_F(NotifyIcon, withdrawsNothingWhenARunOnlyWaitsForANetwork) {
   EXPECT_EQ(view.standing.values(), QStringList{u"17"_s}) << "which is told once";
 }
 
+TEST_F(NotifyIcon, saysWhatDidNotOpenInOneWindowOfAKindWithItsAddressToCopy) {
+  browser.fail();
+  start();
+  report([] {}); // the menu offers a login from now on
+  const auto address = [] { return dialogs().size() == 1 ? dialogs().first()->findChild<QLineEdit *>() : nullptr; };
+  const auto shows = [&](const QString &part) { return address() && address()->text().contains(part); };
+  Q_EMIT view.entryTriggered(StatusEntry::Link);
+  ASSERT_TRUE(waitFor([&] { return shows(u"/getLogin?"_s); }));
+  EXPECT_EQ(dialogs().first()->findChild<QLabel *>()->text(), localised("MSG_PAGE_NOT_OPENED"_L1));
+  Q_EMIT view.entryTriggered(StatusEntry::Help);
+  ASSERT_TRUE(waitFor([&] { return shows(u"/help/en/index.html"_s); }));
+  QPushButton *const copy = dialogs().first()->findChild<QPushButton *>();
+  EXPECT_EQ(copy->text(), localised("DLG_NOT_OPENED_BUTTON_COPY_ADDRESS"_L1));
+  copy->click();
+  EXPECT_EQ(QApplication::clipboard()->text(), address()->text());
+  EXPECT_EQ(address()->selectedText(), address()->text());
+  dialogs().first()->reject();
+  Q_EMIT view.notificationActivated(u"1"_s); // there is no such folder yet
+  ASSERT_TRUE(waitFor([&] { return shows(facade.downloadOption().parentFolder); }));
+  EXPECT_EQ(dialogs().first()->findChild<QLabel *>()->text(), localised("MSG_FOLDER_NOT_OPENED"_L1));
+  dialogs().first()->reject();
+  QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
+}
+
 TEST_F(NotifyIcon, opensWhatBelongsToTheResultOfAClickedNotification) {
   start();
   Q_EMIT view.notificationActivated(u"2"_s);
   EXPECT_EQ(browser.takeUrl(), facade.downloadOption().parent10GFolder);
   for (const QString &result : {u"9"_s, u"24"_s, u"one"_s})
     Q_EMIT view.notificationActivated(result);
-  EXPECT_FALSE(QFile::exists(profile.path(u"opened-url"_s))) << "the browser noted something";
+  EXPECT_FALSE(browser.hasUrl()) << "the browser noted something";
+}
+
+TEST(NotifyIconAtWork, doesNothingThatItsMenuHasGreyed) {
+  const UiProfile profile;
+  const FakeBrowser browser(profile);
+  sandbox::Service service;
+  profile.writeUserDefaults(service.userDefaults());
+  const sandbox::LinkedToken linked = service.issueLinkedToken();
+  ASSERT_TRUE(KaLinkageUtility::saveLinkageSetting(linked.idToken)
+              && KaLinkageUtility::saveTokenCode(linked.tokenCode));
+  service.order(sandbox::Endpoint::RefreshToken, {.status = 503, .times = -1});
+  FakeStatusItem view;
+  KaNotifyIcon icon(KaModelFacade::sharedInstance(), view, {.tick = 5ms});
+  const auto waitUntilShown = [&](const std::function<bool(const StatusItemState &)> &isShown) {
+    ASSERT_TRUE(waitFor([&] { return !view.states.empty() && isShown(view.states.back()); }));
+  };
+  waitUntilShown(
+      [](const auto &state) { return !state.isLinked && !state.isDownloadEnabled && state.isLogginEnabled; });
+  icon.onSetEnableLogginMenu(false);
+  waitUntilShown([](const auto &state) { return !state.isLogginEnabled; });
+  const int before = service.requestCount(sandbox::Endpoint::RefreshToken);
+  for (const StatusEntry entry : {StatusEntry::Link, StatusEntry::Logout, StatusEntry::Download})
+    icon.perform(entry);
+  icon.onSetEnableLogginMenu(true);
+  waitUntilShown([](const auto &state) { return state.isLogginEnabled; });
+  icon.perform(StatusEntry::Logout);
+  EXPECT_FALSE(service.waitForRequests(sandbox::Endpoint::RefreshToken, before + 1, 300ms));
+  EXPECT_FALSE(browser.hasUrl()) << "a page was opened";
+  icon.onChangeLinkage(true);
+  waitUntilShown([](const auto &state) { return state.isDownloadEnabled; });
+  icon.perform(StatusEntry::Download);
+  EXPECT_TRUE(service.waitForRequests(sandbox::Endpoint::RefreshToken, before + 1, 20s));
+  EXPECT_TRUE(icon.appFinalize());
 }
 
 } // namespace

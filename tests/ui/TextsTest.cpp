@@ -12,6 +12,7 @@ using namespace Qt::StringLiterals;
 namespace {
 
 const QString kTables = QStringLiteral(KA_SOURCE "/resources/i18n");
+const QString kEntry = QStringLiteral(KA_SOURCE "/resources/com.norvale.Downloaderpictora.desktop");
 const QString kHelp = QStringLiteral(KA_SOURCE "/resources/help/");
 
 QMap<QString, QString> textsIn(const QString &table) {
@@ -46,16 +47,22 @@ TEST(Texts, areThereForEveryKeyInUse) {
 
 TEST(Texts, areWholeInEveryLanguage) {
   const auto english = textsIn(u"pictora_en.ts"_s);
+  const QString entry = QString::fromUtf8(contentOf(kEntry));
   const QStringList tables = QDir(kTables).entryList({u"*.ts"_s});
   EXPECT_GE(tables.size(), 8);
   for (const QString &table : tables) {
     SCOPED_TRACE(table.toStdString());
     const auto texts = textsIn(table);
     EXPECT_EQ(texts.keys(), english.keys());
+    const QString language = table.section(u"pictora_"_s, 1).chopped(3);
+    const QString name = u"\nName"_s + (language == u"en" ? QString() : u'[' + language + u']') + u'=';
     QStringList mnemonics;
     for (auto text = texts.begin(); text != texts.end(); ++text) {
       EXPECT_FALSE(text->trimmed().isEmpty() || text->contains(u'%')) << qPrintable(text.key());
       EXPECT_EQ(text->count(u'&'), english[text.key()].count(u'&')) << qPrintable(text.key());
+      if (text.key().startsWith(u"MENU_"_s)) {
+        EXPECT_TRUE(entry.contains(name + *text + u'\n')) << qPrintable(text.key()) << " is no action of the launcher";
+      }
       if (!mnemonic(*text).isEmpty()) mnemonics << mnemonic(*text);
       static const QRegularExpression ofLogin(u"^MSG_ERR_(UNLINK|LINK_INVALID|VALIDATION|CLOCK)"_s);
       if (!text.key().contains(ofLogin)) continue;
