@@ -1,5 +1,6 @@
 #include "ui/Texts.h"
 #include "tests/ui/UiProfile.h"
+#include "ui/Mnemonics.h"
 
 #include <gmock/gmock.h>
 
@@ -24,12 +25,6 @@ QMap<QString, QString> textsIn(const QString &table) {
     if (xml.name() == u"translation") texts[id] = xml.readElementText();
   }
   return texts;
-}
-
-/// The letter that follows the mark, if there is one.
-QString mnemonic(const QString &text) {
-  const qsizetype mark = text.indexOf(u'&');
-  return mark < 0 ? QString() : text.mid(mark + 1, 1).toLower();
 }
 
 TEST(Texts, areThereForEveryKeyInUse) {
@@ -61,7 +56,7 @@ TEST(Texts, areWholeInEveryLanguage) {
       if (text.key().startsWith(u"MSG_ERR"_s) || text.key().startsWith(u"TOOL_TIP"_s)) {
         EXPECT_TRUE(help.contains(*text)) << qPrintable(text.key()) << " reads otherwise in the help";
       }
-      if (!mnemonic(*text).isEmpty()) mnemonics << mnemonic(*text);
+      if (!mnemonicOf(*text).isEmpty()) mnemonics << mnemonicOf(*text);
       if (text.key().startsWith(u"MSG_ERR_UNLINK"_s)) {
         EXPECT_TRUE(text->contains(texts[u"MENU_LOGIN"_s])) << "names an entry that is not in the menu";
       }
