@@ -54,26 +54,28 @@ QPalette weakened(const QPalette &colors) {
 }
 
 /// Shows a path in whole below the message: it may be long, and labels wrap at blanks alone.
-void addPath(QMessageBox &box, const QString &path) {
+void addPath(QMessageBox &box, const QString &path, QSize room) {
   auto *const whole = new QPlainTextEdit(path, &box);
-  whole->setObjectName(u"path"_s);
   whole->setAccessibleName(box.text());
   whole->setReadOnly(true);
   whole->setTextInteractionFlags(Qt::TextSelectableByMouse | Qt::TextSelectableByKeyboard);
   whole->setTabChangesFocus(true);
   whole->setWordWrapMode(QTextOption::WrapAnywhere);
-  constexpr int kLetters = 40;
-  constexpr int kLines = 12; // more of them scroll
+  whole->setFrameShape(QFrame::NoFrame);
+  whole->viewport()->setAutoFillBackground(false);
+  whole->document()->setDocumentMargin(0);
+  whole->setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
+  constexpr int kLetters = 50;
   const QFontMetrics letters = whole->fontMetrics();
-  const int width = kLetters * letters.averageCharWidth();
+  const int beside = 3 * whole->style()->pixelMetric(QStyle::PM_MessageBoxIconSize);
+  const int width = qMin(kLetters * letters.averageCharWidth(), room.width() - beside);
   const int height = letters.boundingRect(0, 0, width, 0, Qt::TextWrapAnywhere, path).height();
-  const int margins = 2 * (whole->frameWidth() + int(whole->document()->documentMargin()));
-  whole->setMinimumWidth(width + margins + whole->style()->pixelMetric(QStyle::PM_ScrollBarExtent));
-  whole->setFixedHeight(qMin(height, kLines * letters.lineSpacing()) + margins);
+  whole->setFixedSize(width + whole->style()->pixelMetric(QStyle::PM_ScrollBarExtent),
+                      qMin(height + 1, room.height() / 3)); // more of it scrolls
   auto *const grid = static_cast<QGridLayout *>(box.layout());
   auto *const buttons = box.findChild<QDialogButtonBox *>();
   grid->removeWidget(buttons);
-  grid->addWidget(whole, grid->rowCount(), 0, 1, grid->columnCount());
+  grid->addWidget(whole, grid->rowCount(), grid->columnCount() - 1);
   grid->addWidget(buttons, grid->rowCount(), 0, 1, grid->columnCount());
 }
 
@@ -167,14 +169,14 @@ void KaDownloadFolderSettingView::space() {
   window->folderLayout->setVerticalSpacing(line / 2);
   window->radioLayout->setContentsMargins(line, 0, 0, 0);
   window->radioLayout->setHorizontalSpacing(line);
-  window->radioLayout->setVerticalSpacing(line / 4);
   window->choice10GLayout->setSpacing(line / 2);
   window->optionLayout->setHorizontalSpacing(line / 2);
   window->optionLayout->setVerticalSpacing(line / 2);
   // Beside the first line of its label, however large the letters are.
-  for (QCheckBox *const box :
-       {window->checkBox10GDownloadButton, window->checkBoxCreateSubfolder, window->checkBoxDownloadMetadata})
-    box->setMinimumHeight(line);
+  for (const auto &[box, label] : {std::pair(window->checkBox10GDownloadButton, window->label10GDownload),
+                                   {window->checkBoxCreateSubfolder, window->labelCreateSubfolder},
+                                   {window->checkBoxDownloadMetadata, window->labelDownloadMetadata}})
+    box->setMinimumHeight(label->fontMetrics().size(Qt::TextSingleLine, label->text()).height());
 }
 
 /// The examples stand beside the titles where the screen has room for both, else beneath.
@@ -185,13 +187,16 @@ void KaDownloadFolderSettingView::placeExamples() {
     titles = qMax(titles, subFolderRadioButtons[scheme]->sizeHint().width());
     widest = qMax(widest, examples[scheme]->sizeHint().width());
   }
-  const int around = 4 * fontMetrics().height() + style()->pixelMetric(QStyle::PM_ScrollBarExtent);
+  const int line = fontMetrics().height();
+  const int around = 4 * line + style()->pixelMetric(QStyle::PM_ScrollBarExtent);
   const bool beside = titles + widest + around <= roomOnScreen(*this).width();
   const int indent = style()->pixelMetric(QStyle::PM_ExclusiveIndicatorWidth)
                      + style()->pixelMetric(QStyle::PM_RadioButtonLabelSpacing);
+  const QMargins margins = beside ? QMargins() : QMargins(indent, 0, 0, line / 3);
+  window->radioLayout->setVerticalSpacing(beside ? line / 4 : 0);
   for (std::size_t scheme = 0; scheme < examples.size(); ++scheme) {
     const int row = 2 * int(scheme);
-    examples[scheme]->setContentsMargins(beside ? 0 : indent, 0, 0, 0);
+    examples[scheme]->setContentsMargins(margins);
     window->radioLayout->removeWidget(examples[scheme]);
     window->radioLayout->addWidget(examples[scheme], beside ? row : row + 1, beside ? 1 : 0);
   }
@@ -246,9 +251,9 @@ void KaDownloadFolderSettingView::connectControls() {
 /// The scroll area itself looks only after steps of the focus within it.
 void KaDownloadFolderSettingView::keepInView(const QWidget *focused) {
   if (!focused || !window->scrollContent->isAncestorOf(focused)) return;
-  const QRect place(focused->mapTo(window->scrollContent, QPoint()), focused->size());
-  const QPoint middle = place.center();
-  window->scrollArea->ensureVisible(middle.x(), middle.y(), 0, place.height());
+  const QPoint middle = focused->mapTo(window->scrollContent, focused->rect().center());
+  // With what may belong to it above and below.
+  window->scrollArea->ensureVisible(middle.x(), middle.y(), 0, 3 * fontMetrics().height());
 }
 
 void KaDownloadFolderSettingView::viewSetSubfolderName() {
@@ -361,7 +366,7 @@ bool KaDownloadFolderSettingView::checkOutputPath(const QString &path) {
   warning->setIconPixmap(QApplication::windowIcon().pixmap(style()->pixelMetric(QStyle::PM_MessageBoxIconSize)));
   warning->setTextFormat(Qt::PlainText);
   warning->addButton(localised("DLG_COMMON_BUTTON_CLOSE"_L1), QMessageBox::AcceptRole);
-  addPath(*warning, path);
+  addPath(*warning, path, roomOnScreen(*this));
   giveMnemonics(*warning);
   warning->open();
   return false;

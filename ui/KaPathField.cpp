@@ -34,15 +34,17 @@ void KaPathField::paintEvent(QPaintEvent *event) {
   initStyleOption(&option);
   const QRect room = style()->subElementRect(QStyle::SE_LineEditContents, &option, this);
   const QString shown = fontMetrics().elidedText(text(), Qt::ElideMiddle, room.width());
-  const bool isWhole = hasFocus() || shown == text();
+  const bool isWalked = hasFocus() && (hasSelectedText() || cursorPosition() < text().size());
+  const bool isWhole = isWalked || shown == text();
   if (isWhole) QLineEdit::paintEvent(event);
   QStylePainter painter(this);
+  if (!isWhole) {
+    painter.setPen(palette().color(QPalette::Text));
+    painter.drawText(room, Qt::AlignLeft | Qt::AlignVCenter | Qt::TextSingleLine, shown);
+  }
   if (hasFocus()) {
     QStyleOptionFocusRect focus; // else it would show with a frame alone
     focus.initFrom(this);
     painter.drawPrimitive(QStyle::PE_FrameFocusRect, focus);
-  } else if (!isWhole) {
-    painter.setPen(palette().color(QPalette::Text));
-    painter.drawText(room, Qt::AlignLeft | Qt::AlignVCenter | Qt::TextSingleLine, shown);
   }
 }

@@ -3,7 +3,7 @@
 #include <QLineEdit>
 
 /// A path that is shown, not typed: without a frame, shortened in its middle where room is short, whole in its tooltip.
-/// With the focus it can be walked and copied.
+/// It can be walked and copied, by keys as by mouse.
 class KaPathField final : public QLineEdit {
   Q_OBJECT
 

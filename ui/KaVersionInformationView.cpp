@@ -38,7 +38,10 @@ void KaVersionInformationView::changeEvent(QEvent *event) {
 
 void KaVersionInformationView::fitTexts() {
   const int line = fontMetrics().height();
-  layout()->setContentsMargins(3 * line, 2 * line, 3 * line, 2 * line);
+  const QSize room = roomOnScreen(*this);
+  const int side = qMin(3 * line, room.width() / 20);
+  const int above = qMin(2 * line, room.height() / 20);
+  layout()->setContentsMargins(side, above, side, above);
   layout()->setSpacing(line / 2);
   QFont large = font();
   large.setBold(true);
@@ -46,8 +49,9 @@ void KaVersionInformationView::fitTexts() {
   window->applicationNameLabel->setFont(large);
   // In one line, if the screen has room for it.
   const int width = QFontMetrics(large).horizontalAdvance(window->applicationNameLabel->text());
-  window->applicationNameLabel->setMinimumWidth(qMin(width + line, roomOnScreen(*this).width() - 6 * line));
-  showPicture({6 * line, 6 * line});
+  window->applicationNameLabel->setMinimumWidth(qMin(width + line, room.width() - 2 * side));
+  const int picture = qMin(6 * line, room.height() / 6);
+  showPicture({picture, picture});
 }
 
 void KaVersionInformationView::showPicture(QSize size) {

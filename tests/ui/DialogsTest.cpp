@@ -25,6 +25,7 @@
 #include <QMessageBox>
 #include <QPlainTextEdit>
 #include <QRadioButton>
+#include <QScreen>
 #include <QScrollArea>
 #include <QScrollBar>
 #include <QTest>
@@ -106,9 +107,11 @@ QStringList cutOff(const QWidget &view) {
   QStringList flaws;
   for (const QWidget *widget : view.findChildren<QWidget *>())
     if (widget->isVisible() && !hasRoomForItsText(*widget)) flaws << widget->objectName();
-  const auto &bar = *view.findChild<QScrollArea *>()->verticalScrollBar();
+  const auto &area = *view.findChild<QScrollArea *>();
   const QSize room = roomOnScreen(view);
-  if (bar.maximum() > 0 && (!bar.isVisible() || view.height() < room.height())) flaws << u"scroll bar"_s;
+  const auto scrolls = [](const QScrollBar &bar) { return bar.maximum() > 0 || bar.isVisible(); };
+  if (scrolls(*area.verticalScrollBar()) && view.height() < room.height()) flaws << u"height"_s;
+  if (scrolls(*area.horizontalScrollBar()) && view.width() < room.width()) flaws << u"width"_s;
   if (view.size().boundedTo(room) != view.size()) flaws << u"window"_s;
   const QRect buttons = view.findChild<QDialogButtonBox *>()->geometry();
   return view.rect().contains(buttons) ? flaws : flaws << u"buttons"_s;
@@ -129,9 +132,17 @@ TEST_F(Settings, haveRoomForTheirTextsInEveryLanguageAndSize) {
       }
     }
   }
+  QFont usual = QApplication::font();
+  usual.setPointSize(10);
+  QApplication::setFont(usual);
+  open();
+  const QRect screen = view->screen()->availableGeometry();
+  view->move(screen.center());
   speak("it");
+  click(u"checkBoxCreateSubfolder"_s);
   const auto &box = find<QGroupBox>(u"importFolderBox"_s);
   EXPECT_TRUE(QTest::qWaitFor([&] { return box.title() == localised("DLG_SETTING_SAVE_FOLDER_TITLE"_L1); }, 1000));
+  EXPECT_TRUE(QTest::qWaitFor([&] { return screen.contains(view->frameGeometry()); }, 1000));
 }
 
 /// The contrast of a text with its ground, from 1 to 21.
