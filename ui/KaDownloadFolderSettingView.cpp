@@ -156,6 +156,10 @@ void KaDownloadFolderSettingView::changeEvent(QEvent *event) {
 void KaDownloadFolderSettingView::fitTexts() {
   space();
   placeExamples();
+  // Layouts inside of others keep what they knew until then.
+  for (const QWidget *const outer :
+       {static_cast<QWidget *>(window->importFolderBox), window->scrollContent, static_cast<QWidget *>(this)})
+    outer->layout()->activate();
   const QSize wanted = isVisible() ? wantedSize().expandedTo(size()) : wantedSize();
   resize(wanted.boundedTo(roomOnScreen(*this)));
   moveOntoScreen(*this);
@@ -210,7 +214,9 @@ QSize KaDownloadFolderSettingView::wantedSize() const {
   const int width = qMax(content.sizeHint().width() + sides, layout()->totalSizeHint().width());
   const int outer =
       layout()->hasHeightForWidth() ? layout()->totalHeightForWidth(width) : layout()->totalSizeHint().height();
-  const int height = outer - window->scrollArea->sizeHint().height() + content.heightForWidth(width - sides);
+  // The second is what its texts take where it is narrowest, and a scroll area never gives it less.
+  const int inner = qMax(content.heightForWidth(width - sides), content.minimumSizeHint().height());
+  const int height = outer - window->scrollArea->sizeHint().height() + inner;
   const bool scrolls = height > roomOnScreen(*this).height();
   return {scrolls ? width + window->scrollArea->verticalScrollBar()->sizeHint().width() : width, height};
 }

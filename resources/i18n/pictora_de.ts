@@ -126,7 +126,7 @@
   </message>
   <message id="DLG_SETTING_CHOOSE_10G_FOLDER">
     <source></source>
-    <translation>Ordner für den Langzeitspeicher (10G) auswählen</translation>
+    <translation>Ordner für Fotos aus dem Langzeitspeicher (10G) auswählen</translation>
   </message>
   <message id="DLG_COMMON_BUTTON_SELECT_MAC">
     <source></source>

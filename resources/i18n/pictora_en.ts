@@ -126,7 +126,7 @@
   </message>
   <message id="DLG_SETTING_CHOOSE_10G_FOLDER">
     <source></source>
-    <translation>Choose the Folder for the Long-Term Storage (10G)</translation>
+    <translation>Choose the Folder for Pictures from Long-Term Storage (10G)</translation>
   </message>
   <message id="DLG_COMMON_BUTTON_SELECT_MAC">
     <source></source>

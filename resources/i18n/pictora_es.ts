@@ -126,7 +126,7 @@
   </message>
   <message id="DLG_SETTING_CHOOSE_10G_FOLDER">
     <source></source>
-    <translation>Elegir la carpeta para el almacenamiento a largo plazo (10G)</translation>
+    <translation>Elegir la carpeta para las fotos del almacenamiento a largo plazo (10G)</translation>
   </message>
   <message id="DLG_COMMON_BUTTON_SELECT_MAC">
     <source></source>

@@ -15,7 +15,7 @@
   <!-- Start-up -->
   <message id="MSG_FIRST_LAUNCH">
     <source></source>
-    <translation>Faut-il lancer Downloaderpictora au démarrage de l’ordinateur ? Les nouvelles photos arriveront alors d’elles-mêmes. Vous pourrez changer ce réglage à tout moment dans le menu.</translation>
+    <translation>Faut-il lancer Downloaderpictora au démarrage de l’ordinateur ? Les nouvelles photos arriveront alors d’elles-mêmes. Vous pourrez changer ce réglage à tout moment dans le menu.</translation>
   </message>
   <message id="DLG_FIRST_LAUNCH_BUTTON_START">
     <source></source>
@@ -118,7 +118,7 @@
   </message>
   <message id="DLG_SETTING_FOLDER">
     <source></source>
-    <translation>&amp;Dossier des nouvelles photos :</translation>
+    <translation>&amp;Dossier des nouvelles photos :</translation>
   </message>
   <message id="DLG_SETTING_CHOOSE_FOLDER">
     <source></source>
@@ -126,7 +126,7 @@
   </message>
   <message id="DLG_SETTING_CHOOSE_10G_FOLDER">
     <source></source>
-    <translation>Choisir le dossier du stockage à long terme (10G)</translation>
+    <translation>Choisir le dossier des photos du stockage à long terme (10G)</translation>
   </message>
   <message id="DLG_COMMON_BUTTON_SELECT_MAC">
     <source></source>
@@ -142,7 +142,7 @@
   </message>
   <message id="CHK_SETTING_SUB_10G_DOWNLOAD_SUPPLEMENT">
     <source></source>
-    <translation> (dans les deux dossiers ; règles de tri dans le premier seulement)</translation>
+    <translation> (dans les deux dossiers ; règles de tri dans le premier seulement)</translation>
   </message>
   <message id="DLG_SETTING_SAVE_SUB_FOLDER_YYYYMMDD_MAC">
     <source></source>

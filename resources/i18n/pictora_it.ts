@@ -15,7 +15,7 @@
   <!-- Start-up -->
   <message id="MSG_FIRST_LAUNCH">
     <source></source>
-    <translation>Avviare Downloaderpictora insieme al computer? Così le nuove foto arrivano da sole. L’impostazione si può cambiare in qualsiasi momento dal menu.</translation>
+    <translation>Vuoi avviare Downloaderpictora insieme al computer? Così le nuove foto arrivano da sole. Puoi cambiare questa impostazione in qualsiasi momento dal menu.</translation>
   </message>
   <message id="DLG_FIRST_LAUNCH_BUTTON_START">
     <source></source>
@@ -126,7 +126,7 @@
   </message>
   <message id="DLG_SETTING_CHOOSE_10G_FOLDER">
     <source></source>
-    <translation>Scegli la cartella per l’archivio a lungo termine (10G)</translation>
+    <translation>Scegli la cartella per le foto dell’archivio a lungo termine (10G)</translation>
   </message>
   <message id="DLG_COMMON_BUTTON_SELECT_MAC">
     <source></source>

@@ -15,11 +15,11 @@
   <!-- Start-up -->
   <message id="MSG_FIRST_LAUNCH">
     <source></source>
-    <translation>コンピューターの起動時に Downloaderpictora も起動しますか？ 起動しておくと、新しい写真が自動的に届きます。この設定はメニューでいつでも変更できます。</translation>
+    <translation>コンピューターと一緒に Downloaderpictora を起動しますか？ 起動しておくと、新しい写真が自動的に届きます。この設定はメニューでいつでも変更できます。</translation>
   </message>
   <message id="DLG_FIRST_LAUNCH_BUTTON_START">
     <source></source>
-    <translation>起動する</translation>
+    <translation>一緒に起動</translation>
   </message>
   <message id="DLG_FIRST_LAUNCH_BUTTON_LATER">
     <source></source>
@@ -76,7 +76,7 @@
   </message>
   <message id="MENU_LAUNCH_SETTING">
     <source></source>
-    <translation>コンピューターの起動時に起動</translation>
+    <translation>コンピューターと一緒に起動</translation>
   </message>
   <message id="MENU_EXIT_MAC">
     <source></source>
