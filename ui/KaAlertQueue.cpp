@@ -26,7 +26,7 @@ void KaAlertQueue::open(const QString &text) {
   // Whose word it is: good news comes this way, too, and wants no warning beside it.
   const int iconSize = current->style()->pixelMetric(QStyle::PM_MessageBoxIconSize, nullptr, current);
   current->setIconPixmap(QApplication::windowIcon().pixmap(QSize(iconSize, iconSize), current->devicePixelRatio()));
-  current->addButton(localised("DLG_COMMON_BUTTON_OK_MAC"_L1), QMessageBox::AcceptRole);
+  current->addButton(localised("DLG_COMMON_BUTTON_CLOSE"_L1), QMessageBox::AcceptRole);
   current->setTextFormat(Qt::PlainText);
   current->setAttribute(Qt::WA_DeleteOnClose);
   // A modal window would take the menu of the status item away on some desktops, and with it the way to quit.

@@ -39,13 +39,13 @@ TEST_F(DesktopItem, statesItsMenuByTheGivenValueAndHasAPictureForEveryFrame) {
   std::vector<StatusEntry> chosen;
   QObject::connect(&item, &KaStatusItemView::entryTriggered, [&](StatusEntry entry) { chosen.push_back(entry); });
   const auto actions = UiProfile::windows<QMenu>().first()->actions();
-  EXPECT_EQ(entries(), "Download Now (off)|-|Download Folders…|Log In…|-|Help|About Downloaderpictora|Start at "
-                       "Login|-|Quit Downloaderpictora");
+  EXPECT_EQ(entries(), "Download Now (off)|-|Download Folders…|Log In…|-|Help|About Downloaderpictora|Start "
+                       "with the Computer|-|Quit Downloaderpictora");
   const StatusItemState linked{
       .isLinked = true, .isDownloadEnabled = true, .isLogginEnabled = false, .isLaunchedAtLogin = true};
   item.show(linked);
-  EXPECT_EQ(entries(), "Download Now|-|Download Folders…|Log Out (off)|-|Help|About Downloaderpictora|Start at Login "
-                       "[x]|-|Quit Downloaderpictora");
+  EXPECT_EQ(entries(), "Download Now|-|Download Folders…|Log Out (off)|-|Help|About Downloaderpictora|Start with "
+                       "the Computer [x]|-|Quit Downloaderpictora");
   item.show({.isDownloadEnabled = true});
   const std::string confirmed = entries();
   for (QAction *const action : actions)
@@ -73,7 +73,7 @@ TEST_F(DesktopItem, alertsOneAtATimeInOrderAndOnceEach) {
     const QPixmap icon = box.iconPixmap();
     EXPECT_TRUE(icon.width() >= 16 && icon.toImage() == own.pixmap(icon.size()).toImage()) << "no warning";
     QAbstractButton *const ok = box.buttons().value(0);
-    EXPECT_EQ(ok->text(), u"Aceptar");
+    EXPECT_EQ(ok->text(), u"Cerrar");
     ok->click();
     QCoreApplication::processEvents();
   }

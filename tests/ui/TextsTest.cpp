@@ -1,5 +1,6 @@
 #include "ui/Texts.h"
 #include "tests/ui/UiProfile.h"
+#include "ui/Mnemonics.h"
 
 #include <gmock/gmock.h>
 
@@ -25,12 +26,6 @@ QMap<QString, QString> textsIn(const QString &table) {
     if (xml.name() == u"translation") texts[id] = xml.readElementText();
   }
   return texts;
-}
-
-/// The letter that follows the mark, if there is one.
-QString mnemonic(const QString &text) {
-  const qsizetype mark = text.indexOf(u'&');
-  return mark < 0 ? QString() : text.mid(mark + 1, 1).toLower();
 }
 
 TEST(Texts, areThereForEveryKeyInUse) {
@@ -63,7 +58,7 @@ TEST(Texts, areWholeInEveryLanguage) {
       if (text.key().startsWith(u"MENU_"_s)) {
         EXPECT_TRUE(entry.contains(name + *text + u'\n')) << qPrintable(text.key()) << " is no action of the launcher";
       }
-      if (!mnemonic(*text).isEmpty()) mnemonics << mnemonic(*text);
+      if (!mnemonicOf(*text).isEmpty()) mnemonics << mnemonicOf(*text);
       static const QRegularExpression ofLogin(u"^MSG_ERR_(UNLINK|LINK_INVALID|VALIDATION|CLOCK)"_s);
       if (!text.key().contains(ofLogin)) continue;
       // By the menu's own entry; a login that is merely not checked must not be thrown away.
