@@ -103,6 +103,7 @@ void KaStatusView::layOut() {
   explanation->hide();
   auto *const folders = new QHBoxLayout;
   addFolderPlaces(*folders);
+  folders->setSpacing(fontMetrics().height() / 2);
   auto *const grid = new QGridLayout(this);
   grid->setColumnStretch(1, 1);
   grid->addWidget(icon, 0, 0, 3, 1, Qt::AlignTop);
