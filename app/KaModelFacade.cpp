@@ -10,11 +10,21 @@
 #include "platform/SleepNews.h"
 #include "platform/ThreadBound.h"
 #include "service/LoopbackHost.h"
+#include "service/ServiceClock.h"
 #include "settings/FolderCheck.h"
 #include "settings/LedgerFiles.h"
 #include "settings/SettingsFiles.h"
 
+#include <utility>
+
 using namespace Qt::StringLiterals;
+
+namespace {
+
+/// Of the result that this thread is telling. Two may tell at a time: of a run and of a login.
+thread_local KaFaultCause toldCause = KaFaultCause::Unknown;
+
+} // namespace
 
 /// Where news comes from.
 struct KaModelFacade::News {
@@ -38,6 +48,14 @@ KaModelFacade::KaModelFacade() : dOption(defaultDownloadOption()) {
 }
 
 KaModelFacade::~KaModelFacade() = default;
+
+KaSnapshot KaModelFacade::snapshot() const {
+  KaSnapshot now = keeper.snapshot();
+  now.linkState = link.state();
+  now.hasNetwork = hasNetwork();
+  now.clockAhead = ServiceClock::computerAhead();
+  return now;
+}
 
 KaDownloadOption KaModelFacade::downloadOption() const {
   const platform::MutexLock lock(optionLock);
@@ -171,10 +189,22 @@ void KaModelFacade::setAppStatus(KaAppStatus status) {
 }
 
 void KaModelFacade::setProcessingResult(KaResultCode result, bool userTrigger) {
-  if (KaDownloadDelegate *const delegate = dlDelegate) delegate->onProcessingResult(*this, result, userTrigger);
+  tellResult({result, std::exchange(causeOfNext, KaFaultCause::Unknown)}, userTrigger);
+}
+
+void KaModelFacade::tellResult(const KaFault &told, bool userTrigger) {
+  keeper.noteResult(told);
+  toldCause = told.cause;
+  if (KaDownloadDelegate *const delegate = dlDelegate) delegate->onProcessingResult(*this, told.result, userTrigger);
+  toldCause = KaFaultCause::Unknown;
+}
+
+KaFaultCause KaModelFacade::faultCause() const {
+  return toldCause;
 }
 
 void KaModelFacade::notifySavingTrouble(KaResultCode cause) {
+  keeper.noteResult({cause});
   if (KaDownloadDelegate *const delegate = dlDelegate) delegate->onSavingTrouble(cause);
 }
 
@@ -183,6 +213,8 @@ void KaModelFacade::setEnableLoggin(bool enable) {
 }
 
 void KaModelFacade::notifyLinkHolds(KaLinkNumber number) {
+  // What has failed before was the check of the link, or had no network to make it.
+  keeper.forgetFault();
   mailbox.post([this, number] {
     KaDownloadDelegate *const delegate = dlDelegate;
     if (delegate && link.isCurrent(number)) delegate->onChangeLinkage(true);

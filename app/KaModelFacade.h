@@ -1,5 +1,6 @@
 #pragma once
 
+#include "app/KaSnapshotKeeper.h"
 #include "engine/KaDownloadProcessorDelegate.h"
 #include "identity/KaLink.h"
 #include "platform/Mailbox.h"
@@ -12,12 +13,14 @@
 #include <QString>
 
 #include <atomic>
+#include <chrono>
 #include <memory>
 #include <optional>
 #include <vector>
 
 class KaDownloadDelegate;
 class KaDownloadProcessor;
+struct KaTokenVerdict;
 
 namespace platform {
 template <class T> class NoDestructor;
@@ -33,6 +36,9 @@ public:
   /// Receiver of all reports; not owned, may be null. Any thread.
   void setDlDelegate(KaDownloadDelegate *delegate) { dlDelegate = delegate; }
 
+  /// How the agent stands now. Any thread; asks no network and no disk.
+  [[nodiscard]] KaSnapshot snapshot() const;
+
   /// @name Settings. Any thread.
   /// @{
   [[nodiscard]] KaDownloadOption downloadOption() const override; ///< a consistent snapshot
@@ -42,8 +48,6 @@ public:
   [[nodiscard]] QString checkBox10GDownload() const; ///< the user's choice, whether the service offers it or not
   /// Whether the service offers the 10G storage and the previews, by its settings as they were last read; true before.
   [[nodiscard]] bool offers10GStorage() const { return bOffers10GStorage; }
-  /// How many files the runs of this link could not have so far, and will try again.
-  [[nodiscard]] qsizetype stillToCome() const { return stillToComeCount; }
   [[nodiscard]] QString checkBoxCreateSubfolder() const;
   [[nodiscard]] QString checkBoxDownloadMetadata() const;
   [[nodiscard]] qint64 downloadOptionChildFolder() const;
@@ -74,14 +78,28 @@ public:
   /// @name Reports, forwarded to the delegate on the caller's thread but for one.
   /// @{
   void setOffers10GStorage(bool offers) override { bOffers10GStorage = offers; } ///< kept alone: nobody is told
-  void setStillToCome(qsizetype count) override { stillToComeCount = count; }    ///< kept alone, too
   void setAppStatus(KaAppStatus status) override;
   void setProcessingResult(KaResultCode result, bool userTrigger) override;
+  void noteFaultCause(KaFaultCause cause) override { causeOfNext = cause; }
+  /// While onProcessingResult is being told, on its thread: why the failure came.
+  [[nodiscard]] KaFaultCause faultCause() const;
   void notifySavingTrouble(KaResultCode cause) override;
   void setEnableLoggin(bool enable) override;
   /// On the main thread, unless the link is over by then.
   void notifyLinkHolds(KaLinkNumber number) override;
   void notifyDownloadProcessFinish() override;
+  /// @}
+
+  /// @name Reports that are kept for snapshots
+  /// @{
+  void setStillToCome(qsizetype count) override { keeper.setStillToCome(count); }
+  void noteLooking() override { keeper.noteLooking(); }
+  void noteLooked() override { keeper.noteLooked(); }
+  void notePass(qsizetype files) override { keeper.notePass(files); }
+  void noteFile(const QString &saved) override { keeper.noteFile(saved); }
+  void noteWait(std::optional<std::chrono::milliseconds> longest) override { keeper.noteWait(longest); }
+  void noteNothingNew() override { keeper.forgetFault(); }
+  void noteUnanswered() override { keeper.noteResult({KaResultCode::Offline, KaFaultCause::NoAnswer}); }
   /// @}
 
   /// @name The download thread. Main thread.
@@ -128,8 +146,10 @@ private:
   void takeUpLinkage();
   [[nodiscard]] bool isBeingVerified(const QString &token) const;
   void dropLogins();
-  void endLogin(LoginVerification &ended, KaResultCode verdict);
-  void finishLogin(const QString &token, KaResultCode verdict);
+  void endLogin(LoginVerification &ended, const KaTokenVerdict &verdict);
+  void finishLogin(const QString &token, const KaTokenVerdict &verdict);
+  void takeLogin(const QString &token);
+  void tellResult(const KaFault &told, bool userTrigger);
 
   mutable platform::Mutex optionLock;
   KaDownloadOption dOption KA_GUARDED_BY(optionLock);
@@ -139,7 +159,8 @@ private:
   bool canKeepFiles = false;   ///< fixed after construction: what the app folder was like at start
   bool hasToldUnsaved = false; ///< main thread: that a login was not stored
   std::atomic<bool> bOffers10GStorage = true;
-  std::atomic<qsizetype> stillToComeCount = 0;
+  KaSnapshotKeeper keeper;
+  KaFaultCause causeOfNext = KaFaultCause::Unknown; ///< download thread: of the result that comes next
   std::atomic<KaDownloadDelegate *> dlDelegate = nullptr;
   platform::Mailbox mailbox;
   /// Main thread, in the order of the callbacks; dropped ones stay until their thread has ended. All end before the

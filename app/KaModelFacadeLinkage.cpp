@@ -3,26 +3,42 @@
 #include "app/KaDownloadDelegate.h"
 #include "app/LoginVerification.h"
 #include "engine/KaDownloadProcessor.h"
+#include "identity/KaIdVerificationUtility.h"
 #include "identity/KaLinkageUtility.h"
 #include "log/ExceptionGuard.h"
 #include "log/KaLogUtility.h"
 #include "platform/ThreadBound.h"
+#include "service/ServiceClock.h"
 
 #include <algorithm>
 #include <utility>
 
 using namespace Qt::StringLiterals;
 
+namespace {
+
+/// Why a login's token was not taken.
+KaFaultCause causeOf(const KaTokenVerdict &verdict) {
+  if (verdict.isOutOfTime && ServiceClock::isFarOff()) return KaFaultCause::WrongClock;
+  return verdict.mayPass && !verdict.isOutOfTime ? KaFaultCause::NoAnswer : KaFaultCause::NotAccepted;
+}
+
+bool isSameAccount(const QString &idToken, const QString &other) {
+  return KaIdVerificationUtility::parseUserUUID(idToken) == KaIdVerificationUtility::parseUserUUID(other);
+}
+
+} // namespace
+
 void KaModelFacade::initializeLinkageSetting() {
   platform::assertMainThread();
   takeUpLinkage();
   // Behind the rest, which would put the icon back to normal.
-  if (!canKeepFiles) setProcessingResult(KaResultCode::Unexpected, /*userTrigger=*/false);
+  if (!canKeepFiles) tellResult({KaResultCode::Unexpected}, /*userTrigger=*/false);
 }
 
 void KaModelFacade::takeUpLinkage() {
   // Before the thread is woken, which looks at the link first and would go back to sleep.
-  if (!link.load()) return setProcessingResult(KaResultCode::NotLinked, /*userTrigger=*/false);
+  if (!link.load()) return tellResult({KaResultCode::NotLinked}, /*userTrigger=*/false);
 
   setAppStatus(KaAppStatus::Normal);
   dlProc->startReceiving(/*initialAccess=*/false);
@@ -42,10 +58,10 @@ void KaModelFacade::setIdCode(const QString &token) {
   // The second call of a browser finds the nonce used, which is no fault of the login.
   if (link.isRepeated(token) || isBeingVerified(token)) return;
   logins.push_back(std::make_unique<LoginVerification>(
-      token, link.useNonce(), [this](LoginVerification &ended, KaResultCode verdict) {
+      token, link.useNonce(), [this](LoginVerification &ended, const KaTokenVerdict &verdict) {
         mailbox.post([this, &ended, verdict] {
           if (!runGuarded([&] { endLogin(ended, verdict); }))
-            setProcessingResult(KaResultCode::Unexpected, /*userTrigger=*/false);
+            tellResult({KaResultCode::Unexpected}, /*userTrigger=*/false);
         });
       }));
 }
@@ -59,7 +75,7 @@ void KaModelFacade::dropLogins() {
     login->drop();
 }
 
-void KaModelFacade::endLogin(LoginVerification &ended, KaResultCode verdict) {
+void KaModelFacade::endLogin(LoginVerification &ended, const KaTokenVerdict &verdict) {
   const bool isAwaited =
       std::any_of(logins.begin(), logins.end(), [&ended](const auto &login) { return login.get() == &ended; });
   if (!isAwaited) return;
@@ -72,31 +88,35 @@ void KaModelFacade::endLogin(LoginVerification &ended, KaResultCode verdict) {
   }
 }
 
-void KaModelFacade::finishLogin(const QString &token, KaResultCode verdict) {
-  if (verdict != KaResultCode::Success) {
-    if (link.giveUpLogin()) dlProc->loginEnded();
-    return setProcessingResult(verdict, /*userTrigger=*/false);
-  }
+void KaModelFacade::finishLogin(const QString &token, const KaTokenVerdict &verdict) {
+  if (verdict.result == KaResultCode::Success) return takeLogin(token);
+  if (link.giveUpLogin()) dlProc->loginEnded();
+  tellResult({verdict.result, causeOf(verdict)}, /*userTrigger=*/false);
+}
+
+void KaModelFacade::takeLogin(const QString &token) {
+  const QString before = link.idToken().value_or(QString());
   const bool stored = link.completeLogin(token);
   if (!stored) KaLogUtility::writeErrorLog(u"the linkage cannot be saved"_s);
-  // Of the link before it: a request in its name would only be waited for.
+  // From here on nothing is told in the name of the link before it.
+  isSameAccount(before, token) ? keeper.forgetLink() : keeper.forgetAccount();
+  // A request in that name would only be waited for.
   dlProc->deleteCredential();
   KaDownloadDelegate *const delegate = dlDelegate;
   if (!delegate) return;
   delegate->onCompleteLinkageSetting();
   delegate->onChangeLinkage(true);
-  if (!stored && !std::exchange(hasToldUnsaved, true))
-    setProcessingResult(KaResultCode::Unexpected, /*userTrigger=*/false);
+  if (!stored && !std::exchange(hasToldUnsaved, true)) tellResult({KaResultCode::Unexpected}, /*userTrigger=*/false);
 }
 
 void KaModelFacade::closeLinkage() {
   platform::assertMainThread();
   // First of all: a browser takes its time, and nothing of the old link must come back meanwhile.
   link.close();
+  keeper.forgetAccount();
   dropLogins();
   if (!KaLinkageUtility::closeLinkage()) KaLogUtility::writeErrorLog(u"the logout page cannot be opened"_s);
   dlProc->deleteCredential();
-  setStillToCome(0);
   setAppStatus(KaAppStatus::NotLinked);
-  setProcessingResult(KaResultCode::Unlinked, /*userTrigger=*/false);
+  tellResult({KaResultCode::Unlinked}, /*userTrigger=*/false);
 }

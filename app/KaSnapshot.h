@@ -3,6 +3,7 @@
 #include "identity/KaLinkState.h"
 #include "service/KaFaultCause.h"
 #include "service/KaResultCode.h"
+#include "service/ServiceClock.h"
 
 #include <QDateTime>
 #include <QStringList>
@@ -12,7 +13,7 @@
 
 /// What went wrong last.
 struct KaFault {
-  KaResultCode result = KaResultCode::Unexpected; ///< as it was told
+  KaResultCode result = KaResultCode::Unexpected; ///< as it was told; Offline for a run that got no answer
   KaFaultCause cause = KaFaultCause::Unknown;
 
   friend bool operator==(const KaFault &, const KaFault &) = default;
@@ -41,7 +42,7 @@ struct KaSnapshot {
 
   static constexpr qsizetype kLastFiles = 6;
   /// By more than this the service refuses whatever is asked.
-  static constexpr std::chrono::minutes kClockTolerance{15};
+  static constexpr std::chrono::minutes kClockTolerance = ServiceClock::kTolerance;
 
   friend bool operator==(const KaSnapshot &, const KaSnapshot &) = default;
 };

@@ -1,7 +1,5 @@
 #include "app/LoginVerification.h"
 
-#include "identity/KaIdVerificationUtility.h"
-
 KaModelFacade::LoginVerification::LoginVerification(const QString &idToken, const std::optional<QString> &expectedNonce,
                                                     Report report)
     : token(idToken), request([this] { return endFlag.load(); }),
@@ -19,5 +17,5 @@ void KaModelFacade::LoginVerification::drop() {
 }
 
 void KaModelFacade::LoginVerification::verify(const std::optional<QString> &expectedNonce, const Report &report) {
-  report(*this, KaIdVerificationUtility::validateJWT(request, token, /*checkNonce=*/true, expectedNonce).result);
+  report(*this, KaIdVerificationUtility::validateJWT(request, token, /*checkNonce=*/true, expectedNonce));
 }

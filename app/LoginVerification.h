@@ -1,6 +1,7 @@
 #pragma once
 
 #include "app/KaModelFacade.h"
+#include "identity/KaIdVerificationUtility.h"
 #include "service/KaServerRequest.h"
 
 #include <atomic>
@@ -12,7 +13,7 @@
 /// stops what is under way and joins.
 class KaModelFacade::LoginVerification {
 public:
-  using Report = std::function<void(LoginVerification &ended, KaResultCode verdict)>;
+  using Report = std::function<void(LoginVerification &ended, const KaTokenVerdict &verdict)>;
 
   /// @param report  called once, on the verifying thread, as its last act.
   LoginVerification(const QString &idToken, const std::optional<QString> &expectedNonce, Report report);
@@ -26,14 +27,14 @@ public:
   [[nodiscard]] const QString &idToken() const { return token; }
 
   /// What was reported, once the main thread has taken note of it. Main thread.
-  void setVerdict(KaResultCode verdict) { noted = verdict; }
-  [[nodiscard]] std::optional<KaResultCode> verdict() const { return noted; }
+  void setVerdict(const KaTokenVerdict &verdict) { noted = verdict; }
+  [[nodiscard]] std::optional<KaTokenVerdict> verdict() const { return noted; }
 
 private:
   void verify(const std::optional<QString> &expectedNonce, const Report &report);
 
   const QString token;
-  std::optional<KaResultCode> noted; ///< main thread
+  std::optional<KaTokenVerdict> noted; ///< main thread
   std::atomic<bool> endFlag = false;
   KaServerRequest request;
   std::thread thread;

@@ -72,6 +72,7 @@ Loop KaContentDownload::getOne(const KaListedImage &image, const KaContentTarget
   const bool isAsked = hasOwnRequests || pass.carried() == KaResultCode::Success;
   const Loop loop = takeOne(image, target, pass);
   if (isAsked && pass.hasCredentials()) traced.asked.insert(image.key.path(), pass.carried());
+  pass.endItem();
   return loop;
 }
 
@@ -151,12 +152,13 @@ KaResultCode KaContentDownload::getContent(const KaContentOrder &order, KaPass &
       .request = [&](const SaveOrder &save) { return with.storage.save(order.object.path(), save); }};
   const auto [outcome, saved] = fetchFile(file, pass);
   switch (outcome) {
-  case FileOutcome::Confirmed:
-    settle(order, file, saved);
+  case FileOutcome::Confirmed: {
+    const QString path = settle(order, file, saved);
     with.bookkeeping.saveImageInfo(order.object, order.targetSotrage);
     with.bookkeeping.settle(order.listed, order.targetSotrage);
-    pass.countSaved();
+    pass.countSaved(saved.bNew ? path : QString());
     return KaResultCode::Success;
+  }
   case FileOutcome::Unconfirmed:
     keptCopies.keep(copyKey(order), settle(order, file, saved), saved.bNew);
     traced.unsure.insert(order.listed.path());

@@ -115,6 +115,7 @@ void KaDownloadProcessor::Private::downloadThread() {
 void KaDownloadProcessor::Private::runUntilEnd() {
   KaLogUtility::writeInfoLog(u"DownloadThread Start"_s);
   while (!state.endAppFlag) {
+    delegate.noteWait({});
     pairingcnd.wait([this] { return state.bStartAsked.load(); });
     if (state.endAppFlag) break;
     prepareRuns();
@@ -142,6 +143,7 @@ std::optional<KaLinkSnapshot> KaDownloadProcessor::Private::nextLink() {
     const auto rest = link.loginRest();
     if (link.state() != KaLinkState::Linked) return std::nullopt;
     KaLogUtility::writeInfoLog(u"Login Wait"_s);
+    delegate.noteWait({});
     logincnd.wait(rest, [this] { return link.state() != KaLinkState::Linked || link.forRun().has_value(); });
   }
   return std::nullopt;
@@ -161,6 +163,7 @@ bool KaDownloadProcessor::Private::awaitNetwork() {
   if (lastResult == KaResultCode::NoHttpStatus)
     pieces.session.tell([this] { delegate.setAppStatus(KaAppStatus::Normal); });
   KaLogUtility::writeInfoLog(u"Network Wait"_s);
+  delegate.noteWait({});
   while (!pieces.session.isOver() && !delegate.hasNetwork()) {
     if (state.bUserTrigger.exchange(false)) tellUserOfNoNetwork();
     // No longer than the clock is looked at: the system need not tell of every network.
@@ -182,6 +185,7 @@ void KaDownloadProcessor::Private::runOnce() {
   delegate.setEnableLoggin(false);
   state.bNews = false;
   lastResult = pieces.run.perform();
+  if (lastResult == KaResultCode::NoHttpStatus) pieces.session.tell([this] { delegate.noteUnanswered(); });
   // What came during a run that had its answers is old.
   if (lastResult == KaResultCode::Success) state.bNews = false;
   // From here on a wish of the user's is one for the next run.
@@ -197,6 +201,7 @@ void KaDownloadProcessor::Private::waitForNextRun() {
   const auto wait = isError ? state.waitTimes.pollingError : state.waitTimes.pollingNormal;
   const auto seconds = std::chrono::duration_cast<std::chrono::seconds>(wait);
   KaLogUtility::writeInfoLog(u"Polling Wait"_s, {u"pollingWaitTime=%1"_s.arg(seconds.count())});
+  pieces.session.tell([&] { delegate.noteWait(wait); });
   state.waitcnd.wait(wait, [this] { return state.bUserTrigger || pieces.session.isLinkOver() || isNewsDue(); });
   if (!state.bUserTrigger && (mayPass || isNewsDue())) cameBack = clock.now();
 }

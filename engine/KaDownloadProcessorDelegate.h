@@ -2,6 +2,7 @@
 
 #include "engine/KaAppStatus.h"
 #include "identity/KaLink.h"
+#include "service/KaFaultCause.h"
 #include "service/KaResultCode.h"
 #include "settings/KaDownloadOption.h"
 #include "settings/KaLedger.h"
@@ -10,6 +11,7 @@
 #include <QString>
 #include <QStringList>
 
+#include <chrono>
 #include <optional>
 
 /// What the download processor needs from above. Called on the download thread only; implementations guard what other
@@ -53,6 +55,8 @@ public:
   virtual void setOffers10GStorage(bool offers) = 0;
   virtual void setAppStatus(KaAppStatus status) = 0;
   virtual void setProcessingResult(KaResultCode result, bool userTrigger) = 0;
+  /// Why the failure came that setProcessingResult tells next; without it the cause is unknown.
+  virtual void noteFaultCause(KaFaultCause) {}
   /// At the end of a run: so many files could not be had so far, and are tried again.
   virtual void setStillToCome(qsizetype count) = 0;
   /// Pictures are still to come, for which there was no room (DiskFull) or no folder (FileNotSaved). A message alone.
@@ -61,5 +65,19 @@ public:
   /// A failed refresh was told of @p link, and now one has succeeded. Must not call back into the link.
   virtual void notifyLinkHolds(KaLinkNumber link) = 0;
   virtual void notifyDownloadProcessFinish() = 0; ///< the thread's last call
+  /// @}
+
+  /// @name What the thread is at, for who looks on. Nothing depends on them; they must be quick, and must not call back
+  /// into the link.
+  /// @{
+  virtual void noteLooking() {}       ///< begins to ask what there is
+  virtual void noteLooked() {}        ///< the service has said what there is
+  virtual void notePass(qsizetype) {} ///< a pass over so many files begins
+  /// A file of the pass is behind it. @p saved  where it was saved just now; empty when nothing new was made.
+  virtual void noteFile(const QString & /*saved*/) {}
+  /// A wait begins, for so long at most; absent: for a link, a login or a network.
+  virtual void noteWait(std::optional<std::chrono::milliseconds>) {}
+  virtual void noteNothingNew() {} ///< a storage was looked through, all was well, and nobody is told
+  virtual void noteUnanswered() {} ///< a run got no answer to the end; nobody is told
   /// @}
 };

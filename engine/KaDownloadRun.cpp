@@ -12,6 +12,7 @@
 #include "service/KaApplicationConstants.h"
 #include "service/KaServerRequest.h"
 #include "service/KaStorage.h"
+#include "service/ServiceClock.h"
 
 #include <QDateTime>
 
@@ -40,6 +41,7 @@ QString secondsText(std::chrono::milliseconds duration) {
 
 KaResultCode KaDownloadRun::perform() {
   thread.check();
+  tellLook(/*isAnswered=*/false);
   option = with.delegate.downloadOption();
   if (isOn(option.checkBoxCreateSubfolder)) KaLogUtility::writeInfoLog(u"Download CreateSubFolder Enabled"_s);
   if (isOn(option.checkBoxDownloadMetadata)) KaLogUtility::writeInfoLog(u"Download Metadata Enabled"_s);
@@ -115,8 +117,7 @@ KaResultCode KaDownloadRun::judged(KaResultCode result) const {
 
 /// A listing, and what the service's settings told on its way, also when a later step of it failed.
 KaListing KaDownloadRun::list(KaTargetStorage targetStorage) {
-  KaListing listing = with.listing.getContentsList(targetStorage, with.bookkeeping.lastDateTime(targetStorage));
-  listing.result = judged(listing.result);
+  KaListing listing = look(targetStorage, with.bookkeeping.lastDateTime(targetStorage));
   if (!listing.isWhole) with.lookBack.noteLeftUndone();
   if (listing.settings) {
     hadSettings = hadSettings || listing.settings->areThere;
@@ -124,6 +125,18 @@ KaListing KaDownloadRun::list(KaTargetStorage targetStorage) {
   }
   if (listing.result == KaResultCode::Success) tellInitialAccess();
   return listing;
+}
+
+KaListing KaDownloadRun::look(KaTargetStorage targetStorage, const QString &startAfter) {
+  tellLook(/*isAnswered=*/false);
+  KaListing listing = with.listing.getContentsList(targetStorage, startAfter);
+  listing.result = judged(listing.result);
+  if (listing.result == KaResultCode::Success) tellLook(/*isAnswered=*/true);
+  return listing;
+}
+
+void KaDownloadRun::tellLook(bool isAnswered) {
+  with.session.tell([&] { isAnswered ? with.delegate.noteLooked() : with.delegate.noteLooking(); });
 }
 
 KaResultCode KaDownloadRun::downloadUntilNothingIsNew() {
@@ -180,6 +193,7 @@ KaDownloadRun::ReCheck KaDownloadRun::conclude(ReCheck soFar) {
   const auto wait = with.state.waitTimes.reCheck;
   KaLogUtility::writeInfoLog(u"reCheck Wait"_s, {u"reCheckWaitTime="_s + secondsText(wait)});
   with.storage.dropConnections(); // nobody waits that long for a request
+  with.session.tell([&] { with.delegate.noteWait(wait); });
   with.state.waitcnd.wait(wait, [this] { return with.session.isOver(); });
   return soFar;
 }
@@ -215,20 +229,20 @@ KaPassOutcome KaDownloadRun::lookBack() {
   if (!with.lookBack.isDue()) return {};
   const QString start = with.lookBack.startAfter(QDateTime::currentDateTimeUtc());
   KaLogUtility::writeInfoLog(u"Look Back"_s, {u"StartAfter="_s + start});
-  KaListing listing = with.listing.getContentsList(KaTargetStorage::Days30, start);
+  KaListing listing = look(KaTargetStorage::Days30, start);
   // Settings that were there a moment ago: without them a month of the devices that they leave out would come.
   if (hadSettings && listing.settings && !listing.settings->areThere)
     listing = {.result = listing.result, .isWhole = false};
   const bool hasListed = listing.result == KaResultCode::Success && listing.isWhole;
   if (!hasListed) with.lookBack.noteLeftUndone();
-  if (listing.result != KaResultCode::Success || with.session.isOver()) return {.result = judged(listing.result)};
+  if (listing.result != KaResultCode::Success || with.session.isOver()) return {.result = listing.result};
   if (hasListed) {
     with.bookkeeping.forgetBefore(start);
     with.lookBack.noteListed(listing.images, KaTargetStorage::Days30);
   }
   const KaListedImages images = with.lookBack.worthAskingSilentLast(std::move(listing.images));
   if (images.empty()) return {};
-  tellStatus(KaAppStatus::Downloading);
+  tellPass(static_cast<qsizetype>(images.size()));
   const auto begin = std::chrono::system_clock::now();
   KaPassOutcome pass = with.content.getEachByItself(images, ordinaryTarget());
   with.lookBack.noteRound(images, with.content.takeTrace(), pass, KaTargetStorage::Days30);
@@ -237,7 +251,7 @@ KaPassOutcome KaDownloadRun::lookBack() {
 }
 
 KaPassOutcome KaDownloadRun::downloadContents(const KaListedImages &images) {
-  tellStatus(KaAppStatus::Downloading);
+  tellPass(static_cast<qsizetype>(images.size()));
   const auto start = std::chrono::system_clock::now();
   KaPassOutcome pass = with.content.getContentsProcess(images, ordinaryTarget());
   with.lookBack.noteRound(images, with.content.takeTrace(), pass, KaTargetStorage::Days30);
@@ -292,7 +306,7 @@ KaPassOutcome KaDownloadRun::takeLongTermContents() {
     KaLogUtility::writeInfoLog(u"No Download Target"_s);
     return {};
   }
-  tellStatus(KaAppStatus::Downloading);
+  tellPass(static_cast<qsizetype>(images.size()));
   const auto start = std::chrono::system_clock::now();
   const KaPassOutcome pass = with.content.getContentsProcess(images, {.parentFolder = option.parent10GFolder,
                                                                       .childFolder = option.childFolder,
@@ -307,9 +321,10 @@ KaPassOutcome KaDownloadRun::takeLongTermContents() {
 }
 
 KaPassOutcome KaDownloadRun::takePreviews(quint64 savedBefore) {
+  tellLook(/*isAnswered=*/false);
   const KaResultCode listed = with.preview.getPreviewList();
   if (listed != KaResultCode::Success || with.preview.previewList().empty()) return {.result = listed};
-  tellStatus(KaAppStatus::Downloading);
+  tellPass(with.preview.previewList().count());
   const auto start = std::chrono::system_clock::now();
   const KaPassOutcome pass = with.preview.getPreview(option.parent10GFolder, option.childFolder);
   // Both passes decide whether a report is due, but it tells of this one alone: its count may be 0.
@@ -322,10 +337,10 @@ void KaDownloadRun::concludeLongTerm(const KaPassOutcome &both) {
   if (both.result != KaResultCode::Success) return tellFailure(both.result);
   if (both.savedCount == 0) {
     KaLogUtility::writeInfoLog(u"No Download Target"_s);
-  } else {
-    tellResult(KaResultCode::Download10GComplete, /*userTrigger=*/false);
-    KaLogUtility::writeInfoLog(u"Download Complete"_s);
+    return tellNothingNew();
   }
+  tellResult(KaResultCode::Download10GComplete, /*userTrigger=*/false);
+  KaLogUtility::writeInfoLog(u"Download Complete"_s);
   tellStatus(KaAppStatus::Normal);
 }
 
@@ -403,8 +418,17 @@ void KaDownloadRun::tellFailure(KaResultCode result) {
   } else {
     // Under whatever code: a pass hands on what a renewal before an image came to.
     if (with.session.lastRefresh() != KaRefresh::Succeeded) with.session.noteFailureTold();
-    tellResult(result, with.state.bUserTrigger);
+    with.session.tell([&] {
+      with.delegate.noteFaultCause(causeOf(result));
+      with.delegate.setProcessingResult(result, with.state.bUserTrigger);
+    });
   }
+}
+
+KaFaultCause KaDownloadRun::causeOf(KaResultCode result) const {
+  if (with.session.lastRefresh() != KaRefresh::Succeeded) return with.session.refreshFault();
+  if (result != KaResultCode::LinkInvalid) return KaFaultCause::Unknown;
+  return ServiceClock::isFarOff() ? KaFaultCause::WrongClock : KaFaultCause::Refused;
 }
 
 void KaDownloadRun::tellNoTarget() {
@@ -412,8 +436,22 @@ void KaDownloadRun::tellNoTarget() {
   if (with.state.bUserTrigger) {
     tellResult(KaResultCode::NothingToDownload, /*userTrigger=*/true);
   } else {
-    tellStatus(KaAppStatus::Normal);
+    tellNothingNew();
   }
+}
+
+void KaDownloadRun::tellNothingNew() {
+  with.session.tell([&] {
+    with.delegate.setAppStatus(KaAppStatus::Normal);
+    with.delegate.noteNothingNew();
+  });
+}
+
+void KaDownloadRun::tellPass(qsizetype files) {
+  with.session.tell([&] {
+    with.delegate.setAppStatus(KaAppStatus::Downloading);
+    with.delegate.notePass(files);
+  });
 }
 
 void KaDownloadRun::tellStatus(KaAppStatus status) {

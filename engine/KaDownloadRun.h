@@ -7,6 +7,7 @@
 #include "engine/KaPass.h"
 #include "engine/KaTargetStorage.h"
 #include "platform/ThreadBound.h"
+#include "service/KaFaultCause.h"
 #include "service/KaResultCode.h"
 #include "settings/KaDownloadOption.h"
 
@@ -82,6 +83,8 @@ private:
   [[nodiscard]] Opened renew();
   [[nodiscard]] KaResultCode judged(KaResultCode result) const;
   [[nodiscard]] KaListing list(KaTargetStorage targetStorage);
+  [[nodiscard]] KaListing look(KaTargetStorage targetStorage, const QString &startAfter);
+  void tellLook(bool isAnswered);
   [[nodiscard]] KaResultCode downloadUntilNothingIsNew();
   [[nodiscard]] ReCheck checkOnce(ReCheck soFar);
   [[nodiscard]] ReCheck takeContents(ReCheck soFar, KaListedImages images);
@@ -102,8 +105,11 @@ private:
   void tellInitialAccess();
   void tellFailedRefresh();
   void tellFailure(KaResultCode result);
+  [[nodiscard]] KaFaultCause causeOf(KaResultCode result) const;
   void tellNoTarget();
+  void tellNothingNew();
   void tellComplete();
+  void tellPass(qsizetype files);
   void tellStatus(KaAppStatus status);
   void tellResult(KaResultCode result, bool userTrigger);
 

@@ -7,6 +7,7 @@
 #include "platform/JsonValue.h"
 #include "service/KaServerRequest.h"
 #include "service/KaStorage.h"
+#include "service/ServiceClock.h"
 
 #include <QJsonObject>
 #include <QUuid>
@@ -71,12 +72,25 @@ void KaDownloadSession::tellUnsaved(const QString &what) {
 
 KaResultCode KaDownloadSession::refreshIdToken() {
   thread.check();
-  const auto [result, kind] = askForToken();
+  const auto [result, kind, isOutOfTime] = askForToken();
   refreshed = kind;
+  tokenIsOutOfTime = isOutOfTime;
   if (kind == KaRefresh::Succeeded) refreshFailureTold = false;
   if (kind == KaRefresh::Succeeded && std::exchange(failureTold, false))
     tell([this] { with.delegate.notifyLinkHolds(current.number); });
   return result;
+}
+
+KaFaultCause KaDownloadSession::refreshFault() const {
+  switch (refreshed) {
+  case KaRefresh::Succeeded:
+    return KaFaultCause::Unknown;
+  case KaRefresh::MayPass:
+    return tokenIsOutOfTime && ServiceClock::isFarOff() ? KaFaultCause::WrongClock : KaFaultCause::NoAnswer;
+  case KaRefresh::Refused:
+    return KaFaultCause::Refused;
+  }
+  Q_UNREACHABLE();
 }
 
 KaDownloadSession::Refreshed KaDownloadSession::askForToken() {
@@ -108,7 +122,7 @@ KaDownloadSession::Refreshed KaDownloadSession::adoptToken(const QByteArray &ans
   }
   if (!newToken) return {KaResultCode::LinkInvalid, KaRefresh::Refused};
 
-  const auto [verdict, mayPass] =
+  const auto [verdict, mayPass, isOutOfTime] =
       KaIdVerificationUtility::validateJWT(with.request, newToken, /*checkNonce=*/false, {});
   if (verdict == KaResultCode::Success) current.idToken = *newToken;
   // The old one, too, when the new one does not hold: then the file is as it was.
@@ -119,7 +133,7 @@ KaDownloadSession::Refreshed KaDownloadSession::adoptToken(const QByteArray &ans
   }
   if (isLinkOver()) return {KaResultCode::LinkInvalid, KaRefresh::Refused};
   if (verdict == KaResultCode::Success) return {};
-  return {verdict, mayPass ? KaRefresh::MayPass : KaRefresh::Refused};
+  return {verdict, mayPass ? KaRefresh::MayPass : KaRefresh::Refused, isOutOfTime};
 }
 
 KaResultCode KaDownloadSession::getCredential() {

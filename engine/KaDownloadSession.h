@@ -2,6 +2,7 @@
 
 #include "identity/KaLink.h"
 #include "platform/ThreadBound.h"
+#include "service/KaFaultCause.h"
 #include "service/KaResultCode.h"
 
 #include <QByteArray>
@@ -61,6 +62,8 @@ public:
   /// for an answer that cannot be parsed.
   [[nodiscard]] KaResultCode getCredential();
   [[nodiscard]] KaRefresh lastRefresh() const { return refreshed; }
+  /// Why it failed; Unknown if it did not.
+  [[nodiscard]] KaFaultCause refreshFault() const;
   /// A failure was told of this link: the first refresh that succeeds is told the delegate.
   void noteFailureTold() { failureTold = true; }
   /// @return whether the failed refresh was not told yet, which it counts as from now on, until one has succeeded.
@@ -82,6 +85,7 @@ private:
   struct Refreshed {
     KaResultCode result = KaResultCode::Success;
     KaRefresh kind = KaRefresh::Succeeded;
+    bool isOutOfTime = false; ///< the new token, by the local clock
   };
 
   bool keepTokenCode(const QString &tokenCode);
@@ -94,6 +98,7 @@ private:
   const platform::ThreadBound thread;
   KaLinkSnapshot current;
   KaRefresh refreshed = KaRefresh::Succeeded;
+  bool tokenIsOutOfTime = false; ///< that it brought
   bool failureTold = false;
   bool refreshFailureTold = false;
   std::optional<QString> verifier; ///< taken from the link, and not exchanged yet

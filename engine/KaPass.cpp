@@ -42,6 +42,16 @@ KaPass::Verdict KaPass::judgeItem(qint64 size) {
   return isOver() ? Verdict::Stop : Verdict::PassOver;
 }
 
+void KaPass::countSaved(const QString &path) {
+  ++outcomeSoFar.savedCount;
+  saved = path;
+}
+
+void KaPass::endItem() {
+  with.session.tell([this] { with.delegate.noteFile(saved); });
+  saved.clear();
+}
+
 std::optional<QString> KaPass::makeFolder(const QString &folder) {
   auto made = with.filledFolders.make(folder, parent);
   if (!made && with.storage.giveUpAhead()) made = with.filledFolders.make(folder, parent);

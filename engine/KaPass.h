@@ -56,7 +56,10 @@ public:
   /// The code that is carried over.
   [[nodiscard]] KaResultCode carried() const { return outcomeSoFar.result; }
   void carry(KaResultCode result) { outcomeSoFar.result = result; }
-  void countSaved() { ++outcomeSoFar.savedCount; }
+  /// @param path  where it lies; empty when it was there before.
+  void countSaved(const QString &path);
+  /// The item is behind the pass, which is told.
+  void endItem();
 
   [[nodiscard]] const QString &parentFolder() const { return parent; }
   [[nodiscard]] KaPassOutcome outcome() const { return outcomeSoFar; }
@@ -68,5 +71,6 @@ private:
   const platform::ThreadBound thread;
   const QString parent;
   KaPassOutcome outcomeSoFar;
+  QString saved; ///< by this item
   bool hasRenewalFailed = false;
 };

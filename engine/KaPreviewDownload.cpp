@@ -64,7 +64,9 @@ KaPassOutcome KaPreviewDownload::getPreview(const QString &parentFolder, qint64 
   std::deque<KaPreview> next; // as far as is looked ahead
   const auto takeFirst = [&] {
     ahead.moveOn();
-    if (getOne(next.front(), childFolder, pass) == Loop::Stop) return false;
+    const Loop loop = getOne(next.front(), childFolder, pass);
+    pass.endItem();
+    if (loop == Loop::Stop) return false;
     with.bookkeeping.saveNowAndThen(KaTargetStorage::Preview2K);
     next.pop_front();
     return true;
@@ -122,7 +124,7 @@ Loop KaPreviewDownload::save(const KaPreview &preview, const QDateTime &date, co
     // Unlike an image's, the last copy of a preview counts: it can be had from the image at any time.
     writeSavedLog(order, saved, saved.outputFilePath);
     with.bookkeeping.savePreviewInfo(preview.index);
-    pass.countSaved();
+    pass.countSaved(saved.bNew ? saved.outputFilePath : QString());
     return pass.next();
   case FileOutcome::Missing:
     return pass.next();

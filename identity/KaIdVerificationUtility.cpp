@@ -32,6 +32,7 @@ enum class Check {
   Holds,
   Fails,
   Undecided, ///< for a reason that may pass
+  OutOfTime, ///< by the local clock, for which the same holds
 };
 
 void logFailedRequest(KaLogStep step, const ServerAnswer &answer) {
@@ -57,7 +58,7 @@ Check checkExpiry(const QJsonObject &payload) {
   if (!expiry.isDouble()) return Check::Fails;
   const bool unexpired = std::trunc(expiry.toDouble()) >= static_cast<double>(QDateTime::currentSecsSinceEpoch());
   // A clock that is wrong after a start is set right within minutes.
-  return unexpired ? Check::Holds : Check::Undecided;
+  return unexpired ? Check::Holds : Check::OutOfTime;
 }
 
 /// A document of the identity provider; absent, and logged when the request failed, if it could not be had.
@@ -130,7 +131,10 @@ KaTokenVerdict KaIdVerificationUtility::validateJWT(KaServerRequest &request, co
   // What was thrown says nothing of the token.
   const Check check = guardedOr(Check::Undecided, [&] { return checkToken(request, *token, checkNonce, nonce); });
   if (check == Check::Holds) return {};
-  return {.result = KaResultCode::LinkInvalid, .mayPass = check == Check::Undecided};
+  const bool isOutOfTime = check == Check::OutOfTime;
+  return {.result = KaResultCode::LinkInvalid,
+          .mayPass = isOutOfTime || check == Check::Undecided,
+          .isOutOfTime = isOutOfTime};
 }
 
 KaIdVerificationUtility::Header KaIdVerificationUtility::validateHeader(const QString &header) {

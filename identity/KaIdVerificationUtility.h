@@ -15,6 +15,7 @@ struct KaTokenVerdict {
   /// The reason lies outside the token: what it is checked against could not be had, or the local clock calls it
   /// expired. The same token, or the next one, may hold later.
   bool mayPass = false;
+  bool isOutOfTime = false; ///< of the two, the latter
 };
 
 /// Checks ID tokens: RS256-signed by the identity provider for this application, not expired, with the expected nonce.

@@ -16,13 +16,16 @@
 #include "sandbox/StsApi.h"
 #include "sandbox/Tokens.h"
 
+#include <QDateTime>
 #include <QDir>
 #include <QFile>
+#include <QLocale>
 #include <QSaveFile>
 #include <QTemporaryDir>
 #include <QUrl>
 
 #include <algorithm>
+#include <atomic>
 #include <mutex>
 #include <stdexcept>
 #include <vector>
@@ -118,7 +121,9 @@ public:
   [[nodiscard]] CertifiedKey badCertificate(BadCertificate kind) const;
   void open(const ServiceOptions &options);
   [[nodiscard]] ServedAnswer answer(const ReceivedRequest &request);
+  [[nodiscard]] QDateTime now() const { return QDateTime::currentDateTimeUtc().addSecs(clockAhead.load().count()); }
 
+  std::atomic<std::chrono::seconds> clockAhead = std::chrono::seconds(0);
   const std::unique_ptr<QTemporaryDir> temporary; ///< only when no folder was given
   const QString folder;
   const CertifiedKey authority;
@@ -183,13 +188,14 @@ ServedAnswer Service::Private::answer(const ReceivedRequest &request) {
   ServedAnswer answer;
   if (!fault || !replacesService(fault->kind)) answer = rightAnswer(request, endpoint);
   if (fault) answer = spoiled(*fault, endpoint, std::move(answer));
+  answer.headers.append({"Date", QLocale::c().toString(now(), u"ddd, dd MMM yyyy hh:mm:ss 'GMT'"_s).toLatin1()});
   if (answer.delivery != Delivery::Dropped && answer.delivery != Delivery::Held)
     requests.answered(number, answer.status);
   return answer;
 }
 
 ServedAnswer Service::Private::rightAnswer(const ReceivedRequest &request, Endpoint endpoint) {
-  const QDateTime now = QDateTime::currentDateTimeUtc();
+  const QDateTime now = this->now();
   switch (endpoint) {
   case Endpoint::Configuration:
     return account->configuration();
@@ -327,6 +333,10 @@ void Service::setCredentialLifetime(std::chrono::seconds lifetime) {
   d->sts->setLifetime(lifetime);
 }
 
+void Service::setClockAhead(std::chrono::seconds ahead) {
+  d->clockAhead = ahead;
+}
+
 void Service::setListPageSize(int keys) {
   d->storage.setPageSize(keys);
 }
@@ -373,24 +383,24 @@ QString Service::signIn(const QString &getLoginUrl) {
   const ReceivedRequest request{.method = "GET", .target = getLoginUrl.section(u'/', 3).toUtf8()};
   const auto login = d->account->startLogin(request.query());
   if (!login) return {};
-  const auto callback = d->account->finishLogin(*login, QDateTime::currentDateTimeUtc());
+  const auto callback = d->account->finishLogin(*login, d->now());
   return QString::fromLatin1(callback.value_or(QByteArray()));
 }
 
 LinkedToken Service::issueLinkedToken() {
-  return d->account->issue(/*linked:*/ true, QDateTime::currentDateTimeUtc());
+  return d->account->issue(/*linked:*/ true, d->now());
 }
 
 LinkedToken Service::issueUnlinkedToken() {
-  return d->account->issue(/*linked:*/ false, QDateTime::currentDateTimeUtc());
+  return d->account->issue(/*linked:*/ false, d->now());
 }
 
 QString Service::issueIdToken(const QString &nonce) {
-  return QString::fromLatin1(d->account->loginToken(nonce, QDateTime::currentDateTimeUtc()));
+  return QString::fromLatin1(d->account->loginToken(nonce, d->now()));
 }
 
 TemporaryCredential Service::issueCredential() {
-  return d->sts->issue(d->library.userId(), QDateTime::currentDateTimeUtc());
+  return d->sts->issue(d->library.userId(), d->now());
 }
 
 QString Service::presignedUrl(const TemporaryCredential &credential, const QString &bucket, const QString &key) const {

@@ -93,6 +93,9 @@ public:
   void setIdTokenLifetime(std::chrono::seconds lifetime);    ///< 3600 s
   void setCredentialLifetime(std::chrono::seconds lifetime); ///< 3600 s
   void setListPageSize(int keys);                            ///< 1000, which is also the most
+  /// Sets the service's clock so far ahead of this computer's, or behind. It dates answers, tokens and credentials, and
+  /// judges them and signatures.
+  void setClockAhead(std::chrono::seconds ahead);
   /// Every credential issued so far is refused from now on.
   void revokeCredentials();
 

@@ -4,6 +4,7 @@
 #include "service/CurlOutcome.h"
 #include "service/HttpStatus.h"
 #include "service/KaTransport.h"
+#include "service/ServiceClock.h"
 
 #include <curl/curl.h>
 #include <openssl/ssl.h>
@@ -122,6 +123,7 @@ public:
       isChunked = false;
     }
     headComplete = headComplete || line.isEmpty();
+    if (line.isEmpty()) ServiceClock::noteAnswer(answer.headers);
     const qsizetype colon = line.indexOf(':');
     if (colon <= 0) return true;
     const auto &[name, value] = answer.headers.emplace_back(line.left(colon), line.mid(colon + 1).trimmed());

@@ -43,8 +43,8 @@ void KaNotifyIcon::onChangeStatus(KaModelFacade & /*facade*/, KaAppStatus status
   mailbox.post([this, statusMode] { appStatus = statusMode; });
 }
 
-void KaNotifyIcon::onProcessingResult(KaModelFacade & /*facade*/, KaResultCode result, bool userTrigger) {
-  mailbox.post([this, result, userTrigger] { applyResult(result, userTrigger); });
+void KaNotifyIcon::onProcessingResult(KaModelFacade &facade, KaResultCode result, bool userTrigger) {
+  mailbox.post([this, fault = KaFault{result, facade.faultCause()}, userTrigger] { applyResult(fault, userTrigger); });
 }
 
 void KaNotifyIcon::onSavingTrouble(KaResultCode cause) {
@@ -147,12 +147,14 @@ void KaNotifyIcon::startMenu(bool linked) {
            .isLaunchedAtLogin = isLaunchedAtLogin()};
 }
 
-void KaNotifyIcon::applyResult(KaResultCode result, bool userTrigger) {
-  const ResultEffect effect = resultEffect(result);
+void KaNotifyIcon::applyResult(const KaFault &told, bool userTrigger) {
+  const ResultEffect effect = resultEffect(told.result, told.cause);
   if (effect.appStatus) appStatus = *effect.appStatus;
   if (effect.errSubStatus) errSubStatus = *effect.errSubStatus;
   if (effect.clearsLinkage) linkHolds = false;
-  reportResult(result, effect.messageKey, userTrigger);
+  // What a click on its notification does is decided by the latest of its kind.
+  if (told.result == KaResultCode::ValidationFailed) validationFault = told.cause;
+  reportResult(told.result, effect.messageKey, userTrigger);
 }
 
 void KaNotifyIcon::reportResult(KaResultCode result, QLatin1StringView messageKey, bool userTrigger) {
@@ -230,13 +232,15 @@ void KaNotifyIcon::menuAction_ExitApp() {
 
 void KaNotifyIcon::notificationActivated(const QString &processingResult) {
   guarded([&] {
-    switch (clickEffect(static_cast<KaResultCode>(processingResult.toLongLong()))) {
+    switch (clickEffect(static_cast<KaResultCode>(processingResult.toLongLong()), validationFault)) {
     case ClickEffect::OpenParentFolder:
       return openFolder(model.downloadOption().parentFolder);
     case ClickEffect::OpenParent10GFolder:
       return openFolder(model.downloadOption().parent10GFolder);
     case ClickEffect::Link:
       return model.setupLinkage();
+    case ClickEffect::LookNow:
+      return model.downloadNow(/*initialAccess=*/false);
     case ClickEffect::None:
       return;
     }

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "app/KaDownloadDelegate.h"
+#include "app/KaSnapshot.h"
 #include "platform/Mailbox.h"
 #include "platform/Mutex.h"
 #include "platform/ThreadAnnotations.h"
@@ -76,7 +77,7 @@ private:
   [[nodiscard]] bool bLinkage() const;
   void iconDraw();
   void startMenu(bool linked);
-  void applyResult(KaResultCode result, bool userTrigger);
+  void applyResult(const KaFault &told, bool userTrigger);
   void reportResult(KaResultCode result, QLatin1StringView messageKey, bool userTrigger);
   /// Opens a window of its own, or brings the one before the user that is open.
   template <class Dialog, class... Arguments> void openDialog(Arguments &...arguments);
@@ -95,6 +96,7 @@ private:
   // Main thread.
   KaAppStatus appStatus = KaAppStatus::NotLinked;
   KaErrorStatus errSubStatus = KaErrorStatus::Offline;
+  KaFaultCause validationFault = KaFaultCause::Unknown; ///< of the last login that could not be checked
   QTimer iconDrawTimer;
   qint32 animationCount = 0;
   /// The link that was told of, until an error result: what it says clears bLinkage although the link itself is kept.

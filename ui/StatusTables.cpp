@@ -20,6 +20,37 @@ ResultEffect unlinked(QLatin1StringView messageKey) {
   return {.messageKey = messageKey, .appStatus = KaAppStatus::NotLinked, .clearsLinkage = true};
 }
 
+/// What is said of a login that a run could not check, or that was refused.
+QLatin1StringView validationKey(KaFaultCause cause) {
+  switch (cause) {
+  case KaFaultCause::NoAnswer:
+    return "MSG_ERR_VALIDATION_NO_ANSWER"_L1;
+  case KaFaultCause::NotAccepted:
+    return "MSG_ERR_VALIDATION_NOT_ACCEPTED"_L1;
+  case KaFaultCause::WrongClock:
+    return "MSG_ERR_CLOCK"_L1;
+  case KaFaultCause::Unknown:
+  case KaFaultCause::Refused:
+    return "MSG_ERR_VALIDATION"_L1;
+  }
+  return "MSG_ERR_VALIDATION"_L1;
+}
+
+/// The same of a new login that did not complete, or of a request that was refused in the link's name.
+QLatin1StringView linkInvalidKey(KaFaultCause cause) {
+  switch (cause) {
+  case KaFaultCause::NoAnswer:
+    return "MSG_ERR_LINK_INVALID_NO_ANSWER"_L1;
+  case KaFaultCause::NotAccepted:
+  case KaFaultCause::WrongClock:
+    return validationKey(cause);
+  case KaFaultCause::Unknown:
+  case KaFaultCause::Refused:
+    return "MSG_ERR_LINK_INVALID"_L1;
+  }
+  return "MSG_ERR_LINK_INVALID"_L1;
+}
+
 TickEffect animationTick(qint32 animationCount) {
   switch (animationCount % kAnimationFrames) {
   case 0:
@@ -48,7 +79,7 @@ QLatin1StringView errorTooltipKey(KaErrorStatus errSubStatus) {
 
 } // namespace
 
-ResultEffect resultEffect(KaResultCode result) {
+ResultEffect resultEffect(KaResultCode result, KaFaultCause cause) {
   switch (result) {
   case KaResultCode::DownloadComplete:
     return backToNormal("MSG_DOWNLOAD_COMPLETE"_L1);
@@ -79,9 +110,9 @@ ResultEffect resultEffect(KaResultCode result) {
   case KaResultCode::Unexpected:
     return failed("MSG_ERR_UNEXPECTED"_L1, KaErrorStatus::Maintenance);
   case KaResultCode::LinkInvalid:
-    return failed("MSG_ERR_LINK_INVALID"_L1, KaErrorStatus::Maintenance);
+    return failed(linkInvalidKey(cause), KaErrorStatus::Maintenance);
   case KaResultCode::ValidationFailed:
-    return unlinked("MSG_ERR_VALIDATION"_L1);
+    return unlinked(validationKey(cause));
   case KaResultCode::NewVersionReleased:
     return {.messageKey = "MSG_NEW_VERSION_RELEASED"_L1};
   case KaResultCode::Success:
@@ -125,9 +156,11 @@ QLatin1StringView tooltipKey(KaAppStatus status, KaErrorStatus errSubStatus) {
   return {};
 }
 
-ClickEffect clickEffect(KaResultCode result) {
+ClickEffect clickEffect(KaResultCode result, KaFaultCause cause) {
   if (result == KaResultCode::DownloadComplete) return ClickEffect::OpenParentFolder;
   if (result == KaResultCode::Download10GComplete) return ClickEffect::OpenParent10GFolder;
+  const bool isUnchecked = cause == KaFaultCause::NoAnswer || cause == KaFaultCause::WrongClock;
+  if (result == KaResultCode::ValidationFailed && isUnchecked) return ClickEffect::LookNow;
   if (result == KaResultCode::NotLinked || result == KaResultCode::ValidationFailed) return ClickEffect::Link;
   return ClickEffect::None;
 }

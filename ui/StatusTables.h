@@ -1,6 +1,7 @@
 #pragma once
 
 #include "engine/KaAppStatus.h"
+#include "service/KaFaultCause.h"
 #include "service/KaResultCode.h"
 
 #include <QString>
@@ -28,7 +29,8 @@ struct ResultEffect {
   friend bool operator==(const ResultEffect &, const ResultEffect &) = default;
 };
 
-[[nodiscard]] ResultEffect resultEffect(KaResultCode result);
+/// @param cause  chooses the words for a login that could not be checked, or was refused.
+[[nodiscard]] ResultEffect resultEffect(KaResultCode result, KaFaultCause cause = KaFaultCause::Unknown);
 
 /// What a tick shows.
 struct TickEffect {
@@ -45,6 +47,12 @@ struct TickEffect {
 [[nodiscard]] QLatin1StringView tooltipKey(KaAppStatus status, KaErrorStatus errSubStatus);
 
 /// What a click on the notification of a result does.
-enum class ClickEffect { None, OpenParentFolder, OpenParent10GFolder, Link };
+enum class ClickEffect {
+  None,
+  OpenParentFolder,
+  OpenParent10GFolder,
+  Link,    ///< starts a login, which ends the link that is there
+  LookNow, ///< asks for a run: the link is as good as before, and was merely not checked
+};
 
-[[nodiscard]] ClickEffect clickEffect(KaResultCode result);
+[[nodiscard]] ClickEffect clickEffect(KaResultCode result, KaFaultCause cause = KaFaultCause::Unknown);

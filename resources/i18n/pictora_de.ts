@@ -358,11 +358,27 @@
   </message>
   <message id="MSG_ERR_LINK_INVALID">
     <source></source>
-    <translation>Der Fotodienst hat Ihre Anmeldung nicht angenommen. Wählen Sie „Anmelden…“ im Menü, um sich erneut anzumelden.</translation>
+    <translation>Der Fotodienst hat Ihre Anmeldung abgelehnt. Wählen Sie „Anmelden…“ im Menü, um sich erneut anzumelden.</translation>
+  </message>
+  <message id="MSG_ERR_LINK_INVALID_NO_ANSWER">
+    <source></source>
+    <translation>Der Fotodienst antwortet gerade nicht, deshalb konnte Ihre Anmeldung nicht geprüft werden. Falls Sie sich gerade anmelden wollten, wählen Sie später noch einmal „Anmelden…“ im Menü; sonst wird sie von selbst erneut geprüft.</translation>
   </message>
   <message id="MSG_ERR_VALIDATION">
     <source></source>
     <translation>Ihre Anmeldung ist nicht mehr gültig. Wählen Sie „Anmelden…“ im Menü, um sich erneut anzumelden.</translation>
+  </message>
+  <message id="MSG_ERR_VALIDATION_NO_ANSWER">
+    <source></source>
+    <translation>Der Fotodienst antwortet gerade nicht, deshalb konnte Ihre Anmeldung nicht geprüft werden. Es ist nichts verloren: Der Versuch wird von selbst wiederholt.</translation>
+  </message>
+  <message id="MSG_ERR_VALIDATION_NOT_ACCEPTED">
+    <source></source>
+    <translation>Was der Browser zurückgegeben hat, gehört zu keiner Anmeldung, die hier begonnen wurde. Wählen Sie „Anmelden…“ im Menü, um die Anmeldung noch einmal zu beginnen.</translation>
+  </message>
+  <message id="MSG_ERR_CLOCK">
+    <source></source>
+    <translation>Die Uhr dieses Computers geht falsch, und der Fotodienst lehnt Anfragen mit falscher Uhrzeit ab. Stellen Sie Datum und Uhrzeit richtig ein; Ihre Fotos kommen dann von selbst. Falls Sie sich gerade anmelden wollten, wählen Sie noch einmal „Anmelden…“ im Menü.</translation>
   </message>
   <message id="MSG_NEW_VERSION_RELEASED">
     <source></source>

@@ -358,11 +358,27 @@
   </message>
   <message id="MSG_ERR_LINK_INVALID">
     <source></source>
-    <translation>The photo service did not accept your login. Choose “Log In…” from the menu to log in again.</translation>
+    <translation>The photo service refused your login. Choose “Log In…” from the menu to log in again.</translation>
+  </message>
+  <message id="MSG_ERR_LINK_INVALID_NO_ANSWER">
+    <source></source>
+    <translation>The photo service does not answer at the moment, so your login could not be checked. If you were just logging in, choose “Log In…” from the menu once more later; otherwise it is checked again by itself.</translation>
   </message>
   <message id="MSG_ERR_VALIDATION">
     <source></source>
     <translation>Your login is no longer valid. Choose “Log In…” from the menu to log in again.</translation>
+  </message>
+  <message id="MSG_ERR_VALIDATION_NO_ANSWER">
+    <source></source>
+    <translation>The photo service does not answer at the moment, so your login could not be checked. Nothing is lost: it is tried again by itself.</translation>
+  </message>
+  <message id="MSG_ERR_VALIDATION_NOT_ACCEPTED">
+    <source></source>
+    <translation>What came back from your browser does not belong to a login that was started here. Choose “Log In…” from the menu to start the login once more.</translation>
+  </message>
+  <message id="MSG_ERR_CLOCK">
+    <source></source>
+    <translation>The clock of this computer is wrong, and the photo service refuses what comes with a wrong time. Set the date and time; your pictures then come by themselves. If you were just logging in, choose “Log In…” from the menu once more.</translation>
   </message>
   <message id="MSG_NEW_VERSION_RELEASED">
     <source></source>

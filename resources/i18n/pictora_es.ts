@@ -358,11 +358,27 @@
   </message>
   <message id="MSG_ERR_LINK_INVALID">
     <source></source>
-    <translation>El servicio de fotos no aceptó su inicio de sesión. Elija «Iniciar sesión…» en el menú para volver a iniciar sesión.</translation>
+    <translation>El servicio de fotos rechazó su inicio de sesión. Elija «Iniciar sesión…» en el menú para volver a iniciar sesión.</translation>
+  </message>
+  <message id="MSG_ERR_LINK_INVALID_NO_ANSWER">
+    <source></source>
+    <translation>El servicio de fotos no responde en este momento, por lo que no se pudo comprobar su sesión. Si estaba iniciando sesión, elija de nuevo «Iniciar sesión…» en el menú más tarde; si no, se comprobará de nuevo automáticamente.</translation>
   </message>
   <message id="MSG_ERR_VALIDATION">
     <source></source>
     <translation>Su sesión ya no es válida. Elija «Iniciar sesión…» en el menú para volver a iniciar sesión.</translation>
+  </message>
+  <message id="MSG_ERR_VALIDATION_NO_ANSWER">
+    <source></source>
+    <translation>El servicio de fotos no responde en este momento, por lo que no se pudo comprobar su sesión. No se ha perdido nada: se intentará de nuevo automáticamente.</translation>
+  </message>
+  <message id="MSG_ERR_VALIDATION_NOT_ACCEPTED">
+    <source></source>
+    <translation>Lo que devolvió su navegador no corresponde a un inicio de sesión comenzado aquí. Elija «Iniciar sesión…» en el menú para empezar de nuevo.</translation>
+  </message>
+  <message id="MSG_ERR_CLOCK">
+    <source></source>
+    <translation>El reloj de este equipo no está en hora y el servicio de fotos rechaza las solicitudes con una hora incorrecta. Ajuste la fecha y la hora; sus fotos llegarán entonces automáticamente. Si estaba iniciando sesión, elija de nuevo «Iniciar sesión…» en el menú.</translation>
   </message>
   <message id="MSG_NEW_VERSION_RELEASED">
     <source></source>

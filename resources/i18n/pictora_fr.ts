@@ -358,11 +358,27 @@
   </message>
   <message id="MSG_ERR_LINK_INVALID">
     <source></source>
-    <translation>Le service photo n’a pas accepté votre connexion. Choisissez « Se connecter… » dans le menu pour vous connecter à nouveau.</translation>
+    <translation>Le service photo a refusé votre identification. Choisissez « Se connecter… » dans le menu pour vous connecter à nouveau.</translation>
+  </message>
+  <message id="MSG_ERR_LINK_INVALID_NO_ANSWER">
+    <source></source>
+    <translation>Le service photo ne répond pas pour le moment : votre identification n’a pas pu être vérifiée. Si vous étiez en train de vous connecter, choisissez à nouveau « Se connecter… » dans le menu un peu plus tard ; sinon, elle sera vérifiée de nouveau automatiquement.</translation>
   </message>
   <message id="MSG_ERR_VALIDATION">
     <source></source>
-    <translation>Votre connexion n’est plus valable. Choisissez « Se connecter… » dans le menu pour vous connecter à nouveau.</translation>
+    <translation>Votre identification n’est plus valide. Choisissez « Se connecter… » dans le menu pour vous connecter à nouveau.</translation>
+  </message>
+  <message id="MSG_ERR_VALIDATION_NO_ANSWER">
+    <source></source>
+    <translation>Le service photo ne répond pas pour le moment : votre identification n’a pas pu être vérifiée. Rien n’est perdu : une nouvelle tentative aura lieu automatiquement.</translation>
+  </message>
+  <message id="MSG_ERR_VALIDATION_NOT_ACCEPTED">
+    <source></source>
+    <translation>Ce que votre navigateur a renvoyé ne correspond à aucune connexion commencée ici. Choisissez « Se connecter… » dans le menu pour recommencer.</translation>
+  </message>
+  <message id="MSG_ERR_CLOCK">
+    <source></source>
+    <translation>L’horloge de cet ordinateur n’est pas à l’heure, et le service photo refuse les demandes dont l’heure est fausse. Réglez la date et l’heure ; vos photos arriveront alors d’elles-mêmes. Si vous étiez en train de vous connecter, choisissez à nouveau « Se connecter… » dans le menu.</translation>
   </message>
   <message id="MSG_NEW_VERSION_RELEASED">
     <source></source>

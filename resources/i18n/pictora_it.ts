@@ -358,11 +358,27 @@
   </message>
   <message id="MSG_ERR_LINK_INVALID">
     <source></source>
-    <translation>Il servizio foto non ha accettato l’accesso. Scegliere «Accedi…» dal menu per accedere di nuovo.</translation>
+    <translation>Il servizio foto ha rifiutato l’accesso. Scegliere «Accedi…» dal menu per accedere di nuovo.</translation>
+  </message>
+  <message id="MSG_ERR_LINK_INVALID_NO_ANSWER">
+    <source></source>
+    <translation>Al momento il servizio foto non risponde, quindi non è stato possibile verificare l’accesso. Se si stava effettuando l’accesso, scegliere di nuovo «Accedi…» dal menu più tardi; altrimenti verrà verificato di nuovo automaticamente.</translation>
   </message>
   <message id="MSG_ERR_VALIDATION">
     <source></source>
     <translation>L’accesso non è più valido. Scegliere «Accedi…» dal menu per accedere di nuovo.</translation>
+  </message>
+  <message id="MSG_ERR_VALIDATION_NO_ANSWER">
+    <source></source>
+    <translation>Al momento il servizio foto non risponde, quindi non è stato possibile verificare l’accesso. Nulla è andato perso: si riproverà automaticamente.</translation>
+  </message>
+  <message id="MSG_ERR_VALIDATION_NOT_ACCEPTED">
+    <source></source>
+    <translation>Ciò che il browser ha restituito non appartiene a un accesso avviato da qui. Scegliere «Accedi…» dal menu per ricominciare.</translation>
+  </message>
+  <message id="MSG_ERR_CLOCK">
+    <source></source>
+    <translation>L’orologio di questo computer è sbagliato e il servizio foto rifiuta le richieste con un’ora errata. Impostare la data e l’ora corrette; le foto arriveranno poi automaticamente. Se si stava effettuando l’accesso, scegliere di nuovo «Accedi…» dal menu.</translation>
   </message>
   <message id="MSG_NEW_VERSION_RELEASED">
     <source></source>

@@ -355,11 +355,27 @@
   </message>
   <message id="MSG_ERR_LINK_INVALID">
     <source></source>
-    <translation>写真サービスがログインを受け付けませんでした。メニューから「ログイン…」を選択して、もう一度ログインしてください。</translation>
+    <translation>写真サービスにログインを拒否されました。メニューから「ログイン…」を選択して、もう一度ログインしてください。</translation>
+  </message>
+  <message id="MSG_ERR_LINK_INVALID_NO_ANSWER">
+    <source></source>
+    <translation>写真サービスが現在応答していないため、ログインを確認できませんでした。ログインの操作中だった場合は、しばらくしてからメニューの「ログイン…」をもう一度選択してください。それ以外の場合は、自動的に再確認されます。</translation>
   </message>
   <message id="MSG_ERR_VALIDATION">
     <source></source>
     <translation>ログインが無効になりました。もう一度ログインするには、メニューから「ログイン…」を選択してください。</translation>
+  </message>
+  <message id="MSG_ERR_VALIDATION_NO_ANSWER">
+    <source></source>
+    <translation>写真サービスが現在応答していないため、ログインを確認できませんでした。失われたものはありません。自動的に再試行されます。</translation>
+  </message>
+  <message id="MSG_ERR_VALIDATION_NOT_ACCEPTED">
+    <source></source>
+    <translation>ブラウザーから戻ってきた情報は、ここで開始したログインのものではありません。メニューから「ログイン…」を選択して、ログインをやり直してください。</translation>
+  </message>
+  <message id="MSG_ERR_CLOCK">
+    <source></source>
+    <translation>このコンピューターの時計が正しくありません。写真サービスは時刻の誤った要求を拒否します。日付と時刻を正しく設定すると、写真は自動的に届きます。ログインの操作中だった場合は、メニューから「ログイン…」をもう一度選択してください。</translation>
   </message>
   <message id="MSG_NEW_VERSION_RELEASED">
     <source></source>

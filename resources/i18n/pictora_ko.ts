@@ -355,11 +355,27 @@
   </message>
   <message id="MSG_ERR_LINK_INVALID">
     <source></source>
-    <translation>사진 서비스에서 로그인을 받아들이지 않았습니다. 다시 로그인하려면 메뉴에서 ‘로그인…’을 선택하세요.</translation>
+    <translation>사진 서비스에서 로그인을 거부했습니다. 다시 로그인하려면 메뉴에서 ‘로그인…’을 선택하세요.</translation>
+  </message>
+  <message id="MSG_ERR_LINK_INVALID_NO_ANSWER">
+    <source></source>
+    <translation>현재 사진 서비스가 응답하지 않아 로그인을 확인하지 못했습니다. 로그인하던 중이었다면 나중에 메뉴에서 ‘로그인…’을 다시 선택하세요. 그렇지 않다면 자동으로 다시 확인합니다.</translation>
   </message>
   <message id="MSG_ERR_VALIDATION">
     <source></source>
     <translation>로그인이 더 이상 유효하지 않습니다. 다시 로그인하려면 메뉴에서 ‘로그인…’을 선택하세요.</translation>
+  </message>
+  <message id="MSG_ERR_VALIDATION_NO_ANSWER">
+    <source></source>
+    <translation>현재 사진 서비스가 응답하지 않아 로그인을 확인하지 못했습니다. 잃은 것은 없으며 자동으로 다시 시도합니다.</translation>
+  </message>
+  <message id="MSG_ERR_VALIDATION_NOT_ACCEPTED">
+    <source></source>
+    <translation>브라우저에서 돌아온 정보가 여기에서 시작한 로그인의 것이 아닙니다. 로그인을 다시 시작하려면 메뉴에서 ‘로그인…’을 선택하세요.</translation>
+  </message>
+  <message id="MSG_ERR_CLOCK">
+    <source></source>
+    <translation>이 컴퓨터의 시계가 맞지 않으며, 사진 서비스는 시간이 틀린 요청을 거부합니다. 날짜와 시간을 올바르게 설정하면 사진이 자동으로 들어옵니다. 로그인하던 중이었다면 메뉴에서 ‘로그인…’을 다시 선택하세요.</translation>
   </message>
   <message id="MSG_NEW_VERSION_RELEASED">
     <source></source>

@@ -355,11 +355,27 @@
   </message>
   <message id="MSG_ERR_LINK_INVALID">
     <source></source>
-    <translation>照片服务未接受您的登录。请从菜单中选择“登录…”以重新登录。</translation>
+    <translation>照片服务拒绝了您的登录。请从菜单中选择“登录…”以重新登录。</translation>
+  </message>
+  <message id="MSG_ERR_LINK_INVALID_NO_ANSWER">
+    <source></source>
+    <translation>照片服务目前没有响应，因此无法检查您的登录。如果您正在登录，请稍后再次从菜单中选择“登录…”；否则会自动重新检查。</translation>
   </message>
   <message id="MSG_ERR_VALIDATION">
     <source></source>
     <translation>您的登录已失效。要重新登录，请从菜单中选择“登录…”。</translation>
+  </message>
+  <message id="MSG_ERR_VALIDATION_NO_ANSWER">
+    <source></source>
+    <translation>照片服务目前没有响应，因此无法检查您的登录。没有任何损失，稍后会自动重试。</translation>
+  </message>
+  <message id="MSG_ERR_VALIDATION_NOT_ACCEPTED">
+    <source></source>
+    <translation>浏览器返回的内容不属于在此处开始的登录。请从菜单中选择“登录…”，重新开始登录。</translation>
+  </message>
+  <message id="MSG_ERR_CLOCK">
+    <source></source>
+    <translation>本机的时钟不正确，照片服务会拒绝时间有误的请求。请正确设置日期和时间，照片随后会自动下载。如果您正在登录，请再次从菜单中选择“登录…”。</translation>
   </message>
   <message id="MSG_NEW_VERSION_RELEASED">
     <source></source>

@@ -2,10 +2,13 @@
 #include "app/KaModelFacade.h"
 #include "identity/KaLinkageUtility.h"
 #include "platform/UserDefaults.h"
+#include "sandbox/Library.h"
 #include "sandbox/Service.h"
+#include "service/KaServerRequest.h"
 #include "settings/SettingsFiles.h"
 #include "tests/log/LogFile.h"
 #include "tests/support/FakeBrowser.h"
+#include "tests/support/Image.h"
 #include "tests/support/PrivateBus.h"
 #include "tests/support/TestProfile.h"
 
@@ -28,14 +31,18 @@ using sandbox::Fault;
 
 namespace {
 
+const QString kNotAccepted = u"cause 3 of result 16"_s;
+
 /// Notes what the thread that made it is told; of the download thread's reports, which are others' to test, those alone
 /// that show what the facade asked it for.
 class RecordingDelegate final : public KaDownloadDelegate {
 public:
   void onChangeStatus(KaModelFacade &, KaAppStatus status) override { note(u"status"_s, static_cast<int>(status)); }
   void onSavingTrouble(KaResultCode) override {}
-  void onProcessingResult(KaModelFacade &, KaResultCode code, bool) override {
-    note(u"result"_s, static_cast<int>(code));
+  void onProcessingResult(KaModelFacade &facade, KaResultCode code, bool) override {
+    const auto cause = facade.faultCause();
+    const bool hasCause = cause != KaFaultCause::Unknown;
+    note(hasCause ? u"cause %1 of result"_s.arg(static_cast<int>(cause)) : u"result"_s, static_cast<int>(code));
     if (code == KaResultCode::InitialAccessComplete) ++initialAccesses;
   }
   void onCompleteLinkageSetting() override { note(u"login"_s, true); }
@@ -124,7 +131,7 @@ TEST_F(FacadeLinkage, storesALoginForWhichTheBrowserCallsAgainAndAgainAndClosesI
   EXPECT_EQ(facade().linkState(), KaLinkState::Linked);
   facade().setIdCode(token);
   facade().setIdCode(u"not that token"_s);
-  EXPECT_TRUE(waitForReports(expected << u"result 16"_s)) << "the nonce counts once";
+  EXPECT_TRUE(waitForReports(expected << kNotAccepted)) << "the nonce counts once";
   EXPECT_EQ(facade().loadLinkageSetting(), token);
   EXPECT_EQ(KaLinkageUtility::loadLinkageSetting(), token);
   EXPECT_TRUE(KaLinkageUtility::existCodeVerifier());
@@ -140,23 +147,62 @@ TEST_F(FacadeLinkage, storesALoginForWhichTheBrowserCallsAgainAndAgainAndClosesI
 TEST_F(FacadeLinkage, completesALoginAlthoughAnEarlierOneCallsBackAgain) {
   const QString first = startLogin();
   EXPECT_TRUE(waitForReports({u"login 1"_s, u"linkage 1"_s}));
+  facade().noteFile(u"/of the account"_s);
+  facade().notifySavingTrouble(KaResultCode::DiskFull);
   facade().setupLinkage();
   facade().setIdCode(first);
   const QString second = signIn();
   facade().setIdCode(second);
   EXPECT_TRUE(waitForReports({u"login 1"_s, u"linkage 1"_s, u"login 1"_s, u"linkage 1"_s}));
   EXPECT_EQ(facade().loadLinkageSetting(), second);
+  EXPECT_TRUE(facade().snapshot().cameToday == 1 && !facade().snapshot().fault) << "the account is the same";
+  service.library().setUserId(u"another"_s);
+  startLogin();
+  EXPECT_TRUE(waitFor([] { return facade().snapshot().cameToday == 0; }));
 }
 
-TEST_F(FacadeLinkage, storesNothingOfALoginThatNobodyAskedForOrThatDoesNotHold) {
+TEST_F(FacadeLinkage, storesNothingOfALoginThatNobodyAskedForOrThatDoesNotHoldAndSaysWhy) {
   facade().initializeLinkageSetting();
   facade().setIdCode(service.issueLinkedToken().idToken);
-  EXPECT_TRUE(waitForReports({u"result 10"_s, u"result 16"_s}));
-  facade().setupLinkage();
+  QStringList expected{u"result 10"_s, kNotAccepted};
+  EXPECT_TRUE(waitForReports(expected));
+  const auto logIn = [&](const QString &outcome) {
+    facade().setupLinkage();
+    facade().setIdCode(signIn());
+    EXPECT_TRUE(waitForReports(expected << outcome)) << qPrintable(outcome);
+  };
   service.setTokenFault(sandbox::TokenFault::BadSignature);
-  facade().setIdCode(signIn());
-  EXPECT_TRUE(waitForReports({u"result 10"_s, u"result 16"_s, u"result 16"_s}));
+  logIn(kNotAccepted);
+  service.setTokenFault(sandbox::TokenFault::Expired);
+  logIn(kNotAccepted);
+  service.order(Endpoint::Keys, {.status = 403});
+  logIn(u"cause 1 of result 16"_s);
+  service.setClockAhead(-3h);
+  static_cast<void>(KaServerRequest().getKaAppId());
+  logIn(u"cause 4 of result 16"_s);
+  EXPECT_EQ(facade().snapshot().fault, (KaFault{KaResultCode::LinkInvalid, KaFaultCause::WrongClock}));
+  EXPECT_NEAR(double(facade().snapshot().clockAhead.count()), 3 * 3600, 3 * kSlowness);
   EXPECT_TRUE(facade().linkState() == KaLinkState::Unlinked && !facade().loadLinkageSetting());
+}
+
+TEST_F(FacadeLinkage, showsWhatItIsAtAndForgetsItWithTheAccount) {
+  service.library().add(image(u"10"_s, u"A.JPG"_s));
+  startLinked();
+  ASSERT_TRUE(waitFor([this] { return delegate.reports.contains(u"linkage 1"_s); }));
+  ASSERT_TRUE(waitFor([] { return facade().snapshot().cameToday == 1; }));
+  ASSERT_TRUE(waitFor([] { return facade().snapshot().nextLook.has_value(); }));
+  const KaSnapshot seen = facade().snapshot();
+  const auto from = QDateTime::currentDateTime();
+  EXPECT_TRUE(seen.linkState == KaLinkState::Linked && seen.doing == KaSnapshot::Doing::Waiting && !seen.fault);
+  EXPECT_LE(seen.lastLook.value_or(from.addDays(1)), from);
+  EXPECT_NEAR(double(from.secsTo(*seen.nextLook)), 60, 5 * kSlowness) << "in the wait for the re-check";
+  EXPECT_EQ(seen.lastFiles.size(), 1);
+  EXPECT_TRUE(QFile::exists(seen.lastFiles.value(0)));
+  facade().notifySavingTrouble(KaResultCode::DiskFull);
+  EXPECT_EQ(facade().snapshot().fault, KaFault{KaResultCode::DiskFull});
+  // Once it waits for a link, nothing of the old one comes behind.
+  facade().closeLinkage();
+  EXPECT_EQ(facade().snapshot(), KaSnapshot{.clockAhead = facade().snapshot().clockAhead});
 }
 
 TEST_F(FacadeLinkage, runsWhenAskedAndMarksAnInitialAccessWhenToldSo) {

@@ -23,6 +23,8 @@ public:
     bool hasNetwork = true;
     bool offers10GStorage = true;
     qsizetype stillToCome = -1;
+    KaFaultCause cause = KaFaultCause::Unknown; ///< as it was noted last
+    QStringList onlookers; ///< what those were told: "looking", "pass 2", "file NAME", "wait", "wait MILLISECONDS"
     QHash<QString, KaDownloadData> records;
     QHash<QString, KaLoadedLedger> ledgers;
     std::function<void(const QString &event)> onEvent; ///< called once it is noted, without the lock held
@@ -86,12 +88,27 @@ public:
     note(QStringLiteral("result %1%2").arg(qint64(result)).arg(userTrigger ? u" by user" : u""));
   }
   void notifySavingTrouble(KaResultCode cause) override { note(QStringLiteral("trouble %1").arg(qint64(cause))); }
+  void noteFaultCause(KaFaultCause cause) override {
+    change([&](auto &now) { now.cause = cause; });
+  }
+  void noteLooking() override { tellOnlookers(QStringLiteral("looking")); }
+  void noteLooked() override { tellOnlookers(QStringLiteral("looked")); }
+  void notePass(qsizetype files) override { tellOnlookers(QStringLiteral("pass %1").arg(files)); }
+  void noteFile(const QString &saved) override { tellOnlookers(QStringLiteral("file ") + saved.section(u'/', -1)); }
+  void noteWait(std::optional<std::chrono::milliseconds> longest) override {
+    tellOnlookers(longest ? QStringLiteral("wait %1").arg(longest->count()) : QStringLiteral("wait"));
+  }
+  void noteNothingNew() override { tellOnlookers(QStringLiteral("nothing new")); }
+  void noteUnanswered() override { tellOnlookers(QStringLiteral("unanswered")); }
   void setEnableLoggin(bool enable) override { note(QStringLiteral("enableLoggin %1").arg(int(enable))); }
   void notifyLinkHolds(KaLinkNumber) override { note(QStringLiteral("link holds")); }
   void notifyDownloadProcessFinish() override { note(QStringLiteral("finish")); }
 
 private:
   bool note(const QString &event); ///< true
+  void tellOnlookers(const QString &what) {
+    change([&](auto &now) { now.onlookers << what; });
+  }
 
   mutable std::mutex mutex;
   mutable std::condition_variable noted;

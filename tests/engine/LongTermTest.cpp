@@ -194,6 +194,16 @@ TEST_F(LongTerm, isTakenIntoItsOwnFolderAndBookedApart) {
     EXPECT_EQ(logged(title), QStringList{title});
 }
 
+TEST_F(LongTerm, isLookedAtStepByStep) {
+  for (const Scene &scene : {kImage, kOther, fault(Endpoint::ObjectGet, {.status = 404}), previews(1)})
+    scene(service);
+  ASSERT_TRUE(run());
+  ASSERT_TRUE(waitFor([this] { return delegate.answers().onlookers.contains(u"wait 1800000"_s); }));
+  EXPECT_EQ(delegate.answers().onlookers.join(u'|'),
+            u"wait|looking|looking|looked|looking|looked|nothing new|looking|looked|pass 2|file |file B.JPG|looking|"
+            "pass 1|file 1.JPG|wait 1800000"_s);
+}
+
 TEST_F(LongTerm, isTakenAgainOnceTheServiceOffersItAgain) {
   kImage(service);
   kNoSettings(service);

@@ -100,6 +100,8 @@ TEST_P(PassingCause, isToldOnceAndHealsByItself) {
   begin();
   ASSERT_TRUE(delegate.waitForEvent(u"status 0"_s));
   EXPECT_EQ(told(), (QStringList{u"result 17"_s, u"link holds"_s, u"status 0"_s}));
+  EXPECT_EQ(delegate.answers().cause, KaFaultCause::NoAnswer);
+  EXPECT_TRUE(delegate.answers().onlookers.join(u'|').startsWith(u"wait|looking|wait 1|looking|wait 1|looking|"_s));
   EXPECT_EQ(runs(), 4);
 }
 
@@ -139,6 +141,8 @@ TEST_P(Refusal, waitsForANewLinkWhateverTheNews) {
     return delegate.events().count(u"load RecentDownloadData"_s) == 2;
   }));
   EXPECT_EQ(told().mid(0, 1), QStringList{u"result 17"_s});
+  EXPECT_EQ(delegate.answers().cause, KaFaultCause::Refused);
+  EXPECT_EQ(delegate.answers().onlookers.mid(0, 3), (QStringList{u"wait"_s, u"looking"_s, u"wait"_s}));
   EXPECT_LE(runs(), 2);
 }
 
@@ -225,6 +229,7 @@ TEST_F(News, ofANetworkEndsASilentWaitForOneInWhichAUserIsToldAlone) {
   ASSERT_TRUE(delegate.waitForEvent(u"result 9 by user"_s));
   ASSERT_TRUE(newsIsHeard());
   EXPECT_EQ(service.requests().size(), 0);
+  EXPECT_EQ(delegate.answers().onlookers, (QStringList{u"wait"_s, u"wait"_s})) << "for a link, and for a network";
   delegate.change([](auto &answers) { answers.hasNetwork = true; });
   processor->newsFromOutside();
   ASSERT_TRUE(waitForRun(1));
@@ -331,12 +336,36 @@ TEST_F(News, ofANetworkThatIsAPortalTellsOnceThoughTheUserWasToldOfNone) {
   EXPECT_EQ(told(), (QStringList{u"result 9 by user"_s, u"result 17"_s, u"link holds"_s, u"status 0"_s}));
 }
 
+TEST_F(News, ofAClockThatIsFarOffIsTheCauseOfWhatIsRefusedForItsTime) {
+  delegate.change([](auto &answers) { answers.waits.pollingError = 1ms; });
+  service.setClockAhead(-3h);
+  begin();
+  ASSERT_TRUE(delegate.waitForEvent(u"result 17"_s));
+  EXPECT_EQ(delegate.answers().cause, KaFaultCause::WrongClock) << "of a token that is too old, so says this clock";
+  service.setClockAhead(0h);
+  ASSERT_TRUE(delegate.waitForEvent(u"status 0"_s));
+  processor.reset();
+  offerToTheLongTermStorageAlone();
+  service.setClockAhead(20min);
+  begin();
+  ASSERT_TRUE(delegate.waitForEvent(u"result 16"_s));
+  EXPECT_EQ(delegate.answers().cause, KaFaultCause::WrongClock) << "of a signature from another time";
+  processor.reset();
+  service.setClockAhead(0h);
+  service.order(Endpoint::Sts, {.status = 403});
+  begin();
+  ASSERT_TRUE(delegate.waitForEvent(u"result 16"_s, 2));
+  EXPECT_EQ(delegate.answers().cause, KaFaultCause::Refused);
+}
+
 TEST_F(News, isNoneOfTheLinkWhenCredentialsEndInTheMiddleOfARun) {
   service.setCredentialLifetime(0s);
   service.order(Endpoint::ListDevices, {.status = 403});
   begin();
   ASSERT_TRUE(waitForRun(1));
   EXPECT_EQ(told(), QStringList{u"status 1"_s});
+  EXPECT_TRUE(waitFor([this] { return delegate.answers().onlookers.endsWith(u"wait 3600000"_s); }));
+  EXPECT_TRUE(delegate.answers().onlookers.contains(u"unanswered"_s));
   processor.reset();
 
   // A renewal that costs the credentials: what the pass asks for afterwards is refused unasked.

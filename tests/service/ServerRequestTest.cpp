@@ -2,6 +2,7 @@
 #include "service/KaApplicationConstants.h"
 #include "service/LoopbackHost.h"
 #include "service/SaveOrder.h"
+#include "service/ServiceClock.h"
 #include "tests/log/LogFile.h"
 #include "tests/service/ServiceFixture.h"
 
@@ -10,6 +11,7 @@
 #include <thread>
 
 using namespace Qt::StringLiterals;
+using namespace std::chrono_literals;
 using sandbox::Endpoint;
 using sandbox::Fault;
 
@@ -53,6 +55,29 @@ TEST_F(ServerRequest, tellsWhatAStatusMeansForEveryKindOfRequest) {
   EXPECT_EQ(request.getAWSS3ObjectTag(by, imageKey).result, Success);
   service.order(Endpoint::ObjectTagging, {.kind = Fault::Kind::TruncatedBody});
   EXPECT_EQ(request.getAWSS3ObjectTag(by, imageKey).result, ServerError);
+}
+
+TEST_F(ServerRequest, tellsHowFarTheServicesClockIsOff) {
+  EXPECT_EQ(ServiceClock::computerAhead(), 0s);
+  for (const auto ahead : {-40s, 3600s, -1200s, 20s}) {
+    service.setClockAhead(ahead);
+    static_cast<void>(request.getKaAppId());
+    const auto here = abs(ahead) < 1min ? 0s : -ahead;
+    EXPECT_LE(abs(ServiceClock::computerAhead() - here), 3s * kSlowness) << ahead.count();
+    EXPECT_EQ(ServiceClock::isFarOff(), here != 0s);
+  }
+  using Headers = std::vector<std::pair<QByteArray, QByteArray>>;
+  const QByteArray old = "Fri, 01 Jan 2021 00:00:00 GMT";
+  for (const Headers &silent : {Headers(),
+                                {{"Date", ""}},
+                                {{"Date", "yesterday GMT"}},
+                                {{"Date", "20210101"}},
+                                {{"date", old}, {"age", "60"}}}) {
+    ServiceClock::noteAnswer(silent);
+    EXPECT_FALSE(ServiceClock::isFarOff()) << silent.size();
+  }
+  ServiceClock::noteAnswer({{"date", old}});
+  EXPECT_TRUE(ServiceClock::isFarOff());
 }
 
 TEST_F(ServerRequest, endsAtOnceWhenItIsStopped) {

@@ -161,6 +161,31 @@ TEST_F(NotifyIcon, showsAndTellsEachResultInItsOwnWordsAndDoubtsTheLinkAfterEver
   EXPECT_EQ(words[17], localised("MSG_ERR_VALIDATION"_L1));
 }
 
+TEST_F(NotifyIcon, saysOfALoginThatFailedWhyAndStartsNoneOverOneThatWasMerelyNotChecked) {
+  using enum KaFaultCause;
+  start();
+  report([] {});
+  const std::tuple<int, KaFaultCause, QLatin1StringView, bool> cases[] = {
+      {17, Refused, "MSG_ERR_VALIDATION"_L1, true},
+      {17, NoAnswer, "MSG_ERR_VALIDATION_NO_ANSWER"_L1, false},
+      {17, WrongClock, "MSG_ERR_CLOCK"_L1, false},
+      {16, Refused, "MSG_ERR_LINK_INVALID"_L1, false},
+      {16, NoAnswer, "MSG_ERR_LINK_INVALID_NO_ANSWER"_L1, false},
+      {16, NotAccepted, "MSG_ERR_VALIDATION_NOT_ACCEPTED"_L1, false},
+      {16, WrongClock, "MSG_ERR_CLOCK"_L1, false}};
+  for (const auto &[code, cause, key, logsIn] : cases) {
+    view.notifications.clear();
+    report([&, code = static_cast<KaResultCode>(code), cause = cause] {
+      facade.noteFaultCause(cause);
+      facade.setProcessingResult(code, /*userTrigger=*/false);
+    });
+    EXPECT_EQ(view.notifications, QStringList{localised("APP_SHORT_NAME"_L1) + localised(key) + QString::number(code)});
+    Q_EMIT view.notificationActivated(QString::number(code));
+    EXPECT_EQ(facade.bLoggedIn(), logsIn) << key.data();
+    facade.closeLinkage();
+  }
+}
+
 TEST_F(NotifyIcon, linksWaitsBeforeTheFirstRunAnimatesItAndLogsOutAtOnce) {
   sandbox::Service service;
   const auto defaults = service.userDefaults();

@@ -1,0 +1,142 @@
+#include "app/KaSnapshotKeeper.h"
+
+#include <algorithm>
+#include <utility>
+
+using namespace std::chrono_literals;
+using std::chrono::milliseconds;
+
+namespace {
+
+/// Longer waits would overflow the clock.
+constexpr milliseconds kLongestWait = 24h * 365;
+
+enum class Tells { Failure, Success, Neither };
+
+Tells meaningOf(KaResultCode result) {
+  switch (result) {
+  case KaResultCode::DownloadComplete:
+  case KaResultCode::Download10GComplete:
+  case KaResultCode::NothingToDownload:
+  case KaResultCode::InitialAccessComplete:
+    return Tells::Success;
+  case KaResultCode::SecureConnectionFailed:
+  case KaResultCode::NoBody:
+  case KaResultCode::DiskFull:
+  case KaResultCode::Offline:
+  case KaResultCode::RetryLater:
+  case KaResultCode::ServerError:
+  case KaResultCode::FileNotSaved:
+  case KaResultCode::Unexpected:
+  case KaResultCode::LinkInvalid:
+  case KaResultCode::ValidationFailed:
+    return Tells::Failure;
+  case KaResultCode::Success:
+  case KaResultCode::Unlinked:
+  case KaResultCode::NotLinked:
+  case KaResultCode::NoHttpStatus:
+  case KaResultCode::FolderNotAccessible:
+  case KaResultCode::FolderNotSupported:
+  case KaResultCode::FolderPathTooLong:
+  case KaResultCode::DefaultFileName:
+  case KaResultCode::CaptureTimeMissing:
+  case KaResultCode::ObjectMissing:
+  case KaResultCode::NewVersionReleased:
+    return Tells::Neither;
+  }
+  return Tells::Neither;
+}
+
+/// Two clocks read one after the other must not make it another time each time.
+QDateTime inWholeSeconds(const QDateTime &time) {
+  return time.addMSecs(-time.time().msec());
+}
+
+} // namespace
+
+KaSnapshotKeeper::KaSnapshotKeeper(KaSnapshotClocks measuredBy) : clocks(std::move(measuredBy)) {
+}
+
+void KaSnapshotKeeper::begin(KaSnapshot::Doing doing, qsizetype files) {
+  kept.doing = doing;
+  kept.fetched = 0;
+  kept.toFetch = files;
+  looksAgain.reset();
+}
+
+void KaSnapshotKeeper::noteLooking() {
+  const platform::MutexLock scope(lock);
+  begin(KaSnapshot::Doing::Looking);
+}
+
+void KaSnapshotKeeper::noteLooked() {
+  const QDateTime now = clocks.wall();
+  const platform::MutexLock scope(lock);
+  kept.lastLook = now;
+}
+
+void KaSnapshotKeeper::notePass(qsizetype files) {
+  const platform::MutexLock scope(lock);
+  begin(KaSnapshot::Doing::Fetching, files);
+}
+
+void KaSnapshotKeeper::noteFile(const QString &saved) {
+  const QDate today = saved.isEmpty() ? QDate() : clocks.wall().date();
+  const platform::MutexLock scope(lock);
+  ++kept.fetched;
+  if (saved.isEmpty()) return;
+  if (std::exchange(cameOn, today) != today) kept.cameToday = 0;
+  ++kept.cameToday;
+  if (kept.lastFiles.size() == KaSnapshot::kLastFiles) kept.lastFiles.removeLast();
+  kept.lastFiles.prepend(saved);
+}
+
+void KaSnapshotKeeper::noteWait(std::optional<milliseconds> longest) {
+  const auto now = clocks.boot();
+  const platform::MutexLock scope(lock);
+  begin(KaSnapshot::Doing::Waiting);
+  if (longest) looksAgain = now + std::min(*longest, kLongestWait);
+}
+
+void KaSnapshotKeeper::setStillToCome(qsizetype count) {
+  const platform::MutexLock scope(lock);
+  kept.stillToCome = count;
+}
+
+void KaSnapshotKeeper::noteResult(const KaFault &told) {
+  const Tells meaning = meaningOf(told.result);
+  if (meaning == Tells::Neither) return;
+  const platform::MutexLock scope(lock);
+  kept.fault = meaning == Tells::Failure ? std::optional(told) : std::nullopt;
+}
+
+void KaSnapshotKeeper::forgetFault() {
+  const platform::MutexLock scope(lock);
+  kept.fault.reset();
+}
+
+void KaSnapshotKeeper::forgetLink() {
+  const platform::MutexLock scope(lock);
+  begin(KaSnapshot::Doing::Waiting);
+  kept.fault.reset();
+}
+
+void KaSnapshotKeeper::forgetAccount() {
+  const platform::MutexLock scope(lock);
+  kept = {};
+  cameOn = {};
+  looksAgain.reset();
+}
+
+KaSnapshot KaSnapshotKeeper::snapshot() const {
+  const QDateTime now = clocks.wall();
+  const auto sinceBoot = clocks.boot();
+  const platform::MutexLock scope(lock);
+  KaSnapshot made = kept;
+  if (cameOn != now.date()) made.cameToday = 0;
+  if (looksAgain) {
+    const auto rest = std::chrono::duration_cast<milliseconds>(*looksAgain - sinceBoot);
+    made.nextLook = inWholeSeconds(now.addMSecs(std::max(rest, 0ms).count()));
+  }
+  return made;
+}
