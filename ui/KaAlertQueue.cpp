@@ -20,7 +20,7 @@ void KaAlertQueue::show(const QString &text) {
 
 void KaAlertQueue::open(const QString &text) {
   current = new QMessageBox(QMessageBox::Warning, localised("APP_SHORT_NAME"_L1), text);
-  current->addButton(localised("DLG_COMMON_BUTTON_OK_MAC"_L1), QMessageBox::AcceptRole);
+  current->addButton(localised("DLG_COMMON_BUTTON_CLOSE"_L1), QMessageBox::AcceptRole);
   current->setTextFormat(Qt::PlainText);
   current->setAttribute(Qt::WA_DeleteOnClose);
   // A modal window would take the menu of the status item away on some desktops, and with it the way to quit.

@@ -52,6 +52,8 @@ void KaDesktopStatusItem::createIcon() {
   icon = std::make_unique<QSystemTrayIcon>(iconOf(shown));
   icon->setToolTip(tooltipOf(shown));
   icon->setContextMenu(&menu);
+  // Where the desktop draws the menu for the other button itself, it can be asked neither to do so for this one nor
+  // where.
   connect(icon.get(), &QSystemTrayIcon::activated, this, [this](QSystemTrayIcon::ActivationReason reason) {
     if (reason == QSystemTrayIcon::Trigger) menu.popup(QCursor::pos());
   });

@@ -1,17 +1,23 @@
 #include "ui/KaDownloadFolderSettingView.h"
 
 #include "app/KaModelFacade.h"
+#include "engine/OutputFolder.h"
 #include "log/ExceptionGuard.h"
-#include "platform/NoDestructor.h"
+#include "ui/Mnemonics.h"
+#include "ui/ScreenRoom.h"
 #include "ui/Texts.h"
 #include "ui_DownloadFolderSettingWindow.h"
 
-#include <QAbstractButton>
+#include <QApplication>
+#include <QDateTime>
 #include <QFileDialog>
 #include <QMessageBox>
 #include <QMouseEvent>
+#include <QPlainTextEdit>
 #include <QPushButton>
-#include <QRegularExpression>
+#include <QScrollBar>
+#include <QStyle>
+#include <QWindow>
 
 #include <utility>
 
@@ -27,12 +33,6 @@ QString stateWord(const QCheckBox &checkBox) {
   return checkBox.isChecked() ? u"true"_s : u"false"_s;
 }
 
-/// A text as it is read out: without the mark of its mnemonic, and without the letter that scripts of other kinds add.
-QString spoken(QString text) {
-  static const platform::NoDestructor<QRegularExpression> mark(uR"(\(&\w\)|&)"_s);
-  return text.remove(*mark);
-}
-
 /// Empty for a code that has no message.
 QString folderMessage(KaResultCode verdict) {
   if (verdict == KaResultCode::FolderNotAccessible) return localised("MSG_TRANS_FOLDER_NOT_ACCESS"_L1);
@@ -41,48 +41,178 @@ QString folderMessage(KaResultCode verdict) {
   return {};
 }
 
+/// Weaker than the text beside it, and as easy to read.
+QPalette weakened(const QPalette &colors) {
+  const QColor text = colors.color(QPalette::WindowText);
+  const QColor ground = colors.color(QPalette::Window);
+  const auto mix = [](float strong, float weak) { return 0.7F * strong + 0.3F * weak; };
+  QPalette weak;
+  weak.setColor(QPalette::WindowText,
+                QColor::fromRgbF(mix(text.redF(), ground.redF()), mix(text.greenF(), ground.greenF()),
+                                 mix(text.blueF(), ground.blueF())));
+  return weak;
+}
+
+/// Shows a path in whole below the message: it may be long, and labels wrap at blanks alone.
+void addPath(QMessageBox &box, const QString &path, QSize room) {
+  auto *const whole = new QPlainTextEdit(path, &box);
+  whole->setAccessibleName(box.text());
+  whole->setReadOnly(true);
+  whole->setTextInteractionFlags(Qt::TextSelectableByMouse | Qt::TextSelectableByKeyboard);
+  whole->setTabChangesFocus(true);
+  whole->setWordWrapMode(QTextOption::WrapAnywhere);
+  whole->setFrameShape(QFrame::NoFrame);
+  whole->viewport()->setAutoFillBackground(false);
+  whole->document()->setDocumentMargin(0);
+  whole->setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
+  constexpr int kLetters = 50;
+  const QFontMetrics letters = whole->fontMetrics();
+  const int beside = 3 * whole->style()->pixelMetric(QStyle::PM_MessageBoxIconSize);
+  const int width = qMin(kLetters * letters.averageCharWidth(), room.width() - beside);
+  const int height = letters.boundingRect(0, 0, width, 0, Qt::TextWrapAnywhere, path).height();
+  whole->setFixedSize(width + whole->style()->pixelMetric(QStyle::PM_ScrollBarExtent),
+                      qMin(height + 1, room.height() / 3)); // more of it scrolls
+  auto *const grid = static_cast<QGridLayout *>(box.layout());
+  auto *const buttons = box.findChild<QDialogButtonBox *>();
+  grid->removeWidget(buttons);
+  grid->addWidget(whole, grid->rowCount(), grid->columnCount() - 1);
+  grid->addWidget(buttons, grid->rowCount(), 0, 1, grid->columnCount());
+}
+
 } // namespace
 
 KaDownloadFolderSettingView::KaDownloadFolderSettingView(KaModelFacade &facade, QWidget *parent)
     : QDialog(parent), model(facade), window(std::make_unique<Ui::DownloadFolderSettingWindow>()) {
   window->setupUi(this);
-  subFolderRadioButtons = {window->yyyyMMddRadioButton, window->yyyy_MMRadioButton, window->yyyy_yyyyMMddRadioButton,
-                           window->yyyy_MM_yyyyMMddRadioButton, window->noneRadioButton};
+  addControls();
   setTexts();
-  showOptions();
   connectControls();
+  showOptions();
   fitTexts();
 }
 
 KaDownloadFolderSettingView::~KaDownloadFolderSettingView() = default;
 
+void KaDownloadFolderSettingView::addControls() {
+  subFolderRadioButtons = {window->yyyyMMddRadioButton, window->yyyy_MMRadioButton, window->yyyy_yyyyMMddRadioButton,
+                           window->yyyy_MM_yyyyMMddRadioButton, window->noneRadioButton};
+  for (QLabel *&example : examples) {
+    example = new QLabel(window->scrollContent);
+    example->setPalette(weakened(palette()));
+  }
+  okButton = window->buttonBox->addButton(QString(), QDialogButtonBox::AcceptRole);
+  cancelButton = window->buttonBox->addButton(QString(), QDialogButtonBox::RejectRole);
+  okButton->setObjectName(u"okButton"_s);
+  cancelButton->setObjectName(u"cancelButton"_s);
+  okButton->setDefault(true);
+}
+
 void KaDownloadFolderSettingView::setTexts() {
   setWindowTitle(localised("APP_SHORT_NAME"_L1));
   window->importFolderBox->setTitle(localised("DLG_SETTING_SAVE_FOLDER_TITLE"_L1));
-  window->inputFolderPathLabel->setAccessibleName(window->importFolderBox->title());
+  window->labelFolder->setText(localised("DLG_SETTING_FOLDER"_L1));
+  window->inputFolderPathLabel->setAccessibleName(spoken(window->labelFolder->text()));
   window->label10GDownload->setText(localised("CHK_SETTING_SUB_10G_DOWNLOAD"_L1));
   clickThrough(*window->label10GDownload, *window->checkBox10GDownloadButton);
   window->input10GFolderPathLabel->setAccessibleName(window->checkBox10GDownloadButton->accessibleName());
-  for (const auto &[button, path] : {std::pair(window->inputFolderPathReferenceButton, window->inputFolderPathLabel),
-                                     {window->input10GFolderPathReferenceButton, window->input10GFolderPathLabel}}) {
+  for (const auto &[button, titleKey] :
+       {std::pair(window->inputFolderPathReferenceButton, "DLG_SETTING_CHOOSE_FOLDER"_L1),
+        {window->input10GFolderPathReferenceButton, "DLG_SETTING_CHOOSE_10G_FOLDER"_L1}}) {
     button->setText(localised("DLG_COMMON_BUTTON_SELECT_MAC"_L1));
-    button->setAccessibleDescription(path->accessibleName());
+    button->setAccessibleName(localised(titleKey));
   }
   window->subFolderLabel->setText(localised("DLG_SETTING_SAVE_SUB_FOLDER"_L1)
                                   + localised("CHK_SETTING_SUB_10G_DOWNLOAD_SUPPLEMENT"_L1));
-  for (QRadioButton *button : subFolderRadioButtons)
-    button->setAccessibleDescription(window->subFolderLabel->text());
   window->labelCreateSubfolder->setText(localised("DLG_SETTING_CREATE_SUBFOLDER"_L1));
   window->labelDownloadMetadata->setText(localised("DLG_SETTING_DOWNLOAD_METADATA"_L1));
   clickThrough(*window->labelCreateSubfolder, *window->checkBoxCreateSubfolder);
   clickThrough(*window->labelDownloadMetadata, *window->checkBoxDownloadMetadata);
+  cancelButton->setText(localised("DLG_COMMON_BUTTON_CANCEL"_L1));
+  okButton->setText(localised("DLG_COMMON_BUTTON_OK_MAC"_L1));
+  viewSetSubfolderName();
+  giveMnemonics(*this);
 }
 
+void KaDownloadFolderSettingView::showEvent(QShowEvent *event) {
+  QDialog::showEvent(event);
+  fitTexts();
+  connect(windowHandle(), &QWindow::screenChanged, this, &KaDownloadFolderSettingView::fitTexts, Qt::UniqueConnection);
+}
+
+void KaDownloadFolderSettingView::changeEvent(QEvent *event) {
+  QDialog::changeEvent(event);
+  if (!okButton) return; // in the making
+  if (event->type() == QEvent::PaletteChange)
+    for (QLabel *const example : examples)
+      example->setPalette(weakened(palette()));
+  if (event->type() == QEvent::LanguageChange) setTexts();
+  // Later, since what is in the window hears of it after the window.
+  if (event->type() == QEvent::LanguageChange || event->type() == QEvent::FontChange
+      || event->type() == QEvent::StyleChange)
+    QMetaObject::invokeMethod(this, &KaDownloadFolderSettingView::fitTexts, Qt::QueuedConnection);
+}
+
+/// Makes the window as large as its texts need, but never larger than the screen, nor smaller than the user made it.
 void KaDownloadFolderSettingView::fitTexts() {
-  // Left to itself a window takes two thirds of the screen at most, which cuts wrapped texts off where they are large.
-  const int width = sizeHint().width();
-  setMinimumSize(width, layout()->totalHeightForWidth(width));
-  resize(minimumSize());
+  space();
+  placeExamples();
+  const QSize wanted = isVisible() ? wantedSize().expandedTo(size()) : wantedSize();
+  resize(wanted.boundedTo(roomOnScreen(*this)));
+  moveOntoScreen(*this);
+}
+
+/// Distances grow with the letters.
+void KaDownloadFolderSettingView::space() {
+  const int line = fontMetrics().height();
+  layout()->setSpacing(line);
+  window->contentLayout->setSpacing(line * 3 / 4);
+  window->folderLayout->setVerticalSpacing(line / 2);
+  window->radioLayout->setContentsMargins(line, 0, 0, 0);
+  window->radioLayout->setHorizontalSpacing(line);
+  window->choice10GLayout->setSpacing(line / 2);
+  window->optionLayout->setHorizontalSpacing(line / 2);
+  window->optionLayout->setVerticalSpacing(line / 2);
+  // Beside the first line of its label, however large the letters are.
+  for (const auto &[box, label] : {std::pair(window->checkBox10GDownloadButton, window->label10GDownload),
+                                   {window->checkBoxCreateSubfolder, window->labelCreateSubfolder},
+                                   {window->checkBoxDownloadMetadata, window->labelDownloadMetadata}})
+    box->setMinimumHeight(label->fontMetrics().size(Qt::TextSingleLine, label->text()).height());
+}
+
+/// The examples stand beside the titles where the screen has room for both, else beneath.
+void KaDownloadFolderSettingView::placeExamples() {
+  int titles = 0;
+  int widest = 0;
+  for (std::size_t scheme = 0; scheme < examples.size(); ++scheme) {
+    titles = qMax(titles, subFolderRadioButtons[scheme]->sizeHint().width());
+    widest = qMax(widest, examples[scheme]->sizeHint().width());
+  }
+  const int line = fontMetrics().height();
+  const int around = 4 * line + style()->pixelMetric(QStyle::PM_ScrollBarExtent);
+  const bool beside = titles + widest + around <= roomOnScreen(*this).width();
+  const int indent = style()->pixelMetric(QStyle::PM_ExclusiveIndicatorWidth)
+                     + style()->pixelMetric(QStyle::PM_RadioButtonLabelSpacing);
+  const QMargins margins = beside ? QMargins() : QMargins(indent, 0, 0, line / 3);
+  window->radioLayout->setVerticalSpacing(beside ? line / 4 : 0);
+  for (std::size_t scheme = 0; scheme < examples.size(); ++scheme) {
+    const int row = 2 * int(scheme);
+    examples[scheme]->setContentsMargins(margins);
+    window->radioLayout->removeWidget(examples[scheme]);
+    window->radioLayout->addWidget(examples[scheme], beside ? row : row + 1, beside ? 1 : 0);
+  }
+}
+
+QSize KaDownloadFolderSettingView::wantedSize() const {
+  // Left to itself a scroll area asks for little, and a window takes two thirds of the screen at most.
+  const QWidget &content = *window->scrollContent;
+  const QMargins margins = layout()->contentsMargins();
+  const int sides = margins.left() + margins.right();
+  const int width = qMax(content.sizeHint().width() + sides, layout()->totalSizeHint().width());
+  const int outer =
+      layout()->hasHeightForWidth() ? layout()->totalHeightForWidth(width) : layout()->totalSizeHint().height();
+  const int height = outer - window->scrollArea->sizeHint().height() + content.heightForWidth(width - sides);
+  const bool scrolls = height > roomOnScreen(*this).height();
+  return {scrolls ? width + window->scrollArea->verticalScrollBar()->sizeHint().width() : width, height};
 }
 
 void KaDownloadFolderSettingView::showOptions() {
@@ -99,13 +229,6 @@ void KaDownloadFolderSettingView::showOptions() {
 }
 
 void KaDownloadFolderSettingView::connectControls() {
-  QPushButton *const okButton =
-      window->buttonBox->addButton(localised("DLG_COMMON_BUTTON_OK_MAC"_L1), QDialogButtonBox::AcceptRole);
-  QPushButton *const cancelButton =
-      window->buttonBox->addButton(localised("DLG_COMMON_BUTTON_CANCEL"_L1), QDialogButtonBox::RejectRole);
-  okButton->setObjectName(u"okButton"_s);
-  cancelButton->setObjectName(u"cancelButton"_s);
-  okButton->setDefault(true);
   const auto onClick = [this](QAbstractButton *button, auto action) {
     connect(button, &QAbstractButton::clicked, this, action);
   };
@@ -115,7 +238,22 @@ void KaDownloadFolderSettingView::connectControls() {
   onClick(window->input10GFolderPathReferenceButton,
           &KaDownloadFolderSettingView::input10GFolderPathReferenceButton_Click);
   onClick(window->checkBox10GDownloadButton, &KaDownloadFolderSettingView::showWhether10GCounts);
-  onClick(window->checkBoxCreateSubfolder, &KaDownloadFolderSettingView::viewSetSubfolderName);
+  onClick(window->checkBoxCreateSubfolder, &KaDownloadFolderSettingView::checkBoxCreateSubfolder_Click);
+  // The title's mnemonic leads to the choice made, so that it changes none.
+  for (QRadioButton *const button : subFolderRadioButtons)
+    connect(button, &QRadioButton::toggled, this, [this, button](bool on) {
+      if (on) window->subFolderLabel->setBuddy(button);
+    });
+  connect(window->inputFolderPathLabel, &QLineEdit::textChanged, this, &KaDownloadFolderSettingView::showExamples);
+  connect(qApp, &QApplication::focusChanged, this, [this](const QWidget *, const QWidget *now) { keepInView(now); });
+}
+
+/// The scroll area itself looks only after steps of the focus within it.
+void KaDownloadFolderSettingView::keepInView(const QWidget *focused) {
+  if (!focused || !window->scrollContent->isAncestorOf(focused)) return;
+  const QPoint middle = focused->mapTo(window->scrollContent, focused->rect().center());
+  // With what may belong to it above and below.
+  window->scrollArea->ensureVisible(middle.x(), middle.y(), 0, 3 * fontMetrics().height());
 }
 
 void KaDownloadFolderSettingView::viewSetSubfolderName() {
@@ -124,6 +262,31 @@ void KaDownloadFolderSettingView::viewSetSubfolderName() {
   for (std::size_t scheme = 0; scheme < kDateTitles.size(); ++scheme)
     subFolderRadioButtons[scheme]->setText(rule + localised(kDateTitles[scheme]));
   window->noneRadioButton->setText(localised("DLG_SETTING_SAVE_SUB_FOLDER_NONE"_L1));
+  showExamples();
+}
+
+/// Beside each scheme, where it would put a picture that is taken now.
+void KaDownloadFolderSettingView::showExamples() {
+  const QString rule =
+      window->checkBoxCreateSubfolder->isChecked() ? u'/' + localised("DLG_SETTING_SORTING_RULE_NAME"_L1) : QString();
+  const QString group = spoken(window->subFolderLabel->text());
+  const QDateTime now = QDateTime::currentDateTime();
+  for (std::size_t scheme = 0; scheme < examples.size(); ++scheme) {
+    QRadioButton &button = *subFolderRadioButtons[scheme];
+    // The titles have too few letters for marks of their own, and a title that is set takes the shortcut away.
+    button.setShortcut(QKeySequence(Qt::ALT | Qt::Key(Qt::Key_1 + int(scheme))));
+    const QString folder = rule + getOutputDateFolderString(now, qint64(scheme));
+    examples[scheme]->setText(folder.isEmpty() ? QString() : folder.mid(1) + u"/…"_s);
+    examples[scheme]->setHidden(folder.isEmpty());
+    const QString key = u" (%1)"_s.arg(button.shortcut().toString(QKeySequence::NativeText));
+    button.setAccessibleDescription(group + u' ' + examples[scheme]->text() + key);
+    button.setToolTip(window->inputFolderPathLabel->text() + folder + key);
+  }
+}
+
+void KaDownloadFolderSettingView::checkBoxCreateSubfolder_Click() {
+  viewSetSubfolderName();
+  fitTexts();
 }
 
 void KaDownloadFolderSettingView::viewSetCheckBoxState(QCheckBox &checkBox, const QString &option) {
@@ -131,10 +294,8 @@ void KaDownloadFolderSettingView::viewSetCheckBoxState(QCheckBox &checkBox, cons
 }
 
 void KaDownloadFolderSettingView::showWhether10GCounts() {
-  QPalette colors; // the desktop's
-  if (!window->checkBox10GDownloadButton->isChecked() || !model.offers10GStorage())
-    colors.setColor(QPalette::Text, QColor::fromRgbF(0.5F, 0.5F, 0.5F));
-  window->input10GFolderPathLabel->setPalette(colors);
+  window->input10GFolderPathLabel->setGrey(!window->checkBox10GDownloadButton->isChecked()
+                                           || !model.offers10GStorage());
 }
 
 /// A check box cannot wrap its text, so the label does, and takes clicks for it.
@@ -154,8 +315,10 @@ bool KaDownloadFolderSettingView::eventFilter(QObject *watched, QEvent *event) {
   return QDialog::eventFilter(watched, event);
 }
 
-void KaDownloadFolderSettingView::chooseFolder(QLineEdit &path, bool turns10GOn) {
-  auto *const chooser = new QFileDialog(this, windowTitle(), path.text());
+void KaDownloadFolderSettingView::chooseFolder(KaPathField &path, bool turns10GOn) {
+  const QString title =
+      turns10GOn ? localised("DLG_SETTING_CHOOSE_10G_FOLDER"_L1) : localised("DLG_SETTING_CHOOSE_FOLDER"_L1);
+  auto *const chooser = new QFileDialog(this, title, path.text());
   chooser->setAttribute(Qt::WA_DeleteOnClose);
   chooser->setFileMode(QFileDialog::Directory);
   chooser->setOption(QFileDialog::ShowDirsOnly);
@@ -198,11 +361,13 @@ bool KaDownloadFolderSettingView::checkOutputPath(const QString &path) {
   const KaResultCode verdict = model.verifyDownloadOptionParentFolder(path);
   if (verdict == KaResultCode::Success) return true;
   auto *const warning =
-      new QMessageBox(QMessageBox::Warning, windowTitle(), folderMessage(verdict), QMessageBox::NoButton, this);
+      new QMessageBox(QMessageBox::NoIcon, windowTitle(), folderMessage(verdict), QMessageBox::NoButton, this);
   warning->setAttribute(Qt::WA_DeleteOnClose);
-  warning->setInformativeText(path);
+  warning->setIconPixmap(QApplication::windowIcon().pixmap(style()->pixelMetric(QStyle::PM_MessageBoxIconSize)));
   warning->setTextFormat(Qt::PlainText);
-  warning->addButton(localised("DLG_COMMON_BUTTON_OK_MAC"_L1), QMessageBox::AcceptRole);
+  warning->addButton(localised("DLG_COMMON_BUTTON_CLOSE"_L1), QMessageBox::AcceptRole);
+  addPath(*warning, path, roomOnScreen(*this));
+  giveMnemonics(*warning);
   warning->open();
   return false;
 }

@@ -12,11 +12,13 @@ class KaModelFacade;
 class QAbstractButton;
 class QCheckBox;
 class QLabel;
-class QLineEdit;
+class QPushButton;
 class QRadioButton;
+class KaPathField;
 
 /// The dialog of the download folders and options. It shows what the facade keeps; OK checks the folders and saves,
-/// anything else leaves all as it was. Never blocks: its warnings and folder choosers are windows of its own.
+/// anything else leaves all as it was. Never blocks: its warnings and folder choosers are windows of its own. It takes
+/// the room that its texts need, and on a small screen shows its buttons and scrolls the rest.
 class KaDownloadFolderSettingView : public QDialog {
   Q_OBJECT
 
@@ -28,20 +30,32 @@ public:
   /// What a click on OK does.
   void confirm();
 
+protected:
+  void showEvent(QShowEvent *event) override;
+  void changeEvent(QEvent *event) override;
+  bool eventFilter(QObject *watched, QEvent *event) override;
+
 private:
+  void addControls();
   void setTexts();
-  void fitTexts();
   void showOptions();
   void connectControls();
   void viewSetSubfolderName();
+  void showExamples();
   static void viewSetCheckBoxState(QCheckBox &checkBox, const QString &option);
   void showWhether10GCounts();
   void clickThrough(QLabel &label, QAbstractButton &buddy);
-  bool eventFilter(QObject *watched, QEvent *event) override;
+  void keepInView(const QWidget *focused);
 
-  void chooseFolder(QLineEdit &path, bool turns10GOn);
+  void fitTexts();
+  void space();
+  void placeExamples();
+  [[nodiscard]] QSize wantedSize() const;
+
+  void chooseFolder(KaPathField &path, bool turns10GOn);
   void inputFolderPathReferenceButton_Click();
   void input10GFolderPathReferenceButton_Click();
+  void checkBoxCreateSubfolder_Click();
   void okButton_Click();
 
   /// Warns of a folder that cannot be used. @return whether it can.
@@ -52,4 +66,7 @@ private:
   KaModelFacade &model;
   const std::unique_ptr<Ui::DownloadFolderSettingWindow> window;
   std::array<QRadioButton *, 5> subFolderRadioButtons{}; ///< by the number of their scheme
+  std::array<QLabel *, 5> examples{};                    ///< of each: where a picture of today would land
+  QPushButton *okButton = nullptr;
+  QPushButton *cancelButton = nullptr;
 };

@@ -20,6 +20,12 @@ public:
 
   void didSwitchStatus() override;
 
+protected:
+  void changeEvent(QEvent *event) override;
+
 private:
+  void fitTexts();
+  void showPicture(QSize size);
+
   const std::unique_ptr<Ui::VersionInformationWindow> window;
 };

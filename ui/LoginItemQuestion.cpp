@@ -3,10 +3,13 @@
 #include "platform/LoginItem.h"
 #include "platform/ThreadBound.h"
 #include "platform/UserDefaults.h"
+#include "ui/Mnemonics.h"
 #include "ui/Texts.h"
 
+#include <QApplication>
 #include <QMessageBox>
 #include <QPushButton>
+#include <QStyle>
 
 using namespace Qt::StringLiterals;
 
@@ -16,14 +19,17 @@ constexpr auto kFirstLaunch = "firstLaunch"_L1;
 constexpr auto kLaunchAtLogin = "LaunchAtLogin"_L1;
 
 bool askWhetherToLaunchAtLogin() {
-  QMessageBox question(QMessageBox::Question, localised("APP_SHORT_NAME"_L1), localised("MSG_FIRST_LAUNCH"_L1));
+  QMessageBox question(QMessageBox::NoIcon, localised("APP_SHORT_NAME"_L1), localised("MSG_FIRST_LAUNCH"_L1));
+  question.setIconPixmap(
+      QApplication::windowIcon().pixmap(question.style()->pixelMetric(QStyle::PM_MessageBoxIconSize)));
   question.setTextFormat(Qt::PlainText);
-  QPushButton *const ok = question.addButton(localised("DLG_COMMON_BUTTON_OK_MAC"_L1), QMessageBox::AcceptRole);
-  QPushButton *const cancel = question.addButton(localised("DLG_COMMON_BUTTON_CANCEL"_L1), QMessageBox::RejectRole);
-  question.setDefaultButton(ok);
-  question.setEscapeButton(cancel);
+  QPushButton *const yes = question.addButton(localised("DLG_FIRST_LAUNCH_BUTTON_START"_L1), QMessageBox::AcceptRole);
+  QPushButton *const no = question.addButton(localised("DLG_FIRST_LAUNCH_BUTTON_LATER"_L1), QMessageBox::RejectRole);
+  giveMnemonics(question);
+  question.setDefaultButton(yes);
+  question.setEscapeButton(no);
   question.exec();
-  return question.clickedButton() == ok;
+  return question.clickedButton() == yes;
 }
 
 } // namespace

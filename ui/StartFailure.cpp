@@ -17,6 +17,6 @@ void showStartFailure(QLatin1StringView messageKey, const QString &detail) {
   QMessageBox window(QMessageBox::Critical, localised("APP_SHORT_NAME"_L1), message);
   window.setTextFormat(Qt::PlainText);
   window.setInformativeText(detail);
-  window.addButton(localised("DLG_COMMON_BUTTON_OK_MAC"_L1), QMessageBox::AcceptRole);
+  window.addButton(localised("DLG_COMMON_BUTTON_CLOSE"_L1), QMessageBox::AcceptRole);
   window.exec();
 }

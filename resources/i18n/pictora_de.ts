@@ -15,7 +15,15 @@
   <!-- Start-up -->
   <message id="MSG_FIRST_LAUNCH">
     <source></source>
-    <translation>Soll Downloaderpictora immer starten, wenn Sie sich am Computer anmelden? Dann kommen neue Fotos an, ohne dass Sie daran denken müssen. Sie können das jederzeit im Menü ändern.</translation>
+    <translation>Soll Downloaderpictora zusammen mit dem Computer starten? Dann kommen neue Fotos von selbst an. Sie können das jederzeit im Menü ändern.</translation>
+  </message>
+  <message id="DLG_FIRST_LAUNCH_BUTTON_START">
+    <source></source>
+    <translation>Mit dem Computer starten</translation>
+  </message>
+  <message id="DLG_FIRST_LAUNCH_BUTTON_LATER">
+    <source></source>
+    <translation>Jetzt nicht</translation>
   </message>
   <message id="MSG_ERR_START">
     <source></source>
@@ -31,11 +39,15 @@
   </message>
   <message id="DLG_COMMON_BUTTON_OK_MAC">
     <source></source>
-    <translation>OK</translation>
+    <translation>Speichern</translation>
   </message>
   <message id="DLG_COMMON_BUTTON_CANCEL">
     <source></source>
     <translation>Abbrechen</translation>
+  </message>
+  <message id="DLG_COMMON_BUTTON_CLOSE">
+    <source></source>
+    <translation>Schließen</translation>
   </message>
   <!-- Menu -->
   <message id="MENU_DOWNLOAD">
@@ -64,7 +76,7 @@
   </message>
   <message id="MENU_LAUNCH_SETTING">
     <source></source>
-    <translation>Beim Anmelden am Computer starten</translation>
+    <translation>Mit dem Computer starten</translation>
   </message>
   <message id="MENU_EXIT_MAC">
     <source></source>
@@ -238,6 +250,18 @@
     <source></source>
     <translation>Speicherort Ihrer Fotos</translation>
   </message>
+  <message id="DLG_SETTING_FOLDER">
+    <source></source>
+    <translation>&amp;Ordner für neue Fotos:</translation>
+  </message>
+  <message id="DLG_SETTING_CHOOSE_FOLDER">
+    <source></source>
+    <translation>Ordner für neue Fotos auswählen</translation>
+  </message>
+  <message id="DLG_SETTING_CHOOSE_10G_FOLDER">
+    <source></source>
+    <translation>Ordner für den Langzeitspeicher (10G) auswählen</translation>
+  </message>
   <message id="DLG_COMMON_BUTTON_SELECT_MAC">
     <source></source>
     <translation>Auswählen…</translation>
@@ -248,11 +272,11 @@
   </message>
   <message id="DLG_SETTING_SAVE_SUB_FOLDER">
     <source></source>
-    <translation>Ordner nach dem Aufnahmedatum</translation>
+    <translation>Ordner nach dem Aufnahme&amp;datum</translation>
   </message>
   <message id="CHK_SETTING_SUB_10G_DOWNLOAD_SUPPLEMENT">
     <source></source>
-    <translation> (an beiden Orten)</translation>
+    <translation> (in beiden Ordnern; Sortierregeln nur im ersten)</translation>
   </message>
   <message id="DLG_SETTING_SAVE_SUB_FOLDER_YYYYMMDD_MAC">
     <source></source>

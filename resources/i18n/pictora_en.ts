@@ -15,7 +15,15 @@
   <!-- Start-up -->
   <message id="MSG_FIRST_LAUNCH">
     <source></source>
-    <translation>Should Downloaderpictora start whenever you log in? New pictures then arrive without you having to think of it. You can change this in its menu at any time.</translation>
+    <translation>Should Downloaderpictora start together with the computer? New pictures then arrive by themselves. You can change this in its menu at any time.</translation>
+  </message>
+  <message id="DLG_FIRST_LAUNCH_BUTTON_START">
+    <source></source>
+    <translation>Start with the Computer</translation>
+  </message>
+  <message id="DLG_FIRST_LAUNCH_BUTTON_LATER">
+    <source></source>
+    <translation>Not Now</translation>
   </message>
   <message id="MSG_ERR_START">
     <source></source>
@@ -31,11 +39,15 @@
   </message>
   <message id="DLG_COMMON_BUTTON_OK_MAC">
     <source></source>
-    <translation>OK</translation>
+    <translation>Save</translation>
   </message>
   <message id="DLG_COMMON_BUTTON_CANCEL">
     <source></source>
     <translation>Cancel</translation>
+  </message>
+  <message id="DLG_COMMON_BUTTON_CLOSE">
+    <source></source>
+    <translation>Close</translation>
   </message>
   <!-- Menu -->
   <message id="MENU_DOWNLOAD">
@@ -64,7 +76,7 @@
   </message>
   <message id="MENU_LAUNCH_SETTING">
     <source></source>
-    <translation>Start at Login</translation>
+    <translation>Start with the Computer</translation>
   </message>
   <message id="MENU_EXIT_MAC">
     <source></source>
@@ -238,6 +250,18 @@
     <source></source>
     <translation>Where to Save Your Pictures</translation>
   </message>
+  <message id="DLG_SETTING_FOLDER">
+    <source></source>
+    <translation>&amp;Folder for new pictures:</translation>
+  </message>
+  <message id="DLG_SETTING_CHOOSE_FOLDER">
+    <source></source>
+    <translation>Choose the Folder for New Pictures</translation>
+  </message>
+  <message id="DLG_SETTING_CHOOSE_10G_FOLDER">
+    <source></source>
+    <translation>Choose the Folder for the Long-Term Storage (10G)</translation>
+  </message>
   <message id="DLG_COMMON_BUTTON_SELECT_MAC">
     <source></source>
     <translation>Choose…</translation>
@@ -248,11 +272,11 @@
   </message>
   <message id="DLG_SETTING_SAVE_SUB_FOLDER">
     <source></source>
-    <translation>Folders by the date a picture was taken</translation>
+    <translation>Folders by the &amp;date a picture was taken</translation>
   </message>
   <message id="CHK_SETTING_SUB_10G_DOWNLOAD_SUPPLEMENT">
     <source></source>
-    <translation> (in both places)</translation>
+    <translation> (in both folders; sorting rules in the first one only)</translation>
   </message>
   <message id="DLG_SETTING_SAVE_SUB_FOLDER_YYYYMMDD_MAC">
     <source></source>

@@ -15,7 +15,15 @@
   <!-- Start-up -->
   <message id="MSG_FIRST_LAUNCH">
     <source></source>
-    <translation>¿Desea que Downloaderpictora se abra cada vez que inicie sesión en el equipo? Así, las fotos nuevas llegarán sin que tenga que pensar en ello. Puede cambiarlo en el menú en cualquier momento.</translation>
+    <translation>¿Desea que Downloaderpictora se abra al encender el equipo? Así, las fotos nuevas llegarán solas. Puede cambiarlo en el menú en cualquier momento.</translation>
+  </message>
+  <message id="DLG_FIRST_LAUNCH_BUTTON_START">
+    <source></source>
+    <translation>Abrir al encender</translation>
+  </message>
+  <message id="DLG_FIRST_LAUNCH_BUTTON_LATER">
+    <source></source>
+    <translation>Ahora no</translation>
   </message>
   <message id="MSG_ERR_START">
     <source></source>
@@ -31,11 +39,15 @@
   </message>
   <message id="DLG_COMMON_BUTTON_OK_MAC">
     <source></source>
-    <translation>Aceptar</translation>
+    <translation>Guardar</translation>
   </message>
   <message id="DLG_COMMON_BUTTON_CANCEL">
     <source></source>
     <translation>Cancelar</translation>
+  </message>
+  <message id="DLG_COMMON_BUTTON_CLOSE">
+    <source></source>
+    <translation>Cerrar</translation>
   </message>
   <!-- Menu -->
   <message id="MENU_DOWNLOAD">
@@ -64,7 +76,7 @@
   </message>
   <message id="MENU_LAUNCH_SETTING">
     <source></source>
-    <translation>Abrir al iniciar sesión en el equipo</translation>
+    <translation>Abrir al encender el equipo</translation>
   </message>
   <message id="MENU_EXIT_MAC">
     <source></source>
@@ -238,6 +250,18 @@
     <source></source>
     <translation>Dónde guardar sus fotos</translation>
   </message>
+  <message id="DLG_SETTING_FOLDER">
+    <source></source>
+    <translation>Carpeta para las fotos &amp;nuevas:</translation>
+  </message>
+  <message id="DLG_SETTING_CHOOSE_FOLDER">
+    <source></source>
+    <translation>Elegir la carpeta para las fotos nuevas</translation>
+  </message>
+  <message id="DLG_SETTING_CHOOSE_10G_FOLDER">
+    <source></source>
+    <translation>Elegir la carpeta para el almacenamiento a largo plazo (10G)</translation>
+  </message>
   <message id="DLG_COMMON_BUTTON_SELECT_MAC">
     <source></source>
     <translation>Elegir…</translation>
@@ -248,11 +272,11 @@
   </message>
   <message id="DLG_SETTING_SAVE_SUB_FOLDER">
     <source></source>
-    <translation>Carpetas según la fecha en que se tomó la foto</translation>
+    <translation>Carpetas según la &amp;fecha en que se tomó la foto</translation>
   </message>
   <message id="CHK_SETTING_SUB_10G_DOWNLOAD_SUPPLEMENT">
     <source></source>
-    <translation> (en ambos lugares)</translation>
+    <translation> (en ambas carpetas; reglas de clasificación solo en la primera)</translation>
   </message>
   <message id="DLG_SETTING_SAVE_SUB_FOLDER_YYYYMMDD_MAC">
     <source></source>

@@ -15,7 +15,15 @@
   <!-- Start-up -->
   <message id="MSG_FIRST_LAUNCH">
     <source></source>
-    <translation>Faut-il lancer Downloaderpictora à chaque ouverture de session ? Les nouvelles photos arriveront alors sans que vous ayez à y penser. Vous pourrez changer ce réglage à tout moment dans le menu.</translation>
+    <translation>Faut-il lancer Downloaderpictora au démarrage de l’ordinateur ? Les nouvelles photos arriveront alors d’elles-mêmes. Vous pourrez changer ce réglage à tout moment dans le menu.</translation>
+  </message>
+  <message id="DLG_FIRST_LAUNCH_BUTTON_START">
+    <source></source>
+    <translation>Lancer au démarrage</translation>
+  </message>
+  <message id="DLG_FIRST_LAUNCH_BUTTON_LATER">
+    <source></source>
+    <translation>Pas maintenant</translation>
   </message>
   <message id="MSG_ERR_START">
     <source></source>
@@ -31,11 +39,15 @@
   </message>
   <message id="DLG_COMMON_BUTTON_OK_MAC">
     <source></source>
-    <translation>OK</translation>
+    <translation>Enregistrer</translation>
   </message>
   <message id="DLG_COMMON_BUTTON_CANCEL">
     <source></source>
     <translation>Annuler</translation>
+  </message>
+  <message id="DLG_COMMON_BUTTON_CLOSE">
+    <source></source>
+    <translation>Fermer</translation>
   </message>
   <!-- Menu -->
   <message id="MENU_DOWNLOAD">
@@ -64,7 +76,7 @@
   </message>
   <message id="MENU_LAUNCH_SETTING">
     <source></source>
-    <translation>Lancer à l’ouverture de session</translation>
+    <translation>Lancer au démarrage de l’ordinateur</translation>
   </message>
   <message id="MENU_EXIT_MAC">
     <source></source>
@@ -238,6 +250,18 @@
     <source></source>
     <translation>Où enregistrer vos photos</translation>
   </message>
+  <message id="DLG_SETTING_FOLDER">
+    <source></source>
+    <translation>&amp;Dossier des nouvelles photos :</translation>
+  </message>
+  <message id="DLG_SETTING_CHOOSE_FOLDER">
+    <source></source>
+    <translation>Choisir le dossier des nouvelles photos</translation>
+  </message>
+  <message id="DLG_SETTING_CHOOSE_10G_FOLDER">
+    <source></source>
+    <translation>Choisir le dossier du stockage à long terme (10G)</translation>
+  </message>
   <message id="DLG_COMMON_BUTTON_SELECT_MAC">
     <source></source>
     <translation>Choisir…</translation>
@@ -248,11 +272,11 @@
   </message>
   <message id="DLG_SETTING_SAVE_SUB_FOLDER">
     <source></source>
-    <translation>Dossiers par date de prise de vue</translation>
+    <translation>Dossiers par date de &amp;prise de vue</translation>
   </message>
   <message id="CHK_SETTING_SUB_10G_DOWNLOAD_SUPPLEMENT">
     <source></source>
-    <translation> (aux deux emplacements)</translation>
+    <translation> (dans les deux dossiers ; règles de tri dans le premier seulement)</translation>
   </message>
   <message id="DLG_SETTING_SAVE_SUB_FOLDER_YYYYMMDD_MAC">
     <source></source>

@@ -15,7 +15,15 @@
   <!-- Start-up -->
   <message id="MSG_FIRST_LAUNCH">
     <source></source>
-    <translation>Avviare Downloaderpictora a ogni accesso al computer? Così le nuove foto arrivano senza doverci pensare. L’impostazione si può cambiare in qualsiasi momento dal menu.</translation>
+    <translation>Avviare Downloaderpictora insieme al computer? Così le nuove foto arrivano da sole. L’impostazione si può cambiare in qualsiasi momento dal menu.</translation>
+  </message>
+  <message id="DLG_FIRST_LAUNCH_BUTTON_START">
+    <source></source>
+    <translation>Avvia insieme al computer</translation>
+  </message>
+  <message id="DLG_FIRST_LAUNCH_BUTTON_LATER">
+    <source></source>
+    <translation>Non ora</translation>
   </message>
   <message id="MSG_ERR_START">
     <source></source>
@@ -31,11 +39,15 @@
   </message>
   <message id="DLG_COMMON_BUTTON_OK_MAC">
     <source></source>
-    <translation>OK</translation>
+    <translation>Salva</translation>
   </message>
   <message id="DLG_COMMON_BUTTON_CANCEL">
     <source></source>
     <translation>Annulla</translation>
+  </message>
+  <message id="DLG_COMMON_BUTTON_CLOSE">
+    <source></source>
+    <translation>Chiudi</translation>
   </message>
   <!-- Menu -->
   <message id="MENU_DOWNLOAD">
@@ -64,7 +76,7 @@
   </message>
   <message id="MENU_LAUNCH_SETTING">
     <source></source>
-    <translation>Avvia all’accesso al computer</translation>
+    <translation>Avvia insieme al computer</translation>
   </message>
   <message id="MENU_EXIT_MAC">
     <source></source>
@@ -238,6 +250,18 @@
     <source></source>
     <translation>Dove salvare le foto</translation>
   </message>
+  <message id="DLG_SETTING_FOLDER">
+    <source></source>
+    <translation>Cartella per le &amp;nuove foto:</translation>
+  </message>
+  <message id="DLG_SETTING_CHOOSE_FOLDER">
+    <source></source>
+    <translation>Scegli la cartella per le nuove foto</translation>
+  </message>
+  <message id="DLG_SETTING_CHOOSE_10G_FOLDER">
+    <source></source>
+    <translation>Scegli la cartella per l’archivio a lungo termine (10G)</translation>
+  </message>
   <message id="DLG_COMMON_BUTTON_SELECT_MAC">
     <source></source>
     <translation>Scegli…</translation>
@@ -248,11 +272,11 @@
   </message>
   <message id="DLG_SETTING_SAVE_SUB_FOLDER">
     <source></source>
-    <translation>Cartelle in base alla data di scatto</translation>
+    <translation>Cartelle in base alla &amp;data di scatto</translation>
   </message>
   <message id="CHK_SETTING_SUB_10G_DOWNLOAD_SUPPLEMENT">
     <source></source>
-    <translation> (in entrambe le posizioni)</translation>
+    <translation> (in entrambe le cartelle; regole di smistamento solo nella prima)</translation>
   </message>
   <message id="DLG_SETTING_SAVE_SUB_FOLDER_YYYYMMDD_MAC">
     <source></source>

@@ -15,7 +15,15 @@
   <!-- Start-up -->
   <message id="MSG_FIRST_LAUNCH">
     <source></source>
-    <translation>コンピューターにログインするたびに Downloaderpictora を起動しますか？ 起動しておくと、新しい写真が自動的に届きます。この設定はメニューでいつでも変更できます。</translation>
+    <translation>コンピューターの起動時に Downloaderpictora も起動しますか？ 起動しておくと、新しい写真が自動的に届きます。この設定はメニューでいつでも変更できます。</translation>
+  </message>
+  <message id="DLG_FIRST_LAUNCH_BUTTON_START">
+    <source></source>
+    <translation>起動する</translation>
+  </message>
+  <message id="DLG_FIRST_LAUNCH_BUTTON_LATER">
+    <source></source>
+    <translation>今はしない</translation>
   </message>
   <message id="MSG_ERR_START">
     <source></source>
@@ -31,11 +39,15 @@
   </message>
   <message id="DLG_COMMON_BUTTON_OK_MAC">
     <source></source>
-    <translation>OK</translation>
+    <translation>保存</translation>
   </message>
   <message id="DLG_COMMON_BUTTON_CANCEL">
     <source></source>
     <translation>キャンセル</translation>
+  </message>
+  <message id="DLG_COMMON_BUTTON_CLOSE">
+    <source></source>
+    <translation>閉じる</translation>
   </message>
   <!-- Menu -->
   <message id="MENU_DOWNLOAD">
@@ -64,7 +76,7 @@
   </message>
   <message id="MENU_LAUNCH_SETTING">
     <source></source>
-    <translation>コンピューターへのログイン時に起動</translation>
+    <translation>コンピューターの起動時に起動</translation>
   </message>
   <message id="MENU_EXIT_MAC">
     <source></source>
@@ -235,6 +247,18 @@
     <source></source>
     <translation>写真の保存先</translation>
   </message>
+  <message id="DLG_SETTING_FOLDER">
+    <source></source>
+    <translation>新しい写真のフォルダー(&amp;F):</translation>
+  </message>
+  <message id="DLG_SETTING_CHOOSE_FOLDER">
+    <source></source>
+    <translation>新しい写真のフォルダーを選択</translation>
+  </message>
+  <message id="DLG_SETTING_CHOOSE_10G_FOLDER">
+    <source></source>
+    <translation>長期保存（10G）の写真のフォルダーを選択</translation>
+  </message>
   <message id="DLG_COMMON_BUTTON_SELECT_MAC">
     <source></source>
     <translation>選択…</translation>
@@ -245,11 +269,11 @@
   </message>
   <message id="DLG_SETTING_SAVE_SUB_FOLDER">
     <source></source>
-    <translation>撮影日ごとのフォルダー</translation>
+    <translation>撮影日ごとのフォルダー(&amp;D)</translation>
   </message>
   <message id="CHK_SETTING_SUB_10G_DOWNLOAD_SUPPLEMENT">
     <source></source>
-    <translation>（両方の保存先に適用）</translation>
+    <translation>：両方のフォルダーに適用（振り分けルールは 1 つ目のみ）</translation>
   </message>
   <message id="DLG_SETTING_SAVE_SUB_FOLDER_YYYYMMDD_MAC">
     <source></source>

@@ -15,7 +15,15 @@
   <!-- Start-up -->
   <message id="MSG_FIRST_LAUNCH">
     <source></source>
-    <translation>컴퓨터에 로그인할 때마다 Downloaderpictora를 시작할까요? 시작해 두면 신경 쓰지 않아도 새 사진이 도착합니다. 이 설정은 메뉴에서 언제든지 바꿀 수 있습니다.</translation>
+    <translation>컴퓨터를 켤 때 Downloaderpictora도 시작할까요? 시작해 두면 새 사진이 자동으로 도착합니다. 이 설정은 메뉴에서 언제든지 바꿀 수 있습니다.</translation>
+  </message>
+  <message id="DLG_FIRST_LAUNCH_BUTTON_START">
+    <source></source>
+    <translation>시작</translation>
+  </message>
+  <message id="DLG_FIRST_LAUNCH_BUTTON_LATER">
+    <source></source>
+    <translation>나중에</translation>
   </message>
   <message id="MSG_ERR_START">
     <source></source>
@@ -31,11 +39,15 @@
   </message>
   <message id="DLG_COMMON_BUTTON_OK_MAC">
     <source></source>
-    <translation>확인</translation>
+    <translation>저장</translation>
   </message>
   <message id="DLG_COMMON_BUTTON_CANCEL">
     <source></source>
     <translation>취소</translation>
+  </message>
+  <message id="DLG_COMMON_BUTTON_CLOSE">
+    <source></source>
+    <translation>닫기</translation>
   </message>
   <!-- Menu -->
   <message id="MENU_DOWNLOAD">
@@ -64,7 +76,7 @@
   </message>
   <message id="MENU_LAUNCH_SETTING">
     <source></source>
-    <translation>컴퓨터에 로그인할 때 시작</translation>
+    <translation>컴퓨터를 켤 때 시작</translation>
   </message>
   <message id="MENU_EXIT_MAC">
     <source></source>
@@ -235,6 +247,18 @@
     <source></source>
     <translation>사진 저장 위치</translation>
   </message>
+  <message id="DLG_SETTING_FOLDER">
+    <source></source>
+    <translation>새 사진 폴더(&amp;F):</translation>
+  </message>
+  <message id="DLG_SETTING_CHOOSE_FOLDER">
+    <source></source>
+    <translation>새 사진 폴더 선택</translation>
+  </message>
+  <message id="DLG_SETTING_CHOOSE_10G_FOLDER">
+    <source></source>
+    <translation>장기 보관(10G) 사진 폴더 선택</translation>
+  </message>
   <message id="DLG_COMMON_BUTTON_SELECT_MAC">
     <source></source>
     <translation>선택…</translation>
@@ -245,11 +269,11 @@
   </message>
   <message id="DLG_SETTING_SAVE_SUB_FOLDER">
     <source></source>
-    <translation>촬영 날짜별 폴더</translation>
+    <translation>촬영 날짜별 폴더(&amp;D)</translation>
   </message>
   <message id="CHK_SETTING_SUB_10G_DOWNLOAD_SUPPLEMENT">
     <source></source>
-    <translation> (두 위치 모두)</translation>
+    <translation>: 두 폴더에 모두 적용(분류 규칙은 첫 번째 폴더만)</translation>
   </message>
   <message id="DLG_SETTING_SAVE_SUB_FOLDER_YYYYMMDD_MAC">
     <source></source>

@@ -15,7 +15,15 @@
   <!-- Start-up -->
   <message id="MSG_FIRST_LAUNCH">
     <source></source>
-    <translation>是否在您每次登录电脑时启动 Downloaderpictora？这样无需您操心，新照片就会自动下载。您可以随时在菜单中更改此设置。</translation>
+    <translation>是否在开机时启动 Downloaderpictora？这样新照片就会自动下载。您可以随时在菜单中更改此设置。</translation>
+  </message>
+  <message id="DLG_FIRST_LAUNCH_BUTTON_START">
+    <source></source>
+    <translation>开机时启动</translation>
+  </message>
+  <message id="DLG_FIRST_LAUNCH_BUTTON_LATER">
+    <source></source>
+    <translation>暂不</translation>
   </message>
   <message id="MSG_ERR_START">
     <source></source>
@@ -31,11 +39,15 @@
   </message>
   <message id="DLG_COMMON_BUTTON_OK_MAC">
     <source></source>
-    <translation>确定</translation>
+    <translation>保存</translation>
   </message>
   <message id="DLG_COMMON_BUTTON_CANCEL">
     <source></source>
     <translation>取消</translation>
+  </message>
+  <message id="DLG_COMMON_BUTTON_CLOSE">
+    <source></source>
+    <translation>关闭</translation>
   </message>
   <!-- Menu -->
   <message id="MENU_DOWNLOAD">
@@ -64,7 +76,7 @@
   </message>
   <message id="MENU_LAUNCH_SETTING">
     <source></source>
-    <translation>登录电脑时启动</translation>
+    <translation>开机时启动</translation>
   </message>
   <message id="MENU_EXIT_MAC">
     <source></source>
@@ -235,6 +247,18 @@
     <source></source>
     <translation>照片保存位置</translation>
   </message>
+  <message id="DLG_SETTING_FOLDER">
+    <source></source>
+    <translation>新照片的文件夹(&amp;F)：</translation>
+  </message>
+  <message id="DLG_SETTING_CHOOSE_FOLDER">
+    <source></source>
+    <translation>选择新照片的文件夹</translation>
+  </message>
+  <message id="DLG_SETTING_CHOOSE_10G_FOLDER">
+    <source></source>
+    <translation>选择长期存储（10G）照片的文件夹</translation>
+  </message>
   <message id="DLG_COMMON_BUTTON_SELECT_MAC">
     <source></source>
     <translation>选择…</translation>
@@ -245,11 +269,11 @@
   </message>
   <message id="DLG_SETTING_SAVE_SUB_FOLDER">
     <source></source>
-    <translation>按拍摄日期建立文件夹</translation>
+    <translation>按拍摄日期建立文件夹(&amp;D)</translation>
   </message>
   <message id="CHK_SETTING_SUB_10G_DOWNLOAD_SUPPLEMENT">
     <source></source>
-    <translation>（适用于两个位置）</translation>
+    <translation>：适用于两个文件夹（分类规则仅用于第一个）</translation>
   </message>
   <message id="DLG_SETTING_SAVE_SUB_FOLDER_YYYYMMDD_MAC">
     <source></source>

@@ -1,24 +1,38 @@
 #include "app/KaModelFacade.h"
 #include "log/KaLogUtility.h"
 #include "platform/AppInfo.h"
+#include "platform/UserDefaults.h"
 #include "tests/support/FakeBrowser.h"
 #include "tests/ui/UiProfile.h"
 #include "ui/KaCustomImageView.h"
 #include "ui/KaDownloadFolderSettingView.h"
 #include "ui/KaVersionInformationView.h"
+#include "ui/LoginItemQuestion.h"
+#include "ui/Mnemonics.h"
+#include "ui/ScreenRoom.h"
 #include "ui/Texts.h"
 
 #include <gtest/gtest.h>
 
+#include <QAccessible>
 #include <QCheckBox>
+#include <QDialogButtonBox>
 #include <QDir>
 #include <QFileDialog>
 #include <QGroupBox>
 #include <QLabel>
 #include <QLineEdit>
 #include <QMessageBox>
+#include <QPlainTextEdit>
 #include <QRadioButton>
+#include <QScreen>
+#include <QScrollArea>
+#include <QScrollBar>
 #include <QTest>
+#include <QTimer>
+
+#include <algorithm>
+#include <cmath>
 
 using namespace Qt::StringLiterals;
 
@@ -26,6 +40,7 @@ namespace {
 
 const QStringList kSchemes{u"yyyyMMddRadioButton"_s, u"yyyy_MMRadioButton"_s, u"yyyy_yyyyMMddRadioButton"_s,
                            u"yyyy_MM_yyyyMMddRadioButton"_s, u"noneRadioButton"_s};
+const QStringList kDates{u"yyyy_MM_dd"_s, u"yyyy/MM"_s, u"yyyy/yyyy_MM_dd"_s, u"yyyy/MM/yyyy_MM_dd"_s, {}};
 const QColor kGrey = QColor::fromRgbF(0.5F, 0.5F, 0.5F);
 
 class Settings : public testing::Test {
@@ -44,6 +59,11 @@ protected:
   }
   template <class Widget> Widget &find(const QString &name) const { return *view->findChild<Widget *>(name); }
   void click(const QString &button) const { find<QAbstractButton>(button).click(); }
+  [[nodiscard]] bool shows(const QString &text) const {
+    const auto labels = view->findChildren<QLabel *>();
+    return std::ranges::any_of(labels,
+                               [&](const QLabel *label) { return label->isVisible() && label->text() == text; });
+  }
   QLineEdit &folder() const { return find<QLineEdit>(u"inputFolderPathLabel"_s); }
   QLineEdit &folder10G() const { return find<QLineEdit>(u"input10GFolderPathLabel"_s); }
   /// What OK warns of; the window is open still.
@@ -52,8 +72,9 @@ protected:
     const std::unique_ptr<QMessageBox> box(view->findChild<QMessageBox *>());
     EXPECT_TRUE(view->isVisible() && facade.downloadOption() == stored);
     if (!box) return {};
-    EXPECT_EQ(box->buttons().value(0)->text(), localised("DLG_COMMON_BUTTON_OK_MAC"_L1));
-    return box->text();
+    const auto &path = *box->findChild<QPlainTextEdit *>();
+    EXPECT_TRUE(path.isVisible() && path.textInteractionFlags().testFlag(Qt::TextSelectableByKeyboard));
+    return box->text() + path.toPlainText();
   }
 
   const UiProfile profile;
@@ -74,17 +95,142 @@ protected:
   return widget.width() >= widget.sizeHint().width() && widget.height() >= widget.sizeHint().height();
 }
 
+const std::array kLanguages{"en", "de", "fr", "es", "it", "ja", "ko", "zh_CN"};
+
+void speak(const char *language) {
+  QLocale::setDefault(QLocale(QLatin1StringView(language)));
+  installTexts();
+}
+
+/// What is cut off, or hidden though the screen has room for it.
+QStringList cutOff(const QWidget &view) {
+  QStringList flaws;
+  for (const QWidget *widget : view.findChildren<QWidget *>())
+    if (widget->isVisible() && !hasRoomForItsText(*widget)) flaws << widget->objectName();
+  const auto &area = *view.findChild<QScrollArea *>();
+  const QSize room = roomOnScreen(view);
+  const auto scrolls = [](const QScrollBar &bar) { return bar.maximum() > 0 || bar.isVisible(); };
+  if (scrolls(*area.verticalScrollBar()) && view.height() < room.height()) flaws << u"height"_s;
+  if (scrolls(*area.horizontalScrollBar()) && view.width() < room.width()) flaws << u"width"_s;
+  if (view.size().boundedTo(room) != view.size()) flaws << u"window"_s;
+  const QRect buttons = view.findChild<QDialogButtonBox *>()->geometry();
+  return view.rect().contains(buttons) ? flaws : flaws << u"buttons"_s;
+}
+
 TEST_F(Settings, haveRoomForTheirTextsInEveryLanguageAndSize) {
-  for (const char *language : {"en", "de", "fr", "es", "it", "ja", "ko", "zh_CN"}) {
-    QLocale::setDefault(QLocale(QLatin1StringView(language)));
-    installTexts();
-    for (const int size : {7, 9, 10, 12, 13, 15, 18, 21}) {
+  for (const char *language : kLanguages) {
+    speak(language);
+    open();
+    for (const int size : {7, 9, 10, 13, 18, 22, 36}) {
       QFont font = QApplication::font();
       font.setPointSize(size);
       QApplication::setFont(font);
-      open();
-      for (const QWidget *widget : view->findChildren<QWidget *>())
-        EXPECT_TRUE(hasRoomForItsText(*widget)) << language << ' ' << size << ' ' << widget->objectName().toStdString();
+      for (const bool again : {false, true}) {
+        if (again) click(u"checkBoxCreateSubfolder"_s);
+        EXPECT_TRUE(QTest::qWaitFor([this] { return cutOff(*view).isEmpty(); }, 1000))
+            << language << ' ' << size << ' ' << cutOff(*view).join(u' ').toStdString();
+      }
+    }
+  }
+  QFont usual = QApplication::font();
+  usual.setPointSize(10);
+  QApplication::setFont(usual);
+  open();
+  const QRect screen = view->screen()->availableGeometry();
+  view->move(screen.center());
+  speak("it");
+  click(u"checkBoxCreateSubfolder"_s);
+  const auto &box = find<QGroupBox>(u"importFolderBox"_s);
+  EXPECT_TRUE(QTest::qWaitFor([&] { return box.title() == localised("DLG_SETTING_SAVE_FOLDER_TITLE"_L1); }, 1000));
+  EXPECT_TRUE(QTest::qWaitFor([&] { return screen.contains(view->frameGeometry()); }, 1000));
+}
+
+/// The contrast of a text with its ground, from 1 to 21.
+double contrast(const QColor &text, const QColor &ground) {
+  const auto luminance = [](const QColor &color) {
+    const auto linear = [](double part) {
+      return part <= 0.04045 ? part / 12.92 : std::pow((part + 0.055) / 1.055, 2.4);
+    };
+    return 0.2126 * linear(color.redF()) + 0.7152 * linear(color.greenF()) + 0.0722 * linear(color.blueF());
+  };
+  const auto [weak, strong] = std::minmax({luminance(text), luminance(ground)});
+  return (strong + 0.05) / (weak + 0.05);
+}
+
+/// What can be reached by Tab and seen, in that order.
+QList<QWidget *> reachable(const QWidget &window) {
+  QList<QWidget *> found;
+  for (QWidget *next = window.nextInFocusChain(); next != &window; next = next->nextInFocusChain())
+    if ((next->focusPolicy() & Qt::TabFocus) && next->isVisibleTo(&window)) found << next;
+  return found;
+}
+
+/// What somebody who cannot see the window is told of it: all that has a name, or takes the focus.
+void collect(QAccessibleInterface *seen, QMap<QWidget *, QAccessibleInterface *> &found) {
+  auto *const widget = qobject_cast<QWidget *>(seen->object());
+  if (widget && widget->isVisible()) found[widget] = seen;
+  for (int child = 0; child < seen->childCount(); ++child)
+    collect(seen->child(child), found);
+}
+
+void expectAccess(QWidget &window) {
+  QMap<QWidget *, QAccessibleInterface *> told;
+  collect(QAccessible::queryAccessibleInterface(&window), told);
+  QStringList keys;
+  QPoint before;
+  for (QWidget *const widget : reachable(window)) {
+    SCOPED_TRACE(widget->objectName().toStdString());
+    ASSERT_TRUE(told.contains(widget) && told[widget]->state().focusable);
+    EXPECT_FALSE(told[widget]->text(QAccessible::Name).isEmpty());
+    EXPECT_NE(told[widget]->role(), QAccessible::Client);
+    const QPoint place = widget->mapTo(&window, widget->rect().center());
+    EXPECT_TRUE(place.y() > before.y() + 5 || (place.x() > before.x() && place.y() > before.y() - 5)) << "as read";
+    before = place;
+    if (const auto *const button = qobject_cast<QAbstractButton *>(widget))
+      keys << (button->shortcut().isEmpty() ? told[widget]->text(QAccessible::Accelerator).section(u'+', -1)
+                                            : button->shortcut().toString().section(u'+', -1));
+  }
+  EXPECT_FALSE(keys.contains(QString())) << "a button without a mnemonic";
+  for (const QLabel *const label : window.findChildren<QLabel *>()) {
+    const auto *const button = qobject_cast<QAbstractButton *>(label->buddy());
+    if (button ? !button->text().isEmpty() : label->buddy() != nullptr) keys << mnemonicOf(label->text()).toUpper();
+  }
+  EXPECT_EQ(keys.removeDuplicates(), 0) << keys.join(u' ').toStdString();
+}
+
+void expectContrast(const QWidget &window) {
+  for (const QWidget *const widget : window.findChildren<QWidget *>()) {
+    const bool isPath = qobject_cast<const QLineEdit *>(widget); // it has its window's ground
+    if (!isPath && !qobject_cast<const QLabel *>(widget) && !qobject_cast<const QAbstractButton *>(widget)) continue;
+    const QColor text = widget->palette().color(isPath ? QPalette::Text : widget->foregroundRole());
+    const QColor ground = widget->palette().color(isPath ? QPalette::Window : widget->backgroundRole());
+    EXPECT_TRUE(text == kGrey || contrast(text, ground) >= 4.5) << widget->objectName().toStdString();
+  }
+}
+
+TEST_F(Settings, andTheOtherWindowsAreOpenToEverybody) {
+  for (const char *language : kLanguages) {
+    SCOPED_TRACE(language);
+    speak(language);
+    open();
+    expectAccess(*view);
+    KaVersionInformationView about;
+    about.show();
+    expectAccess(about);
+    bool asked = false;
+    QTimer::singleShot(0, [&] {
+      QWidget *const question = QApplication::activeModalWidget();
+      asked = question != nullptr;
+      expectAccess(*question);
+      expectContrast(*question);
+      question->close();
+    });
+    platform::standardUserDefaults().setString(u"firstLaunch"_s, u"YES"_s);
+    EXPECT_TRUE(askAtFirstLaunch([] { return false; }) && asked);
+    for (const QColor &desktop : {QColor(0xef, 0xef, 0xef), QColor(0x32, 0x32, 0x32)}) {
+      QApplication::setPalette(QPalette(desktop));
+      expectContrast(*view);
+      expectContrast(about);
     }
   }
 }
@@ -99,8 +245,14 @@ TEST_F(Settings, showWhatIsStoredAndSaveWhatIsShown) {
   EXPECT_EQ(folder10G().text(), stored.parent10GFolder);
   const QString rule = localised("DLG_SETTING_SORTING_RULE_NAME"_L1) + u'/';
   for (const bool on : {false, true}) {
-    for (const QString &scheme : kSchemes)
-      EXPECT_EQ(find<QRadioButton>(scheme).text().startsWith(rule), on && scheme != kSchemes[4]);
+    for (const QString &scheme : kSchemes) {
+      const auto &button = find<QRadioButton>(scheme);
+      EXPECT_EQ(button.text().startsWith(rule), on && scheme != kSchemes[4]);
+      const QString date = QDate::currentDate().toString(kDates[kSchemes.indexOf(scheme)]);
+      const QString folder = QDir::cleanPath((on ? rule : QString()) + date);
+      EXPECT_TRUE(button.toolTip().startsWith(QDir::cleanPath(usable + u'/' + folder) + u' '));
+      EXPECT_TRUE(folder.isEmpty() || shows(folder + u"/…"_s)) << qPrintable(folder);
+    }
     if (!on) QTest::mouseClick(&find<QLabel>(u"labelCreateSubfolder"_s), Qt::LeftButton);
   }
   click(u"checkBoxDownloadMetadata"_s);
@@ -126,11 +278,11 @@ TEST_F(Settings, warnOfAFolderThatCannotBeUsedUnlessItIsNot) {
                                   {tooLong, "MSG_TRANS_FOLDER_TOO_LONG"_L1}}) {
     open();
     folder().setText(path);
-    EXPECT_EQ(warning(), localised(key));
+    EXPECT_EQ(warning(), localised(key) + path);
     folder().setText(usable);
     folder10G().setText(path);
     QTest::mouseClick(&find<QLabel>(u"label10GDownload"_s), Qt::LeftButton);
-    EXPECT_EQ(warning(), localised(key));
+    EXPECT_EQ(warning(), localised(key) + path);
   }
   click(u"checkBox10GDownloadButton"_s);
   click(u"okButton"_s);
@@ -146,6 +298,8 @@ TEST_F(Settings, turnThe10GFolderOnWhenOneIsChosen) {
     click(u"input%1FolderPathReferenceButton"_s.arg(which));
     auto *const chooser = view->findChild<QFileDialog *>();
     EXPECT_EQ(chooser->directory().path(), which.isEmpty() ? usable : stored.parent10GFolder);
+    EXPECT_EQ(chooser->windowTitle(),
+              localised(which.isEmpty() ? "DLG_SETTING_CHOOSE_FOLDER"_L1 : "DLG_SETTING_CHOOSE_10G_FOLDER"_L1));
     Q_EMIT chooser->fileSelected(u"/chosen"_s);
     EXPECT_EQ((which.isEmpty() ? folder() : folder10G()).text(), u"/chosen");
     EXPECT_EQ(find<QCheckBox>(u"checkBox10GDownloadButton"_s).isChecked(), !which.isEmpty());
@@ -158,6 +312,20 @@ TEST_F(Settings, turnThe10GFolderOnWhenOneIsChosen) {
   EXPECT_EQ(color(), kGrey);
 }
 
+TEST_F(Settings, showBothEndsOfALongPathAndAllOfItOnDemand) {
+  open();
+  find<QWidget>(u"okButton"_s).setFocus();
+  const QString middle = u"/long/"_s.repeated(40);
+  QList<QImage> pictures;
+  for (const QString &path : {u"a"_s + middle + u'a', u"b"_s + middle + u'a', u"a"_s + middle + u'b'}) {
+    folder().setText(path);
+    EXPECT_EQ(folder().toolTip(), path);
+    if (const QImage picture = folder().grab().toImage(); !pictures.contains(picture)) pictures << picture;
+  }
+  EXPECT_EQ(pictures.size(), 3);
+  EXPECT_TRUE(folder().isReadOnly() && !folder().hasFrame());
+}
+
 TEST(About, showsTheLogAndSaysWithADotThatItIsOn) {
   const UiProfile profile;
   const FakeBrowser browser(profile);
@@ -166,6 +334,10 @@ TEST(About, showsTheLogAndSaysWithADotThatItIsOn) {
   auto &picture = *view.findChild<KaCustomImageView *>();
   view.show();
   EXPECT_EQ(view.focusWidget(), &picture) << "keys go there";
+  for (const QLabel *const label : view.findChildren<QLabel *>())
+    EXPECT_TRUE(label->text().isEmpty() || label->objectName() == u"applicationNameLabel"
+                || label->fontMetrics().height()
+                       < view.findChild<QLabel *>(u"applicationNameLabel"_s)->fontMetrics().height());
   // Keys by the names that X11 and Wayland have for them, which tell left from right; test events carry none.
   const auto send = [&](QEvent::Type type, int key, quint32 name) {
     QKeyEvent event(type, key, type == QEvent::KeyRelease ? Qt::ShiftModifier : Qt::NoModifier, 0, name, 0);

@@ -39,13 +39,13 @@ TEST_F(DesktopItem, statesItsMenuByTheGivenValueAndHasAPictureForEveryFrame) {
   std::vector<StatusEntry> chosen;
   QObject::connect(&item, &KaStatusItemView::entryTriggered, [&](StatusEntry entry) { chosen.push_back(entry); });
   const auto actions = UiProfile::windows<QMenu>().first()->actions();
-  EXPECT_EQ(entries(), "Download Now (off)|-|Download Folders…|Log In…|-|Help|About Downloaderpictora|Start at "
-                       "Login|-|Quit Downloaderpictora");
+  EXPECT_EQ(entries(), "Download Now (off)|-|Download Folders…|Log In…|-|Help|About Downloaderpictora|Start "
+                       "with the Computer|-|Quit Downloaderpictora");
   const StatusItemState linked{
       .isLinked = true, .isDownloadEnabled = true, .isLogginEnabled = false, .isLaunchedAtLogin = true};
   item.show(linked);
-  EXPECT_EQ(entries(), "Download Now|-|Download Folders…|Log Out (off)|-|Help|About Downloaderpictora|Start at Login "
-                       "[x]|-|Quit Downloaderpictora");
+  EXPECT_EQ(entries(), "Download Now|-|Download Folders…|Log Out (off)|-|Help|About Downloaderpictora|Start with "
+                       "the Computer [x]|-|Quit Downloaderpictora");
   item.show({.isDownloadEnabled = true});
   const std::string confirmed = entries();
   for (QAction *const action : actions)
@@ -68,7 +68,7 @@ TEST_F(DesktopItem, alertsOneAtATimeInOrderAndOnceEach) {
     ASSERT_EQ(UiProfile::windows<QMessageBox>().size(), 1);
     EXPECT_EQ(UiProfile::windows<QMessageBox>().first()->text(), text);
     QAbstractButton *const ok = UiProfile::windows<QMessageBox>().first()->buttons().value(0);
-    EXPECT_EQ(ok->text(), u"Aceptar");
+    EXPECT_EQ(ok->text(), u"Cerrar");
     ok->click();
     QCoreApplication::processEvents();
   }

@@ -1,5 +1,6 @@
 #include "ui/Texts.h"
 #include "tests/ui/UiProfile.h"
+#include "ui/Mnemonics.h"
 
 #include <gmock/gmock.h>
 
@@ -35,12 +36,6 @@ QSet<QString> places(const QString &text) {
   return found;
 }
 
-/// The letter that follows the mark, if there is one.
-QString mnemonic(const QString &text) {
-  const qsizetype mark = text.indexOf(u'&');
-  return mark < 0 ? QString() : text.mid(mark + 1, 1).toLower();
-}
-
 TEST(Texts, areThereForEveryKeyInUse) {
   const auto english = textsIn(u"pictora_en.ts"_s);
   static const QRegularExpression key(u"\"((?:APP|CHK|DLG|MENU|MSG|STATUS|TOOL_TIP)_[A-Z0-9_]+)\"_L1"_s);
@@ -71,7 +66,7 @@ TEST(Texts, areWholeInEveryLanguage) {
       if (text.key().startsWith(u"MSG_ERR"_s) || text.key().startsWith(u"TOOL_TIP"_s)) {
         EXPECT_TRUE(help.contains(*text)) << qPrintable(text.key()) << " reads otherwise in the help";
       }
-      if (!mnemonic(*text).isEmpty()) mnemonics << mnemonic(*text);
+      if (!mnemonicOf(*text).isEmpty()) mnemonics << mnemonicOf(*text);
       static const QRegularExpression ofLogin(u"^MSG_ERR_(UNLINK|LINK_INVALID|VALIDATION|CLOCK)"_s);
       if (!text.key().contains(ofLogin)) continue;
       // By the menu's own entry; a login that is merely not checked must not be thrown away.
