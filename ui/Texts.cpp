@@ -5,10 +5,17 @@
 #include <QLocale>
 #include <QTranslator>
 
+#include <algorithm>
+#include <limits>
+
 using namespace Qt::StringLiterals;
 
 QString localised(QLatin1StringView key) {
   return qtTrId(key.data());
+}
+
+QString localised(QLatin1StringView key, qsizetype count) {
+  return qtTrId(key.data(), static_cast<int>(std::clamp<qsizetype>(count, 0, std::numeric_limits<int>::max())));
 }
 
 void installTexts() {

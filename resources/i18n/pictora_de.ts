@@ -111,6 +111,140 @@
     <source></source>
     <translation>Downloaderpictora: nicht angemeldet</translation>
   </message>
+  <!-- Status view -->
+  <message id="STATUS_UP_TO_DATE">
+    <source></source>
+    <translation>Alles aktuell</translation>
+  </message>
+  <message id="STATUS_NOT_LOOKED_YET">
+    <source></source>
+    <translation>Wartet auf die erste Suche</translation>
+  </message>
+  <message id="STATUS_LOOKING">
+    <source></source>
+    <translation>Sucht nach neuen Fotos…</translation>
+  </message>
+  <message id="STATUS_FETCHING">
+    <source></source>
+    <translation>Lädt Fotos herunter: %1 von %2</translation>
+  </message>
+  <message id="STATUS_STILL_TO_COME" numerus="yes">
+    <source></source>
+    <translation>
+      <numerusform>%Ln Foto steht noch aus</numerusform>
+      <numerusform>%Ln Fotos stehen noch aus</numerusform>
+    </translation>
+  </message>
+  <message id="STATUS_STILL_TO_COME_HINT">
+    <source></source>
+    <translation>Fotos, die nicht heruntergeladen werden konnten, werden automatisch erneut versucht.</translation>
+  </message>
+  <message id="STATUS_NOT_LINKED">
+    <source></source>
+    <translation>Nicht angemeldet</translation>
+  </message>
+  <message id="STATUS_NOT_LINKED_HINT">
+    <source></source>
+    <translation>Melden Sie sich beim Fotodienst an, um Ihre Fotos zu erhalten.</translation>
+  </message>
+  <message id="STATUS_LOGIN_NEEDED">
+    <source></source>
+    <translation>Bitte melden Sie sich erneut an</translation>
+  </message>
+  <message id="STATUS_AWAITS_FOLDERS">
+    <source></source>
+    <translation>Sie sind angemeldet</translation>
+  </message>
+  <message id="STATUS_AWAITS_FOLDERS_HINT">
+    <source></source>
+    <translation>Sehen Sie unten, wo Ihre Fotos gespeichert werden. Der Download beginnt, wenn Sie dieses Fenster schließen.</translation>
+  </message>
+  <message id="STATUS_OFFLINE">
+    <source></source>
+    <translation>Keine Verbindung zum Fotodienst</translation>
+  </message>
+  <message id="STATUS_OFFLINE_HINT">
+    <source></source>
+    <translation>Der Download geht weiter, sobald die Verbindung wieder da ist.</translation>
+  </message>
+  <message id="STATUS_OFFLINE_UNTIL_HINT">
+    <source></source>
+    <translation>Nächster Versuch: %1, oder sobald die Verbindung wieder da ist.</translation>
+  </message>
+  <message id="STATUS_WRONG_CLOCK">
+    <source></source>
+    <translation>Die Uhr dieses Computers geht falsch</translation>
+  </message>
+  <message id="STATUS_WRONG_CLOCK_HINT">
+    <source></source>
+    <translation>Sie zeigt %1, der Fotodienst %2. Solange sich beide um mehr als 15 Minuten unterscheiden, lehnt der Dienst alles ab. Stellen Sie Datum und Uhrzeit dieses Computers.</translation>
+  </message>
+  <message id="STATUS_DISK_FULL">
+    <source></source>
+    <translation>Der Datenträger ist voll</translation>
+  </message>
+  <message id="STATUS_NOT_SAVED">
+    <source></source>
+    <translation>Fotos können nicht gespeichert werden</translation>
+  </message>
+  <message id="STATUS_FAILED">
+    <source></source>
+    <translation>Die letzte Suche nach Fotos ist fehlgeschlagen</translation>
+  </message>
+  <message id="STATUS_TODAY" numerus="yes">
+    <source></source>
+    <translation>
+      <numerusform>%Ln Foto heute</numerusform>
+      <numerusform>%Ln Fotos heute</numerusform>
+    </translation>
+  </message>
+  <message id="STATUS_TO_COME" numerus="yes">
+    <source></source>
+    <translation>
+      <numerusform>%Ln steht noch aus</numerusform>
+      <numerusform>%Ln stehen noch aus</numerusform>
+    </translation>
+  </message>
+  <message id="STATUS_LAST_LOOK">
+    <source></source>
+    <translation>letzte Suche: %1</translation>
+  </message>
+  <message id="STATUS_NEXT_LOOK">
+    <source></source>
+    <translation>nächste Suche: %1</translation>
+  </message>
+  <message id="STATUS_FREE_ROOM">
+    <source></source>
+    <translation>%1 frei</translation>
+  </message>
+  <message id="STATUS_FOLDER_MISSING">
+    <source></source>
+    <translation>nicht gefunden</translation>
+  </message>
+  <message id="STATUS_OPEN_FOLDER">
+    <source></source>
+    <translation>Öffnen</translation>
+  </message>
+  <message id="STATUS_OPEN_FOLDER_NAMED">
+    <source></source>
+    <translation>Ordner %1 öffnen</translation>
+  </message>
+  <message id="STATUS_CHOOSE_FOLDER">
+    <source></source>
+    <translation>Ordner auswählen…</translation>
+  </message>
+  <message id="STATUS_LAST_PICTURES">
+    <source></source>
+    <translation>Letzte Fotos</translation>
+  </message>
+  <message id="STATUS_PICTURE_BUTTON">
+    <source></source>
+    <translation>Öffnet den Ordner dieses Fotos</translation>
+  </message>
+  <message id="STATUS_NO_PICTURES_YET">
+    <source></source>
+    <translation>Hier erscheinen die zuletzt angekommenen Fotos.</translation>
+  </message>
   <!-- Download folders -->
   <message id="DLG_SETTING_SAVE_FOLDER_TITLE">
     <source></source>

@@ -111,6 +111,140 @@
     <source></source>
     <translation>Downloaderpictora: not logged in</translation>
   </message>
+  <!-- Status view -->
+  <message id="STATUS_UP_TO_DATE">
+    <source></source>
+    <translation>Up to date</translation>
+  </message>
+  <message id="STATUS_NOT_LOOKED_YET">
+    <source></source>
+    <translation>Waiting for the first check</translation>
+  </message>
+  <message id="STATUS_LOOKING">
+    <source></source>
+    <translation>Looking for new pictures…</translation>
+  </message>
+  <message id="STATUS_FETCHING">
+    <source></source>
+    <translation>Downloading pictures: %1 of %2</translation>
+  </message>
+  <message id="STATUS_STILL_TO_COME" numerus="yes">
+    <source></source>
+    <translation>
+      <numerusform>%Ln picture is still to come</numerusform>
+      <numerusform>%Ln pictures are still to come</numerusform>
+    </translation>
+  </message>
+  <message id="STATUS_STILL_TO_COME_HINT">
+    <source></source>
+    <translation>Pictures that could not be downloaded are tried again automatically.</translation>
+  </message>
+  <message id="STATUS_NOT_LINKED">
+    <source></source>
+    <translation>Not logged in</translation>
+  </message>
+  <message id="STATUS_NOT_LINKED_HINT">
+    <source></source>
+    <translation>Log in to the photo service to receive your pictures.</translation>
+  </message>
+  <message id="STATUS_LOGIN_NEEDED">
+    <source></source>
+    <translation>Please log in again</translation>
+  </message>
+  <message id="STATUS_AWAITS_FOLDERS">
+    <source></source>
+    <translation>You are logged in</translation>
+  </message>
+  <message id="STATUS_AWAITS_FOLDERS_HINT">
+    <source></source>
+    <translation>See below where your pictures will be saved. The download begins when you close this window.</translation>
+  </message>
+  <message id="STATUS_OFFLINE">
+    <source></source>
+    <translation>No connection to the photo service</translation>
+  </message>
+  <message id="STATUS_OFFLINE_HINT">
+    <source></source>
+    <translation>The download goes on when the connection comes back.</translation>
+  </message>
+  <message id="STATUS_OFFLINE_UNTIL_HINT">
+    <source></source>
+    <translation>Next try: %1, or when the connection comes back.</translation>
+  </message>
+  <message id="STATUS_WRONG_CLOCK">
+    <source></source>
+    <translation>The clock of this computer is wrong</translation>
+  </message>
+  <message id="STATUS_WRONG_CLOCK_HINT">
+    <source></source>
+    <translation>It says %1, the photo service says %2. As long as they differ by more than 15 minutes, the service refuses everything. Set the date and time of this computer.</translation>
+  </message>
+  <message id="STATUS_DISK_FULL">
+    <source></source>
+    <translation>The disk is full</translation>
+  </message>
+  <message id="STATUS_NOT_SAVED">
+    <source></source>
+    <translation>Pictures cannot be saved</translation>
+  </message>
+  <message id="STATUS_FAILED">
+    <source></source>
+    <translation>The last check for pictures failed</translation>
+  </message>
+  <message id="STATUS_TODAY" numerus="yes">
+    <source></source>
+    <translation>
+      <numerusform>%Ln picture today</numerusform>
+      <numerusform>%Ln pictures today</numerusform>
+    </translation>
+  </message>
+  <message id="STATUS_TO_COME" numerus="yes">
+    <source></source>
+    <translation>
+      <numerusform>%Ln still to come</numerusform>
+      <numerusform>%Ln still to come</numerusform>
+    </translation>
+  </message>
+  <message id="STATUS_LAST_LOOK">
+    <source></source>
+    <translation>last check: %1</translation>
+  </message>
+  <message id="STATUS_NEXT_LOOK">
+    <source></source>
+    <translation>next check: %1</translation>
+  </message>
+  <message id="STATUS_FREE_ROOM">
+    <source></source>
+    <translation>%1 free</translation>
+  </message>
+  <message id="STATUS_FOLDER_MISSING">
+    <source></source>
+    <translation>not found</translation>
+  </message>
+  <message id="STATUS_OPEN_FOLDER">
+    <source></source>
+    <translation>Open</translation>
+  </message>
+  <message id="STATUS_OPEN_FOLDER_NAMED">
+    <source></source>
+    <translation>Open the folder %1</translation>
+  </message>
+  <message id="STATUS_CHOOSE_FOLDER">
+    <source></source>
+    <translation>Choose a Folder…</translation>
+  </message>
+  <message id="STATUS_LAST_PICTURES">
+    <source></source>
+    <translation>Last pictures</translation>
+  </message>
+  <message id="STATUS_PICTURE_BUTTON">
+    <source></source>
+    <translation>Opens the folder of this picture</translation>
+  </message>
+  <message id="STATUS_NO_PICTURES_YET">
+    <source></source>
+    <translation>The last pictures that came appear here.</translation>
+  </message>
   <!-- Download folders -->
   <message id="DLG_SETTING_SAVE_FOLDER_TITLE">
     <source></source>

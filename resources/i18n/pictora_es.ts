@@ -111,6 +111,140 @@
     <source></source>
     <translation>Downloaderpictora: sesión no iniciada</translation>
   </message>
+  <!-- Status view -->
+  <message id="STATUS_UP_TO_DATE">
+    <source></source>
+    <translation>Todo al día</translation>
+  </message>
+  <message id="STATUS_NOT_LOOKED_YET">
+    <source></source>
+    <translation>En espera de la primera comprobación</translation>
+  </message>
+  <message id="STATUS_LOOKING">
+    <source></source>
+    <translation>Buscando fotos nuevas…</translation>
+  </message>
+  <message id="STATUS_FETCHING">
+    <source></source>
+    <translation>Descargando fotos: %1 de %2</translation>
+  </message>
+  <message id="STATUS_STILL_TO_COME" numerus="yes">
+    <source></source>
+    <translation>
+      <numerusform>Falta %Ln foto por llegar</numerusform>
+      <numerusform>Faltan %Ln fotos por llegar</numerusform>
+    </translation>
+  </message>
+  <message id="STATUS_STILL_TO_COME_HINT">
+    <source></source>
+    <translation>Las fotos que no se pudieron descargar se vuelven a intentar automáticamente.</translation>
+  </message>
+  <message id="STATUS_NOT_LINKED">
+    <source></source>
+    <translation>Sesión no iniciada</translation>
+  </message>
+  <message id="STATUS_NOT_LINKED_HINT">
+    <source></source>
+    <translation>Inicie sesión en el servicio de fotos para recibir sus fotos.</translation>
+  </message>
+  <message id="STATUS_LOGIN_NEEDED">
+    <source></source>
+    <translation>Vuelva a iniciar sesión</translation>
+  </message>
+  <message id="STATUS_AWAITS_FOLDERS">
+    <source></source>
+    <translation>Ha iniciado sesión</translation>
+  </message>
+  <message id="STATUS_AWAITS_FOLDERS_HINT">
+    <source></source>
+    <translation>Vea abajo dónde se guardarán sus fotos. La descarga comienza al cerrar esta ventana.</translation>
+  </message>
+  <message id="STATUS_OFFLINE">
+    <source></source>
+    <translation>Sin conexión con el servicio de fotos</translation>
+  </message>
+  <message id="STATUS_OFFLINE_HINT">
+    <source></source>
+    <translation>La descarga continuará cuando vuelva la conexión.</translation>
+  </message>
+  <message id="STATUS_OFFLINE_UNTIL_HINT">
+    <source></source>
+    <translation>Próximo intento: %1, o cuando vuelva la conexión.</translation>
+  </message>
+  <message id="STATUS_WRONG_CLOCK">
+    <source></source>
+    <translation>El reloj de este equipo no está en hora</translation>
+  </message>
+  <message id="STATUS_WRONG_CLOCK_HINT">
+    <source></source>
+    <translation>Indica %1; el servicio de fotos, %2. Mientras difieran en más de 15 minutos, el servicio lo rechaza todo. Ajuste la fecha y la hora de este equipo.</translation>
+  </message>
+  <message id="STATUS_DISK_FULL">
+    <source></source>
+    <translation>El disco está lleno</translation>
+  </message>
+  <message id="STATUS_NOT_SAVED">
+    <source></source>
+    <translation>No se pueden guardar fotos</translation>
+  </message>
+  <message id="STATUS_FAILED">
+    <source></source>
+    <translation>La última búsqueda de fotos ha fallado</translation>
+  </message>
+  <message id="STATUS_TODAY" numerus="yes">
+    <source></source>
+    <translation>
+      <numerusform>%Ln foto hoy</numerusform>
+      <numerusform>%Ln fotos hoy</numerusform>
+    </translation>
+  </message>
+  <message id="STATUS_TO_COME" numerus="yes">
+    <source></source>
+    <translation>
+      <numerusform>falta %Ln por llegar</numerusform>
+      <numerusform>faltan %Ln por llegar</numerusform>
+    </translation>
+  </message>
+  <message id="STATUS_LAST_LOOK">
+    <source></source>
+    <translation>última búsqueda: %1</translation>
+  </message>
+  <message id="STATUS_NEXT_LOOK">
+    <source></source>
+    <translation>próxima búsqueda: %1</translation>
+  </message>
+  <message id="STATUS_FREE_ROOM">
+    <source></source>
+    <translation>%1 libres</translation>
+  </message>
+  <message id="STATUS_FOLDER_MISSING">
+    <source></source>
+    <translation>no se encuentra</translation>
+  </message>
+  <message id="STATUS_OPEN_FOLDER">
+    <source></source>
+    <translation>Abrir</translation>
+  </message>
+  <message id="STATUS_OPEN_FOLDER_NAMED">
+    <source></source>
+    <translation>Abrir la carpeta %1</translation>
+  </message>
+  <message id="STATUS_CHOOSE_FOLDER">
+    <source></source>
+    <translation>Elegir carpeta…</translation>
+  </message>
+  <message id="STATUS_LAST_PICTURES">
+    <source></source>
+    <translation>Últimas fotos</translation>
+  </message>
+  <message id="STATUS_PICTURE_BUTTON">
+    <source></source>
+    <translation>Abre la carpeta de esta foto</translation>
+  </message>
+  <message id="STATUS_NO_PICTURES_YET">
+    <source></source>
+    <translation>Aquí aparecen las últimas fotos recibidas.</translation>
+  </message>
   <!-- Download folders -->
   <message id="DLG_SETTING_SAVE_FOLDER_TITLE">
     <source></source>

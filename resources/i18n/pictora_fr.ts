@@ -111,6 +111,140 @@
     <source></source>
     <translation>Downloaderpictora : aucun compte connecté</translation>
   </message>
+  <!-- Status view -->
+  <message id="STATUS_UP_TO_DATE">
+    <source></source>
+    <translation>À jour</translation>
+  </message>
+  <message id="STATUS_NOT_LOOKED_YET">
+    <source></source>
+    <translation>En attente de la première vérification</translation>
+  </message>
+  <message id="STATUS_LOOKING">
+    <source></source>
+    <translation>Recherche de nouvelles photos…</translation>
+  </message>
+  <message id="STATUS_FETCHING">
+    <source></source>
+    <translation>Téléchargement des photos : %1 sur %2</translation>
+  </message>
+  <message id="STATUS_STILL_TO_COME" numerus="yes">
+    <source></source>
+    <translation>
+      <numerusform>%Ln photo est encore à venir</numerusform>
+      <numerusform>%Ln photos sont encore à venir</numerusform>
+    </translation>
+  </message>
+  <message id="STATUS_STILL_TO_COME_HINT">
+    <source></source>
+    <translation>Une nouvelle tentative a lieu automatiquement pour les photos qui n’ont pas pu être téléchargées.</translation>
+  </message>
+  <message id="STATUS_NOT_LINKED">
+    <source></source>
+    <translation>Non connecté</translation>
+  </message>
+  <message id="STATUS_NOT_LINKED_HINT">
+    <source></source>
+    <translation>Connectez-vous au service photo pour recevoir vos photos.</translation>
+  </message>
+  <message id="STATUS_LOGIN_NEEDED">
+    <source></source>
+    <translation>Reconnectez-vous</translation>
+  </message>
+  <message id="STATUS_AWAITS_FOLDERS">
+    <source></source>
+    <translation>Connexion effectuée</translation>
+  </message>
+  <message id="STATUS_AWAITS_FOLDERS_HINT">
+    <source></source>
+    <translation>Voyez ci-dessous où vos photos seront enregistrées. Le téléchargement commence à la fermeture de cette fenêtre.</translation>
+  </message>
+  <message id="STATUS_OFFLINE">
+    <source></source>
+    <translation>Pas de connexion au service photo</translation>
+  </message>
+  <message id="STATUS_OFFLINE_HINT">
+    <source></source>
+    <translation>Le téléchargement reprendra dès que la connexion sera rétablie.</translation>
+  </message>
+  <message id="STATUS_OFFLINE_UNTIL_HINT">
+    <source></source>
+    <translation>Prochaine tentative : %1, ou dès que la connexion sera rétablie.</translation>
+  </message>
+  <message id="STATUS_WRONG_CLOCK">
+    <source></source>
+    <translation>L’horloge de cet ordinateur est fausse</translation>
+  </message>
+  <message id="STATUS_WRONG_CLOCK_HINT">
+    <source></source>
+    <translation>Elle indique %1, le service photo %2. Tant que l’écart dépasse 15 minutes, le service refuse tout. Réglez la date et l’heure de cet ordinateur.</translation>
+  </message>
+  <message id="STATUS_DISK_FULL">
+    <source></source>
+    <translation>Le disque est plein</translation>
+  </message>
+  <message id="STATUS_NOT_SAVED">
+    <source></source>
+    <translation>Impossible d’enregistrer des photos</translation>
+  </message>
+  <message id="STATUS_FAILED">
+    <source></source>
+    <translation>La dernière recherche de photos a échoué</translation>
+  </message>
+  <message id="STATUS_TODAY" numerus="yes">
+    <source></source>
+    <translation>
+      <numerusform>%Ln photo aujourd’hui</numerusform>
+      <numerusform>%Ln photos aujourd’hui</numerusform>
+    </translation>
+  </message>
+  <message id="STATUS_TO_COME" numerus="yes">
+    <source></source>
+    <translation>
+      <numerusform>%Ln encore à venir</numerusform>
+      <numerusform>%Ln encore à venir</numerusform>
+    </translation>
+  </message>
+  <message id="STATUS_LAST_LOOK">
+    <source></source>
+    <translation>dernière recherche : %1</translation>
+  </message>
+  <message id="STATUS_NEXT_LOOK">
+    <source></source>
+    <translation>prochaine recherche : %1</translation>
+  </message>
+  <message id="STATUS_FREE_ROOM">
+    <source></source>
+    <translation>%1 libres</translation>
+  </message>
+  <message id="STATUS_FOLDER_MISSING">
+    <source></source>
+    <translation>introuvable</translation>
+  </message>
+  <message id="STATUS_OPEN_FOLDER">
+    <source></source>
+    <translation>Ouvrir</translation>
+  </message>
+  <message id="STATUS_OPEN_FOLDER_NAMED">
+    <source></source>
+    <translation>Ouvrir le dossier %1</translation>
+  </message>
+  <message id="STATUS_CHOOSE_FOLDER">
+    <source></source>
+    <translation>Choisir un dossier…</translation>
+  </message>
+  <message id="STATUS_LAST_PICTURES">
+    <source></source>
+    <translation>Dernières photos</translation>
+  </message>
+  <message id="STATUS_PICTURE_BUTTON">
+    <source></source>
+    <translation>Ouvre le dossier de cette photo</translation>
+  </message>
+  <message id="STATUS_NO_PICTURES_YET">
+    <source></source>
+    <translation>Les dernières photos arrivées s’affichent ici.</translation>
+  </message>
   <!-- Download folders -->
   <message id="DLG_SETTING_SAVE_FOLDER_TITLE">
     <source></source>

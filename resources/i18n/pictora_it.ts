@@ -111,6 +111,140 @@
     <source></source>
     <translation>Downloaderpictora: accesso non effettuato</translation>
   </message>
+  <!-- Status view -->
+  <message id="STATUS_UP_TO_DATE">
+    <source></source>
+    <translation>Tutto aggiornato</translation>
+  </message>
+  <message id="STATUS_NOT_LOOKED_YET">
+    <source></source>
+    <translation>In attesa del primo controllo</translation>
+  </message>
+  <message id="STATUS_LOOKING">
+    <source></source>
+    <translation>Ricerca di nuove foto…</translation>
+  </message>
+  <message id="STATUS_FETCHING">
+    <source></source>
+    <translation>Download delle foto: %1 di %2</translation>
+  </message>
+  <message id="STATUS_STILL_TO_COME" numerus="yes">
+    <source></source>
+    <translation>
+      <numerusform>%Ln foto deve ancora arrivare</numerusform>
+      <numerusform>%Ln foto devono ancora arrivare</numerusform>
+    </translation>
+  </message>
+  <message id="STATUS_STILL_TO_COME_HINT">
+    <source></source>
+    <translation>Il download delle foto non riuscite viene ritentato automaticamente.</translation>
+  </message>
+  <message id="STATUS_NOT_LINKED">
+    <source></source>
+    <translation>Accesso non effettuato</translation>
+  </message>
+  <message id="STATUS_NOT_LINKED_HINT">
+    <source></source>
+    <translation>Accedere al servizio foto per ricevere le foto.</translation>
+  </message>
+  <message id="STATUS_LOGIN_NEEDED">
+    <source></source>
+    <translation>Accedere di nuovo</translation>
+  </message>
+  <message id="STATUS_AWAITS_FOLDERS">
+    <source></source>
+    <translation>Accesso effettuato</translation>
+  </message>
+  <message id="STATUS_AWAITS_FOLDERS_HINT">
+    <source></source>
+    <translation>Qui sotto è indicato dove verranno salvate le foto. Il download inizia alla chiusura di questa finestra.</translation>
+  </message>
+  <message id="STATUS_OFFLINE">
+    <source></source>
+    <translation>Nessuna connessione al servizio foto</translation>
+  </message>
+  <message id="STATUS_OFFLINE_HINT">
+    <source></source>
+    <translation>Il download proseguirà quando la connessione sarà ripristinata.</translation>
+  </message>
+  <message id="STATUS_OFFLINE_UNTIL_HINT">
+    <source></source>
+    <translation>Prossimo tentativo: %1, oppure quando la connessione sarà ripristinata.</translation>
+  </message>
+  <message id="STATUS_WRONG_CLOCK">
+    <source></source>
+    <translation>L’orologio di questo computer è sbagliato</translation>
+  </message>
+  <message id="STATUS_WRONG_CLOCK_HINT">
+    <source></source>
+    <translation>Segna %1, il servizio foto %2. Finché differiscono di più di 15 minuti, il servizio rifiuta tutto. Regolare la data e l’ora di questo computer.</translation>
+  </message>
+  <message id="STATUS_DISK_FULL">
+    <source></source>
+    <translation>Il disco è pieno</translation>
+  </message>
+  <message id="STATUS_NOT_SAVED">
+    <source></source>
+    <translation>Impossibile salvare le foto</translation>
+  </message>
+  <message id="STATUS_FAILED">
+    <source></source>
+    <translation>L’ultima ricerca di foto non è riuscita</translation>
+  </message>
+  <message id="STATUS_TODAY" numerus="yes">
+    <source></source>
+    <translation>
+      <numerusform>%Ln foto oggi</numerusform>
+      <numerusform>%Ln foto oggi</numerusform>
+    </translation>
+  </message>
+  <message id="STATUS_TO_COME" numerus="yes">
+    <source></source>
+    <translation>
+      <numerusform>%Ln ancora in arrivo</numerusform>
+      <numerusform>%Ln ancora in arrivo</numerusform>
+    </translation>
+  </message>
+  <message id="STATUS_LAST_LOOK">
+    <source></source>
+    <translation>ultima ricerca: %1</translation>
+  </message>
+  <message id="STATUS_NEXT_LOOK">
+    <source></source>
+    <translation>prossima ricerca: %1</translation>
+  </message>
+  <message id="STATUS_FREE_ROOM">
+    <source></source>
+    <translation>%1 liberi</translation>
+  </message>
+  <message id="STATUS_FOLDER_MISSING">
+    <source></source>
+    <translation>non trovata</translation>
+  </message>
+  <message id="STATUS_OPEN_FOLDER">
+    <source></source>
+    <translation>Apri</translation>
+  </message>
+  <message id="STATUS_OPEN_FOLDER_NAMED">
+    <source></source>
+    <translation>Apri la cartella %1</translation>
+  </message>
+  <message id="STATUS_CHOOSE_FOLDER">
+    <source></source>
+    <translation>Scegli una cartella…</translation>
+  </message>
+  <message id="STATUS_LAST_PICTURES">
+    <source></source>
+    <translation>Ultime foto</translation>
+  </message>
+  <message id="STATUS_PICTURE_BUTTON">
+    <source></source>
+    <translation>Apre la cartella di questa foto</translation>
+  </message>
+  <message id="STATUS_NO_PICTURES_YET">
+    <source></source>
+    <translation>Qui compaiono le ultime foto arrivate.</translation>
+  </message>
   <!-- Download folders -->
   <message id="DLG_SETTING_SAVE_FOLDER_TITLE">
     <source></source>

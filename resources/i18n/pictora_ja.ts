@@ -111,6 +111,137 @@
     <source></source>
     <translation>Downloaderpictora: ログインしていません</translation>
   </message>
+  <!-- Status view -->
+  <message id="STATUS_UP_TO_DATE">
+    <source></source>
+    <translation>最新の状態です</translation>
+  </message>
+  <message id="STATUS_NOT_LOOKED_YET">
+    <source></source>
+    <translation>最初の確認を待っています</translation>
+  </message>
+  <message id="STATUS_LOOKING">
+    <source></source>
+    <translation>新しい写真を確認しています…</translation>
+  </message>
+  <message id="STATUS_FETCHING">
+    <source></source>
+    <translation>写真をダウンロードしています: %1 / %2</translation>
+  </message>
+  <message id="STATUS_STILL_TO_COME" numerus="yes">
+    <source></source>
+    <translation>
+      <numerusform>まだ届いていない写真が %Ln 枚あります</numerusform>
+    </translation>
+  </message>
+  <message id="STATUS_STILL_TO_COME_HINT">
+    <source></source>
+    <translation>ダウンロードできなかった写真は、自動的にもう一度試みます。</translation>
+  </message>
+  <message id="STATUS_NOT_LINKED">
+    <source></source>
+    <translation>ログインしていません</translation>
+  </message>
+  <message id="STATUS_NOT_LINKED_HINT">
+    <source></source>
+    <translation>写真を受け取るには、写真サービスにログインしてください。</translation>
+  </message>
+  <message id="STATUS_LOGIN_NEEDED">
+    <source></source>
+    <translation>もう一度ログインしてください</translation>
+  </message>
+  <message id="STATUS_AWAITS_FOLDERS">
+    <source></source>
+    <translation>ログインしました</translation>
+  </message>
+  <message id="STATUS_AWAITS_FOLDERS_HINT">
+    <source></source>
+    <translation>写真の保存先を下で確認してください。このウィンドウを閉じると、ダウンロードが始まります。</translation>
+  </message>
+  <message id="STATUS_OFFLINE">
+    <source></source>
+    <translation>写真サービスに接続できません</translation>
+  </message>
+  <message id="STATUS_OFFLINE_HINT">
+    <source></source>
+    <translation>接続が回復すると、ダウンロードを再開します。</translation>
+  </message>
+  <message id="STATUS_OFFLINE_UNTIL_HINT">
+    <source></source>
+    <translation>次の試行: %1、または接続が回復したとき。</translation>
+  </message>
+  <message id="STATUS_WRONG_CLOCK">
+    <source></source>
+    <translation>このコンピューターの時計がずれています</translation>
+  </message>
+  <message id="STATUS_WRONG_CLOCK_HINT">
+    <source></source>
+    <translation>このコンピューターは %1、写真サービスは %2 を示しています。15 分を超える差があると、サービスはすべてを拒否します。コンピューターの日付と時刻を合わせてください。</translation>
+  </message>
+  <message id="STATUS_DISK_FULL">
+    <source></source>
+    <translation>ディスクの空き容量がありません</translation>
+  </message>
+  <message id="STATUS_NOT_SAVED">
+    <source></source>
+    <translation>写真を保存できません</translation>
+  </message>
+  <message id="STATUS_FAILED">
+    <source></source>
+    <translation>前回の写真の確認に失敗しました</translation>
+  </message>
+  <message id="STATUS_TODAY" numerus="yes">
+    <source></source>
+    <translation>
+      <numerusform>今日 %Ln 枚</numerusform>
+    </translation>
+  </message>
+  <message id="STATUS_TO_COME" numerus="yes">
+    <source></source>
+    <translation>
+      <numerusform>未着 %Ln 枚</numerusform>
+    </translation>
+  </message>
+  <message id="STATUS_LAST_LOOK">
+    <source></source>
+    <translation>前回の確認: %1</translation>
+  </message>
+  <message id="STATUS_NEXT_LOOK">
+    <source></source>
+    <translation>次回の確認: %1</translation>
+  </message>
+  <message id="STATUS_FREE_ROOM">
+    <source></source>
+    <translation>空き %1</translation>
+  </message>
+  <message id="STATUS_FOLDER_MISSING">
+    <source></source>
+    <translation>見つかりません</translation>
+  </message>
+  <message id="STATUS_OPEN_FOLDER">
+    <source></source>
+    <translation>開く</translation>
+  </message>
+  <message id="STATUS_OPEN_FOLDER_NAMED">
+    <source></source>
+    <translation>フォルダー %1 を開く</translation>
+  </message>
+  <message id="STATUS_CHOOSE_FOLDER">
+    <source></source>
+    <translation>フォルダーを選択…</translation>
+  </message>
+  <message id="STATUS_LAST_PICTURES">
+    <source></source>
+    <translation>最近の写真</translation>
+  </message>
+  <message id="STATUS_PICTURE_BUTTON">
+    <source></source>
+    <translation>この写真のフォルダーを開きます</translation>
+  </message>
+  <message id="STATUS_NO_PICTURES_YET">
+    <source></source>
+    <translation>最近届いた写真がここに表示されます。</translation>
+  </message>
   <!-- Download folders -->
   <message id="DLG_SETTING_SAVE_FOLDER_TITLE">
     <source></source>

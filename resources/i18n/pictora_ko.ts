@@ -111,6 +111,137 @@
     <source></source>
     <translation>Downloaderpictora: 로그인하지 않음</translation>
   </message>
+  <!-- Status view -->
+  <message id="STATUS_UP_TO_DATE">
+    <source></source>
+    <translation>최신 상태입니다</translation>
+  </message>
+  <message id="STATUS_NOT_LOOKED_YET">
+    <source></source>
+    <translation>첫 확인을 기다리는 중</translation>
+  </message>
+  <message id="STATUS_LOOKING">
+    <source></source>
+    <translation>새 사진을 확인하는 중…</translation>
+  </message>
+  <message id="STATUS_FETCHING">
+    <source></source>
+    <translation>사진을 다운로드하는 중: %1/%2</translation>
+  </message>
+  <message id="STATUS_STILL_TO_COME" numerus="yes">
+    <source></source>
+    <translation>
+      <numerusform>아직 받지 못한 사진 %Ln장</numerusform>
+    </translation>
+  </message>
+  <message id="STATUS_STILL_TO_COME_HINT">
+    <source></source>
+    <translation>다운로드하지 못한 사진은 자동으로 다시 시도합니다.</translation>
+  </message>
+  <message id="STATUS_NOT_LINKED">
+    <source></source>
+    <translation>로그인하지 않음</translation>
+  </message>
+  <message id="STATUS_NOT_LINKED_HINT">
+    <source></source>
+    <translation>사진을 받으려면 사진 서비스에 로그인하세요.</translation>
+  </message>
+  <message id="STATUS_LOGIN_NEEDED">
+    <source></source>
+    <translation>다시 로그인하세요</translation>
+  </message>
+  <message id="STATUS_AWAITS_FOLDERS">
+    <source></source>
+    <translation>로그인했습니다</translation>
+  </message>
+  <message id="STATUS_AWAITS_FOLDERS_HINT">
+    <source></source>
+    <translation>사진이 저장될 위치를 아래에서 확인하세요. 이 창을 닫으면 다운로드가 시작됩니다.</translation>
+  </message>
+  <message id="STATUS_OFFLINE">
+    <source></source>
+    <translation>사진 서비스에 연결되지 않음</translation>
+  </message>
+  <message id="STATUS_OFFLINE_HINT">
+    <source></source>
+    <translation>연결이 복구되면 다운로드를 계속합니다.</translation>
+  </message>
+  <message id="STATUS_OFFLINE_UNTIL_HINT">
+    <source></source>
+    <translation>다음 시도: %1 또는 연결이 복구될 때</translation>
+  </message>
+  <message id="STATUS_WRONG_CLOCK">
+    <source></source>
+    <translation>이 컴퓨터의 시계가 맞지 않습니다</translation>
+  </message>
+  <message id="STATUS_WRONG_CLOCK_HINT">
+    <source></source>
+    <translation>이 컴퓨터는 %1, 사진 서비스는 %2입니다. 15분 넘게 차이가 나면 서비스가 모든 요청을 거부합니다. 컴퓨터의 날짜와 시간을 맞추세요.</translation>
+  </message>
+  <message id="STATUS_DISK_FULL">
+    <source></source>
+    <translation>디스크가 가득 참</translation>
+  </message>
+  <message id="STATUS_NOT_SAVED">
+    <source></source>
+    <translation>사진을 저장할 수 없음</translation>
+  </message>
+  <message id="STATUS_FAILED">
+    <source></source>
+    <translation>마지막 사진 확인에 실패했습니다</translation>
+  </message>
+  <message id="STATUS_TODAY" numerus="yes">
+    <source></source>
+    <translation>
+      <numerusform>오늘 %Ln장</numerusform>
+    </translation>
+  </message>
+  <message id="STATUS_TO_COME" numerus="yes">
+    <source></source>
+    <translation>
+      <numerusform>받지 못한 사진 %Ln장</numerusform>
+    </translation>
+  </message>
+  <message id="STATUS_LAST_LOOK">
+    <source></source>
+    <translation>마지막 확인: %1</translation>
+  </message>
+  <message id="STATUS_NEXT_LOOK">
+    <source></source>
+    <translation>다음 확인: %1</translation>
+  </message>
+  <message id="STATUS_FREE_ROOM">
+    <source></source>
+    <translation>%1 사용 가능</translation>
+  </message>
+  <message id="STATUS_FOLDER_MISSING">
+    <source></source>
+    <translation>찾을 수 없음</translation>
+  </message>
+  <message id="STATUS_OPEN_FOLDER">
+    <source></source>
+    <translation>열기</translation>
+  </message>
+  <message id="STATUS_OPEN_FOLDER_NAMED">
+    <source></source>
+    <translation>%1 폴더 열기</translation>
+  </message>
+  <message id="STATUS_CHOOSE_FOLDER">
+    <source></source>
+    <translation>폴더 선택…</translation>
+  </message>
+  <message id="STATUS_LAST_PICTURES">
+    <source></source>
+    <translation>최근 사진</translation>
+  </message>
+  <message id="STATUS_PICTURE_BUTTON">
+    <source></source>
+    <translation>이 사진의 폴더를 엽니다</translation>
+  </message>
+  <message id="STATUS_NO_PICTURES_YET">
+    <source></source>
+    <translation>최근에 받은 사진이 여기에 표시됩니다.</translation>
+  </message>
   <!-- Download folders -->
   <message id="DLG_SETTING_SAVE_FOLDER_TITLE">
     <source></source>

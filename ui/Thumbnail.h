@@ -1,0 +1,8 @@
+#pragma once
+
+#include <QImage>
+
+/// The middle of a picture, as its camera was held, in a square of @p edge pixels at most. Reads little more than it
+/// shows into memory. Any thread; may take its time.
+/// @return null for what is missing, broken, huge or no picture of a kind that is known.
+[[nodiscard]] QImage thumbnailOf(const QString &path, int edge);
