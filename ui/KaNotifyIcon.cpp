@@ -42,7 +42,7 @@ void KaNotifyIcon::onChangeStatus(KaModelFacade & /*facade*/, KaAppStatus status
   mailbox.post([this, statusMode] {
     appStatus = statusMode;
     // Without a network it only says that the next run waits for one.
-    if (statusMode == KaAppStatus::Normal && model.hasNetwork()) withdraw(endedByListing(model.stillToCome() == 0));
+    if (statusMode == KaAppStatus::Normal && model.hasNetwork()) withdraw(endedByListing(model.snapshot().stillToCome == 0));
   });
 }
 
