@@ -152,6 +152,14 @@ void KaDownloadFolderSettingView::changeEvent(QEvent *event) {
     QMetaObject::invokeMethod(this, &KaDownloadFolderSettingView::fitTexts, Qt::QueuedConnection);
 }
 
+/// What stands above the settings may come to need more room.
+bool KaDownloadFolderSettingView::event(QEvent *event) {
+  const bool isHandled = QDialog::event(event);
+  if (event->type() == QEvent::LayoutRequest && okButton && wantedSize() != fitted)
+    QMetaObject::invokeMethod(this, &KaDownloadFolderSettingView::fitTexts, Qt::QueuedConnection);
+  return isHandled;
+}
+
 /// Makes the window as large as its texts need, but never larger than the screen, nor smaller than the user made it.
 void KaDownloadFolderSettingView::fitTexts() {
   space();
@@ -160,7 +168,8 @@ void KaDownloadFolderSettingView::fitTexts() {
   for (const QWidget *const outer :
        {static_cast<QWidget *>(window->importFolderBox), window->scrollContent, static_cast<QWidget *>(this)})
     outer->layout()->activate();
-  const QSize wanted = isVisible() ? wantedSize().expandedTo(size()) : wantedSize();
+  fitted = wantedSize();
+  const QSize wanted = isVisible() ? fitted.expandedTo(size()) : fitted;
   resize(wanted.boundedTo(roomOnScreen(*this)));
   moveOntoScreen(*this);
 }

@@ -31,6 +31,7 @@ public:
   void confirm();
 
 protected:
+  bool event(QEvent *event) override;
   void showEvent(QShowEvent *event) override;
   void changeEvent(QEvent *event) override;
   bool eventFilter(QObject *watched, QEvent *event) override;
@@ -69,4 +70,5 @@ private:
   std::array<QLabel *, 5> examples{};                    ///< of each: where a picture of today would land
   QPushButton *okButton = nullptr;
   QPushButton *cancelButton = nullptr;
+  QSize fitted; ///< the size that was wanted when the window was fitted last
 };
