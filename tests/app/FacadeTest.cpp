@@ -371,6 +371,22 @@ TEST_F(FacadeData, changesARecordOnlyWhereThereIsOneAndBringsItBack) {
   EXPECT_EQ(facade.downloadData(key), added);
 }
 
+TEST_F(FacadeData, showsTheLastFailureUntilTheLinkHoldsOrARunEndsWellInSilenceToo) {
+  for (const std::function<void()> &ending : std::initializer_list<std::function<void()>>{
+           [&] { facade.notifyLinkHolds(1); }, [&] { facade.noteNothingNew(); },
+           [&] { facade.setProcessingResult(KaResultCode::DownloadComplete, /*userTrigger=*/false); }}) {
+    facade.noteFaultCause(KaFaultCause::Refused);
+    facade.setProcessingResult(KaResultCode::LinkInvalid, /*userTrigger=*/false);
+    EXPECT_EQ(facade.snapshot().fault, (KaFault{KaResultCode::LinkInvalid, KaFaultCause::Refused}));
+    facade.setProcessingResult(KaResultCode::RetryLater, /*userTrigger=*/false);
+    EXPECT_EQ(facade.snapshot().fault, KaFault{KaResultCode::RetryLater}) << "the cause was the other's";
+    facade.noteUnanswered();
+    EXPECT_EQ(facade.snapshot().fault, (KaFault{KaResultCode::Offline, KaFaultCause::NoAnswer}));
+    ending();
+    EXPECT_EQ(facade.snapshot().fault, std::nullopt);
+  }
+}
+
 TEST_F(FacadeData, startsWithTheDefaultSettingsAndKeepsChosenOnesAtOnce) {
   EXPECT_FALSE(facade.loadDownloadFolderSetting());
   EXPECT_EQ(facade.downloadOption(), defaultDownloadOption());

@@ -49,6 +49,8 @@ TEST_F(Snapshot, tellsWhenItLooksAgainByTheClockAsItIsNow) {
   EXPECT_EQ(nextLook(), due.addDays(1)) << "the clock was set";
   pass(1h);
   EXPECT_EQ(nextLook(), wall) << "it is overdue";
+  wall = wall.addMSecs(1);
+  EXPECT_EQ(nextLook(), wall.addMSecs(-1)) << "two clocks are never read in the same instant";
   keeper.noteWait(std::chrono::milliseconds::max());
   EXPECT_GT(nextLook(), wall.addDays(300));
   for (const auto &end : {&KaSnapshotKeeper::noteLooking, &KaSnapshotKeeper::forgetLink}) {

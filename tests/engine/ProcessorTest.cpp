@@ -253,6 +253,7 @@ TEST_P(OldLink, isNotBroughtBackByItsLateAnswer) {
     loginGivenUp ? linkTo(signIn()) : startBy(GetParam());
     ASSERT_TRUE(waitForRequest(GetParam()));
     delegate.forgetEvents();
+    delegate.change([](auto &answers) { answers.onlookers.clear(); });
     link.close();
     if (loginGivenUp) beginLogin(link);
     service.clearFaults();
@@ -260,6 +261,7 @@ TEST_P(OldLink, isNotBroughtBackByItsLateAnswer) {
     EXPECT_EQ(link.state(), KaLinkState::Unlinked);
     EXPECT_EQ(pairingFiles(), loginGivenUp ? names("tmpFile") : QStringList());
     EXPECT_TRUE(files().isEmpty());
+    EXPECT_FALSE(delegate.answers().onlookers.join(u'|').contains(QRegularExpression(u"look|file|pass|wait "_s)));
   }
 }
 
@@ -283,7 +285,8 @@ TEST_F(Processor, beginsNoRunWhileALoginIsUnderWayAndKeepsItsVerifierForIt) {
   service.resetRequestCounts();
   const QString idToken = signIn();
   processor->getContentsNow(); // comes to nothing before the login has completed
-  ASSERT_TRUE(waitFor([&] { return !logged(u"Login Wait"_s).isEmpty(); }));
+  ASSERT_TRUE(
+      waitFor([&] { return !logged(u"Login Wait"_s).isEmpty() && delegate.answers().onlookers.last() == u"wait"; }));
   linkTo(idToken);
   ASSERT_TRUE(delegate.waitForEvent(u"enableLoggin 1"_s, 2));
   const QList<Endpoint> order = asked();
