@@ -137,7 +137,7 @@
   </message>
   <message id="STATUS_STILL_TO_COME_HINT">
     <source></source>
-    <translation>Fotos, die nicht heruntergeladen werden konnten, werden automatisch erneut versucht.</translation>
+    <translation>Downloaderpictora versucht von selbst erneut, die fehlenden Fotos herunterzuladen.</translation>
   </message>
   <message id="STATUS_NOT_LINKED">
     <source></source>
@@ -149,7 +149,7 @@
   </message>
   <message id="STATUS_LOGIN_NEEDED">
     <source></source>
-    <translation>Bitte melden Sie sich erneut an</translation>
+    <translation>Melden Sie sich erneut an</translation>
   </message>
   <message id="STATUS_AWAITS_FOLDERS">
     <source></source>
@@ -415,7 +415,7 @@
   </message>
   <message id="MSG_ERR_VALIDATION_NO_ANSWER">
     <source></source>
-    <translation>Der Fotodienst antwortet gerade nicht, deshalb konnte Ihre Anmeldung nicht geprüft werden. Es ist nichts verloren: Der Versuch wird von selbst wiederholt.</translation>
+    <translation>Der Fotodienst antwortet gerade nicht, deshalb konnte Ihre Anmeldung nicht geprüft werden. Es ist nichts verloren: Downloaderpictora versucht es von selbst erneut.</translation>
   </message>
   <message id="MSG_ERR_VALIDATION_NOT_ACCEPTED">
     <source></source>

@@ -122,7 +122,7 @@
   </message>
   <message id="STATUS_LOOKING">
     <source></source>
-    <translation>Looking for new pictures…</translation>
+    <translation>Checking for new pictures…</translation>
   </message>
   <message id="STATUS_FETCHING">
     <source></source>
@@ -149,7 +149,7 @@
   </message>
   <message id="STATUS_LOGIN_NEEDED">
     <source></source>
-    <translation>Please log in again</translation>
+    <translation>Log in again</translation>
   </message>
   <message id="STATUS_AWAITS_FOLDERS">
     <source></source>
@@ -415,7 +415,7 @@
   </message>
   <message id="MSG_ERR_VALIDATION_NO_ANSWER">
     <source></source>
-    <translation>The photo service does not answer at the moment, so your login could not be checked. Nothing is lost: it is tried again by itself.</translation>
+    <translation>The photo service does not answer at the moment, so your login could not be checked. Nothing is lost: Downloaderpictora will try again by itself.</translation>
   </message>
   <message id="MSG_ERR_VALIDATION_NOT_ACCEPTED">
     <source></source>

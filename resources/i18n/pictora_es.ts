@@ -415,7 +415,7 @@
   </message>
   <message id="MSG_ERR_VALIDATION_NO_ANSWER">
     <source></source>
-    <translation>El servicio de fotos no responde en este momento, por lo que no se pudo comprobar su sesión. No se ha perdido nada: se intentará de nuevo automáticamente.</translation>
+    <translation>El servicio de fotos no responde en este momento, por lo que no se pudo comprobar su sesión. No se ha perdido nada: Downloaderpictora lo volverá a intentar por sí solo.</translation>
   </message>
   <message id="MSG_ERR_VALIDATION_NOT_ACCEPTED">
     <source></source>

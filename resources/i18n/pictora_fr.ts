@@ -118,7 +118,7 @@
   </message>
   <message id="STATUS_NOT_LOOKED_YET">
     <source></source>
-    <translation>En attente de la première vérification</translation>
+    <translation>En attente de la première recherche</translation>
   </message>
   <message id="STATUS_LOOKING">
     <source></source>
@@ -137,23 +137,23 @@
   </message>
   <message id="STATUS_STILL_TO_COME_HINT">
     <source></source>
-    <translation>Une nouvelle tentative a lieu automatiquement pour les photos qui n’ont pas pu être téléchargées.</translation>
+    <translation>Downloaderpictora réessaie de lui-même pour les photos qui n’ont pas pu être téléchargées.</translation>
   </message>
   <message id="STATUS_NOT_LINKED">
     <source></source>
-    <translation>Non connecté</translation>
+    <translation>Aucun compte connecté</translation>
   </message>
   <message id="STATUS_NOT_LINKED_HINT">
     <source></source>
-    <translation>Connectez-vous au service photo pour recevoir vos photos.</translation>
+    <translation>Connectez-vous à votre compte pour recevoir vos photos.</translation>
   </message>
   <message id="STATUS_LOGIN_NEEDED">
     <source></source>
-    <translation>Reconnectez-vous</translation>
+    <translation>Connectez-vous à nouveau à votre compte</translation>
   </message>
   <message id="STATUS_AWAITS_FOLDERS">
     <source></source>
-    <translation>Connexion effectuée</translation>
+    <translation>Votre compte est connecté</translation>
   </message>
   <message id="STATUS_AWAITS_FOLDERS_HINT">
     <source></source>
@@ -161,7 +161,7 @@
   </message>
   <message id="STATUS_OFFLINE">
     <source></source>
-    <translation>Pas de connexion au service photo</translation>
+    <translation>Service photo injoignable</translation>
   </message>
   <message id="STATUS_OFFLINE_HINT">
     <source></source>
@@ -173,7 +173,7 @@
   </message>
   <message id="STATUS_WRONG_CLOCK">
     <source></source>
-    <translation>L’horloge de cet ordinateur est fausse</translation>
+    <translation>L’horloge de cet ordinateur n’est pas à l’heure</translation>
   </message>
   <message id="STATUS_WRONG_CLOCK_HINT">
     <source></source>
@@ -383,7 +383,7 @@
   </message>
   <message id="MSG_ERR_UNLINK">
     <source></source>
-    <translation>Vous n’êtes pas connecté au service photo. Choisissez « Se connecter… » dans le menu, ou cliquez ici, pour recevoir vos photos.</translation>
+    <translation>Aucun compte n’est connecté. Choisissez « Se connecter… » dans le menu, ou cliquez ici, pour recevoir vos photos.</translation>
   </message>
   <message id="MSG_ERR_RETRY">
     <source></source>
@@ -415,11 +415,11 @@
   </message>
   <message id="MSG_ERR_VALIDATION_NO_ANSWER">
     <source></source>
-    <translation>Le service photo ne répond pas pour le moment : votre identification n’a pas pu être vérifiée. Rien n’est perdu : une nouvelle tentative aura lieu automatiquement.</translation>
+    <translation>Le service photo ne répond pas pour le moment : votre identification n’a pas pu être vérifiée. Rien n’est perdu : Downloaderpictora réessaiera de lui-même.</translation>
   </message>
   <message id="MSG_ERR_VALIDATION_NOT_ACCEPTED">
     <source></source>
-    <translation>Ce que votre navigateur a renvoyé ne correspond à aucune connexion commencée ici. Choisissez « Se connecter… » dans le menu pour recommencer.</translation>
+    <translation>Ce que votre navigateur a renvoyé ne correspond à aucune identification commencée ici. Choisissez « Se connecter… » dans le menu pour recommencer.</translation>
   </message>
   <message id="MSG_ERR_CLOCK">
     <source></source>

@@ -15,7 +15,7 @@
   <!-- Start-up -->
   <message id="MSG_FIRST_LAUNCH">
     <source></source>
-    <translation>Vuoi avviare Downloaderpictora insieme al computer? Così le nuove foto arrivano da sole. Puoi cambiare questa impostazione in qualsiasi momento dal menu.</translation>
+    <translation>Vuoi avviare Downloaderpictora insieme al computer? Così le nuove foto arrivano da sole. Puoi cambiare l’impostazione in qualsiasi momento dal menu.</translation>
   </message>
   <message id="DLG_FIRST_LAUNCH_BUTTON_START">
     <source></source>
@@ -137,7 +137,7 @@
   </message>
   <message id="STATUS_STILL_TO_COME_HINT">
     <source></source>
-    <translation>Il download delle foto non riuscite viene ritentato automaticamente.</translation>
+    <translation>Downloaderpictora riprova da solo a scaricare le foto che mancano.</translation>
   </message>
   <message id="STATUS_NOT_LINKED">
     <source></source>
@@ -145,11 +145,11 @@
   </message>
   <message id="STATUS_NOT_LINKED_HINT">
     <source></source>
-    <translation>Accedere al servizio foto per ricevere le foto.</translation>
+    <translation>Accedi al servizio foto per ricevere le tue foto.</translation>
   </message>
   <message id="STATUS_LOGIN_NEEDED">
     <source></source>
-    <translation>Accedere di nuovo</translation>
+    <translation>Accedi di nuovo</translation>
   </message>
   <message id="STATUS_AWAITS_FOLDERS">
     <source></source>
@@ -177,7 +177,7 @@
   </message>
   <message id="STATUS_WRONG_CLOCK_HINT">
     <source></source>
-    <translation>Segna %1, il servizio foto %2. Finché differiscono di più di 15 minuti, il servizio rifiuta tutto. Regolare la data e l’ora di questo computer.</translation>
+    <translation>Segna %1, il servizio foto %2. Finché differiscono di più di 15 minuti, il servizio rifiuta tutto. Imposta la data e l’ora di questo computer.</translation>
   </message>
   <message id="STATUS_DISK_FULL">
     <source></source>
@@ -330,7 +330,7 @@
   <!-- What does not open -->
   <message id="MSG_PAGE_NOT_OPENED">
     <source></source>
-    <translation>Impossibile aprire il browser web. Copiare questo indirizzo e aprirlo in un browser.</translation>
+    <translation>Il browser web non si è aperto. Copia questo indirizzo e aprilo in un browser.</translation>
   </message>
   <message id="MSG_FOLDER_NOT_OPENED">
     <source></source>
@@ -383,7 +383,7 @@
   </message>
   <message id="MSG_ERR_UNLINK">
     <source></source>
-    <translation>L’accesso al servizio foto non è stato effettuato. Scegliere «Accedi…» dal menu, oppure fare clic qui, per ricevere le foto.</translation>
+    <translation>Non hai effettuato l’accesso al servizio foto. Scegli «Accedi…» dal menu, oppure fai clic qui, per ricevere le tue foto.</translation>
   </message>
   <message id="MSG_ERR_RETRY">
     <source></source>
@@ -403,27 +403,27 @@
   </message>
   <message id="MSG_ERR_LINK_INVALID">
     <source></source>
-    <translation>Il servizio foto ha rifiutato l’accesso. Scegliere «Accedi…» dal menu per accedere di nuovo.</translation>
+    <translation>Il servizio foto ha rifiutato l’accesso. Scegli «Accedi…» dal menu per accedere di nuovo.</translation>
   </message>
   <message id="MSG_ERR_LINK_INVALID_NO_ANSWER">
     <source></source>
-    <translation>Al momento il servizio foto non risponde, quindi non è stato possibile verificare l’accesso. Se si stava effettuando l’accesso, scegliere di nuovo «Accedi…» dal menu più tardi; altrimenti verrà verificato di nuovo automaticamente.</translation>
+    <translation>Al momento il servizio foto non risponde e non è stato possibile verificare l’accesso. Se stavi effettuando l’accesso, scegli di nuovo «Accedi…» dal menu più tardi; altrimenti verrà verificato di nuovo da solo.</translation>
   </message>
   <message id="MSG_ERR_VALIDATION">
     <source></source>
-    <translation>L’accesso non è più valido. Scegliere «Accedi…» dal menu per accedere di nuovo.</translation>
+    <translation>L’accesso non è più valido. Scegli «Accedi…» dal menu per accedere di nuovo.</translation>
   </message>
   <message id="MSG_ERR_VALIDATION_NO_ANSWER">
     <source></source>
-    <translation>Al momento il servizio foto non risponde, quindi non è stato possibile verificare l’accesso. Nulla è andato perso: si riproverà automaticamente.</translation>
+    <translation>Al momento il servizio foto non risponde e non è stato possibile verificare l’accesso. Nulla è andato perso: Downloaderpictora riproverà da solo.</translation>
   </message>
   <message id="MSG_ERR_VALIDATION_NOT_ACCEPTED">
     <source></source>
-    <translation>Ciò che il browser ha restituito non appartiene a un accesso avviato da qui. Scegliere «Accedi…» dal menu per ricominciare.</translation>
+    <translation>Ciò che il browser ha restituito non appartiene a un accesso avviato da qui. Scegli «Accedi…» dal menu per ricominciare.</translation>
   </message>
   <message id="MSG_ERR_CLOCK">
     <source></source>
-    <translation>L’orologio di questo computer è sbagliato e il servizio foto rifiuta le richieste con un’ora errata. Impostare la data e l’ora corrette; le foto arriveranno poi automaticamente. Se si stava effettuando l’accesso, scegliere di nuovo «Accedi…» dal menu.</translation>
+    <translation>L’orologio di questo computer è sbagliato e il servizio foto rifiuta le richieste con un’ora errata. Imposta la data e l’ora corrette; le foto arriveranno poi da sole. Se stavi effettuando l’accesso, scegli di nuovo «Accedi…» dal menu.</translation>
   </message>
   <message id="MSG_NEW_VERSION_RELEASED">
     <source></source>

@@ -136,7 +136,7 @@
   </message>
   <message id="STATUS_STILL_TO_COME_HINT">
     <source></source>
-    <translation>ダウンロードできなかった写真は、自動的にもう一度試みます。</translation>
+    <translation>ダウンロードできなかった写真は、自動的に再試行します。</translation>
   </message>
   <message id="STATUS_NOT_LINKED">
     <source></source>
@@ -327,7 +327,7 @@
   <!-- What does not open -->
   <message id="MSG_PAGE_NOT_OPENED">
     <source></source>
-    <translation>ウェブブラウザーを開けませんでした。このアドレスをコピーして、ご自分でブラウザーで開いてください。</translation>
+    <translation>Web ブラウザーを開けませんでした。このアドレスをコピーして、ブラウザーで開いてください。</translation>
   </message>
   <message id="MSG_FOLDER_NOT_OPENED">
     <source></source>
@@ -400,7 +400,7 @@
   </message>
   <message id="MSG_ERR_LINK_INVALID">
     <source></source>
-    <translation>写真サービスにログインを拒否されました。メニューから「ログイン…」を選択して、もう一度ログインしてください。</translation>
+    <translation>写真サービスがログインを拒否しました。メニューから「ログイン…」を選択して、もう一度ログインしてください。</translation>
   </message>
   <message id="MSG_ERR_LINK_INVALID_NO_ANSWER">
     <source></source>
@@ -412,7 +412,7 @@
   </message>
   <message id="MSG_ERR_VALIDATION_NO_ANSWER">
     <source></source>
-    <translation>写真サービスが現在応答していないため、ログインを確認できませんでした。失われたものはありません。自動的に再試行されます。</translation>
+    <translation>写真サービスが現在応答していないため、ログインを確認できませんでした。何も失われていません。後で自動的に再試行します。</translation>
   </message>
   <message id="MSG_ERR_VALIDATION_NOT_ACCEPTED">
     <source></source>

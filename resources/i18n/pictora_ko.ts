@@ -420,7 +420,7 @@
   </message>
   <message id="MSG_ERR_CLOCK">
     <source></source>
-    <translation>이 컴퓨터의 시계가 맞지 않으며, 사진 서비스는 시간이 틀린 요청을 거부합니다. 날짜와 시간을 올바르게 설정하면 사진이 자동으로 들어옵니다. 로그인하던 중이었다면 메뉴에서 ‘로그인…’을 다시 선택하세요.</translation>
+    <translation>이 컴퓨터의 시계가 맞지 않으며, 사진 서비스는 시간이 틀린 요청을 거부합니다. 날짜와 시간을 올바르게 설정하면 사진이 자동으로 도착합니다. 로그인하던 중이었다면 메뉴에서 ‘로그인…’을 다시 선택하세요.</translation>
   </message>
   <message id="MSG_NEW_VERSION_RELEASED">
     <source></source>

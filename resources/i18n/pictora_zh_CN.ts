@@ -136,7 +136,7 @@
   </message>
   <message id="STATUS_STILL_TO_COME_HINT">
     <source></source>
-    <translation>未能下载的照片会自动再次尝试。</translation>
+    <translation>未能下载的照片会自动重试。</translation>
   </message>
   <message id="STATUS_NOT_LINKED">
     <source></source>
@@ -160,7 +160,7 @@
   </message>
   <message id="STATUS_OFFLINE">
     <source></source>
-    <translation>未连接到照片服务</translation>
+    <translation>无法连接到照片服务</translation>
   </message>
   <message id="STATUS_OFFLINE_HINT">
     <source></source>
@@ -172,11 +172,11 @@
   </message>
   <message id="STATUS_WRONG_CLOCK">
     <source></source>
-    <translation>本机的时钟不准</translation>
+    <translation>此电脑的时钟不准</translation>
   </message>
   <message id="STATUS_WRONG_CLOCK_HINT">
     <source></source>
-    <translation>本机时间为 %1，照片服务为 %2。相差超过 15 分钟时，服务会拒绝一切请求。请调整本机的日期和时间。</translation>
+    <translation>此电脑时间为 %1，照片服务为 %2。相差超过 15 分钟时，服务会拒绝一切请求。请调整此电脑的日期和时间。</translation>
   </message>
   <message id="STATUS_DISK_FULL">
     <source></source>
@@ -420,7 +420,7 @@
   </message>
   <message id="MSG_ERR_CLOCK">
     <source></source>
-    <translation>本机的时钟不正确，照片服务会拒绝时间有误的请求。请正确设置日期和时间，照片随后会自动下载。如果您正在登录，请再次从菜单中选择“登录…”。</translation>
+    <translation>此电脑的时钟不正确，照片服务会拒绝时间有误的请求。请正确设置日期和时间，照片随后会自动下载。如果您正在登录，请再次从菜单中选择“登录…”。</translation>
   </message>
   <message id="MSG_NEW_VERSION_RELEASED">
     <source></source>
