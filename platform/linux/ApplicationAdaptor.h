@@ -31,10 +31,9 @@ public Q_SLOTS:
     if (!isUnseen()) return later(call, [this] { Q_EMIT instance.activated(); });
     call.setDelayedReply(true);
     later(call, [this, call] {
-      // Before the answer: whoever has it looks for the agent in every place.
-      instance.resign();
-      answerAsGone(call, QStringLiteral("there is no display to show the agent on"));
+      // First the end, by which it cannot be reached any more: whoever has the answer looks for it in every place.
       Q_EMIT instance.activated();
+      answerAsGone(call, QStringLiteral("there is no display to show the agent on"));
     });
   }
   void Open(const QStringList &uris, const QVariantMap &, const QDBusMessage &call) {

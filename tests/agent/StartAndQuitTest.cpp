@@ -133,7 +133,7 @@ TEST_F(Start, byTheBusWithoutADisplayLinksAndMakesRoomForAStartThatIsSeen) {
   EXPECT_TRUE(waitFor([this] { return AgentProcess::requestAction(u"confirm"_s) && !files().isEmpty(); }));
   EXPECT_EQ(process(), unseen);
   AgentProcess seen;
-  EXPECT_TRUE(waitFor([&] { return process() != unseen && holdsTheProfile(seen); }));
+  EXPECT_TRUE(waitFor([&] { return process() == seen.id() && holdsTheProfile(seen); }));
 }
 
 TEST_F(Start, waitsForTheEndOfTheAgentBefore) {

@@ -33,6 +33,7 @@ public:
   /// Looks without waiting; in between the event loop of the test goes on.
   [[nodiscard]] bool isRunning() const { return process.state() != QProcess::NotRunning; }
   [[nodiscard]] static QByteArray program();
+  [[nodiscard]] qint64 id() const { return process.processId(); }
   /// What every user of the machine can read of it.
   [[nodiscard]] QByteArray commandLine() const;
   /// @return the exit status, or nothing when the process still ran at the deadline or was killed.
