@@ -171,8 +171,7 @@ private:
     Entry &entry = found->second;
     entry.call = nullptr;
     if (!done->isError()) entry.id = idIn(*done);
-    // Refused: not again before there is something new to say, or to somebody new.
-    if (done->isError() && std::exchange(entry.isSent, false) && entry.wanted) return;
+    // What was refused is not sent again before there is something new to say, or to somebody new.
     settle();
   }
 

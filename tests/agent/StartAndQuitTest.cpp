@@ -295,9 +295,14 @@ TEST_F(Start, quitTakesItsNotificationsAlongUnlessTheirServiceHangs) {
     EXPECT_TRUE(takesThemAlong(agent));
   }
   {
+    const QString settings = profile.appFolder() + u"/DownloadSettingData.plist"_s;
+    ASSERT_TRUE(QFile::remove(settings));
     AgentProcess agent;
-    notifications.beforeAnswer = [&] { agent.terminate(); };
-    ASSERT_TRUE(waitFor([&] { return !notifications.beforeAnswer; }));
+    notifications.beforeAnswer = [&] {
+      agent.terminate();
+      EXPECT_TRUE(waitFor([&] { return QFile::exists(settings); })) << "saved at the end";
+    };
+    ASSERT_TRUE(waitFor([&] { return notifications.lastId > 1; }));
     EXPECT_TRUE(takesThemAlong(agent)) << "the id came late";
   }
   AgentProcess agent;

@@ -51,6 +51,7 @@ public:
   void notify(NotificationKind kind, const platform::Notification &told) override {
     notifications << told.title + told.text + told.processingResult;
     standing[kind] = told.processingResult;
+    lastTold = told;
   }
   void withdraw(NotificationKind kind) override { standing.remove(kind); }
   void withdrawAll() override { standing.clear(); }
@@ -59,7 +60,8 @@ public:
   QStringList alerts;
   QStringList notifications;
   QMap<NotificationKind, QString> standing; ///< results
-  std::function<void()> nextFault;          ///< happens once, at the next show
+  platform::Notification lastTold;
+  std::function<void()> nextFault; ///< happens once, at the next show
 };
 
 /// The controller over the real facade, with a status item that only remembers. The download thread has ended, so that
@@ -157,6 +159,10 @@ TEST_F(NotifyIcon, showsAndTellsEachResultInItsOwnWordsAndDoubtsTheLinkAfterEver
     const QString told = localised("APP_SHORT_NAME"_L1) + text + QString::number(code);
     EXPECT_EQ(view.notifications.join(u'|'), text.isEmpty() ? QString() : told);
     EXPECT_FALSE(!text.isEmpty() && words.values().contains(text));
+    using platform::Notification;
+    EXPECT_TRUE(text.isEmpty()
+                || ((view.lastTold.urgency == Notification::Urgency::Low) == (code < 5 || code == 24)
+                    && (view.lastTold.topic == Notification::Topic::TransferComplete) == (code < 4)));
     words[code] = text;
   }
   icon->onChangeLinkage(true);
@@ -213,11 +219,12 @@ TEST_F(NotifyIcon, linksWaitsBeforeTheFirstRunAnimatesItAndLogsOutAtOnce) {
   QElapsedTimer sinceLogin;
   sinceLogin.start();
   dialogs().first()->reject();
+  EXPECT_TRUE(view.standing.isEmpty()) << "an error before the link counted says nothing about it";
   EXPECT_EQ(facade.linkState(), KaLinkState::AwaitsFolders) << "until its first run is asked for";
   ASSERT_TRUE(waitFor([&] { return last().frame == Standby; }));
   EXPECT_EQ(facade.linkState(), KaLinkState::Linked);
   EXPECT_GE(sinceLogin.elapsed(), 50);
-  EXPECT_TRUE(last().isDownloadEnabled) << "an error before the link counted says nothing about it";
+  EXPECT_TRUE(last().isDownloadEnabled) << "nor does it here";
   icon->onChangeStatus(facade, KaAppStatus::Downloading);
   ASSERT_TRUE(waitFor([&] { return last().frame == Receive1; }));
   auto next = view.states.size();
@@ -306,7 +313,7 @@ TEST_F(NotifyIcon, withdrawsWhatIsNotTrueAnyMoreAndBeginsNoLoginForALinkThatHold
   };
   const std::tuple<QStringList, std::function<void()>, QStringList> rows[] = {
       {{u"1"_s, u"2"_s, u"10"_s, u"16"_s}, [] {}, {u"1"_s, u"2"_s, u"16"_s}},
-      {{u"4"_s, u"9"_s, u"8"_s, u"14"_s, u"24"_s}, result(17), {u"17"_s, u"8"_s, u"14"_s, u"24"_s}},
+      {{u"4"_s, u"9"_s, u"13"_s, u"14"_s, u"24"_s}, result(17), {u"17"_s, u"13"_s, u"14"_s, u"24"_s}},
       {{u"16"_s, u"11"_s, u"13"_s, u"14"_s}, normal, {u"14"_s}},
       {{u"10"_s, u"12"_s}, holds, {u"12"_s}},
       {{u"4"_s, u"17"_s, u"7"_s, u"8"_s, u"14"_s}, result(2), {u"2"_s, u"14"_s}},
@@ -340,6 +347,12 @@ TEST_F(NotifyIcon, withdrawsWhatIsNotTrueAnyMoreAndBeginsNoLoginForALinkThatHold
   report(result(17));
   EXPECT_FALSE(clickLogIn());
   EXPECT_THAT(opened(), HasSubstr("/getLogin?"));
+  Q_EMIT view.entryTriggered(StatusEntry::Logout);
+  EXPECT_THAT(opened(), HasSubstr("/logout?"));
+  report([] {});
+  EXPECT_FALSE(clickLogIn());
+  EXPECT_THAT(opened(), HasSubstr("/getLogin?")) << "there is no link to lose";
+  report(result(17));
   EXPECT_FALSE(icon->appFinalize(0ms));
   EXPECT_TRUE(view.standing.isEmpty()) << "all end with the program";
 }
