@@ -351,6 +351,12 @@ TEST_F(News, ofAClockThatIsFarOffIsTheCauseOfWhatIsRefusedForItsTime) {
   ASSERT_TRUE(delegate.waitForEvent(u"result 16"_s));
   EXPECT_EQ(delegate.answers().cause, KaFaultCause::WrongClock) << "of a signature from another time";
   processor.reset();
+  delegate.change([](auto &answers) { answers.waits.pollingError = 1h; });
+  service.order(Endpoint::RefreshToken, {.status = 503});
+  begin();
+  ASSERT_TRUE(delegate.waitForEvent(u"result 17"_s, 2));
+  EXPECT_EQ(delegate.answers().cause, KaFaultCause::NoAnswer) << "whatever the clock shows";
+  processor.reset();
   service.setClockAhead(0h);
   service.order(Endpoint::Sts, {.status = 403});
   begin();
