@@ -329,7 +329,7 @@ TEST_F(Settings, showBothEndsOfALongPathAndAllOfItOnDemand) {
   find<QWidget>(u"okButton"_s).setFocus();
   const QString middle = u"/long/"_s.repeated(40);
   QList<QImage> pictures;
-  for (const QString &path : {u"a"_s + middle + u'a', u"b"_s + middle + u'a', u"a"_s + middle + u'b'}) {
+  for (const QString &path : {u"b"_s + middle + u'b', u"d"_s + middle + u'b', u"b"_s + middle + u'd'}) {
     folder().setText(path);
     EXPECT_EQ(folder().toolTip(), path);
     if (const QImage picture = folder().grab().toImage(); !pictures.contains(picture)) pictures << picture;
