@@ -7,6 +7,7 @@
 #include "platform/ThreadBound.h"
 #include "ui/HelpPages.h"
 #include "ui/KaDownloadFolderSettingView.h"
+#include "ui/KaStatusView.h"
 #include "ui/KaVersionInformationView.h"
 #include "ui/LoginItemQuestion.h"
 #include "ui/Texts.h"
@@ -91,9 +92,33 @@ template <class Dialog, class... Arguments> void KaNotifyIcon::openDialog(Argume
   dialog->activateWindow();
 }
 
+void KaNotifyIcon::openSettings() {
+  openDialog<KaDownloadFolderSettingView>(model);
+  const auto *const settings = qobject_cast<KaDownloadFolderSettingView *>(dialog);
+  if (!settings) return;
+  connect(&settings->statusView(), &KaStatusView::remedyRequested, this, &KaNotifyIcon::performRemedy,
+          Qt::UniqueConnection);
+  connect(&settings->statusView(), &KaStatusView::openFolderRequested, this, &KaNotifyIcon::openFolder,
+          Qt::UniqueConnection);
+}
+
+void KaNotifyIcon::performRemedy(StatusRemedy remedy) {
+  switch (remedy) {
+  case StatusRemedy::LogIn:
+    return menuAction_Link();
+  case StatusRemedy::LookNow:
+    return menuAction_Download();
+  case StatusRemedy::OpenHelp:
+    return menuAction_Help();
+  case StatusRemedy::ChooseFolder: // the window's own business
+  case StatusRemedy::None:
+    return;
+  }
+}
+
 void KaNotifyIcon::confirmFolders() {
   const bool otherWindowOpen = dialog && !qobject_cast<KaDownloadFolderSettingView *>(dialog);
-  openDialog<KaDownloadFolderSettingView>(model);
+  openSettings();
   if (otherWindowOpen) {
     connect(dialog, &QDialog::finished, this, &KaNotifyIcon::onCompleteLinkageSetting, Qt::QueuedConnection);
   } else {
@@ -191,7 +216,7 @@ void KaNotifyIcon::menuAction_Download() {
 }
 
 void KaNotifyIcon::menuAction_DispSetting() {
-  guarded([this] { openDialog<KaDownloadFolderSettingView>(model); });
+  guarded([this] { openSettings(); });
 }
 
 void KaNotifyIcon::menuAction_Help() {

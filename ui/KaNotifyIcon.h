@@ -7,6 +7,7 @@
 #include "platform/ThreadAnnotations.h"
 #include "ui/KaStatusItemView.h"
 #include "ui/StatusItemState.h"
+#include "ui/StatusSummary.h"
 
 #include <QDialog>
 #include <QObject>
@@ -81,6 +82,8 @@ private:
   void reportResult(KaResultCode result, QLatin1StringView messageKey, bool userTrigger);
   /// Opens a window of its own, or brings the one before the user that is open.
   template <class Dialog, class... Arguments> void openDialog(Arguments &...arguments);
+  void openSettings();
+  void performRemedy(StatusRemedy remedy);
   void confirmFolders();
   void foldersConfirmed();
   void startInitialRun();
