@@ -335,7 +335,7 @@ TEST_F(StatusView, showsTheLastPicturesAsTheyCanBeRead) {
   const QString folder = profile.path(u"day"_s) + u'/';
   writeFile(folder + u"broken.jpg"_s, "\xff\xd8\xff");
   snapshot.lastFiles = {folder + u"missing.jpg"_s, folder + u"broken.jpg"_s, writePicture(folder + u"good.jpg"_s)};
-  times.refresh = 1h;
+  times = {.refresh = 1h, .room = 1h};
   open();
   ASSERT_TRUE(waitFor([&] { return pictures().size() == 3 && isRed(middle(*pictures()[2])); }));
   for (const int plain : {0, 1})
