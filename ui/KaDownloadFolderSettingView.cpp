@@ -3,6 +3,7 @@
 #include "app/KaModelFacade.h"
 #include "engine/OutputFolder.h"
 #include "log/ExceptionGuard.h"
+#include "ui/KaStatusView.h"
 #include "ui/Mnemonics.h"
 #include "ui/ScreenRoom.h"
 #include "ui/Texts.h"
@@ -82,8 +83,12 @@ void addPath(QMessageBox &box, const QString &path, QSize room) {
 } // namespace
 
 KaDownloadFolderSettingView::KaDownloadFolderSettingView(KaModelFacade &facade, QWidget *parent)
-    : QDialog(parent), model(facade), window(std::make_unique<Ui::DownloadFolderSettingWindow>()) {
+    : QDialog(parent), model(facade), status(new KaStatusView({.snapshot = [&facade] { return facade.snapshot(); },
+                                                               .option = [&facade] { return facade.downloadOption(); }},
+                                                              this)),
+      window(std::make_unique<Ui::DownloadFolderSettingWindow>()) {
   window->setupUi(this);
+  window->contentLayout->insertWidget(0, status);
   addControls();
   setTexts();
   connectControls();
@@ -244,6 +249,10 @@ void KaDownloadFolderSettingView::showOptions() {
 }
 
 void KaDownloadFolderSettingView::connectControls() {
+  connect(status, &KaStatusView::remedyRequested, this, [this](StatusRemedy remedy) {
+    if (remedy == StatusRemedy::ChooseFolder) inputFolderPathReferenceButton_Click();
+  });
+  connect(status, &KaStatusView::roomNeeded, this, &KaDownloadFolderSettingView::fitTexts, Qt::QueuedConnection);
   const auto onClick = [this](QAbstractButton *button, auto action) {
     connect(button, &QAbstractButton::clicked, this, action);
   };

@@ -9,6 +9,7 @@ namespace Ui {
 class DownloadFolderSettingWindow;
 }
 class KaModelFacade;
+class KaStatusView;
 class QAbstractButton;
 class QCheckBox;
 class QLabel;
@@ -29,6 +30,8 @@ public:
 
   /// What a click on OK does.
   void confirm();
+  /// The strip above the settings. What it asks for others do, but for the choice of a folder.
+  [[nodiscard]] KaStatusView &statusView() const { return *status; }
 
 protected:
   bool event(QEvent *event) override;
@@ -65,6 +68,7 @@ private:
   [[nodiscard]] qint64 selectedChildFolder() const;
 
   KaModelFacade &model;
+  KaStatusView *const status; ///< made before the settings, as who works by keyboard meets it before them
   const std::unique_ptr<Ui::DownloadFolderSettingWindow> window;
   std::array<QRadioButton *, 5> subFolderRadioButtons{}; ///< by the number of their scheme
   std::array<QLabel *, 5> examples{};                    ///< of each: where a picture of today would land

@@ -5,12 +5,15 @@
 #include "platform/ThreadBound.h"
 #include "ui/HelpPages.h"
 #include "ui/KaDownloadFolderSettingView.h"
+#include "ui/KaStatusView.h"
 #include "ui/KaVersionInformationView.h"
 #include "ui/LoginItemQuestion.h"
 #include "ui/OpenOrSay.h"
 #include "ui/Texts.h"
 
 #include <QCoreApplication>
+
+#include <algorithm>
 
 using namespace Qt::StringLiterals;
 
@@ -42,7 +45,8 @@ void KaNotifyIcon::onChangeStatus(KaModelFacade & /*facade*/, KaAppStatus status
   mailbox.post([this, statusMode] {
     appStatus = statusMode;
     // Without a network it only says that the next run waits for one.
-    if (statusMode == KaAppStatus::Normal && model.hasNetwork()) withdraw(endedByListing(model.snapshot().stillToCome == 0));
+    if (statusMode == KaAppStatus::Normal && model.hasNetwork())
+      withdraw(endedByListing(model.snapshot().stillToCome == 0));
   });
 }
 
@@ -105,9 +109,37 @@ template <class Dialog, class... Arguments> void KaNotifyIcon::openDialog(Argume
   dialog->activateWindow();
 }
 
+void KaNotifyIcon::openSettings() {
+  openDialog<KaDownloadFolderSettingView>(model);
+  const auto *const settings = qobject_cast<KaDownloadFolderSettingView *>(dialog);
+  if (!settings) return;
+  connect(&settings->statusView(), &KaStatusView::remedyRequested, this, &KaNotifyIcon::performRemedy,
+          Qt::UniqueConnection);
+  connect(&settings->statusView(), &KaStatusView::openFolderRequested, this, &KaNotifyIcon::openFolder,
+          Qt::UniqueConnection);
+}
+
+void KaNotifyIcon::performRemedy(StatusRemedy remedy) {
+  switch (remedy) {
+  case StatusRemedy::LogIn:
+    return perform(StatusEntry::Link);
+  case StatusRemedy::LookNow:
+    return perform(StatusEntry::Download);
+  case StatusRemedy::OpenHelp:
+    return perform(StatusEntry::Help);
+  case StatusRemedy::ChooseFolder: // the window's own business
+  case StatusRemedy::None:
+    return;
+  }
+}
+
+void KaNotifyIcon::openFolder(const QString &path) {
+  guarded([&] { openFolderOrSay(path); });
+}
+
 void KaNotifyIcon::confirmFolders() {
   const bool otherWindowOpen = dialog && !qobject_cast<KaDownloadFolderSettingView *>(dialog);
-  openDialog<KaDownloadFolderSettingView>(model);
+  openSettings();
   if (otherWindowOpen) {
     connect(dialog, &QDialog::finished, this, &KaNotifyIcon::onCompleteLinkageSetting, Qt::QueuedConnection);
   } else {
@@ -178,12 +210,22 @@ void KaNotifyIcon::reportResult(const KaFault &told, QLatin1StringView messageKe
   if (userTrigger) return statusItem.alert(message);
   if (message.isEmpty()) return;
   const NotificationKind kind = notificationKind(told.result, told.cause);
+  const bool bringsPictures = kind == NotificationKind::Complete || kind == NotificationKind::Complete10G;
   statusItem.notify(kind, {.title = localised("APP_SHORT_NAME"_L1),
                            .text = message,
                            .processingResult = QString::number(static_cast<qint64>(told.result)),
                            .topic = notificationTopic(kind),
                            .urgency = notificationUrgency(kind),
-                           .imagePath = {}}); // here the newest picture belongs once the facade tells which came
+                           .imagePath = bringsPictures ? newestPicture() : QString()});
+}
+
+/// Of those that came last, and that every notification service can show; empty when there is none.
+QString KaNotifyIcon::newestPicture() const {
+  const QStringList files = model.snapshot().lastFiles;
+  const auto newest = std::find_if(files.begin(), files.end(), [](const QString &file) {
+    return file.endsWith(u".jpg", Qt::CaseInsensitive) || file.endsWith(u".png", Qt::CaseInsensitive);
+  });
+  return newest == files.end() ? QString() : *newest;
 }
 
 void KaNotifyIcon::withdraw(NotificationKinds kinds) {
@@ -229,7 +271,7 @@ void KaNotifyIcon::menuAction_Download() {
 }
 
 void KaNotifyIcon::menuAction_DispSetting() {
-  guarded([this] { openDialog<KaDownloadFolderSettingView>(model); });
+  guarded([this] { openSettings(); });
 }
 
 void KaNotifyIcon::menuAction_Help() {

@@ -7,6 +7,7 @@
 #include "platform/ThreadAnnotations.h"
 #include "ui/KaStatusItemView.h"
 #include "ui/StatusItemState.h"
+#include "ui/StatusSummary.h"
 
 #include <QDialog>
 #include <QObject>
@@ -82,10 +83,14 @@ private:
   void startMenu(bool linked);
   void applyResult(const KaFault &told, bool userTrigger);
   void reportResult(const KaFault &told, QLatin1StringView messageKey, bool userTrigger);
+  [[nodiscard]] QString newestPicture() const;
   void withdraw(NotificationKinds kinds);
   void noteLinkHolds();
   /// Opens a window of its own, or brings the one before the user that is open.
   template <class Dialog, class... Arguments> void openDialog(Arguments &...arguments);
+  void openSettings();
+  void performRemedy(StatusRemedy remedy);
+  void openFolder(const QString &path);
   void confirmFolders();
   void foldersConfirmed();
   void startInitialRun();

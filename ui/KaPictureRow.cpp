@@ -35,7 +35,6 @@ KaPictureRow::KaPictureRow(QWidget *parent) : QWidget(parent), placeholder(new Q
   }
   placeholder->setText(localised("STATUS_NO_PICTURES_YET"_L1));
   placeholder->setWordWrap(true);
-  placeholder->setForegroundRole(QPalette::PlaceholderText);
   layout->addWidget(placeholder, 1);
   layout->addStretch();
   fitToFont();

@@ -2,6 +2,7 @@
 
 #include "ui/KaPictureRow.h"
 #include "ui/KaSideWorker.h"
+#include "ui/Mnemonics.h"
 #include "ui/StatusIcons.h"
 #include "ui/Texts.h"
 
@@ -85,6 +86,7 @@ KaStatusView::KaStatusView(KaStatusSources from, QWidget *parent, const KaStatus
   connect(remedy, &QPushButton::clicked, this, [this] {
     if (shown) Q_EMIT remedyRequested(shown->remedy);
   });
+  refresh(); // a window is made as large as what it shows needs
 }
 
 KaStatusView::~KaStatusView() = default;
@@ -122,6 +124,7 @@ void KaStatusView::addFolderPlaces(QHBoxLayout &row) {
     place = {new QPushButton(localised("STATUS_OPEN_FOLDER"_L1), this), wrappingLabel(this, u"statusFolder"_s)};
     place.open->setObjectName(u"statusOpenFolder"_s);
     place.open->setAutoDefault(false);
+    QWidget::setTabOrder(&place == folderPlaces.data() ? remedy : folderPlaces[0].open, place.open);
     connect(place.open, &QPushButton::clicked, this, [this, index = &place - folderPlaces.data()] {
       Q_EMIT openFolderRequested(shownFolders.value(index).path);
     });
@@ -143,8 +146,6 @@ void KaStatusView::fitToFont() {
   auto *const grid = static_cast<QGridLayout *>(layout());
   grid->setHorizontalSpacing(line / 2);
   grid->setVerticalSpacing(line / 3);
-  for (const FolderPlace &place : folderPlaces)
-    place.open->setMaximumWidth(fontMetrics().horizontalAdvance(place.open->text()) + 2 * line);
 }
 
 void KaStatusView::showEvent(QShowEvent *event) {
@@ -200,9 +201,14 @@ void KaStatusView::showSummary(const StatusSummary &summary) {
   }
   progress->setVisible(summary.progress.has_value());
   const bool hasRemedy = summary.remedy != StatusRemedy::None;
-  if (hasRemedy) remedy->setText(titleOf(summary.remedy));
+  if (hasRemedy && (!before || before->remedy != summary.remedy)) {
+    remedy->setText(titleOf(summary.remedy));
+    // The first is marked with all of its window, where some texts have marks of their own.
+    if (before) giveMnemonics(*window());
+  }
   remedy->setEnabled(summary.isRemedyEnabled);
   remedy->setVisible(hasRemedy);
+  if (isVisible() && heightForWidth(width()) > height()) Q_EMIT roomNeeded();
 }
 
 void KaStatusView::showIcon() {

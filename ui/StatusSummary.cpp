@@ -194,7 +194,7 @@ StatusText clockHint(const KaSnapshot &snapshot, const QDateTime &now) {
 
 /// The fault in the words that it was told in.
 StatusText toldOf(const KaFault &fault) {
-  return {resultEffect(fault.result).messageKey};
+  return {resultEffect(fault.result, fault.cause).messageKey};
 }
 
 StatusText unlinkedHint(const std::optional<KaFault> &fault) {
@@ -226,12 +226,13 @@ std::optional<StatusText> explanationOf(Topic topic, const KaSnapshot &snapshot,
     return StatusText{"MSG_ERR_DOWNLOAD"_L1};
   case Topic::Offline:
     return offlineHint(snapshot, now);
+  case Topic::WrongClock: // which has been set right since
+    return StatusText{"MSG_ERR_CLOCK"_L1};
   case Topic::LoginNeeded:
   case Topic::Failed:
     return toldOf(*snapshot.fault);
   case Topic::StillToCome:
     return StatusText{"STATUS_STILL_TO_COME_HINT"_L1};
-  case Topic::WrongClock:
   case Topic::Fetching:
   case Topic::Looking:
   case Topic::NotLookedYet:

@@ -9,6 +9,7 @@
 #include "tests/support/FakeBrowser.h"
 #include "tests/ui/UiProfile.h"
 #include "ui/KaDownloadFolderSettingView.h"
+#include "ui/KaStatusView.h"
 #include "ui/KaVersionInformationView.h"
 #include "ui/LoginItemQuestion.h"
 #include "ui/Texts.h"
@@ -398,6 +399,16 @@ TEST_F(NotifyIcon, opensWhatBelongsToTheResultOfAClickedNotification) {
   for (const QString &result : {u"9"_s, u"24"_s, u"one"_s})
     Q_EMIT view.notificationActivated(result);
   EXPECT_FALSE(browser.hasUrl()) << "the browser noted something";
+
+  Q_EMIT view.entryTriggered(StatusEntry::DispSetting);
+  Q_EMIT view.entryTriggered(StatusEntry::DispSetting);
+  auto &status = qobject_cast<KaDownloadFolderSettingView *>(dialogs().value(0))->statusView();
+  Q_EMIT status.openFolderRequested(profile.picturesFolder());
+  EXPECT_EQ(browser.takeUrl(), profile.picturesFolder());
+  Q_EMIT status.remedyRequested(StatusRemedy::OpenHelp);
+  EXPECT_THAT(opened(), HasSubstr("/help/en/index.html"));
+  Q_EMIT status.remedyRequested(StatusRemedy::LogIn);
+  EXPECT_THAT(opened(), HasSubstr("/getLogin?"));
 }
 
 TEST(NotifyIconAtWork, doesNothingThatItsMenuHasGreyed) {
