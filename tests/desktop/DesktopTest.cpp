@@ -177,8 +177,8 @@ TEST_P(Desktop, menuAndWindowsWorkByMouseAndKeys) {
 
   choose(kLeftButton, 23);
   ASSERT_TRUE(waitForActiveWindow(u"Downloaderpictora"_s));
-  // From the first folder on to the kind of folders by date, and to the next one.
-  xdotool(u"key Tab Tab Tab Tab Tab Down Return"_s);
+  // By its key to the kind of folders by date, and to the next one.
+  xdotool(u"key alt+d Down Return"_s);
   const QString settings = profile.appFolder() + u"/DownloadSettingData.plist"_s;
   EXPECT_TRUE(waitForContent(settings, "<key>ChildFolder</key> <integer>1</integer>"));
   EXPECT_TRUE(waitForContent(settings, "<string>" + downloads.toUtf8() + "</string>"));

@@ -348,7 +348,7 @@ TEST_F(NotifyIcon, withdrawsWhatIsNotTrueAnyMoreAndBeginsNoLoginForALinkThatHold
   report(result(17));
   EXPECT_FALSE(clickLogIn());
   EXPECT_THAT(opened(), HasSubstr("/getLogin?"));
-  Q_EMIT view.entryTriggered(StatusEntry::Logout);
+  icon->menuAction_Logout();
   EXPECT_THAT(opened(), HasSubstr("/logout?"));
   report([] {});
   EXPECT_FALSE(clickLogIn());
