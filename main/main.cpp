@@ -64,7 +64,7 @@ void describe() {
   // A session that is restored starts the agent at login, if the user wishes, and not with arguments of its own.
   QObject::connect(qApp, &QGuiApplication::saveStateRequest,
                    [](QSessionManager &session) { session.setRestartHint(QSessionManager::RestartNever); });
-  // The agent lives in the status bar: closing its last window ends nothing.
+  // The agent lives in the system tray: closing its last window ends nothing.
   QApplication::setQuitOnLastWindowClosed(false);
 }
 

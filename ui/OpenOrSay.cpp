@@ -43,7 +43,7 @@ QDialog *standingWindow(Openable what) {
 QDialogButtonBox *buttonsOf(Openable what, QLineEdit *address) {
   auto *const buttons = new QDialogButtonBox;
   const QPushButton *const copy = buttons->addButton(copyTitle(what), QDialogButtonBox::ActionRole);
-  buttons->addButton(localised("DLG_NOT_OPENED_BUTTON_CLOSE"_L1), QDialogButtonBox::RejectRole);
+  buttons->addButton(localised("DLG_COMMON_BUTTON_CLOSE"_L1), QDialogButtonBox::RejectRole);
   QObject::connect(copy, &QPushButton::clicked, address, [address] {
     QApplication::clipboard()->setText(address->text());
     address->selectAll();

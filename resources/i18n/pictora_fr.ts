@@ -344,10 +344,6 @@
     <source></source>
     <translation>Copier le chemin</translation>
   </message>
-  <message id="DLG_NOT_OPENED_BUTTON_CLOSE">
-    <source></source>
-    <translation>Fermer</translation>
-  </message>
   <!-- Results -->
   <message id="MSG_DOWNLOAD_COMPLETE">
     <source></source>

@@ -344,10 +344,6 @@
     <source></source>
     <translation>Copia percorso</translation>
   </message>
-  <message id="DLG_NOT_OPENED_BUTTON_CLOSE">
-    <source></source>
-    <translation>Chiudi</translation>
-  </message>
   <!-- Results -->
   <message id="MSG_DOWNLOAD_COMPLETE">
     <source></source>

@@ -341,10 +341,6 @@
     <source></source>
     <translation>パスをコピー</translation>
   </message>
-  <message id="DLG_NOT_OPENED_BUTTON_CLOSE">
-    <source></source>
-    <translation>閉じる</translation>
-  </message>
   <!-- Results -->
   <message id="MSG_DOWNLOAD_COMPLETE">
     <source></source>

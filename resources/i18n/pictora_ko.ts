@@ -341,10 +341,6 @@
     <source></source>
     <translation>경로 복사</translation>
   </message>
-  <message id="DLG_NOT_OPENED_BUTTON_CLOSE">
-    <source></source>
-    <translation>닫기</translation>
-  </message>
   <!-- Results -->
   <message id="MSG_DOWNLOAD_COMPLETE">
     <source></source>

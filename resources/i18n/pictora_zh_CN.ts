@@ -341,10 +341,6 @@
     <source></source>
     <translation>复制路径</translation>
   </message>
-  <message id="DLG_NOT_OPENED_BUTTON_CLOSE">
-    <source></source>
-    <translation>关闭</translation>
-  </message>
   <!-- Results -->
   <message id="MSG_DOWNLOAD_COMPLETE">
     <source></source>
