@@ -70,12 +70,12 @@ public:
   /// @name What the thread is at, for who looks on. Nothing depends on them; they must be quick, and must not call back
   /// into the link.
   /// @{
-  virtual void noteLooking() {}       ///< begins to ask what there is
+  virtual void noteLooking() {}       ///< begins to ask what there is, or waits to ask once more in the same run
   virtual void noteLooked() {}        ///< the service has said what there is
   virtual void notePass(qsizetype) {} ///< a pass over so many files begins
   /// A file of the pass is behind it. @p saved  where it was saved just now; empty when nothing new was made.
   virtual void noteFile(const QString & /*saved*/) {}
-  /// A wait begins, for so long at most; absent: for a link, a login or a network.
+  /// A wait between runs begins, for so long at most; absent: for a link, a login or a network.
   virtual void noteWait(std::optional<std::chrono::milliseconds>) {}
   virtual void noteNothingNew() {} ///< a storage was looked through, all was well, and nobody is told
   virtual void noteUnanswered() {} ///< a run got no answer to the end; nobody is told

@@ -193,7 +193,7 @@ KaDownloadRun::ReCheck KaDownloadRun::conclude(ReCheck soFar) {
   const auto wait = with.state.waitTimes.reCheck;
   KaLogUtility::writeInfoLog(u"reCheck Wait"_s, {u"reCheckWaitTime="_s + secondsText(wait)});
   with.storage.dropConnections(); // nobody waits that long for a request
-  with.session.tell([&] { with.delegate.noteWait(wait); });
+  with.session.tell([&] { with.delegate.noteLooking(); }); // nobody can say yet that all is here
   with.state.waitcnd.wait(wait, [this] { return with.session.isOver(); });
   return soFar;
 }

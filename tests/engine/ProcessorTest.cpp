@@ -55,7 +55,7 @@ TEST_F(Processor, fillsTheFolderChecksThreeTimesMoreAndFetchesWhatIsNewLater) {
                          u"load RecentPreviewDownloadData"_s, u"enableLoggin 0"_s, u"result 4"_s, u"status 1"_s, saved,
                          u"result 1"_s, u"status 0"_s, saved, u"enableLoggin 1"_s}));
   EXPECT_EQ(service.requestCount(Endpoint::ListDevices), 4);
-  const QString check = u"|wait 1|looking|looked"_s;
+  const QString check = u"|looking|looking|looked"_s;
   EXPECT_TRUE(delegate.answers().onlookers.join(u'|').startsWith(u"wait|looking|looking|looked|pass 1|file A.JPG"_s
                                                                  + check + check + check));
 
