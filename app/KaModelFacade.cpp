@@ -209,6 +209,7 @@ void KaModelFacade::notifySavingTrouble(KaResultCode cause) {
 }
 
 void KaModelFacade::setEnableLoggin(bool enable) {
+  if (!enable) keeper.noteRun();
   if (KaDownloadDelegate *const delegate = dlDelegate) delegate->onSetEnableLogginMenu(enable);
 }
 

@@ -98,7 +98,7 @@ public:
   void notePass(qsizetype files) override { keeper.notePass(files); }
   void noteFile(const QString &saved) override { keeper.noteFile(saved); }
   void noteWait(std::optional<std::chrono::milliseconds> longest) override { keeper.noteWait(longest); }
-  void noteNothingNew() override { keeper.forgetFault(); }
+  void noteNothingNew() override { keeper.noteGoodEnd(); }
   void noteUnanswered() override { keeper.noteResult({KaResultCode::Offline, KaFaultCause::NoAnswer}); }
   /// @}
 

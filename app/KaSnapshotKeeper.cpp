@@ -106,18 +106,32 @@ void KaSnapshotKeeper::setStillToCome(qsizetype count) {
 void KaSnapshotKeeper::noteResult(const KaFault &told) {
   const Tells meaning = meaningOf(told.result);
   if (meaning == Tells::Neither) return;
+  if (meaning == Tells::Success) return noteGoodEnd();
   const platform::MutexLock scope(lock);
-  kept.fault = meaning == Tells::Failure ? std::optional(told) : std::nullopt;
+  kept.fault = told;
+  hasRunFailed = true;
+}
+
+void KaSnapshotKeeper::noteRun() {
+  const platform::MutexLock scope(lock);
+  hasRunFailed = false;
+}
+
+void KaSnapshotKeeper::noteGoodEnd() {
+  const platform::MutexLock scope(lock);
+  if (!hasRunFailed) kept.fault.reset();
 }
 
 void KaSnapshotKeeper::forgetFault() {
   const platform::MutexLock scope(lock);
   kept.fault.reset();
+  hasRunFailed = false;
 }
 
 void KaSnapshotKeeper::forgetLink() {
   const platform::MutexLock scope(lock);
   begin(KaSnapshot::Doing::Waiting);
+  hasRunFailed = false;
   kept.fault.reset();
 }
 

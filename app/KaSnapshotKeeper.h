@@ -34,9 +34,12 @@ public:
   void noteFile(const QString &saved) KA_EXCLUDES(lock);
   void noteWait(std::optional<std::chrono::milliseconds> longest) KA_EXCLUDES(lock);
   void setStillToCome(qsizetype count) KA_EXCLUDES(lock);
+  void noteRun() KA_EXCLUDES(lock); ///< one begins
+  /// A storage was looked through and all was well, as in a result of that kind.
+  void noteGoodEnd() KA_EXCLUDES(lock);
   /// @}
 
-  /// A failure counts until something ends well; what is neither changes nothing.
+  /// A failure counts until something ends well, but not in the same run: the one storage says nothing of the other.
   void noteResult(const KaFault &told) KA_EXCLUDES(lock);
   void forgetFault() KA_EXCLUDES(lock);
   /// A new link of the same account: what was at work or had failed was the old one's.
@@ -52,6 +55,7 @@ private:
   const KaSnapshotClocks clocks;
   mutable platform::Mutex lock; ///< covers copying
   KaSnapshot kept KA_GUARDED_BY(lock);
+  bool hasRunFailed KA_GUARDED_BY(lock) = false;
   QDate cameOn KA_GUARDED_BY(lock); ///< the day that cameToday counts
   std::optional<platform::BootClock::time_point> looksAgain KA_GUARDED_BY(lock);
 };

@@ -105,7 +105,10 @@ void KaDownloadProcessor::Private::downloadThread() {
   platform::nameThisThread("download");
   const bool ended = runGuarded([this] { runUntilEnd(); });
   pairingcnd.retire();
-  if (!ended) delegate.setProcessingResult(KaResultCode::Unexpected, /*userTrigger=*/true);
+  if (!ended) {
+    delegate.noteWait({}); // for good
+    delegate.setProcessingResult(KaResultCode::Unexpected, /*userTrigger=*/true);
+  }
   const platform::AppInfo &info = platform::appInfo();
   KaLogUtility::writeInfoLog(u"DownloadThread End"_s,
                              {u"Version=v%1, %2, %3"_s.arg(info.version, info.buildDate, info.buildTime)});

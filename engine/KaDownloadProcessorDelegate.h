@@ -78,6 +78,6 @@ public:
   /// A wait between runs begins, for so long at most; absent: for a link, a login or a network.
   virtual void noteWait(std::optional<std::chrono::milliseconds>) {}
   virtual void noteNothingNew() {} ///< a storage was looked through, all was well, and nobody is told
-  virtual void noteUnanswered() {} ///< a run got no answer to the end; nobody is told
+  virtual void noteUnanswered() {} ///< a storage of the run gave no answer; nobody is told
   /// @}
 };

@@ -69,6 +69,7 @@ KaResultCode KaDownloadRun::performBoth() {
   }
   if (with.session.isOver()) return result;
   if (with.session.lastRefresh() != KaRefresh::Succeeded) return result;
+  if (result == KaResultCode::NoHttpStatus) with.session.tell([&] { with.delegate.noteUnanswered(); });
   return takeLongTermStorage();
 }
 
@@ -192,7 +193,7 @@ KaDownloadRun::ReCheck KaDownloadRun::conclude(ReCheck soFar) {
   if (isNothingNew || isThrough) return finish(soFar);
   const auto wait = with.state.waitTimes.reCheck;
   KaLogUtility::writeInfoLog(u"reCheck Wait"_s, {u"reCheckWaitTime="_s + secondsText(wait)});
-  with.storage.dropConnections(); // nobody waits that long for a request
+  with.storage.dropConnections();                          // nobody waits that long for a request
   with.session.tell([&] { with.delegate.noteLooking(); }); // nobody can say yet that all is here
   with.state.waitcnd.wait(wait, [this] { return with.session.isOver(); });
   return soFar;
@@ -206,7 +207,7 @@ KaDownloadRun::ReCheck KaDownloadRun::finish(ReCheck soFar) {
   const bool isLeft = soFar.isLeft || soFar.idleCount >= kIdleRounds;
   const bool hasOnlyFailed = isLeft && soFar.savedCount + late.savedCount == 0;
   if (hasOnlyFailed) {
-    tellStatus(KaAppStatus::Normal); // neither complete nor nothing to do
+    tellNothingNew(); // neither complete nor nothing to do: what was asked for was told of before
   } else if (soFar.retryCount == 1 && late.savedCount == 0) {
     tellNoTarget();
   } else {
@@ -442,8 +443,8 @@ void KaDownloadRun::tellNoTarget() {
 
 void KaDownloadRun::tellNothingNew() {
   with.session.tell([&] {
-    with.delegate.setAppStatus(KaAppStatus::Normal);
     with.delegate.noteNothingNew();
+    with.delegate.setAppStatus(KaAppStatus::Normal);
   });
 }
 

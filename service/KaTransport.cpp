@@ -8,6 +8,7 @@
 #include <curl/curl.h>
 
 #include <algorithm>
+#include <array>
 #include <mutex>
 
 using namespace Qt::StringLiterals;
@@ -28,11 +29,11 @@ std::chrono::milliseconds secondsFromUserDefaults(const QString &key, double bui
 
 } // namespace
 
-/// libcurl's share, with the lock that it asks for.
+/// libcurl's share, with the locks that it asks for.
 class KaTransport::Sessions {
 public:
   Sessions() : share(curl_share_init()) {
-    const bool isSet = share && curl_share_setopt(share.get(), CURLSHOPT_USERDATA, &mutex) == CURLSHE_OK
+    const bool isSet = share && curl_share_setopt(share.get(), CURLSHOPT_USERDATA, &locks) == CURLSHE_OK
                        && curl_share_setopt(share.get(), CURLSHOPT_LOCKFUNC, &lock) == CURLSHE_OK
                        && curl_share_setopt(share.get(), CURLSHOPT_UNLOCKFUNC, &unlock) == CURLSHE_OK
                        && curl_share_setopt(share.get(), CURLSHOPT_SHARE, CURL_LOCK_DATA_SSL_SESSION) == CURLSHE_OK;
@@ -41,15 +42,14 @@ public:
   [[nodiscard]] CURLSH *get() const { return share.get(); }
 
 private:
-  // Only the sessions are shared, and libcurl takes no second lock while it holds theirs.
-  static void lock(CURL *, curl_lock_data data, curl_lock_access, void *mutex) {
-    if (data == CURL_LOCK_DATA_SSL_SESSION) static_cast<std::mutex *>(mutex)->lock();
+  /// One for each kind of data: the share's own count of its users is one.
+  using Locks = std::array<std::mutex, CURL_LOCK_DATA_LAST>;
+  static void lock(CURL *, curl_lock_data data, curl_lock_access, void *locks) {
+    (*static_cast<Locks *>(locks))[data].lock();
   }
-  static void unlock(CURL *, curl_lock_data data, void *mutex) {
-    if (data == CURL_LOCK_DATA_SSL_SESSION) static_cast<std::mutex *>(mutex)->unlock();
-  }
+  static void unlock(CURL *, curl_lock_data data, void *locks) { (*static_cast<Locks *>(locks))[data].unlock(); }
 
-  std::mutex mutex;
+  Locks locks;
   std::unique_ptr<CURLSH, platform::ReleasedBy<&curl_share_cleanup>> share;
 };
 

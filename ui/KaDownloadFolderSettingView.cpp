@@ -96,7 +96,10 @@ KaDownloadFolderSettingView::KaDownloadFolderSettingView(KaModelFacade &facade, 
   fitTexts();
 }
 
-KaDownloadFolderSettingView::~KaDownloadFolderSettingView() = default;
+KaDownloadFolderSettingView::~KaDownloadFolderSettingView() {
+  // The focus goes elsewhere while the rest of the window is taken down.
+  disconnect(qApp, nullptr, this, nullptr);
+}
 
 void KaDownloadFolderSettingView::addControls() {
   subFolderRadioButtons = {window->yyyyMMddRadioButton, window->yyyy_MMRadioButton, window->yyyy_yyyyMMddRadioButton,

@@ -2,6 +2,7 @@
 
 #include "app/KaModelFacade.h"
 #include "log/ExceptionGuard.h"
+#include "platform/Sight.h"
 #include "platform/ThreadBound.h"
 #include "ui/HelpPages.h"
 #include "ui/KaDownloadFolderSettingView.h"
@@ -41,12 +42,13 @@ void KaNotifyIcon::Detach::operator()(KaModelFacade *facade) const {
   facade->setDlDelegate(nullptr);
 }
 
-void KaNotifyIcon::onChangeStatus(KaModelFacade & /*facade*/, KaAppStatus statusMode) {
-  mailbox.post([this, statusMode] {
+void KaNotifyIcon::onChangeStatus(KaModelFacade &facade, KaAppStatus statusMode) {
+  // One storage may be well and the other not; and without a network it only says that the next run waits for one.
+  const KaSnapshot now = facade.snapshot();
+  const bool isWell = statusMode == KaAppStatus::Normal && now.hasNetwork && !now.fault;
+  mailbox.post([this, statusMode, isWell, isAllHere = now.stillToCome == 0] {
     appStatus = statusMode;
-    // Without a network it only says that the next run waits for one.
-    if (statusMode == KaAppStatus::Normal && model.hasNetwork())
-      withdraw(endedByListing(model.snapshot().stillToCome == 0));
+    if (isWell) withdraw(endedByListing(isAllHere));
   });
 }
 
@@ -113,18 +115,29 @@ void KaNotifyIcon::openSettings() {
   openDialog<KaDownloadFolderSettingView>(model);
   const auto *const settings = qobject_cast<KaDownloadFolderSettingView *>(dialog);
   if (!settings) return;
+  connect(settings, &QDialog::accepted, this, &KaNotifyIcon::foldersSaved,
+          static_cast<Qt::ConnectionType>(Qt::QueuedConnection | Qt::UniqueConnection));
   connect(&settings->statusView(), &KaStatusView::remedyRequested, this, &KaNotifyIcon::performRemedy,
           Qt::UniqueConnection);
   connect(&settings->statusView(), &KaStatusView::openFolderRequested, this, &KaNotifyIcon::openFolder,
           Qt::UniqueConnection);
 }
 
+/// Where there was no room, or no folder, there may be now.
+void KaNotifyIcon::foldersSaved() {
+  const auto fault = model.snapshot().fault;
+  if (fault && notificationKind(fault->result) == NotificationKind::SavingTrouble) model.newsFromOutside();
+}
+
 void KaNotifyIcon::performRemedy(StatusRemedy remedy) {
   switch (remedy) {
+  // Also where the menu, after an error, does not offer them.
   case StatusRemedy::LogIn:
-    return perform(StatusEntry::Link);
+    if (bLogginEnabled) menuAction_Link();
+    return;
   case StatusRemedy::LookNow:
-    return perform(StatusEntry::Download);
+    if (model.linkState() == KaLinkState::Linked) menuAction_Download();
+    return;
   case StatusRemedy::OpenHelp:
     return perform(StatusEntry::Help);
   case StatusRemedy::ChooseFolder: // the window's own business
@@ -138,6 +151,7 @@ void KaNotifyIcon::openFolder(const QString &path) {
 }
 
 void KaNotifyIcon::confirmFolders() {
+  if (platform::isUnseen()) return foldersConfirmed(); // nobody would see the window, and no picture would come
   const bool otherWindowOpen = dialog && !qobject_cast<KaDownloadFolderSettingView *>(dialog);
   openSettings();
   if (otherWindowOpen) {
@@ -201,7 +215,9 @@ void KaNotifyIcon::applyResult(const KaFault &told, bool userTrigger) {
   // What a click on its notification does is decided by the latest of its kind.
   if (told.result == KaResultCode::ValidationFailed) validationFault = told.cause;
   withdraw(endedBy(told.result, told.cause));
-  if (notificationKind(told.result, told.cause) == NotificationKind::LoginNeeded) isLoginAskedFor = true;
+  // A callback that belongs to no login says nothing of a link that stands.
+  const bool isStray = told.cause == KaFaultCause::NotAccepted && model.linkState() == KaLinkState::Linked;
+  if (!isStray && notificationKind(told.result, told.cause) == NotificationKind::LoginNeeded) isLoginAskedFor = true;
   reportResult(told, effect.messageKey, userTrigger);
 }
 
@@ -245,7 +261,7 @@ bool KaNotifyIcon::isOffered(StatusEntry entry) const {
 void KaNotifyIcon::perform(StatusEntry entry) {
   platform::assertMainThread();
   // The desktop's tools may ask for what the menu has greyed.
-  if (!isOffered(entry)) return;
+  if (!isOffered(entry)) return menuAction_DispSetting(); // which says how things stand
   switch (entry) {
   case StatusEntry::Download:
     return menuAction_Download();

@@ -89,6 +89,7 @@ private:
   /// Opens a window of its own, or brings the one before the user that is open.
   template <class Dialog, class... Arguments> void openDialog(Arguments &...arguments);
   void openSettings();
+  void foldersSaved();
   void performRemedy(StatusRemedy remedy);
   void openFolder(const QString &path);
   void confirmFolders();

@@ -68,10 +68,13 @@ TEST_F(Snapshot, keepsTheLastFailureThatWasToldUntilSomethingEndsWell) {
   for (qint64 code = -1; code <= 25; ++code) {
     const KaFault told{static_cast<KaResultCode>(code), KaFaultCause::Refused};
     keeper.noteResult(before);
+    keeper.noteRun();
     keeper.noteResult(told);
     const bool isFailure = (code >= 6 && code <= 17 && code != 10 && code != 15);
     const auto expected = code >= 1 && code <= 4 ? std::nullopt : std::optional(isFailure ? told : before);
     EXPECT_EQ(keeper.snapshot().fault, expected) << code;
+    keeper.noteGoodEnd();
+    EXPECT_EQ(keeper.snapshot().fault, isFailure ? expected : std::nullopt) << "of the other storage, after " << code;
   }
 }
 

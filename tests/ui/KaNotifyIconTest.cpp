@@ -411,7 +411,7 @@ TEST_F(NotifyIcon, opensWhatBelongsToTheResultOfAClickedNotification) {
   EXPECT_THAT(opened(), HasSubstr("/getLogin?"));
 }
 
-TEST(NotifyIconAtWork, doesNothingThatItsMenuHasGreyed) {
+TEST(NotifyIconAtWork, doesNothingThatItsMenuHasGreyedAndShowsWhyInstead) {
   const UiProfile profile;
   const FakeBrowser browser(profile);
   sandbox::Service service;
@@ -432,6 +432,9 @@ TEST(NotifyIconAtWork, doesNothingThatItsMenuHasGreyed) {
   const int before = service.requestCount(sandbox::Endpoint::RefreshToken);
   for (const StatusEntry entry : {StatusEntry::Link, StatusEntry::Logout, StatusEntry::Download})
     icon.perform(entry);
+  ASSERT_EQ(UiProfile::windows<QDialog>().size(), 1);
+  auto *const window = qobject_cast<KaDownloadFolderSettingView *>(UiProfile::windows<QDialog>().first());
+  ASSERT_TRUE(window);
   icon.onSetEnableLogginMenu(true);
   waitUntilShown([](const auto &state) { return state.isLogginEnabled; });
   icon.perform(StatusEntry::Logout);
@@ -441,6 +444,11 @@ TEST(NotifyIconAtWork, doesNothingThatItsMenuHasGreyed) {
   waitUntilShown([](const auto &state) { return state.isDownloadEnabled; });
   icon.perform(StatusEntry::Download);
   EXPECT_TRUE(service.waitForRequests(sandbox::Endpoint::RefreshToken, before + 1, 20s));
+  waitUntilShown([](const auto &state) { return !state.isDownloadEnabled; }); // as it has failed
+  EXPECT_TRUE(waitFor([&] {
+    Q_EMIT window->statusView().remedyRequested(StatusRemedy::LookNow);
+    return service.requestCount(sandbox::Endpoint::RefreshToken) > before + 1;
+  }));
   EXPECT_TRUE(icon.appFinalize());
 }
 

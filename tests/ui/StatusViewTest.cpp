@@ -101,6 +101,7 @@ TEST(StatusSummary, saysWhatMattersMost) {
        u"error | OFFLINE | OFFLINE_HINT | TODAY(37) LAST_LOOK(14:05) | look"_s},
       {faulty(ValidationFailed, KaFaultCause::NoAnswer),
        u"error | OFFLINE | OFFLINE_UNTIL_HINT(14:35) | TODAY(37) LAST_LOOK(14:05) | look"_s},
+      {faulty(ValidationFailed, KaFaultCause::NotAccepted), u"standby | UP_TO_DATE | - | "_s + facts + u" | look"_s},
       {faulty(LinkInvalid, KaFaultCause::Refused),
        u"error | LOGIN_NEEDED | MSG_ERR_LINK_INVALID | "_s + facts + u" | login"_s},
       {faulty(LinkInvalid, KaFaultCause::Refused, Doing::Looking),
@@ -126,8 +127,8 @@ TEST(StatusSummary, isUpToDateWithNothingWrongAloneAndLeavesNoFailureWithoutWord
   for (const KaResultCode result :
        {SecureConnectionFailed, NoBody, DiskFull, Offline, RetryLater, ServerError, FileNotSaved, Unexpected,
         NoHttpStatus, LinkInvalid, ValidationFailed, FolderNotAccessible, FolderNotSupported, FolderPathTooLong})
-    for (const KaFaultCause cause : {KaFaultCause::Unknown, KaFaultCause::NoAnswer, KaFaultCause::Refused,
-                                     KaFaultCause::NotAccepted, KaFaultCause::WrongClock}) {
+    for (const KaFaultCause cause :
+         {KaFaultCause::Unknown, KaFaultCause::NoAnswer, KaFaultCause::Refused, KaFaultCause::WrongClock}) {
       const StatusSummary summary = statusSummary(faulty(result, cause), kNow);
       EXPECT_EQ(summary.frame, StatusFrame::Error) << int(result);
       EXPECT_NE(summary.remedy, StatusRemedy::None) << int(result);
