@@ -177,7 +177,7 @@
   </message>
   <message id="STATUS_WRONG_CLOCK_HINT">
     <source></source>
-    <translation>Sie zeigt %1, der Fotodienst %2. Solange sich beide um mehr als 15 Minuten unterscheiden, lehnt der Dienst alles ab. Stellen Sie Datum und Uhrzeit dieses Computers.</translation>
+    <translation>Die Uhr dieses Computers zeigt %1, die des Fotodienstes %2. Solange sich beide um mehr als 15 Minuten unterscheiden, lehnt der Dienst alles ab. Stellen Sie Datum und Uhrzeit dieses Computers.</translation>
   </message>
   <message id="STATUS_DISK_FULL">
     <source></source>
@@ -347,11 +347,11 @@
   <!-- Results -->
   <message id="MSG_DOWNLOAD_COMPLETE">
     <source></source>
-    <translation>Alle neuen Fotos wurden heruntergeladen. Klicken Sie hier, um den Ordner zu öffnen.</translation>
+    <translation>Neue Fotos wurden heruntergeladen. Klicken Sie hier, um den Ordner zu öffnen.</translation>
   </message>
   <message id="MSG_10G_DOWNLOAD_COMPLETE">
     <source></source>
-    <translation>Alle neuen Fotos aus dem Langzeitspeicher wurden heruntergeladen. Klicken Sie hier, um den Ordner zu öffnen.</translation>
+    <translation>Neue Fotos aus dem Langzeitspeicher wurden heruntergeladen. Klicken Sie hier, um den Ordner zu öffnen.</translation>
   </message>
   <message id="MSG_DOWNLOAD_ZERO">
     <source></source>

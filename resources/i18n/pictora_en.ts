@@ -177,7 +177,7 @@
   </message>
   <message id="STATUS_WRONG_CLOCK_HINT">
     <source></source>
-    <translation>It says %1, the photo service says %2. As long as they differ by more than 15 minutes, the service refuses everything. Set the date and time of this computer.</translation>
+    <translation>The clock of this computer says %1, the photo service says %2. As long as they differ by more than 15 minutes, the service refuses everything. Set the date and time of this computer.</translation>
   </message>
   <message id="STATUS_DISK_FULL">
     <source></source>
@@ -347,11 +347,11 @@
   <!-- Results -->
   <message id="MSG_DOWNLOAD_COMPLETE">
     <source></source>
-    <translation>All new pictures have been downloaded. Click here to open the folder.</translation>
+    <translation>New pictures have been downloaded. Click here to open the folder.</translation>
   </message>
   <message id="MSG_10G_DOWNLOAD_COMPLETE">
     <source></source>
-    <translation>All new pictures from long-term storage have been downloaded. Click here to open the folder.</translation>
+    <translation>New pictures from long-term storage have been downloaded. Click here to open the folder.</translation>
   </message>
   <message id="MSG_DOWNLOAD_ZERO">
     <source></source>

@@ -177,7 +177,7 @@
   </message>
   <message id="STATUS_WRONG_CLOCK_HINT">
     <source></source>
-    <translation>Indica %1; el servicio de fotos, %2. Mientras difieran en más de 15 minutos, el servicio lo rechaza todo. Ajuste la fecha y la hora de este equipo.</translation>
+    <translation>El reloj de este equipo indica %1; el servicio de fotos, %2. Mientras difieran en más de 15 minutos, el servicio lo rechaza todo. Ajuste la fecha y la hora de este equipo.</translation>
   </message>
   <message id="STATUS_DISK_FULL">
     <source></source>
@@ -347,11 +347,11 @@
   <!-- Results -->
   <message id="MSG_DOWNLOAD_COMPLETE">
     <source></source>
-    <translation>Se han descargado todas las fotos nuevas. Haga clic aquí para abrir la carpeta.</translation>
+    <translation>Se han descargado fotos nuevas. Haga clic aquí para abrir la carpeta.</translation>
   </message>
   <message id="MSG_10G_DOWNLOAD_COMPLETE">
     <source></source>
-    <translation>Se han descargado todas las fotos nuevas del almacenamiento a largo plazo. Haga clic aquí para abrir la carpeta.</translation>
+    <translation>Se han descargado fotos nuevas del almacenamiento a largo plazo. Haga clic aquí para abrir la carpeta.</translation>
   </message>
   <message id="MSG_DOWNLOAD_ZERO">
     <source></source>

@@ -177,7 +177,7 @@
   </message>
   <message id="STATUS_WRONG_CLOCK_HINT">
     <source></source>
-    <translation>Elle indique %1, le service photo %2. Tant que l’écart dépasse 15 minutes, le service refuse tout. Réglez la date et l’heure de cet ordinateur.</translation>
+    <translation>L’horloge de cet ordinateur indique %1, le service photo %2. Tant que l’écart dépasse 15 minutes, le service refuse tout. Réglez la date et l’heure de cet ordinateur.</translation>
   </message>
   <message id="STATUS_DISK_FULL">
     <source></source>
@@ -347,11 +347,11 @@
   <!-- Results -->
   <message id="MSG_DOWNLOAD_COMPLETE">
     <source></source>
-    <translation>Toutes les nouvelles photos ont été téléchargées. Cliquez ici pour ouvrir le dossier.</translation>
+    <translation>De nouvelles photos ont été téléchargées. Cliquez ici pour ouvrir le dossier.</translation>
   </message>
   <message id="MSG_10G_DOWNLOAD_COMPLETE">
     <source></source>
-    <translation>Toutes les nouvelles photos du stockage à long terme ont été téléchargées. Cliquez ici pour ouvrir le dossier.</translation>
+    <translation>De nouvelles photos du stockage à long terme ont été téléchargées. Cliquez ici pour ouvrir le dossier.</translation>
   </message>
   <message id="MSG_DOWNLOAD_ZERO">
     <source></source>

@@ -177,7 +177,7 @@
   </message>
   <message id="STATUS_WRONG_CLOCK_HINT">
     <source></source>
-    <translation>Segna %1, il servizio foto %2. Finché differiscono di più di 15 minuti, il servizio rifiuta tutto. Imposta la data e l’ora di questo computer.</translation>
+    <translation>L’orologio di questo computer segna %1, il servizio foto %2. Finché differiscono di più di 15 minuti, il servizio rifiuta tutto. Imposta la data e l’ora di questo computer.</translation>
   </message>
   <message id="STATUS_DISK_FULL">
     <source></source>
@@ -347,11 +347,11 @@
   <!-- Results -->
   <message id="MSG_DOWNLOAD_COMPLETE">
     <source></source>
-    <translation>Tutte le nuove foto sono state scaricate. Fai clic qui per aprire la cartella.</translation>
+    <translation>Nuove foto sono state scaricate. Fai clic qui per aprire la cartella.</translation>
   </message>
   <message id="MSG_10G_DOWNLOAD_COMPLETE">
     <source></source>
-    <translation>Tutte le nuove foto dell’archivio a lungo termine sono state scaricate. Fai clic qui per aprire la cartella.</translation>
+    <translation>Nuove foto dell’archivio a lungo termine sono state scaricate. Fai clic qui per aprire la cartella.</translation>
   </message>
   <message id="MSG_DOWNLOAD_ZERO">
     <source></source>

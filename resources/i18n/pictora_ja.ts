@@ -344,11 +344,11 @@
   <!-- Results -->
   <message id="MSG_DOWNLOAD_COMPLETE">
     <source></source>
-    <translation>新しい写真をすべてダウンロードしました。ここをクリックするとフォルダーが開きます。</translation>
+    <translation>新しい写真をダウンロードしました。ここをクリックするとフォルダーが開きます。</translation>
   </message>
   <message id="MSG_10G_DOWNLOAD_COMPLETE">
     <source></source>
-    <translation>長期保存の新しい写真をすべてダウンロードしました。ここをクリックするとフォルダーが開きます。</translation>
+    <translation>長期保存の新しい写真をダウンロードしました。ここをクリックするとフォルダーが開きます。</translation>
   </message>
   <message id="MSG_DOWNLOAD_ZERO">
     <source></source>

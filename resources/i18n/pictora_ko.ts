@@ -344,11 +344,11 @@
   <!-- Results -->
   <message id="MSG_DOWNLOAD_COMPLETE">
     <source></source>
-    <translation>새 사진을 모두 다운로드했습니다. 폴더를 열려면 여기를 클릭하세요.</translation>
+    <translation>새 사진을 다운로드했습니다. 폴더를 열려면 여기를 클릭하세요.</translation>
   </message>
   <message id="MSG_10G_DOWNLOAD_COMPLETE">
     <source></source>
-    <translation>장기 보관된 새 사진을 모두 다운로드했습니다. 폴더를 열려면 여기를 클릭하세요.</translation>
+    <translation>장기 보관된 새 사진을 다운로드했습니다. 폴더를 열려면 여기를 클릭하세요.</translation>
   </message>
   <message id="MSG_DOWNLOAD_ZERO">
     <source></source>

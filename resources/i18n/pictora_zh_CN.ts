@@ -344,11 +344,11 @@
   <!-- Results -->
   <message id="MSG_DOWNLOAD_COMPLETE">
     <source></source>
-    <translation>新照片已全部下载。点击此处可打开文件夹。</translation>
+    <translation>新照片已下载。点击此处可打开文件夹。</translation>
   </message>
   <message id="MSG_10G_DOWNLOAD_COMPLETE">
     <source></source>
-    <translation>长期存储中的新照片已全部下载。点击此处可打开文件夹。</translation>
+    <translation>长期存储中的新照片已下载。点击此处可打开文件夹。</translation>
   </message>
   <message id="MSG_DOWNLOAD_ZERO">
     <source></source>
