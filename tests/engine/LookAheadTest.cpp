@@ -273,7 +273,6 @@ TEST_F(LookAhead, keepsAsManyConnectionsAsRequestsAtOnceAndMakesNewOnesForThoseT
   const int first = service.connectionCount();
   EXPECT_GT(first, 1);
   EXPECT_LE(first, 8);
-  EXPECT_EQ(service.resumedConnectionCount(), first - 1);
 
   setRequestsAhead(0);
   service.resetRequestCounts();
@@ -284,6 +283,8 @@ TEST_F(LookAhead, keepsAsManyConnectionsAsRequestsAtOnceAndMakesNewOnesForThoseT
   QDir().mkpath(profile.picturesFolder());
   EXPECT_EQ(pass().savedCount, 120);
   EXPECT_EQ(service.connectionCount(), 1 + 120 * 2 / 100) << "each ends after 100 requests";
+  // One after the other: of those that begin at once, one may find the session just taken up and not yet replaced.
+  EXPECT_EQ(service.resumedConnectionCount(), service.connectionCount() - 1);
 }
 
 TEST_F(LookAhead, findsAKeptConnectionDeadAndAsksAgain) {
