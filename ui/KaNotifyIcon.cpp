@@ -112,9 +112,10 @@ template <class Dialog, class... Arguments> void KaNotifyIcon::openDialog(Argume
 }
 
 void KaNotifyIcon::openSettings() {
+  // They say how things stand, and ask for the folders of a new link: no window is in their place.
+  if (qobject_cast<KaVersionInformationView *>(dialog)) dialog->reject();
   openDialog<KaDownloadFolderSettingView>(model);
-  const auto *const settings = qobject_cast<KaDownloadFolderSettingView *>(dialog);
-  if (!settings) return;
+  const auto *const settings = static_cast<KaDownloadFolderSettingView *>(dialog.data());
   connect(settings, &QDialog::accepted, this, &KaNotifyIcon::foldersSaved,
           static_cast<Qt::ConnectionType>(Qt::QueuedConnection | Qt::UniqueConnection));
   connect(&settings->statusView(), &KaStatusView::remedyRequested, this, &KaNotifyIcon::performRemedy,
@@ -152,13 +153,8 @@ void KaNotifyIcon::openFolder(const QString &path) {
 
 void KaNotifyIcon::confirmFolders() {
   if (platform::isUnseen()) return foldersConfirmed(); // nobody would see the window, and no picture would come
-  const bool otherWindowOpen = dialog && !qobject_cast<KaDownloadFolderSettingView *>(dialog);
   openSettings();
-  if (otherWindowOpen) {
-    connect(dialog, &QDialog::finished, this, &KaNotifyIcon::onCompleteLinkageSetting, Qt::QueuedConnection);
-  } else {
-    connect(dialog, &QDialog::finished, this, &KaNotifyIcon::foldersConfirmed, Qt::UniqueConnection);
-  }
+  connect(dialog, &QDialog::finished, this, &KaNotifyIcon::foldersConfirmed, Qt::UniqueConnection);
 }
 
 /// Once the user has seen where the pictures go, whatever the answer, the first run begins.

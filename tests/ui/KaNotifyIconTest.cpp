@@ -92,6 +92,9 @@ protected:
   [[nodiscard]] StatusItemState last() const { return view.states.empty() ? StatusItemState{} : view.states.back(); }
   [[nodiscard]] std::string opened() const { return browser.takeUrl().value_or(QString()).toStdString(); }
   [[nodiscard]] static QList<QDialog *> dialogs() { return UiProfile::windows<QDialog>(); }
+  template <class Window> [[nodiscard]] static bool onlyWindow() {
+    return dialogs().size() == 1 && qobject_cast<Window *>(dialogs().first());
+  }
 
   const UiProfile profile;
   const FakeBrowser browser{profile};
@@ -247,21 +250,20 @@ TEST_F(NotifyIcon, linksWaitsBeforeTheFirstRunAnimatesItAndLogsOutAtOnce) {
   EXPECT_EQ(view.notifications.size(), 2) << "of the missing link at start and the error, none of the wish to log out";
 }
 
-TEST_F(NotifyIcon, opensOneWindowAtATimeAndTheFoldersOfANewLinkInTurn) {
+TEST_F(NotifyIcon, opensOneWindowAtATimeAndTheFoldersInPlaceOfAnother) {
   ASSERT_TRUE(KaLinkageUtility::saveLinkageSetting(u"token"_s));
   start();
   icon->onChangeStatus(facade, KaAppStatus::NotLinked);
-  Q_EMIT view.entryTriggered(StatusEntry::About);
-  const QPointer<QDialog> about = dialogs().value(0);
-  ASSERT_TRUE(qobject_cast<KaVersionInformationView *>(about));
-  Q_EMIT view.entryTriggered(StatusEntry::DispSetting);
-  Q_EMIT view.entryTriggered(StatusEntry::About);
-  icon->onCompleteLinkageSetting();
-  EXPECT_EQ(dialogs(), QList<QDialog *>{about});
-  about->close();
-  ASSERT_TRUE(waitFor([&] { return dialogs().size() == 1 && dialogs().first() != about; }));
-  EXPECT_TRUE(qobject_cast<KaDownloadFolderSettingView *>(dialogs().first()));
-  dialogs().first()->reject();
+  for (const bool isOfNewLink : {false, true}) {
+    for (int time = 0; time < 2; ++time)
+      Q_EMIT view.entryTriggered(StatusEntry::About);
+    ASSERT_TRUE(onlyWindow<KaVersionInformationView>());
+    isOfNewLink ? icon->onCompleteLinkageSetting() : icon->perform(StatusEntry::DispSetting);
+    ASSERT_TRUE(onlyWindow<KaDownloadFolderSettingView>()) << isOfNewLink;
+    Q_EMIT view.entryTriggered(StatusEntry::About);
+    ASSERT_TRUE(onlyWindow<KaDownloadFolderSettingView>()) << "an answer is awaited";
+    dialogs().first()->reject();
+  }
   ASSERT_TRUE(waitFor([&] { return last().frame == Standby; })) << "the first run";
   EXPECT_TRUE(dialogs().isEmpty());
   Q_EMIT view.entryTriggered(StatusEntry::Help);
