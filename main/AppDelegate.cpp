@@ -123,6 +123,11 @@ QString idTokenOf(const QString &url) {
   return {};
 }
 
+QStringList showingActions() {
+  // Not "logout", which ends the link first: its page matters less.
+  return {u"settings"_s, u"link"_s, u"help"_s, u"about"_s};
+}
+
 std::optional<StatusEntry> entryOfAction(const QString &action) {
   if (action == u"download") return StatusEntry::Download;
   if (action == u"settings") return StatusEntry::DispSetting;

@@ -4,6 +4,7 @@
 
 #include <QObject>
 #include <QString>
+#include <QStringList>
 
 #include <chrono>
 #include <functional>
@@ -69,6 +70,9 @@ private:
 /// The value of the first query item named exactly "idToken", percent-decoded, a plus sign being a plus sign; empty
 /// when there is none.
 [[nodiscard]] QString idTokenOf(const QString &url);
+
+/// The actions that open a window or a page.
+[[nodiscard]] QStringList showingActions();
 
 /// The menu entry that a desktop tool means by @p action.
 [[nodiscard]] std::optional<StatusEntry> entryOfAction(const QString &action);

@@ -2,6 +2,7 @@
 
 #include <QObject>
 #include <QString>
+#include <QStringList>
 
 #include <chrono>
 #include <memory>
@@ -25,7 +26,8 @@ public:
     Refused     ///< another agent has the profile and cannot be reached
   };
 
-  explicit SingleInstance(QObject *parent = nullptr);
+  /// @param showing  the actions that show something.
+  explicit SingleInstance(const QStringList &showing = {}, QObject *parent = nullptr);
   ~SingleInstance() override;
 
   /// Gives a running agent @p url, or without one asks it to show itself: the session's agent or, where the bus knows
@@ -42,6 +44,9 @@ public:
   /// Cannot be reached any more: the process is about to end, and a start from now on is for the next one. Does not
   /// wait for a bus.
   void resign();
+
+  /// Whether nobody would see what @p action shows: it is answered as if nobody were there, and activated() is told.
+  [[nodiscard]] bool cannotShow(const QString &action) const;
 
 Q_SIGNALS:
   void urlReceived(const QString &url);

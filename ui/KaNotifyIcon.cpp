@@ -257,7 +257,10 @@ bool KaNotifyIcon::isOffered(StatusEntry entry) const {
 void KaNotifyIcon::perform(StatusEntry entry) {
   platform::assertMainThread();
   // The desktop's tools may ask for what the menu has greyed.
-  if (!isOffered(entry)) return menuAction_DispSetting(); // which says how things stand
+  if (!isOffered(entry)) {
+    if (!platform::isUnseen()) menuAction_DispSetting(); // which says how things stand
+    return;
+  }
   switch (entry) {
   case StatusEntry::Download:
     return menuAction_Download();

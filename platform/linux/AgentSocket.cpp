@@ -14,6 +14,7 @@
 #include <cerrno>
 #include <cstddef>
 #include <memory>
+#include <utility>
 
 namespace platform {
 namespace {
@@ -84,7 +85,8 @@ AgentSocket::Answer AgentSocket::send(const QString &profile, const QByteArray &
   return count == 0 || errno == ECONNRESET ? Answer::NoAgent : Answer::Failed;
 }
 
-AgentSocket::AgentSocket(const QString &profile) : listener(makeSocket(SOCK_NONBLOCK)) {
+AgentSocket::AgentSocket(const QString &profile, Judgement doesIt)
+    : isDone(std::move(doesIt)), listener(makeSocket(SOCK_NONBLOCK)) {
   const Address address = addressOf(profile);
   if (!listener || ::bind(listener.get(), address.get(), address.size) != 0) return;
   if (::listen(listener.get(), SOMAXCONN) != 0) return;
@@ -102,7 +104,9 @@ void AgentSocket::acceptPeer() {
     notifier->deleteLater();
     // A program that has been told to end hangs up: who takes its yes for one would not start another.
     const QByteArray message = TerminationSignals::hasCome() ? QByteArray() : readMessage(*peer);
-    if (!message.isEmpty() && ::send(peer->get(), &kTaken, 1, MSG_NOSIGNAL) == 1) Q_EMIT received(message);
+    if (message.isEmpty()) return;
+    // The last: whoever hears of it may take this object down.
+    if (!isDone(message) || ::send(peer->get(), &kTaken, 1, MSG_NOSIGNAL) == 1) Q_EMIT received(message);
   });
 }
 

@@ -6,6 +6,7 @@
 #include <QObject>
 
 #include <chrono>
+#include <functional>
 
 namespace platform {
 
@@ -25,16 +26,21 @@ public:
   /// @param message  not empty, at most 64 KiB.
   [[nodiscard]] static Answer send(const QString &profile, const QByteArray &message, std::chrono::milliseconds wait);
 
+  /// Whether this process does what a message asks for.
+  using Judgement = std::function<bool(const QByteArray &message)>;
+
   /// Listens from now on; another one that does already stays.
-  explicit AgentSocket(const QString &profile);
+  AgentSocket(const QString &profile, Judgement doesIt);
 
 Q_SIGNALS:
-  /// Once its sender was told that it has arrived.
+  /// Once its sender was told that it has arrived. The sender of what is not done finds nobody instead, and only when
+  /// all that hear of this have returned.
   void received(const QByteArray &message);
 
 private:
   void acceptPeer();
 
+  const Judgement isDone;
   FileDescriptor listener;
 };
 

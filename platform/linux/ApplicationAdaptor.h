@@ -18,7 +18,7 @@ namespace platform {
 /// The desktop's interface to a running program, on a SingleInstance. What a call asks for happens once it has been
 /// answered: a dialog that it opens would keep the caller waiting otherwise. A program that has been told to end
 /// answers as if it were gone: who takes its yes for one would not start another. So does one that nobody can see and
-/// that is asked to show itself: it ends, and leaves its place to a start that has a display.
+/// that is asked to show itself or something else: it ends, and leaves its place to a start that has a display.
 class ApplicationAdaptor : public QDBusAbstractAdaptor {
   Q_OBJECT
   Q_CLASSINFO("D-Bus Interface", "org.freedesktop.Application")
@@ -28,13 +28,8 @@ public:
 
 public Q_SLOTS:
   void Activate(const QVariantMap &, const QDBusMessage &call) {
-    if (!isUnseen()) return later(call, [this] { Q_EMIT instance.activated(); });
-    call.setDelayedReply(true);
-    later(call, [this, call] {
-      // First the end, by which it cannot be reached any more: whoever has the answer looks for it in every place.
-      Q_EMIT instance.activated();
-      answerAsGone(call, QStringLiteral("there is no display to show the agent on"));
-    });
+    if (isUnseen()) return makeRoom(call);
+    later(call, [this] { Q_EMIT instance.activated(); });
   }
   void Open(const QStringList &uris, const QVariantMap &, const QDBusMessage &call) {
     later(call, [this, uris] {
@@ -43,10 +38,19 @@ public Q_SLOTS:
     });
   }
   void ActivateAction(const QString &action, const QVariantList &, const QVariantMap &, const QDBusMessage &call) {
+    if (instance.cannotShow(action)) return makeRoom(call);
     later(call, [this, action] { Q_EMIT instance.actionRequested(action); });
   }
 
 private:
+  void makeRoom(const QDBusMessage &call) {
+    call.setDelayedReply(true);
+    later(call, [this, call] {
+      // First the end, by which it cannot be reached any more: whoever has the answer looks for it in every place.
+      Q_EMIT instance.activated();
+      answerAsGone(call, QStringLiteral("there is no display to show the agent on"));
+    });
+  }
   template <class Job> void later(const QDBusMessage &call, Job job) {
     if (!TerminationSignals::hasCome()) {
       QMetaObject::invokeMethod(this, std::move(job), Qt::QueuedConnection);

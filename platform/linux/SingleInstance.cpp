@@ -2,6 +2,7 @@
 
 #include "platform/AppInfo.h"
 #include "platform/Folders.h"
+#include "platform/Sight.h"
 #include "platform/ThreadBound.h"
 #include "platform/linux/AgentSocket.h"
 #include "platform/linux/ApplicationAdaptor.h"
@@ -92,12 +93,16 @@ SingleInstance::HandOver handOverBySocket(const std::optional<QString> &url) {
 
 class SingleInstance::Private {
 public:
+  explicit Private(const QStringList &actions) : showing(actions) {}
+
+  const QStringList showing;
   ProfileLock lock;
   std::unique_ptr<AgentSocket> socket;
   bool isRegistered = false;
 };
 
-SingleInstance::SingleInstance(QObject *parent) : QObject(parent), d(std::make_unique<Private>()) {
+SingleInstance::SingleInstance(const QStringList &showing, QObject *parent)
+    : QObject(parent), d(std::make_unique<Private>(showing)) {
   new ApplicationAdaptor(*this);
 }
 
@@ -132,7 +137,9 @@ SingleInstance::Claim SingleInstance::claimProfile(const std::optional<QString> 
 bool SingleInstance::serve() {
   assertMainThread();
   if (!serveOnBus()) return false;
-  d->socket = std::make_unique<AgentSocket>(profileFolder());
+  d->socket = std::make_unique<AgentSocket>(profileFolder(), [](const QByteArray &message) {
+    return message.front() != kActivate || !isUnseen(); // else it ends, and leaves its place to the sender
+  });
   connect(d->socket.get(), &AgentSocket::received, this, [this](const QByteArray &message) {
     if (message.front() == kOpen) Q_EMIT urlReceived(QString::fromUtf8(message.sliced(1)));
     if (message.front() == kActivate) Q_EMIT activated();
@@ -148,6 +155,10 @@ bool SingleInstance::serveOnBus() {
       bus.registerObject(objectPath(), this, QDBusConnection::ExportAdaptors) && bus.registerService(name());
   if (!d->isRegistered) bus.unregisterObject(objectPath());
   return d->isRegistered;
+}
+
+bool SingleInstance::cannotShow(const QString &action) const {
+  return isUnseen() && d->showing.contains(action);
 }
 
 void SingleInstance::resign() {

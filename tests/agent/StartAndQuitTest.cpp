@@ -124,16 +124,29 @@ TEST_F(Start, byTheBusWithoutADisplayLinksAndMakesRoomForAStartThatIsSeen) {
   const auto end = qScopeGuard([&] {
     if (const auto last = static_cast<pid_t>(process()); last > 0) ::kill(last, SIGKILL);
   });
-  ASSERT_TRUE(AgentProcess::open(u"downloaderpictora://authenticate?idToken="_s + service.issueIdToken(u"nonce"_s)));
-  EXPECT_TRUE(service.waitForRequests(Endpoint::Configuration, 1, 20s)) << "the token is lost";
-  const auto unseen = process();
-  ASSERT_TRUE(AgentProcess::requestAction(u"link"_s));
-  const auto loginUrl = browser.takeUrl();
-  ASSERT_TRUE(loginUrl && AgentProcess::open(service.signIn(*loginUrl)));
+  NotificationServer notifications;
+  ASSERT_TRUE(AgentProcess::requestAction(u"download"_s));
+  ASSERT_TRUE(waitFor([&] { // that the agent is not linked
+    Q_EMIT notifications.ActionInvoked(notifications.lastId, u"default"_s);
+    return browser.hasUrl();
+  }));
+  ASSERT_TRUE(AgentProcess::open(service.signIn(browser.takeUrl().value_or(QString()))));
   EXPECT_TRUE(waitFor([this] { return !files().isEmpty(); }));
-  EXPECT_EQ(process(), unseen);
-  AgentProcess seen;
-  EXPECT_TRUE(waitFor([&] { return process() == seen.id() && holdsTheProfile(seen); }));
+  const auto callback = u"downloaderpictora://authenticate?idToken="_s + service.issueIdToken(u"nonce"_s);
+  for (const auto &way : {u"action"_s, u"bus"_s, u"socket"_s}) {
+    KaLinkageUtility::deletePairingInfo(); // a linked one verifies tokens by itself
+    service.resetRequestCounts();
+    ASSERT_TRUE(AgentProcess::open(callback));
+    const bool isNew = way != u"action"; // an earlier one has asked already
+    EXPECT_TRUE(!isNew || service.waitForRequests(Endpoint::Configuration, 1, 20s)) << "the token is lost";
+    const auto unseen = static_cast<pid_t>(process());
+    ASSERT_GT(unseen, 0);
+    EXPECT_FALSE(!isNew && (AgentProcess::requestAction(u"help"_s) || browser.hasUrl()));
+    if (way == u"socket") qputenv("DBUS_SESSION_BUS_ADDRESS", "unix:path=/nonexistent");
+    AgentProcess seen;
+    EXPECT_TRUE(waitFor([&] { return ::kill(unseen, 0) != 0; })) << qPrintable(way);
+    EXPECT_TRUE(waitFor([&] { return holdsTheProfile(seen); })) << qPrintable(way);
+  }
 }
 
 TEST_F(Start, waitsForTheEndOfTheAgentBefore) {
