@@ -9,6 +9,7 @@
 #include "ui/KaVersionInformationView.h"
 #include "ui/LoginItemQuestion.h"
 #include "ui/Mnemonics.h"
+#include "ui/OpenOrSay.h"
 #include "ui/ScreenRoom.h"
 #include "ui/Texts.h"
 
@@ -132,6 +133,11 @@ TEST_F(Settings, haveRoomForTheirTextsInEveryLanguageAndSize) {
         EXPECT_TRUE(QTest::qWaitFor([this] { return cutOff(*view).isEmpty(); }, 1000))
             << language << ' ' << size << ' ' << cutOff(*view).join(u' ').toStdString();
       }
+      showNotOpened(Openable::Page, u"https://a.example/"_s.repeated(20));
+      const auto windows = UiProfile::windows<QDialog>();
+      QDialog &notOpened = **std::ranges::find(windows, u"pageNotOpened"_s, &QObject::objectName);
+      EXPECT_EQ(notOpened.size().boundedTo(roomOnScreen(notOpened)), notOpened.size()) << language << ' ' << size;
+      notOpened.close();
     }
   }
   QFont usual = QApplication::font();

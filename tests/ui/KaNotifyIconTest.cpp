@@ -12,6 +12,7 @@
 #include "ui/KaStatusView.h"
 #include "ui/KaVersionInformationView.h"
 #include "ui/LoginItemQuestion.h"
+#include "ui/Mnemonics.h"
 #include "ui/Texts.h"
 
 #include <gmock/gmock.h>
@@ -382,10 +383,16 @@ TEST_F(NotifyIcon, saysWhatDidNotOpenInOneWindowOfAKindWithItsAddressToCopy) {
   Q_EMIT view.entryTriggered(StatusEntry::Help);
   ASSERT_TRUE(waitFor([&] { return shows(u"/help/en/index.html"_s); }));
   QPushButton *const copy = dialogs().first()->findChild<QPushButton *>();
-  EXPECT_EQ(copy->text(), localised("DLG_NOT_OPENED_BUTTON_COPY_ADDRESS"_L1));
+  EXPECT_EQ(spoken(copy->text()), localised("DLG_NOT_OPENED_BUTTON_COPY_ADDRESS"_L1));
   copy->click();
   EXPECT_EQ(QApplication::clipboard()->text(), address()->text());
   EXPECT_EQ(address()->selectedText(), address()->text());
+  for (const QString &url : {QString(), u"https://a.example/"_s}) {
+    icon->onPageNotOpened(url);
+    EXPECT_EQ(address()->isVisible(), !url.isEmpty());
+    EXPECT_EQ(copy->isVisible(), !url.isEmpty());
+    EXPECT_EQ(dialogs().first()->findChild<QLabel *>()->text() == localised("MSG_PAGE_NOT_OPENED"_L1), !url.isEmpty());
+  }
   dialogs().first()->reject();
   Q_EMIT view.notificationActivated(u"1"_s); // there is no such folder yet
   ASSERT_TRUE(waitFor([&] { return shows(facade.downloadOption().parentFolder); }));
