@@ -1,12 +1,10 @@
 #include "ui/KaAlertQueue.h"
 
 #include "platform/ThreadBound.h"
+#include "ui/MessageBoxes.h"
 #include "ui/Texts.h"
 
-#include <QApplication>
-#include <QIcon>
 #include <QMessageBox>
-#include <QStyle>
 
 using namespace Qt::StringLiterals;
 
@@ -23,11 +21,8 @@ void KaAlertQueue::show(const QString &text) {
 
 void KaAlertQueue::open(const QString &text) {
   current = new QMessageBox(QMessageBox::NoIcon, localised("APP_SHORT_NAME"_L1), text);
-  // Whose word it is: good news comes this way, too, and wants no warning beside it.
-  const int iconSize = current->style()->pixelMetric(QStyle::PM_MessageBoxIconSize, nullptr, current);
-  current->setIconPixmap(QApplication::windowIcon().pixmap(QSize(iconSize, iconSize), current->devicePixelRatio()));
   current->addButton(localised("DLG_COMMON_BUTTON_CLOSE"_L1), QMessageBox::AcceptRole);
-  current->setTextFormat(Qt::PlainText);
+  dressMessageBox(*current);
   current->setAttribute(Qt::WA_DeleteOnClose);
   // A modal window would take the menu of the status item away on some desktops, and with it the way to quit.
   current->setModal(false);

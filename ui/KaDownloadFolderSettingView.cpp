@@ -4,6 +4,7 @@
 #include "engine/OutputFolder.h"
 #include "log/ExceptionGuard.h"
 #include "ui/KaStatusView.h"
+#include "ui/MessageBoxes.h"
 #include "ui/Mnemonics.h"
 #include "ui/ScreenRoom.h"
 #include "ui/Texts.h"
@@ -390,11 +391,9 @@ bool KaDownloadFolderSettingView::checkOutputPath(const QString &path) {
   auto *const warning =
       new QMessageBox(QMessageBox::NoIcon, windowTitle(), folderMessage(verdict), QMessageBox::NoButton, this);
   warning->setAttribute(Qt::WA_DeleteOnClose);
-  warning->setIconPixmap(QApplication::windowIcon().pixmap(style()->pixelMetric(QStyle::PM_MessageBoxIconSize)));
-  warning->setTextFormat(Qt::PlainText);
   warning->addButton(localised("DLG_COMMON_BUTTON_CLOSE"_L1), QMessageBox::AcceptRole);
+  dressMessageBox(*warning);
   addPath(*warning, path, roomOnScreen(*this));
-  giveMnemonics(*warning);
   warning->open();
   return false;
 }

@@ -3,13 +3,11 @@
 #include "platform/LoginItem.h"
 #include "platform/ThreadBound.h"
 #include "platform/UserDefaults.h"
-#include "ui/Mnemonics.h"
+#include "ui/MessageBoxes.h"
 #include "ui/Texts.h"
 
-#include <QApplication>
 #include <QMessageBox>
 #include <QPushButton>
-#include <QStyle>
 
 using namespace Qt::StringLiterals;
 
@@ -20,12 +18,9 @@ constexpr auto kLaunchAtLogin = "LaunchAtLogin"_L1;
 
 bool askWhetherToLaunchAtLogin() {
   QMessageBox question(QMessageBox::NoIcon, localised("APP_SHORT_NAME"_L1), localised("MSG_FIRST_LAUNCH"_L1));
-  question.setIconPixmap(
-      QApplication::windowIcon().pixmap(question.style()->pixelMetric(QStyle::PM_MessageBoxIconSize)));
-  question.setTextFormat(Qt::PlainText);
   QPushButton *const yes = question.addButton(localised("DLG_FIRST_LAUNCH_BUTTON_START"_L1), QMessageBox::AcceptRole);
   QPushButton *const no = question.addButton(localised("DLG_FIRST_LAUNCH_BUTTON_LATER"_L1), QMessageBox::RejectRole);
-  giveMnemonics(question);
+  dressMessageBox(question);
   question.setDefaultButton(yes);
   question.setEscapeButton(no);
   question.exec();

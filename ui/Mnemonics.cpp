@@ -20,6 +20,13 @@ QString withMnemonic(const QString &text, const QString &taken) {
   return QString(text).insert(text.endsWith(u'…') ? text.size() - 1 : text.size(), u"(&%1)"_s.arg(letter));
 }
 
+/// Without those of windows that belong to it, which have letters of their own.
+template <class Widget> QList<Widget *> ownChildren(const QWidget &window) {
+  QList<Widget *> own = window.findChildren<Widget *>();
+  own.removeIf([&window](const Widget *child) { return child->window() != &window; });
+  return own;
+}
+
 } // namespace
 
 QString mnemonicOf(const QString &text) {
@@ -34,11 +41,11 @@ QString spoken(QString text) {
 
 void giveMnemonics(const QWidget &window) {
   QString taken;
-  for (const QLabel *const label : window.findChildren<QLabel *>())
+  for (const QLabel *const label : ownChildren<QLabel>(window))
     if (label->buddy()) taken += mnemonicOf(label->text());
-  for (const QAbstractButton *const button : window.findChildren<QAbstractButton *>())
+  for (const QAbstractButton *const button : ownChildren<QAbstractButton>(window))
     taken += mnemonicOf(button->text());
-  for (QPushButton *const button : window.findChildren<QPushButton *>()) {
+  for (QPushButton *const button : ownChildren<QPushButton>(window)) {
     if (button->text().isEmpty() || !mnemonicOf(button->text()).isEmpty()) continue;
     button->setText(withMnemonic(button->text(), taken));
     taken += mnemonicOf(button->text());

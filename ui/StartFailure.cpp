@@ -2,6 +2,7 @@
 
 #include "platform/Sight.h"
 #include "platform/ThreadBound.h"
+#include "ui/Mnemonics.h"
 #include "ui/Texts.h"
 
 #include <QMessageBox>
@@ -20,5 +21,6 @@ void showStartFailure(QLatin1StringView messageKey, const QString &detail) {
   window.setTextFormat(Qt::PlainText);
   window.setInformativeText(detail);
   window.addButton(localised("DLG_COMMON_BUTTON_CLOSE"_L1), QMessageBox::AcceptRole);
+  giveMnemonics(window);
   window.exec();
 }

@@ -26,6 +26,7 @@
 #include <QLineEdit>
 #include <QMessageBox>
 #include <QPlainTextEdit>
+#include <QPushButton>
 #include <QRadioButton>
 #include <QScreen>
 #include <QScrollArea>
@@ -318,6 +319,9 @@ TEST_F(Settings, turnThe10GFolderOnWhenOneIsChosen) {
     EXPECT_EQ(chooser->directory().path(), which.isEmpty() ? usable : stored.parent10GFolder);
     EXPECT_EQ(chooser->windowTitle(),
               localised(which.isEmpty() ? "DLG_SETTING_CHOOSE_FOLDER"_L1 : "DLG_SETTING_CHOOSE_10G_FOLDER"_L1));
+    const QPushButton &foreign = *new QPushButton(u"Own"_s, chooser);
+    giveMnemonics(*view);
+    EXPECT_EQ(foreign.text(), u"Own"_s) << "it belongs to another window";
     Q_EMIT chooser->fileSelected(u"/chosen"_s);
     EXPECT_EQ((which.isEmpty() ? folder() : folder10G()).text(), u"/chosen");
     EXPECT_EQ(find<QCheckBox>(u"checkBox10GDownloadButton"_s).isChecked(), !which.isEmpty());

@@ -73,7 +73,7 @@ TEST_F(DesktopItem, alertsOneAtATimeInOrderAndOnceEach) {
     const QPixmap icon = box.iconPixmap();
     EXPECT_TRUE(icon.width() >= 16 && icon.toImage() == own.pixmap(icon.size()).toImage()) << "no warning";
     QAbstractButton *const ok = box.buttons().value(0);
-    EXPECT_EQ(ok->text(), u"Cerrar");
+    EXPECT_EQ(ok->text(), u"&Cerrar");
     ok->click();
     QCoreApplication::processEvents();
   }
