@@ -12,7 +12,8 @@ namespace platform {
 
 /// Desktop notifications, one of a kind: a kind is the caller's own number. Each stands until it is replaced,
 /// withdrawn, or the user has done with it. Those that stand wait for a notification service that starts later, and
-/// outlast one that ends. Nothing here blocks but withdrawAll; without a session bus nothing happens. Main thread.
+/// outlast one that ends, unless that one has shown them for as long as it shows any. Nothing here blocks but
+/// withdrawAll; without a session bus nothing happens. Main thread.
 class NotificationCenter : public QObject {
   Q_OBJECT
 

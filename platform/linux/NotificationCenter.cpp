@@ -89,6 +89,7 @@ public:
     Entry &entry = entries[kind];
     entry.wanted = notification;
     entry.isSent = false;
+    entry.hasExpired = false;
     settle();
   }
 
@@ -128,6 +129,7 @@ private:
     bool isSent = false;                ///< the service that is there was sent what is wanted
     Call *call = nullptr;               ///< under way to it; owned by the center
     uint id = 0;                        ///< of what it shows; 0: nothing
+    bool hasExpired = false;            ///< it stands in that service's list of past ones, if it has one
   };
 
   static uint idIn(const Call &call) {
@@ -188,11 +190,13 @@ private:
   }
 
   /// Another service, or none. It counts its ids from the start: an old one would catch a stranger's click. What is
-  /// under way settles with its answer, which may be this one's already.
+  /// under way settles with its answer, which may be this one's already. What the user has had the time to see is not
+  /// shown again.
   void meet(const QString &service) {
     bodyIsMarkup.reset();
     capabilities = nullptr;
     for (auto &[kind, entry] : entries) {
+      if (entry.hasExpired) entry.wanted.reset();
       entry.isSent = false;
       entry.id = 0;
     }
@@ -208,7 +212,11 @@ private:
     // One that went away by itself may still be clicked in the server's list of past ones.
     constexpr uint kExpired = 1;
     Entry *const entry = shownAs(id);
-    if (!entry || reason == kExpired) return;
+    if (!entry) return;
+    if (reason == kExpired) {
+      entry->hasExpired = !entry->call; // else it was the one before that did
+      return;
+    }
     entry->id = 0;
     // The user has done with it, but not with what is on its way in its place.
     if (!entry->call) entry->wanted.reset();

@@ -107,6 +107,20 @@ TEST_F(Notifications, standOnceOfAKindForAsLongAsTheyAreTrueWhateverBecomesOfThe
   center.withdraw(1);
   EXPECT_TRUE(server.waitForStanding({u"c"_s})) << "of those in the list of past ones";
   EXPECT_EQ(server.lastId, 2) << "each was posted once";
+  post(5, u"expired"_s);
+  post(6, u"expired"_s);
+  ASSERT_TRUE(server.waitForStanding({u"c"_s, u"expired"_s, u"expired"_s}));
+  for (const uint id : {3, 4})
+    server.close(id, 1);
+  for (const auto &text : {u"d"_s, u"e"_s}) { // the latter goes once the former was answered, and so behind those ends
+    post(7, text);
+    ASSERT_TRUE(server.waitForStanding({u"c"_s, text}));
+  }
+  post(6, u"new"_s);
+  ASSERT_TRUE(server.waitForStanding({u"c"_s, u"e"_s, u"new"_s}));
+  server.restart();
+  EXPECT_TRUE(server.waitForStanding({u"c"_s, u"e"_s, u"new"_s}));
+  EXPECT_EQ(server.lastId, 3) << "what the user has had the time to see";
 }
 
 TEST(SingleInstance, hasTheProfileAloneAndCanBeReachedUntilItResigns) {

@@ -3,6 +3,7 @@
 #include <QDBusConnection>
 #include <QMap>
 #include <QObject>
+#include <QSet>
 #include <QStringList>
 #include <QVariantMap>
 
@@ -27,6 +28,7 @@ public:
   QStringList capabilities{QStringLiteral("body-markup")};
   uint lastId = 0;
   QMap<uint, QString> standing;
+  QSet<uint> past;   ///< gone by themselves, and in the list of those
   QVariantList last; ///< program, icon, title, action
   QVariantMap lastHints;
   std::function<void()> beforeAnswer; ///< once, before the next one gets its id
