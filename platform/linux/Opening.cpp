@@ -1,6 +1,9 @@
 #include "platform/Opening.h"
 
+#include "platform/Mailbox.h"
+#include "platform/NoDestructor.h"
 #include "platform/ThreadBound.h"
+#include "platform/ThreadName.h"
 #include "platform/linux/FileDescriptor.h"
 
 #include <QCoreApplication>
@@ -21,7 +24,10 @@
 #include <unistd.h>
 
 #include <csignal>
+#include <functional>
+#include <memory>
 #include <optional>
+#include <thread>
 #include <utility>
 
 using namespace Qt::StringLiterals;
@@ -31,8 +37,8 @@ extern char **environ; // NOLINT: POSIX names it so
 namespace platform {
 namespace {
 
-/// A file manager that does not answer in this time is passed over. The bus may have to start it first.
-constexpr int kFileManagerWaitMs = 25'000;
+/// How often an opener is looked at of which the kernel tells no end.
+constexpr std::chrono::milliseconds kLookInterval(250);
 
 /// What a child starts with: a session of its own, which ends with no terminal, and no signal ignored on our account.
 class SpawnAttributes {
@@ -59,7 +65,7 @@ private:
   const bool complete;
 };
 
-/// Whoever is to hear what became of an opening, once.
+/// Whoever is to hear what became of an opening, once. Main thread.
 class Listener {
 public:
   Listener(const QObject *receiver, OpeningVerdict verdict) : alive(receiver), tell(std::move(verdict)) {}
@@ -68,16 +74,28 @@ public:
     const auto verdict = std::exchange(tell, {});
     if (verdict && alive) verdict(opened);
   }
-  /// From the event loop, as every other verdict.
-  void failLater() const {
-    QTimer::singleShot(0, QCoreApplication::instance(),
-                       [listener = *this]() mutable { listener.conclude(/*opened=*/false); });
-  }
 
 private:
   QPointer<const QObject> alive;
   OpeningVerdict tell;
 };
+using Told = std::shared_ptr<Listener>;
+
+/// From the event loop, as every other verdict. @return what goes away then, and prevents it when it is deleted before.
+QTimer *failAfter(std::chrono::milliseconds wait, const Told &listener) {
+  auto *const timer = new QTimer(QCoreApplication::instance());
+  timer->setSingleShot(true);
+  QObject::connect(timer, &QTimer::timeout, timer, [timer, listener] {
+    listener->conclude(/*opened=*/false);
+    timer->deleteLater();
+  });
+  timer->start(wait);
+  return timer;
+}
+
+void failLater(const Told &listener) {
+  failAfter({}, listener);
+}
 
 /// By the kernel's number: the C library of Debian 12 declares its own name for C alone.
 int handleOf(pid_t process) {
@@ -88,35 +106,43 @@ int handleOf(pid_t process) {
 /// Not a QProcess, which ends its program when it is destroyed: if this goes first, the opener goes on alone.
 class StartedOpener : public QObject {
 public:
-  StartedOpener(pid_t process, Listener toTell, std::chrono::milliseconds wait)
+  StartedOpener(pid_t process, Told toTell, std::chrono::milliseconds wait)
       : QObject(QCoreApplication::instance()), child(process), handle(handleOf(process)), listener(std::move(toTell)) {
-    // A kernel that has no handle for it leaves its verdict unknown.
-    if (!handle) wait = std::chrono::milliseconds::zero();
-    if (handle) watch();
-    QTimer::singleShot(wait, this, [this] { listener.conclude(/*opened=*/true); });
+    if (handle)
+      watch();
+    else
+      lookNowAndThen();
+    QTimer::singleShot(wait, this, [this] { listener->conclude(/*opened=*/true); });
   }
 
 private:
   void watch() {
     end.emplace(handle.get(), QSocketNotifier::Read);
-    connect(&*end, &QSocketNotifier::activated, this, &StartedOpener::hasEnded);
+    connect(&*end, &QSocketNotifier::activated, this, &StartedOpener::look);
   }
-  void hasEnded() {
-    end->setEnabled(false);
+  /// Where the kernel has no handle for it, or gives none.
+  void lookNowAndThen() {
+    auto *const timer = new QTimer(this);
+    connect(timer, &QTimer::timeout, this, &StartedOpener::look);
+    timer->start(kLookInterval);
+  }
+  void look() {
     int status = 0;
-    const bool isKnown = ::waitpid(child, &status, WNOHANG) == child;
-    listener.conclude(!isKnown || (WIFEXITED(status) && WEXITSTATUS(status) == 0));
+    const pid_t ended = ::waitpid(child, &status, WNOHANG);
+    if (ended == 0) return;
+    if (end) end->setEnabled(false);
+    listener->conclude(ended != child || (WIFEXITED(status) && WEXITSTATUS(status) == 0));
     deleteLater();
   }
 
   const pid_t child;
   const FileDescriptor handle;
   std::optional<QSocketNotifier> end;
-  Listener listener;
+  const Told listener;
 };
 
 /// Starts the desktop's own opener.
-void runXdgOpen(const QString &argument, Listener listener, std::chrono::milliseconds wait) {
+void runXdgOpen(const QString &argument, const Told &listener, std::chrono::milliseconds wait) {
   QByteArray program = QFile::encodeName(QStandardPaths::findExecutable(u"xdg-open"_s));
   QByteArray bytes = argument.toUtf8();
   char *const arguments[] = {program.data(), bytes.data(), nullptr};
@@ -125,39 +151,64 @@ void runXdgOpen(const QString &argument, Listener listener, std::chrono::millise
   const bool isStarted =
       !program.isEmpty()
       && ::posix_spawn(&child, program.constData(), nullptr, attributes.get(), arguments, environ) == 0;
-  if (!isStarted) return listener.failLater();
-  new StartedOpener(child, std::move(listener), wait); // NOLINT: the application owns it
+  if (!isStarted) return failLater(listener);
+  new StartedOpener(child, listener, wait); // NOLINT: the application owns it
 }
 
-QDBusPendingCall askFileManager(const QString &path) {
+/// Where threads leave their answers. It outlives them all: one may hang in a disk for as long as the process lives.
+Mailbox &answers() {
+  static NoDestructor<Mailbox> mailbox;
+  return *mailbox;
+}
+
+/// Finds out whether it is a folder on a thread of its own, and goes on with the answer on this one.
+void askDisk(const QString &path, std::function<void(bool isFolder)> goOn) {
+  Mailbox &mailbox = answers(); // made on the main thread, whose it is
+  std::thread([path, &mailbox, next = std::move(goOn)]() mutable {
+    nameThisThread("folder");
+    const bool isFolder = QFileInfo(path).isDir();
+    mailbox.post([isFolder, next = std::move(next)] { next(isFolder); });
+  }).detach();
+}
+
+QDBusPendingCall askFileManager(const QString &path, std::chrono::milliseconds wait) {
   auto call = QDBusMessage::createMethodCall(u"org.freedesktop.FileManager1"_s, u"/org/freedesktop/FileManager1"_s,
                                              u"org.freedesktop.FileManager1"_s, u"ShowFolders"_s);
   call << QStringList{QString::fromLatin1(QUrl::fromLocalFile(path).toEncoded())} << QString();
-  return QDBusConnection::sessionBus().asyncCall(call, kFileManagerWaitMs);
+  return QDBusConnection::sessionBus().asyncCall(call, static_cast<int>(wait.count()));
+}
+
+void showFolder(const QString &path, const Told &listener, const OpeningWaits &waits) {
+  if (!QDBusConnection::sessionBus().isConnected()) return runXdgOpen(path, listener, waits.opener);
+  auto *const call = new QDBusPendingCallWatcher(askFileManager(path, waits.fileManager), QCoreApplication::instance());
+  QObject::connect(call, &QDBusPendingCallWatcher::finished, call, [call, path, listener, waits] {
+    if (call->isError())
+      runXdgOpen(path, listener, waits.opener);
+    else
+      listener->conclude(/*opened=*/true);
+    call->deleteLater();
+  });
 }
 
 } // namespace
 
-void openUrl(const QString &url, const QObject *receiver, const OpeningVerdict &verdict,
-             std::chrono::milliseconds wait) {
+void openUrl(const QString &url, const QObject *receiver, const OpeningVerdict &verdict, const OpeningWaits &waits) {
   assertMainThread();
-  Listener listener(receiver, verdict);
-  if (url.isEmpty() || url.startsWith(u'-')) return listener.failLater();
-  runXdgOpen(url, std::move(listener), wait);
+  const auto listener = std::make_shared<Listener>(receiver, verdict);
+  if (url.isEmpty() || url.startsWith(u'-')) return failLater(listener);
+  runXdgOpen(url, listener, waits.opener);
 }
 
-void openFolder(const QString &path, const QObject *receiver, const OpeningVerdict &verdict) {
+void openFolder(const QString &path, const QObject *receiver, const OpeningVerdict &verdict,
+                const OpeningWaits &waits) {
   assertMainThread();
-  Listener listener(receiver, verdict);
-  if (!QFileInfo(path).isDir()) return listener.failLater();
-  if (!QDBusConnection::sessionBus().isConnected()) return runXdgOpen(path, std::move(listener), kOpeningWait);
-  auto *const call = new QDBusPendingCallWatcher(askFileManager(path), QCoreApplication::instance());
-  QObject::connect(call, &QDBusPendingCallWatcher::finished, call, [call, path, listener]() mutable {
-    if (call->isError())
-      runXdgOpen(path, std::move(listener), kOpeningWait);
-    else
-      listener.conclude(/*opened=*/true);
-    call->deleteLater();
+  const auto listener = std::make_shared<Listener>(receiver, verdict);
+  const QPointer<QTimer> patience = failAfter(waits.disk, listener);
+  askDisk(path, [path, listener, waits, patience](bool isFolder) {
+    if (!patience || !patience->isActive()) return; // it has been given up
+    delete patience;
+    if (isFolder) return showFolder(path, listener, waits);
+    listener->conclude(/*opened=*/false);
   });
 }
 

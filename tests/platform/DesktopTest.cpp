@@ -4,21 +4,32 @@
 #include "platform/UserDefaults.h"
 #include "platform/UserId.h"
 #include "platform/linux/DesktopEntry.h"
+#include "platform/linux/FileDescriptor.h"
 #include "tests/support/FakeBrowser.h"
+#include "tests/support/PrivateBus.h"
+#include "tests/support/RefusedCalls.h"
 #include "tests/support/TestProfile.h"
 
 #include <gtest/gtest.h>
 
 #include <QCoreApplication>
+#include <QDBusConnection>
+#include <QDBusMessage>
+#include <QDBusVirtualObject>
 #include <QDir>
 #include <QFile>
 #include <QFileInfo>
 #include <QGuiApplication>
 #include <QKeyEvent>
 
+#include <fcntl.h>
+#include <sched.h>
+#include <sys/mount.h>
 #include <sys/stat.h>
+#include <sys/syscall.h>
 #include <unistd.h>
 
+#include <cerrno>
 #include <chrono>
 #include <csignal>
 #include <functional>
@@ -110,11 +121,11 @@ struct Opening : Desktop {
   Opening() { qputenv("DBUS_SESSION_BUS_ADDRESS", "unix:path=/nonexistent"); }
 
   /// What becomes of the URL or of the folder, which begins with a slash.
-  [[nodiscard]] std::optional<bool> verdictOn(const QString &what, std::chrono::milliseconds wait = 20s) {
+  [[nodiscard]] std::optional<bool> verdictOn(const QString &what, const platform::OpeningWaits &waits = {}) {
     std::optional<bool> verdict;
     const auto note = [&](bool opened) { verdict = opened; };
-    what.startsWith(u'/') ? platform::openFolder(what, &application, note)
-                          : platform::openUrl(what, &application, note, wait);
+    what.startsWith(u'/') ? platform::openFolder(what, &application, note, waits)
+                          : platform::openUrl(what, &application, note, waits);
     EXPECT_FALSE(verdict) << "from the event loop alone";
     EXPECT_TRUE(waitFor([&] { return verdict.has_value(); }));
     return verdict;
@@ -144,16 +155,60 @@ TEST_F(Opening, ofUrlsAndFoldersSaysWhetherItWentWell) {
 
 TEST_F(Opening, thatTakesLongCountsAndGoesOnByItselfUntilItEnds) {
   std::signal(SIGPIPE, SIG_IGN);
-  browser.hang();
-  EXPECT_EQ(verdictOn(u"https://a.example/"_s, 100ms), true);
-  ASSERT_TRUE(browser.takeUrl());
-  const pid_t process = browser.hangingProcess();
-  EXPECT_EQ(::getsid(process), process);
-  const QString status = QString::fromUtf8(contentOf(u"/proc/%1/status"_s.arg(process)));
-  const quint64 ignored = status.section(u"SigIgn:"_s, 1).section(u'\n', 0, 0).trimmed().toULongLong(nullptr, 16);
-  EXPECT_FALSE(ignored & 1ULL << (SIGPIPE - 1)) << status.toStdString();
-  EXPECT_EQ(::kill(process, SIGKILL), 0);
-  EXPECT_TRUE(waitFor([&] { return ::kill(process, 0) != 0; })) << "a zombie stays";
+  for (const bool hasHandles : {true, false}) {
+    if (!hasHandles && !refuseCalls({{SYS_pidfd_open, ENOSYS}})) GTEST_SKIP() << "this kernel refuses nothing on order";
+    browser.hang();
+    EXPECT_EQ(verdictOn(u"https://a.example/"_s, {.opener = 100ms}), true);
+    ASSERT_TRUE(browser.takeUrl());
+    const pid_t process = browser.hangingProcess();
+    EXPECT_EQ(::getsid(process), process);
+    const QString status = QString::fromUtf8(contentOf(u"/proc/%1/status"_s.arg(process)));
+    const quint64 ignored = status.section(u"SigIgn:"_s, 1).section(u'\n', 0, 0).trimmed().toULongLong(nullptr, 16);
+    EXPECT_FALSE(ignored & 1ULL << (SIGPIPE - 1)) << status.toStdString();
+    EXPECT_EQ(::kill(process, SIGKILL), 0);
+    EXPECT_TRUE(waitFor([&] { return ::kill(process, 0) != 0; })) << "a zombie stays";
+    browser.fail();
+    EXPECT_EQ(verdictOn(u"https://a.example/"_s), false);
+    ASSERT_TRUE(browser.takeUrl());
+  }
+}
+
+TEST_F(Opening, isNotHeldUpByADiskThatHangs) {
+  // Its file system is one whose server says nothing.
+  const QString dead = profile.path(u"dead"_s);
+  ASSERT_TRUE(QDir().mkdir(dead));
+  const QByteArray path = QFile::encodeName(dead);
+  platform::FileDescriptor server(::open("/dev/fuse", O_RDWR | O_CLOEXEC));
+  const QByteArray options = "fd=" + QByteArray::number(server.get()) + ",rootmode=40000,user_id=0,group_id=0";
+  if (!server || ::unshare(CLONE_NEWNS) != 0 || ::mount(nullptr, "/", nullptr, MS_REC | MS_PRIVATE, nullptr) != 0
+      || ::mount("dead", path.constData(), "fuse", 0, options.constData()) != 0)
+    GTEST_SKIP() << "this system lets nobody mount";
+  EXPECT_EQ(verdictOn(dead, {.disk = 50ms}), false);
+  EXPECT_EQ(verdictOn(profile.picturesFolder()), true) << "another disk";
+  EXPECT_EQ(::umount2(path.constData(), MNT_DETACH), 0);
+  server = {}; // whoever waits for it is told
+}
+
+/// Takes every call and answers none.
+struct SilentObject : QDBusVirtualObject {
+  [[nodiscard]] QString introspect(const QString & /*path*/) const override { return {}; }
+  bool handleMessage(const QDBusMessage &message, const QDBusConnection & /*bus*/) override {
+    asked << message.member();
+    return true;
+  }
+  QStringList asked;
+};
+
+TEST_F(Opening, passesAFileManagerOverThatHangs) {
+  const PrivateBus bus;
+  auto others = QDBusConnection::connectToBus(QDBusConnection::SessionBus, u"others"_s);
+  SilentObject manager;
+  ASSERT_TRUE(others.registerVirtualObject(u"/org/freedesktop/FileManager1"_s, &manager)
+              && others.registerService(u"org.freedesktop.FileManager1"_s));
+  EXPECT_EQ(verdictOn(profile.picturesFolder(), {.fileManager = 100ms, .disk = 20s}), true);
+  EXPECT_EQ(browser.takeUrl(), profile.picturesFolder());
+  EXPECT_EQ(manager.asked, QStringList{u"ShowFolders"_s});
+  QDBusConnection::disconnectFromBus(u"others"_s);
 }
 
 TEST_F(Desktop, keepsTheUsersIdWhichDiffersByMachine) {

@@ -16,7 +16,9 @@ std::uint32_t offsetOfArgument(unsigned index) {
   return static_cast<std::uint32_t>(offsetof(seccomp_data, args) + index * sizeof(__u64));
 }
 
-bool install(const std::vector<RefusedCall> &calls) {
+} // namespace
+
+bool refuseCalls(const std::vector<RefusedCall> &calls) {
   std::vector<sock_filter> program;
   for (const auto &[number, error, argument, bits] : calls) {
     program.push_back(BPF_STMT(BPF_LD | BPF_W | BPF_ABS, offsetof(seccomp_data, nr)));
@@ -32,12 +34,10 @@ bool install(const std::vector<RefusedCall> &calls) {
          && ::syscall(SYS_seccomp, SECCOMP_SET_MODE_FILTER, 0, &whole) == 0;
 }
 
-} // namespace
-
 bool withRefusedCalls(const std::vector<RefusedCall> &calls, const std::function<void()> &body) {
   bool isInstalled = false;
   std::thread([&] {
-    isInstalled = install(calls);
+    isInstalled = refuseCalls(calls);
     if (isInstalled) body();
   }).join();
   return isInstalled;

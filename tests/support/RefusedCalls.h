@@ -15,3 +15,5 @@ struct RefusedCall {
 /// Runs @p body on a thread for which the kernel refuses these calls: as a file system does that lacks something, or a
 /// disk that is full. @return whether the kernel lets itself be told so.
 [[nodiscard]] bool withRefusedCalls(const std::vector<RefusedCall> &calls, const std::function<void()> &body);
+/// The same for this thread and those that it begins, for good.
+[[nodiscard]] bool refuseCalls(const std::vector<RefusedCall> &calls);
