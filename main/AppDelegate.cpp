@@ -10,6 +10,7 @@
 #include "ui/KaNotifyIcon.h"
 #include "ui/LoginItemQuestion.h"
 #include "ui/StartFailure.h"
+#include "ui/Thumbnail.h"
 
 #include <QCoreApplication>
 #include <QEvent>
@@ -49,6 +50,7 @@ void AppDelegate::applicationDidFinishLaunching() {
 
 void AppDelegate::launch() {
   KaLogUtility::initialize();
+  limitThumbnails();
   // Logging is off at this point, so this writes nothing.
   KaLogUtility::writeStartLog({getUserAgent()});
   if (!platform::isUnseen() && !askAtFirstLaunch([this] { return isTerminating; })) return;

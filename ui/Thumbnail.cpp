@@ -1,5 +1,7 @@
 #include "ui/Thumbnail.h"
 
+#include "platform/ThreadBound.h"
+
 #include <QFileInfo>
 #include <QImageReader>
 
@@ -29,10 +31,14 @@ QImage read(QImageReader &reader, int edge) {
 
 } // namespace
 
+void limitThumbnails() {
+  platform::assertMainThread();
+  QImageReader::setAllocationLimit(kMostMegabytes);
+}
+
 QImage thumbnailOf(const QString &path, int edge) {
   // Anything but a plain file may wait for somebody who writes to it.
   if (edge <= 0 || !QFileInfo(path).isFile()) return {};
-  QImageReader::setAllocationLimit(kMostMegabytes);
   for (const char *kind : kKinds) {
     QImageReader reader(path, kind);
     reader.setAutoDetectImageFormat(false);

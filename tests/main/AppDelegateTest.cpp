@@ -10,6 +10,7 @@
 
 #include <gmock/gmock.h>
 
+#include <QImageReader>
 #include <QMessageBox>
 #include <QPushButton>
 #include <QRegularExpression>
@@ -83,6 +84,7 @@ TEST_F(FirstLaunch, asksOnceAndStartsAtLoginOnlyIfAccepted) {
   const QString obstacle = profile.blockAutostart();
   EXPECT_EQ(launch(accept), u"asked 0 - 0"_s) << "the login item is refused";
   EXPECT_EQ(launch(accept), u"silent 0 - 0"_s);
+  EXPECT_EQ(QImageReader::allocationLimit(), 64) << "megabytes that a picture may take";
   ASSERT_TRUE(QFile::remove(obstacle));
   defaults.setString(u"firstLaunch"_s, u"YES"_s);
   EXPECT_EQ(launch(accept), u"asked 0 true 1"_s);
