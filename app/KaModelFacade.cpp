@@ -62,12 +62,12 @@ KaDownloadOption KaModelFacade::downloadOption() const {
   return dOption;
 }
 
-void KaModelFacade::setDownloadOption(const KaDownloadOption &option) {
+bool KaModelFacade::setDownloadOption(const KaDownloadOption &option) {
   {
     const platform::MutexLock lock(optionLock);
     dOption = option;
   }
-  saveDownloadFolderSetting();
+  return saveDownloadFolderSetting();
 }
 
 QString KaModelFacade::downloadOptionParentFolder() const {
@@ -94,8 +94,10 @@ qint64 KaModelFacade::downloadOptionChildFolder() const {
   return downloadOption().childFolder;
 }
 
-void KaModelFacade::saveDownloadFolderSetting() const {
-  if (!saveDownloadOption(downloadOption())) KaLogUtility::writeErrorLog(u"the download settings cannot be saved"_s);
+bool KaModelFacade::saveDownloadFolderSetting() const {
+  if (saveDownloadOption(downloadOption())) return true;
+  KaLogUtility::writeErrorLog(u"the download settings cannot be saved"_s);
+  return false;
 }
 
 bool KaModelFacade::loadDownloadFolderSetting() {

@@ -42,7 +42,8 @@ public:
   /// @name Settings. Any thread.
   /// @{
   [[nodiscard]] KaDownloadOption downloadOption() const override; ///< a consistent snapshot
-  void setDownloadOption(const KaDownloadOption &option);         ///< saved at once
+  /// Saves them at once. @return whether that succeeded; until the end of the process they count either way.
+  bool setDownloadOption(const KaDownloadOption &option);
   [[nodiscard]] QString downloadOptionParentFolder() const;
   [[nodiscard]] QString downloadOptionParent10GFolder() const;
   [[nodiscard]] QString checkBox10GDownload() const; ///< the user's choice, whether the service offers it or not
@@ -51,8 +52,8 @@ public:
   [[nodiscard]] QString checkBoxCreateSubfolder() const;
   [[nodiscard]] QString checkBoxDownloadMetadata() const;
   [[nodiscard]] qint64 downloadOptionChildFolder() const;
-  void saveDownloadFolderSetting() const;
-  bool loadDownloadFolderSetting(); ///< always false
+  bool saveDownloadFolderSetting() const; ///< @return as above
+  bool loadDownloadFolderSetting();       ///< always false
   [[nodiscard]] KaResultCode verifyDownloadOptionParentFolder(const QString &path) const override;
   [[nodiscard]] KaWaitTimes loadWaitTimeInfo(KaWaitTimes builtIn) const override;
   [[nodiscard]] bool hasNetwork() const override;

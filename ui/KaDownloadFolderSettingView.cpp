@@ -377,12 +377,13 @@ void KaDownloadFolderSettingView::okButton_Click() {
   if (window->checkBox10GDownloadButton->isChecked() && !checkOutputPath(window->input10GFolderPathLabel->text()))
     return;
   accept();
-  model.setDownloadOption({.parentFolder = window->inputFolderPathLabel->text(),
-                           .parent10GFolder = window->input10GFolderPathLabel->text(),
-                           .checkBox10GDownload = stateWord(*window->checkBox10GDownloadButton),
-                           .checkBoxCreateSubfolder = stateWord(*window->checkBoxCreateSubfolder),
-                           .checkBoxDownloadMetadata = stateWord(*window->checkBoxDownloadMetadata),
-                           .childFolder = childFolder});
+  const bool saved = model.setDownloadOption({.parentFolder = window->inputFolderPathLabel->text(),
+                                              .parent10GFolder = window->input10GFolderPathLabel->text(),
+                                              .checkBox10GDownload = stateWord(*window->checkBox10GDownloadButton),
+                                              .checkBoxCreateSubfolder = stateWord(*window->checkBoxCreateSubfolder),
+                                              .checkBoxDownloadMetadata = stateWord(*window->checkBoxDownloadMetadata),
+                                              .childFolder = childFolder});
+  if (!saved) Q_EMIT notSaved();
 }
 
 bool KaDownloadFolderSettingView::checkOutputPath(const QString &path) {

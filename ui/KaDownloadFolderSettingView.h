@@ -33,6 +33,10 @@ public:
   /// The strip above the settings. What it asks for others do, but for the choice of a folder.
   [[nodiscard]] KaStatusView &statusView() const { return *status; }
 
+Q_SIGNALS:
+  /// After OK: the settings count until the program ends, but could not be stored.
+  void notSaved();
+
 protected:
   bool event(QEvent *event) override;
   void showEvent(QShowEvent *event) override;

@@ -118,6 +118,7 @@ void KaNotifyIcon::openSettings() {
   const auto *const settings = static_cast<KaDownloadFolderSettingView *>(dialog.data());
   connect(settings, &QDialog::accepted, this, &KaNotifyIcon::foldersSaved,
           static_cast<Qt::ConnectionType>(Qt::QueuedConnection | Qt::UniqueConnection));
+  connect(settings, &KaDownloadFolderSettingView::notSaved, this, &KaNotifyIcon::foldersNotSaved, Qt::UniqueConnection);
   connect(&settings->statusView(), &KaStatusView::remedyRequested, this, &KaNotifyIcon::performRemedy,
           Qt::UniqueConnection);
   connect(&settings->statusView(), &KaStatusView::openFolderRequested, this, &KaNotifyIcon::openFolder,
@@ -128,6 +129,10 @@ void KaNotifyIcon::openSettings() {
 void KaNotifyIcon::foldersSaved() {
   const auto fault = model.snapshot().fault;
   if (fault && notificationKind(fault->result) == NotificationKind::SavingTrouble) model.newsFromOutside();
+}
+
+void KaNotifyIcon::foldersNotSaved() {
+  statusItem.alert(localised("MSG_ERR_SETTINGS_NOT_SAVED"_L1));
 }
 
 void KaNotifyIcon::performRemedy(StatusRemedy remedy) {
@@ -312,7 +317,7 @@ void KaNotifyIcon::menuAction_Logout() {
 
 void KaNotifyIcon::menuAction_LaunchSetting() {
   guarded([this] {
-    setLaunchedAtLogin(!isLaunchedAtLogin());
+    if (!setLaunchedAtLogin(!isLaunchedAtLogin())) statusItem.alert(localised("MSG_ERR_LAUNCH_SETTING"_L1));
     shown.isLaunchedAtLogin = isLaunchedAtLogin();
     // Shown in either case: the entry has changed its own check mark already.
     statusItem.show(shown);

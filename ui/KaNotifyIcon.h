@@ -90,6 +90,7 @@ private:
   template <class Dialog, class... Arguments> void openDialog(Arguments &...arguments);
   void openSettings();
   void foldersSaved();
+  void foldersNotSaved();
   void performRemedy(StatusRemedy remedy);
   void openFolder(const QString &path);
   void confirmFolders();

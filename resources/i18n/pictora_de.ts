@@ -322,6 +322,10 @@
     <source></source>
     <translation>Der Pfad dieses Ordners ist zu lang. Wählen Sie einen Ordner mit einem kürzeren Pfad.</translation>
   </message>
+  <message id="MSG_ERR_SETTINGS_NOT_SAVED">
+    <source></source>
+    <translation>Ihre Einstellungen konnten nicht gespeichert werden und gelten nur, bis Sie Downloaderpictora beenden. Prüfen Sie, ob der Datenträger voll ist und ob Sie in Ihren Benutzerordner schreiben dürfen, und speichern Sie dann erneut.</translation>
+  </message>
   <!-- About -->
   <message id="DLG_ABOUT_TITLE">
     <source></source>
@@ -335,6 +339,10 @@
   <message id="MSG_FOLDER_NOT_OPENED">
     <source></source>
     <translation>Dieser Ordner ließ sich nicht öffnen. Vielleicht wurde er verschoben oder gelöscht, oder das Programm, das Ordner anzeigt, ist nicht gestartet.</translation>
+  </message>
+  <message id="MSG_ERR_LAUNCH_SETTING">
+    <source></source>
+    <translation>„Mit dem Computer starten“ ließ sich nicht ändern. Prüfen Sie, ob der Datenträger voll ist und ob Sie in Ihren Benutzerordner schreiben dürfen, und versuchen Sie es dann erneut.</translation>
   </message>
   <message id="DLG_NOT_OPENED_BUTTON_COPY_ADDRESS">
     <source></source>

@@ -322,6 +322,10 @@
     <source></source>
     <translation>The path of this folder is too long. Choose a folder with a shorter path.</translation>
   </message>
+  <message id="MSG_ERR_SETTINGS_NOT_SAVED">
+    <source></source>
+    <translation>Your settings could not be saved and count only until you quit Downloaderpictora. Check that the disk is not full and that you may write to your home folder, then save them once more.</translation>
+  </message>
   <!-- About -->
   <message id="DLG_ABOUT_TITLE">
     <source></source>
@@ -335,6 +339,10 @@
   <message id="MSG_FOLDER_NOT_OPENED">
     <source></source>
     <translation>This folder could not be opened. It may have been moved or deleted, or the program that shows folders did not start.</translation>
+  </message>
+  <message id="MSG_ERR_LAUNCH_SETTING">
+    <source></source>
+    <translation>“Start with the Computer” could not be changed. Check that the disk is not full and that you may write to your home folder, then try again.</translation>
   </message>
   <message id="DLG_NOT_OPENED_BUTTON_COPY_ADDRESS">
     <source></source>

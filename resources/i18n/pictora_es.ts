@@ -322,6 +322,10 @@
     <source></source>
     <translation>La ruta de esta carpeta es demasiado larga. Elija una carpeta con una ruta más corta.</translation>
   </message>
+  <message id="MSG_ERR_SETTINGS_NOT_SAVED">
+    <source></source>
+    <translation>No se pudo guardar su configuración, que solo vale hasta que salga de Downloaderpictora. Compruebe que el disco no esté lleno y que tenga permiso para escribir en su carpeta personal, y guárdela de nuevo.</translation>
+  </message>
   <!-- About -->
   <message id="DLG_ABOUT_TITLE">
     <source></source>
@@ -335,6 +339,10 @@
   <message id="MSG_FOLDER_NOT_OPENED">
     <source></source>
     <translation>No se pudo abrir esta carpeta. Puede que se haya movido o eliminado, o que no se haya iniciado el programa que muestra las carpetas.</translation>
+  </message>
+  <message id="MSG_ERR_LAUNCH_SETTING">
+    <source></source>
+    <translation>No se pudo cambiar «Abrir al encender el equipo». Compruebe que el disco no esté lleno y que tenga permiso para escribir en su carpeta personal, y vuelva a intentarlo.</translation>
   </message>
   <message id="DLG_NOT_OPENED_BUTTON_COPY_ADDRESS">
     <source></source>

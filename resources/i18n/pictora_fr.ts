@@ -322,6 +322,10 @@
     <source></source>
     <translation>Le chemin de ce dossier est trop long. Choisissez un dossier dont le chemin est plus court.</translation>
   </message>
+  <message id="MSG_ERR_SETTINGS_NOT_SAVED">
+    <source></source>
+    <translation>Vos réglages n’ont pas pu être enregistrés et ne sont valables que jusqu’à ce que vous quittiez Downloaderpictora. Vérifiez que le disque n’est pas plein et que vous avez le droit d’écrire dans votre dossier personnel, puis enregistrez-les de nouveau.</translation>
+  </message>
   <!-- About -->
   <message id="DLG_ABOUT_TITLE">
     <source></source>
@@ -335,6 +339,10 @@
   <message id="MSG_FOLDER_NOT_OPENED">
     <source></source>
     <translation>Ce dossier n’a pas pu être ouvert. Il a peut-être été déplacé ou supprimé, ou le programme qui affiche les dossiers n’a pas démarré.</translation>
+  </message>
+  <message id="MSG_ERR_LAUNCH_SETTING">
+    <source></source>
+    <translation>Le réglage « Lancer au démarrage de l’ordinateur » n’a pas pu être modifié. Vérifiez que le disque n’est pas plein et que vous avez le droit d’écrire dans votre dossier personnel, puis réessayez.</translation>
   </message>
   <message id="DLG_NOT_OPENED_BUTTON_COPY_ADDRESS">
     <source></source>

@@ -322,6 +322,10 @@
     <source></source>
     <translation>Il percorso di questa cartella è troppo lungo. Scegli una cartella con un percorso più breve.</translation>
   </message>
+  <message id="MSG_ERR_SETTINGS_NOT_SAVED">
+    <source></source>
+    <translation>Le tue impostazioni non sono state salvate e valgono solo finché non esci da Downloaderpictora. Controlla che il disco non sia pieno e che tu abbia il permesso di scrittura nella tua cartella personale, poi salvale di nuovo.</translation>
+  </message>
   <!-- About -->
   <message id="DLG_ABOUT_TITLE">
     <source></source>
@@ -335,6 +339,10 @@
   <message id="MSG_FOLDER_NOT_OPENED">
     <source></source>
     <translation>Impossibile aprire questa cartella. Forse è stata spostata o eliminata, oppure il programma che mostra le cartelle non si è avviato.</translation>
+  </message>
+  <message id="MSG_ERR_LAUNCH_SETTING">
+    <source></source>
+    <translation>Non è stato possibile modificare «Avvia insieme al computer». Controlla che il disco non sia pieno e che tu abbia il permesso di scrittura nella tua cartella personale, poi riprova.</translation>
   </message>
   <message id="DLG_NOT_OPENED_BUTTON_COPY_ADDRESS">
     <source></source>

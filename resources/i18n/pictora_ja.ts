@@ -319,6 +319,10 @@
     <source></source>
     <translation>このフォルダーのパスは長すぎます。パスがもっと短いフォルダーを選択してください。</translation>
   </message>
+  <message id="MSG_ERR_SETTINGS_NOT_SAVED">
+    <source></source>
+    <translation>設定を保存できませんでした。今の設定は、Downloaderpictora を終了するまでのみ有効です。ディスクに空きがあり、ホームフォルダーに書き込む権限があることを確認してから、もう一度保存してください。</translation>
+  </message>
   <!-- About -->
   <message id="DLG_ABOUT_TITLE">
     <source></source>
@@ -332,6 +336,10 @@
   <message id="MSG_FOLDER_NOT_OPENED">
     <source></source>
     <translation>このフォルダーを開けませんでした。移動または削除されたか、フォルダーを表示するプログラムが起動しなかった可能性があります。</translation>
+  </message>
+  <message id="MSG_ERR_LAUNCH_SETTING">
+    <source></source>
+    <translation>「コンピューターと一緒に起動」を変更できませんでした。ディスクに空きがあり、ホームフォルダーに書き込む権限があることを確認してから、再試行してください。</translation>
   </message>
   <message id="DLG_NOT_OPENED_BUTTON_COPY_ADDRESS">
     <source></source>

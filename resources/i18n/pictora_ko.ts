@@ -319,6 +319,10 @@
     <source></source>
     <translation>이 폴더의 경로가 너무 깁니다. 경로가 더 짧은 폴더를 선택하세요.</translation>
   </message>
+  <message id="MSG_ERR_SETTINGS_NOT_SAVED">
+    <source></source>
+    <translation>설정을 저장하지 못했습니다. 지금 설정은 Downloaderpictora를 종료할 때까지만 적용됩니다. 디스크가 가득 차지 않았는지, 홈 폴더에 쓰기 권한이 있는지 확인한 다음 다시 저장하세요.</translation>
+  </message>
   <!-- About -->
   <message id="DLG_ABOUT_TITLE">
     <source></source>
@@ -332,6 +336,10 @@
   <message id="MSG_FOLDER_NOT_OPENED">
     <source></source>
     <translation>이 폴더를 열지 못했습니다. 폴더가 이동 또는 삭제되었거나 폴더를 표시하는 프로그램이 시작되지 않았을 수 있습니다.</translation>
+  </message>
+  <message id="MSG_ERR_LAUNCH_SETTING">
+    <source></source>
+    <translation>‘컴퓨터를 켤 때 시작’을 바꾸지 못했습니다. 디스크가 가득 차지 않았는지, 홈 폴더에 쓰기 권한이 있는지 확인한 다음 다시 시도하세요.</translation>
   </message>
   <message id="DLG_NOT_OPENED_BUTTON_COPY_ADDRESS">
     <source></source>

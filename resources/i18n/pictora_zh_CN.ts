@@ -319,6 +319,10 @@
     <source></source>
     <translation>此文件夹的路径过长。请选择路径较短的文件夹。</translation>
   </message>
+  <message id="MSG_ERR_SETTINGS_NOT_SAVED">
+    <source></source>
+    <translation>无法保存您的设置，现在的设置只在退出 Downloaderpictora 之前有效。请检查磁盘是否已满，以及您对主文件夹是否有写入权限，然后重新保存。</translation>
+  </message>
   <!-- About -->
   <message id="DLG_ABOUT_TITLE">
     <source></source>
@@ -332,6 +336,10 @@
   <message id="MSG_FOLDER_NOT_OPENED">
     <source></source>
     <translation>无法打开此文件夹。它可能已被移动或删除，或者用于显示文件夹的程序未能启动。</translation>
+  </message>
+  <message id="MSG_ERR_LAUNCH_SETTING">
+    <source></source>
+    <translation>无法更改“开机时启动”。请检查磁盘是否已满，以及您对主文件夹是否有写入权限，然后重试。</translation>
   </message>
   <message id="DLG_NOT_OPENED_BUTTON_COPY_ADDRESS">
     <source></source>

@@ -282,8 +282,15 @@ TEST_F(NotifyIcon, opensOneWindowAtATimeAndTheFoldersInPlaceOfAnother) {
   EXPECT_EQ(last().frame, Unlink) << "no first run of a link that is closed again";
 }
 
-TEST_F(NotifyIcon, switchesTheStartAtLoginAndAlertsOfAnActionThatFails) {
+TEST_F(NotifyIcon, switchesTheStartAtLoginAndAlertsOfWhatFails) {
   start({.tick = 1h});
+  const QString settings = profile.appFolder() + u"/DownloadSettingData.plist"_s;
+  ASSERT_TRUE(QFile::remove(settings) && QDir().mkpath(settings + u"/in the way"_s));
+  Q_EMIT view.entryTriggered(StatusEntry::DispSetting);
+  icon->confirmDialog();
+  EXPECT_TRUE(dialogs().isEmpty());
+  EXPECT_EQ(view.alerts, QStringList{localised("MSG_ERR_SETTINGS_NOT_SAVED"_L1)});
+  view.alerts.clear();
   for (const bool on : {true, false}) {
     Q_EMIT view.entryTriggered(StatusEntry::LaunchSetting);
     EXPECT_EQ(last().isLaunchedAtLogin, on);
@@ -292,13 +299,16 @@ TEST_F(NotifyIcon, switchesTheStartAtLoginAndAlertsOfAnActionThatFails) {
   }
   EXPECT_TRUE(setLaunchedAtLogin(false));
   QDir(profile.configFolder()).rmdir(u"autostart"_s);
-  ASSERT_NE(profile.blockAutostart(), QString());
+  const QString obstacle = profile.blockAutostart();
   EXPECT_FALSE(setLaunchedAtLogin(true));
   view.states.clear();
   Q_EMIT view.entryTriggered(StatusEntry::LaunchSetting);
   ASSERT_EQ(view.states.size(), 1) << "the check mark is taken back";
   EXPECT_FALSE(last().isLaunchedAtLogin || platform::standardUserDefaults().boolValue(u"LaunchAtLogin"_s));
+  EXPECT_EQ(view.alerts, QStringList{localised("MSG_ERR_LAUNCH_SETTING"_L1)});
 
+  view.alerts.clear();
+  ASSERT_TRUE(QFile::remove(obstacle));
   view.nextFault = [] { throw KaException(u"ShowFault"_s, u"on purpose"_s); };
   icon->menuAction_LaunchSetting();
   ASSERT_TRUE(waitFor([&] { return view.alerts == QStringList{localised("MSG_ERR_UNEXPECTED"_L1)}; }));
