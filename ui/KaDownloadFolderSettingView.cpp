@@ -79,6 +79,8 @@ void addPath(QMessageBox &box, const QString &path, QSize room) {
   grid->removeWidget(buttons);
   grid->addWidget(whole, grid->rowCount(), grid->columnCount() - 1);
   grid->addWidget(buttons, grid->rowCount(), 0, 1, grid->columnCount());
+  for (QAbstractButton *const button : buttons->buttons())
+    QWidget::setTabOrder(whole, button); // as they are read
 }
 
 } // namespace

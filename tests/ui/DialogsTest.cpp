@@ -1,9 +1,11 @@
 #include "app/KaModelFacade.h"
+#include "identity/KaLinkageUtility.h"
 #include "log/KaLogUtility.h"
 #include "platform/AppInfo.h"
 #include "platform/UserDefaults.h"
 #include "tests/support/FakeBrowser.h"
 #include "tests/ui/UiProfile.h"
+#include "ui/KaAlertQueue.h"
 #include "ui/KaCustomImageView.h"
 #include "ui/KaDownloadFolderSettingView.h"
 #include "ui/KaVersionInformationView.h"
@@ -33,6 +35,7 @@
 #include <QScrollBar>
 #include <QTest>
 #include <QTimer>
+#include <QToolButton>
 
 #include <algorithm>
 #include <cmath>
@@ -194,7 +197,7 @@ void expectAccess(QWidget &window) {
   QStringList names;
   QPoint before;
   for (QWidget *const widget : reachable(window)) {
-    SCOPED_TRACE(widget->objectName().toStdString());
+    SCOPED_TRACE(window.metaObject()->className() + widget->objectName().toStdString());
     ASSERT_TRUE(told.contains(widget) && told[widget]->state().focusable);
     EXPECT_FALSE(told[widget]->text(QAccessible::Name).isEmpty());
     EXPECT_NE(told[widget]->role(), QAccessible::Client);
@@ -202,7 +205,8 @@ void expectAccess(QWidget &window) {
     const QPoint place = widget->mapTo(&window, widget->rect().center());
     EXPECT_TRUE(place.y() > before.y() + 5 || (place.x() > before.x() && place.y() > before.y() - 5)) << "as read";
     before = place;
-    if (const auto *const button = qobject_cast<QAbstractButton *>(widget))
+    const auto *const button = qobject_cast<QAbstractButton *>(widget);
+    if (button && !qobject_cast<const QToolButton *>(button)) // those are the pictures
       keys << (button->shortcut().isEmpty() ? told[widget]->text(QAccessible::Accelerator).section(u'+', -1)
                                             : button->shortcut().toString().section(u'+', -1));
   }
@@ -225,31 +229,58 @@ void expectContrast(const QWidget &window) {
   }
 }
 
+/// Asks the question of the very first launch, and looks at it.
+void expectQuestionForEverybody() {
+  bool asked = false;
+  QTimer::singleShot(0, [&] {
+    QWidget *const question = QApplication::activeModalWidget();
+    asked = question != nullptr;
+    expectAccess(*question);
+    expectContrast(*question);
+    question->close();
+  });
+  platform::standardUserDefaults().setString(u"firstLaunch"_s, u"YES"_s);
+  EXPECT_TRUE(askAtFirstLaunch([] { return false; }) && asked);
+}
+
 TEST_F(Settings, andTheOtherWindowsAreOpenToEverybody) {
-  for (const char *language : kLanguages) {
-    SCOPED_TRACE(language);
-    speak(language);
-    open();
-    expectAccess(*view);
-    KaVersionInformationView about;
-    about.show();
-    expectAccess(about);
-    bool asked = false;
-    QTimer::singleShot(0, [&] {
-      QWidget *const question = QApplication::activeModalWidget();
-      asked = question != nullptr;
-      expectAccess(*question);
-      expectContrast(*question);
-      question->close();
-    });
-    platform::standardUserDefaults().setString(u"firstLaunch"_s, u"YES"_s);
-    EXPECT_TRUE(askAtFirstLaunch([] { return false; }) && asked);
-    for (const QColor &desktop : {QColor(0xef, 0xef, 0xef), QColor(0x32, 0x32, 0x32)}) {
-      QApplication::setPalette(QPalette(desktop));
-      ASSERT_TRUE(QTest::qWaitFor(
-          [&] { return view->palette().window() == desktop && about.palette().window() == desktop; }, 1000));
-      expectContrast(*view);
-      expectContrast(about);
+  facade.endDownloadProcess(); // there is nothing to fetch
+  facade.joinDownloadProcess();
+  for (const bool isLinked : {false, true}) {
+    if (isLinked) {
+      ASSERT_TRUE(KaLinkageUtility::saveLinkageSetting(u"token"_s));
+      facade.initializeLinkageSetting();
+      for (const QString &picture : {u"/B.JPG"_s, u"/A.JPG"_s})
+        facade.noteFile(usable + picture);
+    }
+    for (const char *language : kLanguages) {
+      SCOPED_TRACE(language);
+      speak(language);
+      expectQuestionForEverybody();
+      open();
+      EXPECT_EQ(std::ranges::count_if(view->findChildren<QToolButton *>(), &QWidget::isVisible), isLinked ? 2 : 0);
+      folder().setText(u"/gone"_s);
+      click(u"okButton"_s);
+      KaVersionInformationView about;
+      about.show();
+      KaAlertQueue alerts;
+      alerts.show(localised("MSG_ERR_OFFLINE"_L1));
+      for (const Openable what : {Openable::Page, Openable::Folder})
+        showNotOpened(what, u"/gone"_s);
+      const auto windows = UiProfile::windows<QDialog>();
+      EXPECT_EQ(windows.size(), 6);
+      for (QDialog *const window : windows)
+        expectAccess(*window);
+      for (const QColor &desktop : {QColor(0xef, 0xef, 0xef), QColor(0x32, 0x32, 0x32)}) {
+        QApplication::setPalette(QPalette(desktop));
+        const auto hasIt = [&](const QDialog *window) { return window->palette().window() == desktop; };
+        ASSERT_TRUE(QTest::qWaitFor([&] { return std::ranges::all_of(windows, hasIt); }, 1000));
+        for (const QDialog *const window : windows)
+          expectContrast(*window);
+      }
+      for (QDialog *const window : windows)
+        window->close();
+      QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
     }
   }
 }
