@@ -10,6 +10,7 @@
 #include "ui/KaNotifyIcon.h"
 #include "ui/LoginItemQuestion.h"
 #include "ui/StartFailure.h"
+#include "ui/Texts.h"
 #include "ui/Thumbnail.h"
 
 #include <QCoreApplication>
@@ -53,10 +54,13 @@ void AppDelegate::launch() {
   limitThumbnails();
   // Logging is off at this point, so this writes nothing.
   KaLogUtility::writeStartLog({getUserAgent()});
-  if (!platform::isUnseen() && !askAtFirstLaunch([this] { return isTerminating; })) return;
+  const FirstLaunch first =
+      platform::isUnseen() ? FirstLaunch::GoesOn : askAtFirstLaunch([this] { return isTerminating; });
+  if (first == FirstLaunch::Ends) return;
 
   statusItem = newStatusItem ? newStatusItem() : std::make_unique<KaDesktopStatusItem>();
   kaNotify = std::make_unique<KaNotifyIcon>(KaModelFacade::sharedInstance(), *statusItem);
+  if (first == FirstLaunch::Unheeded) statusItem->alert(localised("MSG_ERR_LAUNCH_SETTING"_L1));
   // Behind the first state that the status item shows: what it greys is not done for anybody.
   for (const auto &job : std::exchange(kept, {}))
     QMetaObject::invokeMethod(

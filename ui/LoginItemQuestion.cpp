@@ -40,14 +40,14 @@ bool setLaunchedAtLogin(bool enable) {
   return true;
 }
 
-bool askAtFirstLaunch(const std::function<bool()> &isTerminating) {
+FirstLaunch askAtFirstLaunch(const std::function<bool()> &isTerminating) {
   platform::assertMainThread();
   auto &defaults = platform::standardUserDefaults();
   defaults.registerDefaults({{kFirstLaunch, u"YES"_s}});
-  if (!defaults.boolValue(kFirstLaunch)) return true;
+  if (!defaults.boolValue(kFirstLaunch)) return FirstLaunch::GoesOn;
   const bool accepted = askWhetherToLaunchAtLogin();
-  if (isTerminating()) return false;
-  setLaunchedAtLogin(accepted);
+  if (isTerminating()) return FirstLaunch::Ends;
+  const bool isHeeded = setLaunchedAtLogin(accepted);
   defaults.setBool(kFirstLaunch, false);
-  return true;
+  return isHeeded ? FirstLaunch::GoesOn : FirstLaunch::Unheeded;
 }

@@ -83,11 +83,14 @@ TEST_F(FirstLaunch, asksOnceAndStartsAtLoginOnlyIfAccepted) {
   const auto accept = [](QMessageBox &question) { question.defaultButton()->click(); };
   const QString obstacle = profile.blockAutostart();
   EXPECT_EQ(launch(accept), u"asked 0 - 0"_s) << "the login item is refused";
+  const auto alerts = UiProfile::windows<QMessageBox>();
+  EXPECT_TRUE(alerts.size() == 1 && alerts.first()->text() == localised("MSG_ERR_LAUNCH_SETTING"_L1));
   EXPECT_EQ(launch(accept), u"silent 0 - 0"_s);
   EXPECT_EQ(QImageReader::allocationLimit(), 64) << "megabytes that a picture may take";
   ASSERT_TRUE(QFile::remove(obstacle));
   defaults.setString(u"firstLaunch"_s, u"YES"_s);
   EXPECT_EQ(launch(accept), u"asked 0 true 1"_s);
+  EXPECT_TRUE(UiProfile::windows<QMessageBox>().isEmpty());
   defaults.setString(u"firstLaunch"_s, u"YES"_s);
   EXPECT_EQ(launch([](QMessageBox &question) { question.close(); }), u"asked 0 false 0"_s);
   KaLogUtility::switchLogStatus();

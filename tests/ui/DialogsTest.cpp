@@ -240,7 +240,8 @@ void expectQuestionForEverybody() {
     question->close();
   });
   platform::standardUserDefaults().setString(u"firstLaunch"_s, u"YES"_s);
-  EXPECT_TRUE(askAtFirstLaunch([] { return false; }) && asked);
+  EXPECT_EQ(askAtFirstLaunch([] { return false; }), FirstLaunch::GoesOn);
+  EXPECT_TRUE(asked);
 }
 
 TEST_F(Settings, andTheOtherWindowsAreOpenToEverybody) {
