@@ -53,7 +53,13 @@ void KaNotifyIcon::onChangeStatus(KaModelFacade &facade, KaAppStatus statusMode)
 }
 
 void KaNotifyIcon::onProcessingResult(KaModelFacade &facade, KaResultCode result, bool userTrigger) {
-  mailbox.post([this, fault = KaFault{result, facade.faultCause()}, userTrigger] { applyResult(fault, userTrigger); });
+  // A good result says nothing of what failed in the same run, of the other storage. Looked at here, on the telling
+  // thread: until it is applied, more may be told.
+  const bool isGood = resultEffect(result).appStatus == KaAppStatus::Normal;
+  const bool endsOthers = !isGood || !facade.snapshot().fault;
+  mailbox.post([this, fault = KaFault{result, facade.faultCause()}, endsOthers, userTrigger] {
+    applyResult(fault, endsOthers, userTrigger);
+  });
 }
 
 void KaNotifyIcon::onSavingTrouble(KaResultCode cause) {
@@ -207,14 +213,14 @@ void KaNotifyIcon::startMenu(bool linked) {
            .isLaunchedAtLogin = isLaunchedAtLogin()};
 }
 
-void KaNotifyIcon::applyResult(const KaFault &told, bool userTrigger) {
+void KaNotifyIcon::applyResult(const KaFault &told, bool endsOthers, bool userTrigger) {
   const ResultEffect effect = resultEffect(told.result, told.cause);
   if (effect.appStatus) appStatus = *effect.appStatus;
   if (effect.errSubStatus) errSubStatus = *effect.errSubStatus;
   if (effect.clearsLinkage) linkHolds = false;
   // What a click on its notification does is decided by the latest of its kind.
   if (told.result == KaResultCode::ValidationFailed) validationFault = told.cause;
-  withdraw(endedBy(told.result, told.cause));
+  if (endsOthers) withdraw(endedBy(told.result, told.cause));
   // A callback that belongs to no login says nothing of a link that stands.
   const bool isStray = told.cause == KaFaultCause::NotAccepted && model.linkState() == KaLinkState::Linked;
   if (!isStray && notificationKind(told.result, told.cause) == NotificationKind::LoginNeeded) isLoginAskedFor = true;

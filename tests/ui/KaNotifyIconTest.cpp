@@ -338,12 +338,25 @@ TEST_F(NotifyIcon, withdrawsWhatIsNotTrueAnyMoreAndBeginsNoLoginForALinkThatHold
   });
   EXPECT_EQ(view.standing.take(NotificationKind::SavingTrouble), u"8"_s) << "a picture waits for room";
 
+  const auto told = [&](KaResultCode code) { facade.setProcessingResult(code, /*userTrigger=*/false); };
+  facade.setEnableLoggin(false);
+  report([&] {
+    told(KaResultCode::RetryLater);
+    told(KaResultCode::Download10GComplete);
+  });
+  EXPECT_TRUE(view.standing.contains(NotificationKind::Failure)) << "of the other storage";
+  facade.setEnableLoggin(false);
+  report([&] { told(KaResultCode::Download10GComplete); });
+  EXPECT_FALSE(view.standing.contains(NotificationKind::Failure));
+
   const auto clickLogIn = [&] {
     Q_EMIT view.notificationActivated(u"17"_s);
     return KaLinkageUtility::loadLinkageSetting().has_value();
   };
   holds();
   report(result(9));
+  facade.noteFaultCause(KaFaultCause::NotAccepted);
+  report([&] { told(KaResultCode::ValidationFailed); });
   EXPECT_TRUE(clickLogIn()) << "a login would have dropped the link";
   report(result(17));
   EXPECT_FALSE(clickLogIn());
@@ -438,17 +451,26 @@ TEST(NotifyIconAtWork, doesNothingThatItsMenuHasGreyedAndShowsWhyInstead) {
   icon.onSetEnableLogginMenu(true);
   waitUntilShown([](const auto &state) { return state.isLogginEnabled; });
   icon.perform(StatusEntry::Logout);
+  Q_EMIT window->accepted(); // the folders were not at fault
+  QCoreApplication::processEvents();
   EXPECT_FALSE(service.waitForRequests(sandbox::Endpoint::RefreshToken, before + 1, 300ms));
   EXPECT_FALSE(browser.hasUrl()) << "a page was opened";
+  auto &facade = KaModelFacade::sharedInstance();
+  auto runsAgain = [&, runs = before](const std::function<void()> &ask) mutable {
+    ask();
+    QCoreApplication::processEvents();
+    return service.waitForRequests(sandbox::Endpoint::RefreshToken, ++runs, 20s)
+           && waitFor([&] { return facade.snapshot().nextLook.has_value(); });
+  };
+  EXPECT_TRUE(runsAgain([&] {
+    facade.notifySavingTrouble(KaResultCode::DiskFull);
+    Q_EMIT window->accepted();
+  })) << "there may be room now";
   icon.onChangeLinkage(true);
   waitUntilShown([](const auto &state) { return state.isDownloadEnabled; });
-  icon.perform(StatusEntry::Download);
-  EXPECT_TRUE(service.waitForRequests(sandbox::Endpoint::RefreshToken, before + 1, 20s));
+  EXPECT_TRUE(runsAgain([&] { icon.perform(StatusEntry::Download); }));
   waitUntilShown([](const auto &state) { return !state.isDownloadEnabled; }); // as it has failed
-  EXPECT_TRUE(waitFor([&] {
-    Q_EMIT window->statusView().remedyRequested(StatusRemedy::LookNow);
-    return service.requestCount(sandbox::Endpoint::RefreshToken) > before + 1;
-  }));
+  EXPECT_TRUE(runsAgain([&] { Q_EMIT window->statusView().remedyRequested(StatusRemedy::LookNow); }));
   EXPECT_TRUE(icon.appFinalize());
 }
 
