@@ -34,7 +34,6 @@ public:
   [[nodiscard]] KaStatusView &statusView() const { return *status; }
 
 protected:
-  bool event(QEvent *event) override;
   void showEvent(QShowEvent *event) override;
   void changeEvent(QEvent *event) override;
   bool eventFilter(QObject *watched, QEvent *event) override;
@@ -52,6 +51,7 @@ private:
   void keepInView(const QWidget *focused);
 
   void fitTexts();
+  void makeRoom();
   void space();
   void placeExamples();
   [[nodiscard]] QSize wantedSize() const;

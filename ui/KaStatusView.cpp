@@ -208,7 +208,6 @@ void KaStatusView::showSummary(const StatusSummary &summary) {
   }
   remedy->setEnabled(summary.isRemedyEnabled);
   remedy->setVisible(hasRemedy);
-  if (isVisible() && heightForWidth(width()) > height()) Q_EMIT roomNeeded();
 }
 
 void KaStatusView::showIcon() {

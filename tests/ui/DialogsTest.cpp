@@ -15,7 +15,6 @@
 #include <gtest/gtest.h>
 
 #include <QAccessible>
-#include <QBoxLayout>
 #include <QCheckBox>
 #include <QDialogButtonBox>
 #include <QDir>
@@ -145,11 +144,11 @@ TEST_F(Settings, haveRoomForTheirTextsInEveryLanguageAndSize) {
   const auto &box = find<QGroupBox>(u"importFolderBox"_s);
   EXPECT_TRUE(QTest::qWaitFor([&] { return box.title() == localised("DLG_SETTING_SAVE_FOLDER_TITLE"_L1); }, 1000));
   EXPECT_TRUE(QTest::qWaitFor([&] { return screen.contains(view->frameGeometry()); }, 1000));
-  auto *const above = new QLabel;
-  static_cast<QBoxLayout *>(view->layout())->insertWidget(0, above);
-  above->setText(u"what\nis\nnews\nnow\n"_s);
-  QCoreApplication::sendPostedEvents();
-  EXPECT_TRUE(QTest::qWaitFor([&] { return above->isVisible() && cutOff(*view).isEmpty(); }, 1000));
+  open();
+  facade.noteFaultCause(KaFaultCause::NoAnswer);
+  facade.setProcessingResult(KaResultCode::LinkInvalid, /*userTrigger=*/false);
+  const QString longer = localised("MSG_ERR_LINK_INVALID_NO_ANSWER"_L1);
+  EXPECT_TRUE(QTest::qWaitFor([&] { return shows(longer) && cutOff(*view).isEmpty(); }, 3000));
 }
 
 /// The contrast of a text with its ground, from 1 to 21.
