@@ -200,11 +200,6 @@ StatusText toldOf(const KaFault &fault) {
   return {resultEffect(fault.result, fault.cause).messageKey};
 }
 
-StatusText unlinkedHint(const std::optional<KaFault> &fault) {
-  const bool hasFailed = fault && fault->result != KaResultCode::Unlinked && fault->result != KaResultCode::NotLinked;
-  return hasFailed ? toldOf(*fault) : StatusText{"STATUS_NOT_LINKED_HINT"_L1};
-}
-
 /// When the next look is, unless that has passed: what was due waits for something else.
 std::optional<QString> nextLook(const KaSnapshot &snapshot, const QDateTime &now) {
   if (!snapshot.nextLook || *snapshot.nextLook <= now) return std::nullopt;
@@ -220,7 +215,7 @@ std::optional<StatusText> explanationOf(Topic topic, const KaSnapshot &snapshot,
   if (isClockOff(snapshot) && topic != Topic::DiskFull && topic != Topic::NotSaved) return clockHint(snapshot, now);
   switch (topic) {
   case Topic::NotLinked:
-    return unlinkedHint(snapshot.fault);
+    return snapshot.fault ? toldOf(*snapshot.fault) : StatusText{"STATUS_NOT_LINKED_HINT"_L1};
   case Topic::AwaitsFolders:
     return StatusText{"STATUS_AWAITS_FOLDERS_HINT"_L1};
   case Topic::DiskFull:
@@ -266,6 +261,11 @@ StatusRemedy remedyForFailure(KaResultCode result) {
   return needsHelp ? StatusRemedy::OpenHelp : StatusRemedy::LookNow;
 }
 
+/// A link that was refused is not looked at again, whatever the clock shows by then.
+StatusRemedy remedyForClock(const KaFault &fault) {
+  return clickEffect(fault.result, fault.cause) == ClickEffect::Link ? StatusRemedy::LogIn : StatusRemedy::LookNow;
+}
+
 StatusRemedy remedyOf(Topic topic, const KaSnapshot &snapshot) {
   switch (topic) {
   case Topic::NotLinked:
@@ -276,9 +276,10 @@ StatusRemedy remedyOf(Topic topic, const KaSnapshot &snapshot) {
     return StatusRemedy::ChooseFolder;
   case Topic::Failed:
     return remedyForFailure(snapshot.fault->result);
+  case Topic::WrongClock:
+    return remedyForClock(*snapshot.fault);
   case Topic::AwaitsFolders:
     return StatusRemedy::None;
-  case Topic::WrongClock:
   case Topic::Fetching:
   case Topic::Looking:
   case Topic::Offline:
