@@ -1,6 +1,7 @@
 #include "ui/KaNotifyIcon.h"
 
 #include "app/KaModelFacade.h"
+#include "app/ResultMeaning.h"
 #include "log/ExceptionGuard.h"
 #include "platform/Sight.h"
 #include "platform/ThreadBound.h"
@@ -55,8 +56,7 @@ void KaNotifyIcon::onChangeStatus(KaModelFacade &facade, KaAppStatus statusMode)
 void KaNotifyIcon::onProcessingResult(KaModelFacade &facade, KaResultCode result, bool userTrigger) {
   // A good result says nothing of what failed in the same run, of the other storage. Looked at here, on the telling
   // thread: until it is applied, more may be told.
-  const bool isGood = resultEffect(result).appStatus == KaAppStatus::Normal;
-  const bool endsOthers = !isGood || !facade.snapshot().fault;
+  const bool endsOthers = meaningOf(result) != ResultMeaning::Good || !facade.snapshot().fault;
   mailbox.post([this, fault = KaFault{result, facade.faultCause()}, endsOthers, userTrigger] {
     applyResult(fault, endsOthers, userTrigger);
   });
@@ -132,7 +132,7 @@ void KaNotifyIcon::openSettings() {
 /// Where there was no room, or no folder, there may be now.
 void KaNotifyIcon::foldersSaved() {
   const auto fault = model.snapshot().fault;
-  if (fault && notificationKind(fault->result) == NotificationKind::SavingTrouble) model.newsFromOutside();
+  if (fault && meaningOf(fault->result) == ResultMeaning::Saving) model.newsFromOutside();
 }
 
 void KaNotifyIcon::performRemedy(StatusRemedy remedy) {

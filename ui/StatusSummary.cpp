@@ -1,5 +1,7 @@
 #include "ui/StatusSummary.h"
 
+#include "app/ResultMeaning.h"
+
 #include <QFileInfo>
 #include <QLocale>
 
@@ -36,37 +38,17 @@ Trouble loginTrouble(KaFaultCause cause) {
 }
 
 Trouble troubleOf(const KaFault &fault) {
-  switch (fault.result) {
-  case KaResultCode::Unlinked:
-  case KaResultCode::NotLinked:
-  case KaResultCode::LinkInvalid:
-  case KaResultCode::ValidationFailed:
+  switch (meaningOf(fault.result)) {
+  case ResultMeaning::Login:
     return loginTrouble(fault.cause);
-  case KaResultCode::DiskFull:
-    return Trouble::DiskFull;
-  case KaResultCode::FileNotSaved:
-  case KaResultCode::FolderNotAccessible:
-  case KaResultCode::FolderNotSupported:
-  case KaResultCode::FolderPathTooLong:
-    return Trouble::NotSaved;
-  case KaResultCode::Offline:
-  case KaResultCode::NoHttpStatus:
-    return Trouble::Offline;
-  case KaResultCode::SecureConnectionFailed:
-  case KaResultCode::NoBody:
-  case KaResultCode::RetryLater:
-  case KaResultCode::ServerError:
-  case KaResultCode::Unexpected:
+  case ResultMeaning::Saving:
+    return fault.result == KaResultCode::DiskFull ? Trouble::DiskFull : Trouble::NotSaved;
+  case ResultMeaning::Service:
+    return fault.result == KaResultCode::Offline ? Trouble::Offline : Trouble::Passing;
+  case ResultMeaning::Unexpected:
     return Trouble::Passing;
-  case KaResultCode::Success:
-  case KaResultCode::DownloadComplete:
-  case KaResultCode::Download10GComplete:
-  case KaResultCode::NothingToDownload:
-  case KaResultCode::InitialAccessComplete:
-  case KaResultCode::DefaultFileName:
-  case KaResultCode::CaptureTimeMissing:
-  case KaResultCode::ObjectMissing:
-  case KaResultCode::NewVersionReleased:
+  case ResultMeaning::Good:
+  case ResultMeaning::NoVerdict:
     return Trouble::None;
   }
   return Trouble::None;

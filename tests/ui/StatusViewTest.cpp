@@ -127,7 +127,7 @@ TEST(StatusSummary, isUpToDateWithNothingWrongAloneAndLeavesNoFailureWithoutWord
   using enum KaResultCode;
   for (const KaResultCode result :
        {SecureConnectionFailed, NoBody, DiskFull, Offline, RetryLater, ServerError, FileNotSaved, Unexpected,
-        NoHttpStatus, LinkInvalid, ValidationFailed, FolderNotAccessible, FolderNotSupported, FolderPathTooLong})
+        LinkInvalid, ValidationFailed})
     for (const KaFaultCause cause :
          {KaFaultCause::Unknown, KaFaultCause::NoAnswer, KaFaultCause::Refused, KaFaultCause::WrongClock}) {
       const StatusSummary summary = statusSummary(faulty(result, cause), kNow);
