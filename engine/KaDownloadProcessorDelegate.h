@@ -57,7 +57,8 @@ public:
   virtual void setProcessingResult(KaResultCode result, bool userTrigger) = 0;
   /// Why the failure came that setProcessingResult tells next; without it the cause is unknown.
   virtual void noteFaultCause(KaFaultCause) {}
-  /// At the end of a run: so many files could not be had so far, and are tried again.
+  /// Before a storage is said to be done, and at the end of a run: so many files could not be had so far, and are tried
+  /// again.
   virtual void setStillToCome(qsizetype count) = 0;
   /// Pictures are still to come, for which there was no room (DiskFull) or no folder (FileNotSaved). A message alone.
   virtual void notifySavingTrouble(KaResultCode cause) = 0;

@@ -51,8 +51,8 @@ KaResultCode KaDownloadRun::perform() {
   // Unless it was the result that was told.
   if (const auto cause = with.lookBack.savingTrouble(); cause && *cause != result)
     with.session.tell([&] { with.delegate.notifySavingTrouble(*cause); });
-  with.session.tell([&] { with.delegate.setStillToCome(with.lookBack.countStillToCome()); });
   with.lookBack.endRun();
+  tellStillToCome();
   with.storage.dropConnections();
   return result;
 }
@@ -204,6 +204,7 @@ KaDownloadRun::ReCheck KaDownloadRun::finish(ReCheck soFar) {
   soFar.isDone = true;
   const KaPassOutcome late = lookBack();
   if (with.session.isOver()) return soFar;
+  tellStillToCome(); // whoever hears that all is well asks for it
   const bool isLeft = soFar.isLeft || soFar.idleCount >= kIdleRounds;
   const bool hasOnlyFailed = isLeft && soFar.savedCount + late.savedCount == 0;
   if (hasOnlyFailed) {
@@ -335,6 +336,7 @@ KaPassOutcome KaDownloadRun::takePreviews(quint64 savedBefore) {
 }
 
 void KaDownloadRun::concludeLongTerm(const KaPassOutcome &both) {
+  tellStillToCome();
   if (both.result != KaResultCode::Success) return tellFailure(both.result);
   if (both.savedCount == 0) {
     KaLogUtility::writeInfoLog(u"No Download Target"_s);
@@ -446,6 +448,10 @@ void KaDownloadRun::tellNothingNew() {
     with.delegate.noteNothingNew();
     with.delegate.setAppStatus(KaAppStatus::Normal);
   });
+}
+
+void KaDownloadRun::tellStillToCome() {
+  with.session.tell([&] { with.delegate.setStillToCome(with.lookBack.countStillToCome()); });
 }
 
 void KaDownloadRun::tellPass(qsizetype files) {

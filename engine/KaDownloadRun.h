@@ -109,6 +109,7 @@ private:
   void tellNoTarget();
   void tellNothingNew();
   void tellComplete();
+  void tellStillToCome();
   void tellPass(qsizetype files);
   void tellStatus(KaAppStatus status);
   void tellResult(KaResultCode result, bool userTrigger);

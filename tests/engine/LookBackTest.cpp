@@ -144,8 +144,16 @@ TEST_F(LookBack, countsWhatIsStillToComeUntilItHasComeOrTheStorageHasItNoMore) {
   addImages("10/A.JPG 11/B.JPG 12/C.JPG");
   service.order(Endpoint::ObjectGet, {.status = 503, .times = -1, .pathContains = u"A.JPG"_s});
   service.order(Endpoint::ObjectGet, {.status = 503, .times = -1, .pathContains = u"B.JPG"_s});
+  QList<qsizetype> atResults;
+  delegate.change([&](auto &answers) {
+    answers.onEvent = [&](const QString &event) {
+      if (event == u"result 1" || event == u"result 2") atResults << delegate.answers().stillToCome;
+    };
+  });
   ASSERT_TRUE(makeRuns(1));
   EXPECT_EQ(delegate.answers().stillToCome, 4) << "of either storage";
+  delegate.change([](auto &answers) { answers.onEvent = nullptr; });
+  EXPECT_EQ(atResults, (QList<qsizetype>{2, 4})) << "who hears that a storage is done knows of it";
   service.library().remove(image(u"11"_s, u"B.JPG"_s));
   EXPECT_TRUE(waitFor([&] { return delegate.answers().stillToCome == 2; }));
   delegate.change([](auto &answers) { answers.option.checkBox10GDownload = u"false"_s; });
