@@ -121,4 +121,5 @@ void KaModelFacade::closeLinkage() {
   dlProc->deleteCredential();
   setAppStatus(KaAppStatus::NotLinked);
   tellResult({KaResultCode::Unlinked}, /*userTrigger=*/false);
+  if (KaDownloadDelegate *const delegate = dlDelegate) delegate->onChangeLinkage(false);
 }

@@ -137,7 +137,7 @@ TEST_F(FacadeLinkage, storesALoginForWhichTheBrowserCallsAgainAndAgainAndClosesI
   EXPECT_EQ(KaLinkageUtility::loadLinkageSetting(), token);
   EXPECT_TRUE(KaLinkageUtility::existCodeVerifier());
   facade().closeLinkage();
-  EXPECT_EQ(delegate.reports, expected << u"status 3"_s << u"result 5"_s);
+  EXPECT_EQ(delegate.reports, expected << u"status 3"_s << u"result 5"_s << u"linkage 0"_s);
   EXPECT_EQ(loggedLines(profile).count(u"    deleteCredential"_s), 2) << "those of the older link, and these";
   EXPECT_TRUE(browser.takeUrl().value_or(QString()).contains(u"/logout?"_s));
   EXPECT_FALSE(facade().bLoggedIn() || facade().linkState() != KaLinkState::Unlinked);
@@ -248,7 +248,7 @@ TEST_F(FacadeLinkage, saysWhichPageDidNotOpenAndGoesOnWithItsLink) {
   QStringList expected{u"status 0"_s, u"linkage 1"_s, u"getLogin"_s};
   EXPECT_TRUE(waitForReports(expected));
   facade().closeLinkage();
-  EXPECT_TRUE(waitForReports(expected << u"status 3"_s << u"result 5"_s << u"logout"_s));
+  EXPECT_TRUE(waitForReports(expected << u"status 3"_s << u"result 5"_s << u"linkage 0"_s << u"logout"_s));
   EXPECT_EQ(loggedLines(profile).filter(u"nonce="_s), QStringList()) << "it is for the user alone";
 }
 
@@ -267,7 +267,7 @@ TEST_F(FacadeLinkage, tellsOnceALoginThatCouldNotBeVerifiedHoldsAgainUnlessItIsO
   facade().notifyLinkHolds(1);
   facade().closeLinkage();
   QCoreApplication::processEvents();
-  EXPECT_EQ(delegate.reports, expected << u"status 3"_s << u"result 5"_s);
+  EXPECT_EQ(delegate.reports, expected << u"status 3"_s << u"result 5"_s << u"linkage 0"_s);
 }
 
 TEST_F(FacadeLinkage, runsWhenTheComputerWakes) {
@@ -301,7 +301,7 @@ TEST_F(FacadeLinkage, hearsNoMoreOfALoginThatTheUserClosedOrReplaced) {
   service.clearFaults();
   const QString token = signIn();
   facade().setIdCode(token);
-  EXPECT_TRUE(waitForReports({u"status 3"_s, u"result 5"_s, u"login 1"_s, u"linkage 1"_s}));
+  EXPECT_TRUE(waitForReports({u"status 3"_s, u"result 5"_s, u"linkage 0"_s, u"login 1"_s, u"linkage 1"_s}));
   EXPECT_EQ(facade().loadLinkageSetting(), token);
 }
 
