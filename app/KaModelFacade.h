@@ -99,6 +99,7 @@ public:
   void noteFile(const QString &saved) override { keeper.noteFile(saved); }
   void noteWait(std::optional<std::chrono::milliseconds> longest) override { keeper.noteWait(longest); }
   void noteNothingNew() override { keeper.noteGoodEnd(); }
+  void noteUnsaved() override { keeper.noteResult({KaResultCode::Unexpected}); }
   void noteUnanswered() override { keeper.noteResult({KaResultCode::Offline, KaFaultCause::NoAnswer}); }
   /// @}
 

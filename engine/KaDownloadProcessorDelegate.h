@@ -80,5 +80,6 @@ public:
   virtual void noteWait(std::optional<std::chrono::milliseconds>) {}
   virtual void noteNothingNew() {} ///< a storage was looked through, all was well, and nobody is told
   virtual void noteUnanswered() {} ///< a storage of the run gave no answer; nobody is told
+  virtual void noteUnsaved() {}    ///< the link cannot be kept on disk still; the user was told before
   /// @}
 };

@@ -65,8 +65,8 @@ void KaDownloadSession::tellUnsaved(const QString &what) {
   if (isLinkOver()) return;
   KaLogUtility::writeErrorLog(what);
   tell([this] {
-    if (!std::exchange(hasToldUnsaved, true))
-      with.delegate.setProcessingResult(KaResultCode::Unexpected, /*userTrigger=*/false);
+    if (std::exchange(hasToldUnsaved, true)) return with.delegate.noteUnsaved();
+    with.delegate.setProcessingResult(KaResultCode::Unexpected, /*userTrigger=*/false);
   });
 }
 

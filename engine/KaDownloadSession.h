@@ -104,5 +104,5 @@ private:
   bool refreshFailureTold = false;
   std::optional<QString> verifier; ///< taken from the link, and not exchanged yet
   std::optional<QString> user;
-  bool hasToldUnsaved = false; ///< once a process: it is as true in the next run
+  bool hasToldUnsaved = false; ///< the user, once a process
 };

@@ -242,7 +242,7 @@ platform::Notification::Urgency notificationUrgency(NotificationKind kind) {
 NotificationKinds endedBy(KaResultCode result, KaFaultCause cause) {
   using enum NotificationKind;
   // What could not be saved is told again at the end of the same run, should it still not be.
-  static constexpr std::array kByPictures{LoggedIn, LoginNeeded, Failure, SavingTrouble};
+  static constexpr std::array kByPictures{LoggedIn, LoginNeeded, Failure, SavingTrouble, Unexpected};
   static constexpr std::array kByDoubt{LoggedIn, Failure};
   static constexpr std::array kByLogOut{LoggedIn, Complete,      Complete10G, LoginNeeded,
                                         Failure,  SavingTrouble, Unexpected};
@@ -256,9 +256,8 @@ NotificationKinds endedBy(KaResultCode result, KaFaultCause cause) {
 
 NotificationKinds endedByListing(bool isAllHere) {
   using enum NotificationKind;
-  // Not what went wrong unexpectedly: much of that is told once a process, and as true after a good run.
-  static constexpr std::array kEnded{LoginNeeded, Failure, SavingTrouble};
-  return NotificationKinds(kEnded).first(isAllHere ? 3 : 2);
+  static constexpr std::array kEnded{LoginNeeded, Failure, Unexpected, SavingTrouble};
+  return NotificationKinds(kEnded).first(isAllHere ? 4 : 3);
 }
 
 NotificationKinds endedByLink() {

@@ -383,6 +383,8 @@ TEST_F(FacadeData, showsTheLastFailureUntilTheLinkHoldsOrARunEndsWellInSilenceTo
     EXPECT_EQ(facade.snapshot().fault, KaFault{KaResultCode::RetryLater}) << "the cause was the other's";
     facade.noteUnanswered();
     EXPECT_EQ(facade.snapshot().fault, (KaFault{KaResultCode::Offline, KaFaultCause::NoAnswer}));
+    facade.noteUnsaved();
+    EXPECT_EQ(facade.snapshot().fault, KaFault{KaResultCode::Unexpected});
     facade.setEnableLoggin(false); // a run begins
     ending();
     EXPECT_EQ(facade.snapshot().fault, std::nullopt);

@@ -104,6 +104,7 @@ public:
   }
   void noteNothingNew() override { tellOnlookers(QStringLiteral("nothing new")); }
   void noteUnanswered() override { tellOnlookers(QStringLiteral("unanswered")); }
+  void noteUnsaved() override { tellOnlookers(QStringLiteral("unsaved")); }
   void setEnableLoggin(bool enable) override { note(QStringLiteral("enableLoggin %1").arg(int(enable))); }
   void notifyLinkHolds(KaLinkNumber) override { note(QStringLiteral("link holds")); }
   void notifyDownloadProcessFinish() override { note(QStringLiteral("finish")); }
