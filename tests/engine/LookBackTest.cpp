@@ -165,6 +165,16 @@ TEST_F(LookBack, countsWhatIsStillToComeUntilItHasComeOrTheStorageHasItNoMore) {
   EXPECT_EQ(fileNames(), names("A.JPG C.JPG"));
 }
 
+TEST_F(LookBack, countsACopyOfTheWrongSizeWhileItIsTriedAgain) {
+  addImages("10/A.JPG 11/B.JPG");
+  service.order(Endpoint::ObjectGet, {.kind = Body, .body = "short", .times = -1, .pathContains = u"A.JPG"_s});
+  ASSERT_TRUE(makeRuns(1));
+  EXPECT_EQ(delegate.answers().stillToCome, 1);
+  EXPECT_TRUE(waitFor([&] { return delegate.answers().stillToCome == 0; }));
+  processor.reset();
+  EXPECT_EQ(fetched().count(u"A.JPG"_s), 5 * 4);
+}
+
 TEST_F(LookBack, forgetsWhatAnotherAccountIsWaitingFor) {
   delegate.change([](auto &answers) { answers.waits.pollingNormal = 1h; });
   addImages("10/A.JPG 11/B.JPG");
@@ -281,6 +291,7 @@ TEST_F(LookBack, asksOnceForCredentialsThatItCannotHave) {
   ASSERT_TRUE(makeRuns(1));
   EXPECT_EQ(lookBacks(), 1);
   EXPECT_EQ(service.requestCount(Endpoint::RefreshToken), 2) << "for the run, and for one image";
+  EXPECT_EQ(delegate.answers().stillToCome, 2) << "behind the one for which a look needed no new ones";
 }
 
 TEST_F(LookBack, booksWhatTheLongTermStorageBringsThoughTheOrdinaryOneHadNoCredentials) {
