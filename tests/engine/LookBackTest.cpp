@@ -237,6 +237,7 @@ TEST_F(LookBack, endsARunWithoutAFolderAndSaysSoAndNoMore) {
   ASSERT_TRUE(makeRuns(9)); // whose own fault it were, would be tried next in the 16th
   const QStringList events = delegate.events();
   EXPECT_TRUE(events.contains(u"trouble 13"_s) && !events.contains(u"result 1"_s) && !events.contains(u"result 13"_s));
+  EXPECT_TRUE(events.contains(u"status 0"_s)) << "the icon rests";
   EXPECT_EQ(fetched(), QStringList()) << "and transferred nothing";
   delegate.change([](auto &answers) { answers.folderVerdict = KaResultCode::Success; });
   delegate.forgetEvents();
