@@ -189,7 +189,14 @@ void KaModelFacade::setAppStatus(KaAppStatus status) {
 }
 
 void KaModelFacade::setProcessingResult(KaResultCode result, bool userTrigger) {
-  tellResult({result, std::exchange(causeOfNext, KaFaultCause::Unknown)}, userTrigger);
+  KaFault told = std::exchange(next, {});
+  told.result = result;
+  tellResult(told, userTrigger);
+}
+
+void KaModelFacade::noteFaultCause(KaFaultCause cause, KaTargetStorage storage) {
+  next.cause = cause;
+  next.isOf10GStorage = storage != KaTargetStorage::Days30;
 }
 
 void KaModelFacade::tellResult(const KaFault &told, bool userTrigger) {
@@ -203,8 +210,8 @@ KaFaultCause KaModelFacade::faultCause() const {
   return toldCause;
 }
 
-void KaModelFacade::notifySavingTrouble(KaResultCode cause) {
-  keeper.noteResult({cause});
+void KaModelFacade::notifySavingTrouble(KaResultCode cause, KaTargetStorage storage) {
+  keeper.noteResult({.result = cause, .isOf10GStorage = storage != KaTargetStorage::Days30});
   if (KaDownloadDelegate *const delegate = dlDelegate) delegate->onSavingTrouble(cause);
 }
 

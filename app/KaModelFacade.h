@@ -80,10 +80,10 @@ public:
   void setOffers10GStorage(bool offers) override { bOffers10GStorage = offers; } ///< kept alone: nobody is told
   void setAppStatus(KaAppStatus status) override;
   void setProcessingResult(KaResultCode result, bool userTrigger) override;
-  void noteFaultCause(KaFaultCause cause) override { causeOfNext = cause; }
+  void noteFaultCause(KaFaultCause cause, KaTargetStorage storage = KaTargetStorage::Days30) override;
   /// While onProcessingResult is being told, on its thread: why the failure came.
   [[nodiscard]] KaFaultCause faultCause() const;
-  void notifySavingTrouble(KaResultCode cause) override;
+  void notifySavingTrouble(KaResultCode cause, KaTargetStorage storage) override;
   void setEnableLoggin(bool enable) override;
   /// On the main thread, unless the link is over by then.
   void notifyLinkHolds(KaLinkNumber number) override;
@@ -162,7 +162,7 @@ private:
   bool hasToldUnsaved = false; ///< main thread: that a login was not stored
   std::atomic<bool> bOffers10GStorage = true;
   KaSnapshotKeeper keeper;
-  KaFaultCause causeOfNext = KaFaultCause::Unknown; ///< download thread: of the result that comes next
+  KaFault next; ///< download thread: all but the result of what is told next
   std::atomic<KaDownloadDelegate *> dlDelegate = nullptr;
   platform::Mailbox mailbox;
   /// Main thread, in the order of the callbacks; dropped ones stay until their thread has ended. All end before the

@@ -15,6 +15,7 @@
 struct KaFault {
   KaResultCode result = KaResultCode::Unexpected; ///< as it was told; Offline for a run that got no answer
   KaFaultCause cause = KaFaultCause::Unknown;
+  bool isOf10GStorage = false; ///< and its folder, or of the previews, which share it; else of the ordinary one
 
   friend bool operator==(const KaFault &, const KaFault &) = default;
 };

@@ -49,8 +49,8 @@ KaResultCode KaDownloadRun::perform() {
   hadSettings = false;
   const auto result = performBoth();
   // Unless it was the result that was told.
-  if (const auto cause = with.lookBack.savingTrouble(); cause && *cause != result)
-    with.session.tell([&] { with.delegate.notifySavingTrouble(*cause); });
+  if (const auto trouble = with.lookBack.savingTrouble(); trouble && trouble->cause != result)
+    with.session.tell([&] { with.delegate.notifySavingTrouble(trouble->cause, trouble->storage); });
   with.lookBack.endRun();
   tellStillToCome();
   with.storage.dropConnections();
@@ -337,7 +337,7 @@ KaPassOutcome KaDownloadRun::takePreviews(quint64 savedBefore) {
 
 void KaDownloadRun::concludeLongTerm(const KaPassOutcome &both) {
   tellStillToCome();
-  if (both.result != KaResultCode::Success) return tellFailure(both.result);
+  if (both.result != KaResultCode::Success) return tellFailure(both.result, KaTargetStorage::LongTerm10G);
   if (both.savedCount == 0) {
     KaLogUtility::writeInfoLog(u"No Download Target"_s);
     return tellNothingNew();
@@ -415,14 +415,14 @@ void KaDownloadRun::tellFailedRefresh() {
   tellFailure(KaResultCode::ValidationFailed);
 }
 
-void KaDownloadRun::tellFailure(KaResultCode result) {
+void KaDownloadRun::tellFailure(KaResultCode result, KaTargetStorage storage) {
   if (result == KaResultCode::NoHttpStatus) {
     tellStatus(KaAppStatus::Downloading);
   } else {
     // Under whatever code: a pass hands on what a renewal before an image came to.
     if (with.session.lastRefresh() != KaRefresh::Succeeded) with.session.noteFailureTold();
     with.session.tell([&] {
-      with.delegate.noteFaultCause(causeOf(result));
+      with.delegate.noteFaultCause(causeOf(result), storage);
       with.delegate.setProcessingResult(result, with.state.bUserTrigger);
     });
   }

@@ -104,7 +104,7 @@ private:
   void tellSettings(const KaServiceSettings &settings);
   void tellInitialAccess();
   void tellFailedRefresh();
-  void tellFailure(KaResultCode result);
+  void tellFailure(KaResultCode result, KaTargetStorage storage = KaTargetStorage::Days30);
   [[nodiscard]] KaFaultCause causeOf(KaResultCode result) const;
   void tellNoTarget();
   void tellNothingNew();

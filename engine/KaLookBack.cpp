@@ -138,11 +138,12 @@ void KaLookBack::noteRound(const KaListedImages &offered, const KaPassTrace &tra
   }
 }
 
-std::optional<KaResultCode> KaLookBack::savingTrouble() const {
+std::optional<KaLookBack::SavingTrouble> KaLookBack::savingTrouble() const {
   thread.check();
-  for (const Troubles *const troubles : {&ordinary, &longTerm})
+  for (const auto &[troubles, storage] :
+       {std::pair(&ordinary, KaTargetStorage::Days30), {&longTerm, KaTargetStorage::LongTerm10G}})
     for (const Trouble &trouble : *troubles)
-      if (trouble.rounds > 0 && isOfTheDisk(trouble.last)) return trouble.last;
+      if (trouble.rounds > 0 && isOfTheDisk(trouble.last)) return SavingTrouble{trouble.last, storage};
   return std::nullopt;
 }
 

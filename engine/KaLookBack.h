@@ -53,8 +53,13 @@ public:
   /// A listing of the ordinary storage did not bring all that it should have.
   void noteLeftUndone() { isLeftInRun = true; }
 
-  /// Why some of either storage could not be saved in this run, where the disk was the cause: DiskFull or FileNotSaved.
-  [[nodiscard]] std::optional<KaResultCode> savingTrouble() const;
+  /// Why pictures could not be saved, where the disk was the cause, and where.
+  struct SavingTrouble {
+    KaResultCode cause = KaResultCode::DiskFull; ///< or FileNotSaved
+    KaTargetStorage storage = KaTargetStorage::Days30;
+  };
+  /// The same of this run, and of the ordinary storage before the other.
+  [[nodiscard]] std::optional<SavingTrouble> savingTrouble() const;
   /// How many files of both storages are still to come: that could not be had so far and will be tried again, or that
   /// the last round was broken off before. For the runs to come once this one has ended.
   [[nodiscard]] qsizetype countStillToCome() const;

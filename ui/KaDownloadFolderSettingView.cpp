@@ -251,6 +251,7 @@ void KaDownloadFolderSettingView::showOptions() {
 void KaDownloadFolderSettingView::connectControls() {
   connect(status, &KaStatusView::remedyRequested, this, [this](StatusRemedy remedy) {
     if (remedy == StatusRemedy::ChooseFolder) inputFolderPathReferenceButton_Click();
+    if (remedy == StatusRemedy::Choose10GFolder) input10GFolderPathReferenceButton_Click();
   });
   window->scrollContent->installEventFilter(this);
   const auto onClick = [this](QAbstractButton *button, auto action) {

@@ -147,6 +147,7 @@ void KaNotifyIcon::performRemedy(StatusRemedy remedy) {
   case StatusRemedy::OpenHelp:
     return perform(StatusEntry::Help);
   case StatusRemedy::ChooseFolder: // the window's own business
+  case StatusRemedy::Choose10GFolder:
   case StatusRemedy::None:
     return;
   }

@@ -255,7 +255,7 @@ StatusRemedy remedyOf(Topic topic, const KaSnapshot &snapshot) {
     return StatusRemedy::LogIn;
   case Topic::DiskFull:
   case Topic::NotSaved:
-    return StatusRemedy::ChooseFolder;
+    return snapshot.fault->isOf10GStorage ? StatusRemedy::Choose10GFolder : StatusRemedy::ChooseFolder;
   case Topic::Failed:
     return remedyForFailure(snapshot.fault->result);
   case Topic::WrongClock:

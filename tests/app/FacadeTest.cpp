@@ -149,7 +149,7 @@ TEST_F(FacadeLinkage, completesALoginAlthoughAnEarlierOneCallsBackAgain) {
   const QString first = startLogin();
   EXPECT_TRUE(waitForReports({u"login 1"_s, u"linkage 1"_s}));
   facade().noteFile(u"/of the account"_s);
-  facade().notifySavingTrouble(KaResultCode::DiskFull);
+  facade().notifySavingTrouble(KaResultCode::DiskFull, KaTargetStorage::Days30);
   facade().setupLinkage();
   facade().setIdCode(first);
   const QString second = signIn();
@@ -200,8 +200,8 @@ TEST_F(FacadeLinkage, showsWhatItIsAtAndForgetsItWithTheAccount) {
   EXPECT_NEAR(double(from.secsTo(*seen.nextLook)), 30 * 60, 5 * kSlowness) << "not before the run is over";
   EXPECT_EQ(seen.lastFiles.size(), 1);
   EXPECT_TRUE(QFile::exists(seen.lastFiles.value(0)));
-  facade().notifySavingTrouble(KaResultCode::DiskFull);
-  EXPECT_EQ(facade().snapshot().fault, KaFault{KaResultCode::DiskFull});
+  facade().notifySavingTrouble(KaResultCode::DiskFull, KaTargetStorage::LongTerm10G);
+  EXPECT_EQ(facade().snapshot().fault, (KaFault{KaResultCode::DiskFull, KaFaultCause::Unknown, true}));
   // Once it waits for a link, nothing of the old one comes behind.
   facade().closeLinkage();
   EXPECT_EQ(facade().snapshot(), KaSnapshot{.clockAhead = facade().snapshot().clockAhead});
@@ -376,9 +376,9 @@ TEST_F(FacadeData, showsTheLastFailureUntilTheLinkHoldsOrARunEndsWellInSilenceTo
   for (const std::function<void()> &ending : std::initializer_list<std::function<void()>>{
            [&] { facade.notifyLinkHolds(1); }, [&] { facade.noteNothingNew(); },
            [&] { facade.setProcessingResult(KaResultCode::DownloadComplete, /*userTrigger=*/false); }}) {
-    facade.noteFaultCause(KaFaultCause::Refused);
+    facade.noteFaultCause(KaFaultCause::Refused, KaTargetStorage::LongTerm10G);
     facade.setProcessingResult(KaResultCode::LinkInvalid, /*userTrigger=*/false);
-    EXPECT_EQ(facade.snapshot().fault, (KaFault{KaResultCode::LinkInvalid, KaFaultCause::Refused}));
+    EXPECT_EQ(facade.snapshot().fault, (KaFault{KaResultCode::LinkInvalid, KaFaultCause::Refused, true}));
     facade.setProcessingResult(KaResultCode::RetryLater, /*userTrigger=*/false);
     EXPECT_EQ(facade.snapshot().fault, KaFault{KaResultCode::RetryLater}) << "the cause was the other's";
     facade.noteUnanswered();

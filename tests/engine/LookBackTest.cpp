@@ -275,7 +275,7 @@ TEST_F(LookBack, tellsOfNoRoomForTheLongTermStorageTooWhateverCameAfterIt) {
   add(large);
   addImages("11/B.JPG");
   ASSERT_TRUE(makeRuns(1));
-  EXPECT_EQ(delegate.events().count(u"trouble 8"_s), 1);
+  EXPECT_EQ(delegate.events().count(u"trouble 8 of 10G"_s), 1);
   EXPECT_EQ(fileNames(), names("B.JPG"));
 }
 

@@ -6,6 +6,7 @@
 #include "tests/ui/UiProfile.h"
 #include "ui/KaCustomImageView.h"
 #include "ui/KaDownloadFolderSettingView.h"
+#include "ui/KaStatusView.h"
 #include "ui/KaVersionInformationView.h"
 #include "ui/LoginItemQuestion.h"
 #include "ui/Mnemonics.h"
@@ -303,10 +304,17 @@ TEST_F(Settings, warnOfAFolderThatCannotBeUsedUnlessItIsNot) {
 TEST_F(Settings, turnThe10GFolderOnWhenOneIsChosen) {
   QApplication::setAttribute(Qt::AA_DontUseNativeDialogs);
   const auto color = [this] { return folder10G().palette().color(QPalette::Text); };
-  for (const QString &which : {QString(), u"10G"_s}) {
+  for (const auto &[which, remedy] : {std::pair(u""_s, StatusRemedy::None),
+                                      {u"10G"_s, StatusRemedy::None},
+                                      {u""_s, StatusRemedy::ChooseFolder},
+                                      {u"10G"_s, StatusRemedy::Choose10GFolder}}) {
     open();
     EXPECT_EQ(color(), kGrey);
-    click(u"input%1FolderPathReferenceButton"_s.arg(which));
+    if (remedy == StatusRemedy::None) {
+      click(u"input%1FolderPathReferenceButton"_s.arg(which));
+    } else {
+      Q_EMIT view->statusView().remedyRequested(remedy);
+    }
     auto *const chooser = view->findChild<QFileDialog *>();
     EXPECT_EQ(chooser->directory().path(), which.isEmpty() ? usable : stored.parent10GFolder);
     EXPECT_EQ(chooser->windowTitle(),

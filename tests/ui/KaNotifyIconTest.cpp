@@ -463,7 +463,7 @@ TEST(NotifyIconAtWork, doesNothingThatItsMenuHasGreyedAndShowsWhyInstead) {
            && waitFor([&] { return facade.snapshot().nextLook.has_value(); });
   };
   EXPECT_TRUE(runsAgain([&] {
-    facade.notifySavingTrouble(KaResultCode::DiskFull);
+    facade.notifySavingTrouble(KaResultCode::DiskFull, KaTargetStorage::Days30);
     Q_EMIT window->accepted();
   })) << "there may be room now";
   icon.onChangeLinkage(true);

@@ -39,7 +39,7 @@ QString described(const StatusText &text) {
 
 QString described(const StatusSummary &summary) {
   static const QStringList frames{u"standby"_s, u"1"_s, u"2"_s, u"3"_s, u"4"_s, u"error"_s, u"unlink"_s};
-  static const QStringList remedies{u"-"_s, u"login"_s, u"folder"_s, u"look"_s, u"help"_s};
+  static const QStringList remedies{u"-"_s, u"login"_s, u"folder"_s, u"folder10G"_s, u"look"_s, u"help"_s};
   QStringList facts;
   for (const StatusText &fact : summary.facts)
     facts << described(fact);
@@ -94,6 +94,8 @@ TEST(StatusSummary, saysWhatMattersMost) {
       {with(faulty(DiskFull, {}, Doing::Fetching), [](auto &s) { s.stillToCome = 2; }),
        u"error | DISK_FULL | MSG_ERR_DISK_FULL | FETCHING(12,240) TO_COME(2) "_s + facts + u" | folder 12/240"_s},
       {faulty(FileNotSaved), u"error | NOT_SAVED | MSG_ERR_DOWNLOAD | "_s + facts + u" | folder"_s},
+      {with(faulty(FileNotSaved), [](auto &s) { s.fault->isOf10GStorage = true; }),
+       u"error | NOT_SAVED | MSG_ERR_DOWNLOAD | "_s + facts + u" | folder10G"_s},
       {with(kWell, [](auto &s) { s.hasNetwork = false; }),
        u"error | OFFLINE | OFFLINE_UNTIL_HINT(14:35) | TODAY(37) LAST_LOOK(14:05) | look"_s},
       {with(faulty(Offline), [](auto &s) { s.nextLook.reset(); }),
@@ -125,9 +127,8 @@ TEST(StatusSummary, saysWhatMattersMost) {
 
 TEST(StatusSummary, isUpToDateWithNothingWrongAloneAndLeavesNoFailureWithoutWords) {
   using enum KaResultCode;
-  for (const KaResultCode result :
-       {SecureConnectionFailed, NoBody, DiskFull, Offline, RetryLater, ServerError, FileNotSaved, Unexpected,
-        LinkInvalid, ValidationFailed})
+  for (const KaResultCode result : {SecureConnectionFailed, NoBody, DiskFull, Offline, RetryLater, ServerError,
+                                    FileNotSaved, Unexpected, LinkInvalid, ValidationFailed})
     for (const KaFaultCause cause :
          {KaFaultCause::Unknown, KaFaultCause::NoAnswer, KaFaultCause::Refused, KaFaultCause::WrongClock}) {
       const StatusSummary summary = statusSummary(faulty(result, cause), kNow);
