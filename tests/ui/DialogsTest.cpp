@@ -316,6 +316,7 @@ TEST_F(Settings, turnThe10GFolderOnWhenOneIsChosen) {
       Q_EMIT view->statusView().remedyRequested(remedy);
     }
     auto *const chooser = view->findChild<QFileDialog *>();
+    ASSERT_TRUE(chooser);
     EXPECT_EQ(chooser->directory().path(), which.isEmpty() ? usable : stored.parent10GFolder);
     EXPECT_EQ(chooser->windowTitle(),
               localised(which.isEmpty() ? "DLG_SETTING_CHOOSE_FOLDER"_L1 : "DLG_SETTING_CHOOSE_10G_FOLDER"_L1));

@@ -318,7 +318,7 @@ TEST_F(NotifyIcon, withdrawsWhatIsNotTrueAnyMoreAndBeginsNoLoginForALinkThatHold
       {{u"16"_s, u"11"_s, u"13"_s, u"14"_s}, normal, {}},
       {{u"10"_s, u"12"_s}, holds, {u"12"_s}},
       {{u"4"_s, u"17"_s, u"7"_s, u"8"_s, u"14"_s}, result(2), {u"2"_s}},
-      {{u"1"_s, u"17"_s, u"6"_s, u"8"_s}, result(4), {u"4"_s, u"1"_s, u"8"_s}},
+      {{u"1"_s, u"17"_s, u"6"_s, u"8"_s, u"14"_s}, result(4), {u"4"_s, u"1"_s, u"8"_s}},
       {{u"1"_s, u"2"_s, u"4"_s, u"9"_s, u"8"_s, u"14"_s, u"24"_s}, result(5), {u"24"_s}},
   };
   for (const auto &[told, event, expected] : rows) {
