@@ -200,7 +200,9 @@ void KaModelFacade::noteFaultCause(KaFaultCause cause, KaTargetStorage storage) 
 }
 
 void KaModelFacade::tellResult(const KaFault &told, bool userTrigger) {
-  keeper.noteResult(told);
+  // A callback that belongs to no login says nothing of a link that stands, nor of what has failed of that.
+  const bool isStray = told.cause == KaFaultCause::NotAccepted && link.state() != KaLinkState::Unlinked;
+  if (!isStray) keeper.noteResult(told);
   toldCause = told.cause;
   if (KaDownloadDelegate *const delegate = dlDelegate) delegate->onProcessingResult(*this, told.result, userTrigger);
   toldCause = KaFaultCause::Unknown;

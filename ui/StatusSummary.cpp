@@ -58,9 +58,6 @@ Trouble troubleOf(const KaFault &fault) {
 /// on the way to the service is not of the clock.
 Trouble troubleOf(const KaSnapshot &snapshot) {
   if (!snapshot.fault) return Trouble::None;
-  // A callback that belongs to no login says nothing of a link that stands.
-  if (snapshot.fault->cause == KaFaultCause::NotAccepted && snapshot.linkState == KaLinkState::Linked)
-    return Trouble::None;
   const Trouble trouble = troubleOf(*snapshot.fault);
   const bool mayBeRefusal = trouble == Trouble::Login || trouble == Trouble::Passing;
   if (snapshot.fault->cause == KaFaultCause::WrongClock || (mayBeRefusal && isClockOff(snapshot)))

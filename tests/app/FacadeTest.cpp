@@ -131,8 +131,10 @@ TEST_F(FacadeLinkage, storesALoginForWhichTheBrowserCallsAgainAndAgainAndClosesI
   facade().confirmFolders();
   EXPECT_EQ(facade().linkState(), KaLinkState::Linked);
   facade().setIdCode(token);
+  facade().notifySavingTrouble(KaResultCode::DiskFull, KaTargetStorage::Days30);
   facade().setIdCode(u"not that token"_s);
   EXPECT_TRUE(waitForReports(expected << kNotAccepted)) << "the nonce counts once";
+  EXPECT_EQ(facade().snapshot().fault, KaFault{KaResultCode::DiskFull}) << "as before";
   EXPECT_EQ(facade().loadLinkageSetting(), token);
   EXPECT_EQ(KaLinkageUtility::loadLinkageSetting(), token);
   EXPECT_TRUE(KaLinkageUtility::existCodeVerifier());

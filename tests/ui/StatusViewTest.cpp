@@ -102,7 +102,6 @@ TEST(StatusSummary, saysWhatMattersMost) {
        u"error | OFFLINE | OFFLINE_HINT | TODAY(37) LAST_LOOK(14:05) | look"_s},
       {faulty(ValidationFailed, KaFaultCause::NoAnswer),
        u"error | OFFLINE | OFFLINE_UNTIL_HINT(14:35) | TODAY(37) LAST_LOOK(14:05) | look"_s},
-      {faulty(ValidationFailed, KaFaultCause::NotAccepted), u"standby | UP_TO_DATE | - | "_s + facts + u" | look"_s},
       {faulty(LinkInvalid, KaFaultCause::Refused),
        u"error | LOGIN_NEEDED | MSG_ERR_LINK_INVALID | "_s + facts + u" | login"_s},
       {faulty(LinkInvalid, KaFaultCause::Refused, Doing::Looking),
