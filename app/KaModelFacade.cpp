@@ -223,8 +223,7 @@ void KaModelFacade::setEnableLoggin(bool enable) {
 }
 
 void KaModelFacade::notifyLinkHolds(KaLinkNumber number) {
-  // What has failed before was the check of the link, or had no network to make it.
-  keeper.forgetFault();
+  keeper.noteLinkHolds();
   mailbox.post([this, number] {
     KaDownloadDelegate *const delegate = dlDelegate;
     if (delegate && link.isCurrent(number)) delegate->onChangeLinkage(true);

@@ -88,8 +88,10 @@ void KaSnapshotKeeper::noteGoodEnd() {
   if (!hasRunFailed) kept.fault.reset();
 }
 
-void KaSnapshotKeeper::forgetFault() {
+void KaSnapshotKeeper::noteLinkHolds() {
   const platform::MutexLock scope(lock);
+  const ResultMeaning meaning = kept.fault ? meaningOf(kept.fault->result) : ResultMeaning::NoVerdict;
+  if (meaning != ResultMeaning::Login && meaning != ResultMeaning::Service) return;
   kept.fault.reset();
   hasRunFailed = false;
 }
