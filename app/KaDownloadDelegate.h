@@ -16,8 +16,8 @@ class KaModelFacade;
 ///   onChangeLinkage(true). No run of it begins before KaModelFacade::confirmFolders. One that fails:
 ///   onProcessingResult alone, and the link stays as it was. The first that cannot be stored on disk:
 ///   onProcessingResult(Unexpected) behind the rest.
-/// - A log-out, from closeLinkage: the link is over, then onChangeStatus(NotLinked), onProcessingResult(Unlinked). From
-///   then on no status and no result of that link's runs is told.
+/// - A log-out, from closeLinkage: the link is over, then onChangeStatus(NotLinked), onProcessingResult(Unlinked),
+///   onChangeLinkage(false). From then on no status and no result of that link's runs is told.
 /// - A page of a login or a log-out that cannot be opened: onPageNotOpened alone, later. A login that was begun anew or
 ///   closed meanwhile tells nothing of its page.
 /// - A run: onSetEnableLogginMenu(false), its statuses and results, onSetEnableLogginMenu(true). Where it left pictures

@@ -191,11 +191,20 @@ void KaModelFacade::setAppStatus(KaAppStatus status) {
 }
 
 void KaModelFacade::setProcessingResult(KaResultCode result, bool userTrigger) {
-  tellResult({result, std::exchange(causeOfNext, KaFaultCause::Unknown)}, userTrigger);
+  KaFault told = std::exchange(next, {});
+  told.result = result;
+  tellResult(told, userTrigger);
+}
+
+void KaModelFacade::noteFaultCause(KaFaultCause cause, KaTargetStorage storage) {
+  next.cause = cause;
+  next.isOf10GStorage = storage != KaTargetStorage::Days30;
 }
 
 void KaModelFacade::tellResult(const KaFault &told, bool userTrigger) {
-  keeper.noteResult(told);
+  // A callback that belongs to no login says nothing of a link that stands, nor of what has failed of that.
+  const bool isStray = told.cause == KaFaultCause::NotAccepted && link.state() != KaLinkState::Unlinked;
+  if (!isStray) keeper.noteResult(told);
   toldCause = told.cause;
   if (KaDownloadDelegate *const delegate = dlDelegate) delegate->onProcessingResult(*this, told.result, userTrigger);
   toldCause = KaFaultCause::Unknown;
@@ -205,8 +214,8 @@ KaFaultCause KaModelFacade::faultCause() const {
   return toldCause;
 }
 
-void KaModelFacade::notifySavingTrouble(KaResultCode cause) {
-  keeper.noteResult({cause});
+void KaModelFacade::notifySavingTrouble(KaResultCode cause, KaTargetStorage storage) {
+  keeper.noteResult({.result = cause, .isOf10GStorage = storage != KaTargetStorage::Days30});
   if (KaDownloadDelegate *const delegate = dlDelegate) delegate->onSavingTrouble(cause);
 }
 
@@ -216,8 +225,7 @@ void KaModelFacade::setEnableLoggin(bool enable) {
 }
 
 void KaModelFacade::notifyLinkHolds(KaLinkNumber number) {
-  // What has failed before was the check of the link, or had no network to make it.
-  keeper.forgetFault();
+  keeper.noteLinkHolds();
   mailbox.post([this, number] {
     KaDownloadDelegate *const delegate = dlDelegate;
     if (delegate && link.isCurrent(number)) delegate->onChangeLinkage(true);

@@ -81,10 +81,10 @@ public:
   void setOffers10GStorage(bool offers) override { bOffers10GStorage = offers; } ///< kept alone: nobody is told
   void setAppStatus(KaAppStatus status) override;
   void setProcessingResult(KaResultCode result, bool userTrigger) override;
-  void noteFaultCause(KaFaultCause cause) override { causeOfNext = cause; }
+  void noteFaultCause(KaFaultCause cause, KaTargetStorage storage = KaTargetStorage::Days30) override;
   /// While onProcessingResult is being told, on its thread: why the failure came.
   [[nodiscard]] KaFaultCause faultCause() const;
-  void notifySavingTrouble(KaResultCode cause) override;
+  void notifySavingTrouble(KaResultCode cause, KaTargetStorage storage) override;
   void setEnableLoggin(bool enable) override;
   /// On the main thread, unless the link is over by then.
   void notifyLinkHolds(KaLinkNumber number) override;
@@ -100,6 +100,7 @@ public:
   void noteFile(const QString &saved) override { keeper.noteFile(saved); }
   void noteWait(std::optional<std::chrono::milliseconds> longest) override { keeper.noteWait(longest); }
   void noteNothingNew() override { keeper.noteGoodEnd(); }
+  void noteUnsaved() override { keeper.noteResult({KaResultCode::Unexpected}); }
   void noteUnanswered() override { keeper.noteResult({KaResultCode::Offline, KaFaultCause::NoAnswer}); }
   /// @}
 
@@ -162,7 +163,7 @@ private:
   bool hasToldUnsaved = false; ///< main thread: that a login was not stored
   std::atomic<bool> bOffers10GStorage = true;
   KaSnapshotKeeper keeper;
-  KaFaultCause causeOfNext = KaFaultCause::Unknown; ///< download thread: of the result that comes next
+  KaFault next; ///< download thread: all but the result of what is told next
   std::atomic<KaDownloadDelegate *> dlDelegate = nullptr;
   platform::Mailbox mailbox;
   /// Main thread, in the order of the callbacks; dropped ones stay until their thread has ended. All end before the

@@ -8,7 +8,6 @@
 #include "log/ExceptionGuard.h"
 #include "log/KaLogUtility.h"
 #include "platform/ThreadBound.h"
-#include "service/ServiceClock.h"
 
 #include <algorithm>
 #include <utility>
@@ -16,12 +15,6 @@
 using namespace Qt::StringLiterals;
 
 namespace {
-
-/// Why a login's token was not taken.
-KaFaultCause causeOf(const KaTokenVerdict &verdict) {
-  if (verdict.isOutOfTime && ServiceClock::isFarOff()) return KaFaultCause::WrongClock;
-  return verdict.mayPass && !verdict.isOutOfTime ? KaFaultCause::NoAnswer : KaFaultCause::NotAccepted;
-}
 
 bool isSameAccount(const QString &idToken, const QString &other) {
   return KaIdVerificationUtility::parseUserUUID(idToken) == KaIdVerificationUtility::parseUserUUID(other);
@@ -98,7 +91,7 @@ void KaModelFacade::endLogin(LoginVerification &ended, const KaTokenVerdict &ver
 void KaModelFacade::finishLogin(const QString &token, const KaTokenVerdict &verdict) {
   if (verdict.result == KaResultCode::Success) return takeLogin(token);
   if (link.giveUpLogin()) dlProc->loginEnded();
-  tellResult({verdict.result, causeOf(verdict)}, /*userTrigger=*/false);
+  tellResult({verdict.result, verdict.cause}, /*userTrigger=*/false);
 }
 
 void KaModelFacade::takeLogin(const QString &token) {
@@ -128,4 +121,5 @@ void KaModelFacade::closeLinkage() {
   dlProc->deleteCredential();
   setAppStatus(KaAppStatus::NotLinked);
   tellResult({KaResultCode::Unlinked}, /*userTrigger=*/false);
+  if (KaDownloadDelegate *const delegate = dlDelegate) delegate->onChangeLinkage(false);
 }

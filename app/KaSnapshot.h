@@ -15,6 +15,7 @@
 struct KaFault {
   KaResultCode result = KaResultCode::Unexpected; ///< as it was told; Offline for a run that got no answer
   KaFaultCause cause = KaFaultCause::Unknown;
+  bool isOf10GStorage = false; ///< and its folder, or of the previews, which share it; else of the ordinary one
 
   friend bool operator==(const KaFault &, const KaFault &) = default;
 };
@@ -35,7 +36,7 @@ struct KaSnapshot {
   std::optional<QDateTime> nextLook{}; ///< while waiting for a set time
   qsizetype cameToday = 0;             ///< files saved since midnight, by this process
   qsizetype stillToCome = 0;           ///< files that could not be had so far, and are tried again
-  std::optional<KaFault> fault{};      ///< of the last run or login; absent once one has ended well
+  std::optional<KaFault> fault{};      ///< of the last run, or login while there is no link; absent once all is well
   bool hasNetwork = true;
   std::chrono::seconds clockAhead{0}; ///< of the service's clock, as it last answered; negative: behind
   QStringList lastFiles{};            ///< paths, newest first, at most kLastFiles; saved by this process

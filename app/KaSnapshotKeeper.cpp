@@ -1,5 +1,7 @@
 #include "app/KaSnapshotKeeper.h"
 
+#include "app/ResultMeaning.h"
+
 #include <algorithm>
 #include <utility>
 
@@ -10,42 +12,6 @@ namespace {
 
 /// Longer waits would overflow the clock.
 constexpr milliseconds kLongestWait = 24h * 365;
-
-enum class Tells { Failure, Success, Neither };
-
-Tells meaningOf(KaResultCode result) {
-  switch (result) {
-  case KaResultCode::DownloadComplete:
-  case KaResultCode::Download10GComplete:
-  case KaResultCode::NothingToDownload:
-  case KaResultCode::InitialAccessComplete:
-    return Tells::Success;
-  case KaResultCode::SecureConnectionFailed:
-  case KaResultCode::NoBody:
-  case KaResultCode::DiskFull:
-  case KaResultCode::Offline:
-  case KaResultCode::RetryLater:
-  case KaResultCode::ServerError:
-  case KaResultCode::FileNotSaved:
-  case KaResultCode::Unexpected:
-  case KaResultCode::LinkInvalid:
-  case KaResultCode::ValidationFailed:
-    return Tells::Failure;
-  case KaResultCode::Success:
-  case KaResultCode::Unlinked:
-  case KaResultCode::NotLinked:
-  case KaResultCode::NoHttpStatus:
-  case KaResultCode::FolderNotAccessible:
-  case KaResultCode::FolderNotSupported:
-  case KaResultCode::FolderPathTooLong:
-  case KaResultCode::DefaultFileName:
-  case KaResultCode::CaptureTimeMissing:
-  case KaResultCode::ObjectMissing:
-  case KaResultCode::NewVersionReleased:
-    return Tells::Neither;
-  }
-  return Tells::Neither;
-}
 
 /// Two clocks read one after the other must not make it another time each time.
 QDateTime inWholeSeconds(const QDateTime &time) {
@@ -104,9 +70,9 @@ void KaSnapshotKeeper::setStillToCome(qsizetype count) {
 }
 
 void KaSnapshotKeeper::noteResult(const KaFault &told) {
-  const Tells meaning = meaningOf(told.result);
-  if (meaning == Tells::Neither) return;
-  if (meaning == Tells::Success) return noteGoodEnd();
+  const ResultMeaning meaning = meaningOf(told.result);
+  if (meaning == ResultMeaning::NoVerdict) return;
+  if (meaning == ResultMeaning::Good) return noteGoodEnd();
   const platform::MutexLock scope(lock);
   kept.fault = told;
   hasRunFailed = true;
@@ -122,8 +88,10 @@ void KaSnapshotKeeper::noteGoodEnd() {
   if (!hasRunFailed) kept.fault.reset();
 }
 
-void KaSnapshotKeeper::forgetFault() {
+void KaSnapshotKeeper::noteLinkHolds() {
   const platform::MutexLock scope(lock);
+  const ResultMeaning meaning = kept.fault ? meaningOf(kept.fault->result) : ResultMeaning::NoVerdict;
+  if (meaning != ResultMeaning::Login && meaning != ResultMeaning::Service) return;
   kept.fault.reset();
   hasRunFailed = false;
 }

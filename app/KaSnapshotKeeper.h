@@ -41,7 +41,8 @@ public:
 
   /// A failure counts until something ends well, but not in the same run: the one storage says nothing of the other.
   void noteResult(const KaFault &told) KA_EXCLUDES(lock);
-  void forgetFault() KA_EXCLUDES(lock);
+  /// What has failed was the check of the link, or had no network to make it; nothing else is mended by that.
+  void noteLinkHolds() KA_EXCLUDES(lock);
   /// A new link of the same account: what was at work or had failed was the old one's.
   void forgetLink() KA_EXCLUDES(lock);
   void forgetAccount() KA_EXCLUDES(lock);

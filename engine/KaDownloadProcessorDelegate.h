@@ -1,6 +1,7 @@
 #pragma once
 
 #include "engine/KaAppStatus.h"
+#include "engine/KaTargetStorage.h"
 #include "identity/KaLink.h"
 #include "service/KaFaultCause.h"
 #include "service/KaResultCode.h"
@@ -55,12 +56,13 @@ public:
   virtual void setOffers10GStorage(bool offers) = 0;
   virtual void setAppStatus(KaAppStatus status) = 0;
   virtual void setProcessingResult(KaResultCode result, bool userTrigger) = 0;
-  /// Why the failure came that setProcessingResult tells next; without it the cause is unknown.
-  virtual void noteFaultCause(KaFaultCause) {}
-  /// At the end of a run: so many files could not be had so far, and are tried again.
+  /// Why, and where, the failure came that setProcessingResult tells next; without it the cause is unknown.
+  virtual void noteFaultCause(KaFaultCause, KaTargetStorage) {}
+  /// Before a storage is said to be done, and at the end of a run: so many files could not be had so far, and are tried
+  /// again.
   virtual void setStillToCome(qsizetype count) = 0;
   /// Pictures are still to come, for which there was no room (DiskFull) or no folder (FileNotSaved). A message alone.
-  virtual void notifySavingTrouble(KaResultCode cause) = 0;
+  virtual void notifySavingTrouble(KaResultCode cause, KaTargetStorage storage) = 0;
   virtual void setEnableLoggin(bool enable) = 0;
   /// A failed refresh was told of @p link, and now one has succeeded. Must not call back into the link.
   virtual void notifyLinkHolds(KaLinkNumber link) = 0;
@@ -79,5 +81,6 @@ public:
   virtual void noteWait(std::optional<std::chrono::milliseconds>) {}
   virtual void noteNothingNew() {} ///< a storage was looked through, all was well, and nobody is told
   virtual void noteUnanswered() {} ///< a storage of the run gave no answer; nobody is told
+  virtual void noteUnsaved() {}    ///< the link cannot be kept on disk still; the user was told before
   /// @}
 };

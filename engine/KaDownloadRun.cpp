@@ -49,10 +49,10 @@ KaResultCode KaDownloadRun::perform() {
   hadSettings = false;
   const auto result = performBoth();
   // Unless it was the result that was told.
-  if (const auto cause = with.lookBack.savingTrouble(); cause && *cause != result)
-    with.session.tell([&] { with.delegate.notifySavingTrouble(*cause); });
-  with.session.tell([&] { with.delegate.setStillToCome(with.lookBack.countStillToCome()); });
+  if (const auto trouble = with.lookBack.savingTrouble(); trouble && trouble->cause != result)
+    with.session.tell([&] { with.delegate.notifySavingTrouble(trouble->cause, trouble->storage); });
   with.lookBack.endRun();
+  tellStillToCome();
   with.storage.dropConnections();
   return result;
 }
@@ -204,6 +204,7 @@ KaDownloadRun::ReCheck KaDownloadRun::finish(ReCheck soFar) {
   soFar.isDone = true;
   const KaPassOutcome late = lookBack();
   if (with.session.isOver()) return soFar;
+  tellStillToCome(); // whoever hears that all is well asks for it
   const bool isLeft = soFar.isLeft || soFar.idleCount >= kIdleRounds;
   const bool hasOnlyFailed = isLeft && soFar.savedCount + late.savedCount == 0;
   if (hasOnlyFailed) {
@@ -335,7 +336,8 @@ KaPassOutcome KaDownloadRun::takePreviews(quint64 savedBefore) {
 }
 
 void KaDownloadRun::concludeLongTerm(const KaPassOutcome &both) {
-  if (both.result != KaResultCode::Success) return tellFailure(both.result);
+  tellStillToCome();
+  if (both.result != KaResultCode::Success) return tellFailure(both.result, KaTargetStorage::LongTerm10G);
   if (both.savedCount == 0) {
     KaLogUtility::writeInfoLog(u"No Download Target"_s);
     return tellNothingNew();
@@ -413,14 +415,14 @@ void KaDownloadRun::tellFailedRefresh() {
   tellFailure(KaResultCode::ValidationFailed);
 }
 
-void KaDownloadRun::tellFailure(KaResultCode result) {
+void KaDownloadRun::tellFailure(KaResultCode result, KaTargetStorage storage) {
   if (result == KaResultCode::NoHttpStatus) {
     tellStatus(KaAppStatus::Downloading);
   } else {
     // Under whatever code: a pass hands on what a renewal before an image came to.
     if (with.session.lastRefresh() != KaRefresh::Succeeded) with.session.noteFailureTold();
     with.session.tell([&] {
-      with.delegate.noteFaultCause(causeOf(result));
+      with.delegate.noteFaultCause(causeOf(result), storage);
       with.delegate.setProcessingResult(result, with.state.bUserTrigger);
     });
   }
@@ -446,6 +448,10 @@ void KaDownloadRun::tellNothingNew() {
     with.delegate.noteNothingNew();
     with.delegate.setAppStatus(KaAppStatus::Normal);
   });
+}
+
+void KaDownloadRun::tellStillToCome() {
+  with.session.tell([&] { with.delegate.setStillToCome(with.lookBack.countStillToCome()); });
 }
 
 void KaDownloadRun::tellPass(qsizetype files) {

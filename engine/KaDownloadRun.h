@@ -104,11 +104,12 @@ private:
   void tellSettings(const KaServiceSettings &settings);
   void tellInitialAccess();
   void tellFailedRefresh();
-  void tellFailure(KaResultCode result);
+  void tellFailure(KaResultCode result, KaTargetStorage storage = KaTargetStorage::Days30);
   [[nodiscard]] KaFaultCause causeOf(KaResultCode result) const;
   void tellNoTarget();
   void tellNothingNew();
   void tellComplete();
+  void tellStillToCome();
   void tellPass(qsizetype files);
   void tellStatus(KaAppStatus status);
   void tellResult(KaResultCode result, bool userTrigger);

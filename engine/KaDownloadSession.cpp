@@ -7,7 +7,6 @@
 #include "platform/JsonValue.h"
 #include "service/KaServerRequest.h"
 #include "service/KaStorage.h"
-#include "service/ServiceClock.h"
 
 #include <QJsonObject>
 #include <QUuid>
@@ -32,6 +31,7 @@ void KaDownloadSession::begin(const KaLinkSnapshot &link) {
   thread.check();
   if (link.number != current.number) {
     refreshed = KaRefresh::Succeeded;
+    refreshCause = KaFaultCause::Unknown;
     failureTold = false;
     refreshFailureTold = false;
     verifier.reset();
@@ -65,38 +65,30 @@ void KaDownloadSession::tellUnsaved(const QString &what) {
   if (isLinkOver()) return;
   KaLogUtility::writeErrorLog(what);
   tell([this] {
-    if (!std::exchange(hasToldUnsaved, true))
-      with.delegate.setProcessingResult(KaResultCode::Unexpected, /*userTrigger=*/false);
+    if (std::exchange(hasToldUnsaved, true)) return with.delegate.noteUnsaved();
+    with.delegate.setProcessingResult(KaResultCode::Unexpected, /*userTrigger=*/false);
   });
 }
 
 KaResultCode KaDownloadSession::refreshIdToken() {
   thread.check();
-  const auto [result, kind, isOutOfTime] = askForToken();
+  const auto [result, kind, cause] = askForToken();
   refreshed = kind;
-  tokenIsOutOfTime = isOutOfTime;
+  refreshCause = cause;
   if (kind == KaRefresh::Succeeded) refreshFailureTold = false;
   if (kind == KaRefresh::Succeeded && std::exchange(failureTold, false))
     tell([this] { with.delegate.notifyLinkHolds(current.number); });
   return result;
 }
 
-KaFaultCause KaDownloadSession::refreshFault() const {
-  switch (refreshed) {
-  case KaRefresh::Succeeded:
-    return KaFaultCause::Unknown;
-  case KaRefresh::MayPass:
-    return tokenIsOutOfTime && ServiceClock::isFarOff() ? KaFaultCause::WrongClock : KaFaultCause::NoAnswer;
-  case KaRefresh::Refused:
-    return KaFaultCause::Refused;
-  }
-  Q_UNREACHABLE();
+KaDownloadSession::Refreshed KaDownloadSession::failed(KaResultCode result, KaRefresh kind) {
+  return {result, kind, kind == KaRefresh::MayPass ? KaFaultCause::NoAnswer : KaFaultCause::Refused};
 }
 
 KaDownloadSession::Refreshed KaDownloadSession::askForToken() {
   if (current.idToken.isEmpty()) {
     KaLogUtility::writeErrorLog(u"ERR_LINK_INVALID : idToken is nil"_s);
-    return {KaResultCode::LinkInvalid, KaRefresh::Refused};
+    return failed(KaResultCode::LinkInvalid, KaRefresh::Refused);
   }
   const QString nonce = QUuid::createUuid().toString(QUuid::WithoutBraces).toUpper();
   const RefreshAnswer answer = with.request.refreshIdToken(current.idToken, nonce, with.link.tokenCode(current.number));
@@ -105,7 +97,7 @@ KaDownloadSession::Refreshed KaDownloadSession::askForToken() {
     // Whatever brings no token code, a portal's page for one, is not the service's answer: only its no is final, and
     // that to a refresh whose token code could be had.
     const bool isRefused = answer.result == KaResultCode::LinkInvalid && !verifier;
-    return {answer.result, isRefused ? KaRefresh::Refused : KaRefresh::MayPass};
+    return failed(answer.result, isRefused ? KaRefresh::Refused : KaRefresh::MayPass);
   }
   KaLogUtility::writeConnectionResultLog(KaLogStep::RefreshNorvaleId, true);
   keepTokenCode(answer.tokenCode);
@@ -118,11 +110,11 @@ KaDownloadSession::Refreshed KaDownloadSession::adoptToken(const QByteArray &ans
   if (!newToken) KaLogUtility::writeErrorLog(u"ERR_LINK_INVALID : refresh idToken failed"_s);
   if (platform::jsonString(body, "nonce"_L1) != nonce) {
     KaLogUtility::writeErrorLog(u"ERR_LINK_INVALID : nonce value failed"_s);
-    return {KaResultCode::LinkInvalid, KaRefresh::Refused};
+    return failed(KaResultCode::LinkInvalid, KaRefresh::Refused);
   }
-  if (!newToken) return {KaResultCode::LinkInvalid, KaRefresh::Refused};
+  if (!newToken) return failed(KaResultCode::LinkInvalid, KaRefresh::Refused);
 
-  const auto [verdict, mayPass, isOutOfTime] =
+  const auto [verdict, mayPass, cause] =
       KaIdVerificationUtility::validateJWT(with.request, newToken, /*checkNonce=*/false, {});
   if (verdict == KaResultCode::Success) current.idToken = *newToken;
   // The old one, too, when the new one does not hold: then the file is as it was.
@@ -131,9 +123,9 @@ KaDownloadSession::Refreshed KaDownloadSession::adoptToken(const QByteArray &ans
   } else {
     tellUnsaved(u"the ID token cannot be saved"_s);
   }
-  if (isLinkOver()) return {KaResultCode::LinkInvalid, KaRefresh::Refused};
+  if (isLinkOver()) return failed(KaResultCode::LinkInvalid, KaRefresh::Refused);
   if (verdict == KaResultCode::Success) return {};
-  return {verdict, mayPass ? KaRefresh::MayPass : KaRefresh::Refused, isOutOfTime};
+  return {verdict, mayPass ? KaRefresh::MayPass : KaRefresh::Refused, cause};
 }
 
 KaResultCode KaDownloadSession::getCredential() {

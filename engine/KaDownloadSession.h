@@ -63,7 +63,7 @@ public:
   [[nodiscard]] KaResultCode getCredential();
   [[nodiscard]] KaRefresh lastRefresh() const { return refreshed; }
   /// Why it failed; Unknown if it did not.
-  [[nodiscard]] KaFaultCause refreshFault() const;
+  [[nodiscard]] KaFaultCause refreshFault() const { return refreshCause; }
   /// A failure was told of this link: the first refresh that succeeds is told the delegate.
   void noteFailureTold() { failureTold = true; }
   /// @return whether the failed refresh was not told yet, which it counts as from now on, until one has succeeded.
@@ -85,9 +85,10 @@ private:
   struct Refreshed {
     KaResultCode result = KaResultCode::Success;
     KaRefresh kind = KaRefresh::Succeeded;
-    bool isOutOfTime = false; ///< the new token, by the local clock
+    KaFaultCause cause = KaFaultCause::Unknown;
   };
 
+  [[nodiscard]] static Refreshed failed(KaResultCode result, KaRefresh kind);
   bool keepTokenCode(const QString &tokenCode);
   void tellUnsaved(const QString &what);
   [[nodiscard]] Refreshed askForToken();
@@ -98,10 +99,10 @@ private:
   const platform::ThreadBound thread;
   KaLinkSnapshot current;
   KaRefresh refreshed = KaRefresh::Succeeded;
-  bool tokenIsOutOfTime = false; ///< that it brought
+  KaFaultCause refreshCause = KaFaultCause::Unknown;
   bool failureTold = false;
   bool refreshFailureTold = false;
   std::optional<QString> verifier; ///< taken from the link, and not exchanged yet
   std::optional<QString> user;
-  bool hasToldUnsaved = false; ///< once a process: it is as true in the next run
+  bool hasToldUnsaved = false; ///< the user, once a process
 };

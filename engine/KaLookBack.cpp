@@ -52,6 +52,7 @@ void KaLookBack::takeUp(const QString &account) {
   if (std::exchange(owner, account) == account) return;
   ordinary.clear();
   longTerm.clear();
+  ordinaryUnasked = longTermUnasked = 0;
   isLeftUndone = false;
   begun = with.clock.now();
   lastDone.reset();
@@ -114,6 +115,8 @@ void KaLookBack::noteRound(const KaListedImages &offered, const KaPassTrace &tra
                  return result != KaResultCode::NoHttpStatus && !isOfTheDisk(result);
                });
   isUnasked = false;
+  qsizetype &unasked = unaskedOf(targetStorage);
+  unasked = 0;
   for (const KaListedImage &image : offered) {
     const QString &key = image.key.path();
     if (with.bookkeeping.isTaken(image.key, targetStorage) || trace.declined.contains(key)) {
@@ -125,6 +128,7 @@ void KaLookBack::noteRound(const KaListedImages &offered, const KaPassTrace &tra
     // No room and no folder are there for those that were not asked for either.
     if (asked == trace.asked.cend() && !isOfTheDisk(outcome.result)) {
       if (targetStorage == KaTargetStorage::Days30) isUnasked = true;
+      if (!troubles.contains(key)) ++unasked;
       continue;
     }
     Trouble &trouble = troubles[key];
@@ -134,17 +138,23 @@ void KaLookBack::noteRound(const KaListedImages &offered, const KaPassTrace &tra
   }
 }
 
-std::optional<KaResultCode> KaLookBack::savingTrouble() const {
+std::optional<KaLookBack::SavingTrouble> KaLookBack::savingTrouble() const {
   thread.check();
-  for (const Troubles *const troubles : {&ordinary, &longTerm})
+  for (const auto &[troubles, storage] :
+       {std::pair(&ordinary, KaTargetStorage::Days30), {&longTerm, KaTargetStorage::LongTerm10G}})
     for (const Trouble &trouble : *troubles)
-      if (trouble.rounds > 0 && isOfTheDisk(trouble.last)) return trouble.last;
+      if (trouble.rounds > 0 && isOfTheDisk(trouble.last)) return SavingTrouble{trouble.last, storage};
   return std::nullopt;
 }
 
 qsizetype KaLookBack::countStillToCome() const {
   thread.check();
-  return ordinary.size() + longTerm.size();
+  qsizetype count = ordinaryUnasked + longTermUnasked;
+  for (const Troubles *const troubles : {&ordinary, &longTerm})
+    count += std::count_if(troubles->cbegin(), troubles->cend(), [](const Trouble &trouble) {
+      return trouble.unsureRuns < kMostUnsureRuns; // else its copy is all that this process will have of it
+    });
+  return count;
 }
 
 bool KaLookBack::isDue() const {
@@ -169,6 +179,7 @@ void KaLookBack::noteListed(const KaListedImages &images, KaTargetStorage target
     lastDone = with.clock.now();
     isDone = true;
   }
+  unaskedOf(targetStorage) = 0; // a round over them follows
   Troubles &troubles = of(targetStorage);
   if (troubles.isEmpty()) return;
   Troubles listed;
@@ -180,4 +191,8 @@ void KaLookBack::noteListed(const KaListedImages &images, KaTargetStorage target
 
 KaLookBack::Troubles &KaLookBack::of(KaTargetStorage targetStorage) {
   return targetStorage == KaTargetStorage::LongTerm10G ? longTerm : ordinary;
+}
+
+qsizetype &KaLookBack::unaskedOf(KaTargetStorage targetStorage) {
+  return targetStorage == KaTargetStorage::LongTerm10G ? longTermUnasked : ordinaryUnasked;
 }

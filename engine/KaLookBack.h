@@ -53,9 +53,15 @@ public:
   /// A listing of the ordinary storage did not bring all that it should have.
   void noteLeftUndone() { isLeftInRun = true; }
 
-  /// Why some of either storage could not be saved in this run, where the disk was the cause: DiskFull or FileNotSaved.
-  [[nodiscard]] std::optional<KaResultCode> savingTrouble() const;
-  /// How many files could not be had so far, of both storages, and are still to come.
+  /// Why pictures could not be saved, where the disk was the cause, and where.
+  struct SavingTrouble {
+    KaResultCode cause = KaResultCode::DiskFull; ///< or FileNotSaved
+    KaTargetStorage storage = KaTargetStorage::Days30;
+  };
+  /// The same of this run, and of the ordinary storage before the other.
+  [[nodiscard]] std::optional<SavingTrouble> savingTrouble() const;
+  /// How many files of both storages are still to come: that could not be had so far and will be tried again, or that
+  /// the last round was broken off before. For the runs to come once this one has ended.
   [[nodiscard]] qsizetype countStillToCome() const;
 
   /// Whether a look-back is due at the end of this run: the first of a process that knows the account already, one that
@@ -84,6 +90,7 @@ private:
   using Troubles = QHash<QString, Trouble>; ///< by listed key
 
   [[nodiscard]] Troubles &of(KaTargetStorage targetStorage);
+  [[nodiscard]] qsizetype &unaskedOf(KaTargetStorage targetStorage);
   [[nodiscard]] bool isWorthAsking(const Trouble &trouble, TimePoint now) const;
   void close(Trouble &trouble) const;
 
@@ -93,6 +100,8 @@ private:
   QString owner;
   Troubles ordinary;
   Troubles longTerm;
+  qsizetype ordinaryUnasked = 0; ///< by the last round, and not in trouble
+  qsizetype longTermUnasked = 0;
   qint64 run = 0;
   bool isAskedFor = false;
   bool isDone = false;       ///< a look-back, in this run

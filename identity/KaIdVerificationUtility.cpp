@@ -8,6 +8,7 @@
 #include "platform/NoDestructor.h"
 #include "service/KaApplicationConstants.h"
 #include "service/KaServerRequest.h"
+#include "service/ServiceClock.h"
 
 #include <QDateTime>
 #include <QJsonArray>
@@ -123,18 +124,26 @@ Check checkToken(KaServerRequest &request, const QString &token, bool checkNonce
   return payload == Check::Holds ? checkSignature(request, parts, header.kid) : payload;
 }
 
+/// A token that has run out while the clock is right is, at the end of a login, that of a page left over from earlier.
+/// Brand-new from the service it makes no sense: whoever answered, the next answer may.
+KaFaultCause causeOf(Check check, bool isOfALogin) {
+  if (check == Check::OutOfTime && ServiceClock::isFarOff()) return KaFaultCause::WrongClock;
+  if (check == Check::Undecided || (check == Check::OutOfTime && !isOfALogin)) return KaFaultCause::NoAnswer;
+  return isOfALogin ? KaFaultCause::NotAccepted : KaFaultCause::Refused;
+}
+
 } // namespace
 
 KaTokenVerdict KaIdVerificationUtility::validateJWT(KaServerRequest &request, const std::optional<QString> &token,
                                                     bool checkNonce, const std::optional<QString> &nonce) {
-  if (!token) return {.result = KaResultCode::LinkInvalid};
   // What was thrown says nothing of the token.
-  const Check check = guardedOr(Check::Undecided, [&] { return checkToken(request, *token, checkNonce, nonce); });
+  const Check check = token
+                          ? guardedOr(Check::Undecided, [&] { return checkToken(request, *token, checkNonce, nonce); })
+                          : Check::Fails;
   if (check == Check::Holds) return {};
-  const bool isOutOfTime = check == Check::OutOfTime;
   return {.result = KaResultCode::LinkInvalid,
-          .mayPass = isOutOfTime || check == Check::Undecided,
-          .isOutOfTime = isOutOfTime};
+          .mayPass = check == Check::OutOfTime || check == Check::Undecided,
+          .cause = causeOf(check, /*isOfALogin=*/checkNonce)};
 }
 
 KaIdVerificationUtility::Header KaIdVerificationUtility::validateHeader(const QString &header) {

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "service/KaFaultCause.h"
 #include "service/KaResultCode.h"
 
 #include <QByteArray>
@@ -15,7 +16,7 @@ struct KaTokenVerdict {
   /// The reason lies outside the token: what it is checked against could not be had, or the local clock calls it
   /// expired. The same token, or the next one, may hold later.
   bool mayPass = false;
-  bool isOutOfTime = false; ///< of the two, the latter
+  KaFaultCause cause = KaFaultCause::Unknown; ///< why it does not hold
 };
 
 /// Checks ID tokens: RS256-signed by the identity provider for this application, not expired, with the expected nonce.
@@ -24,6 +25,7 @@ class KaIdVerificationUtility {
 public:
   KaIdVerificationUtility() = delete;
 
+  /// @param checkNonce  it came back from the browser, as the end of a login; else the service gave it to us.
   [[nodiscard]] static KaTokenVerdict validateJWT(KaServerRequest &request, const std::optional<QString> &token,
                                                   bool checkNonce, const std::optional<QString> &nonce);
 

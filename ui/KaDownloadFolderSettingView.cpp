@@ -163,14 +163,6 @@ void KaDownloadFolderSettingView::changeEvent(QEvent *event) {
     QMetaObject::invokeMethod(this, &KaDownloadFolderSettingView::fitTexts, Qt::QueuedConnection);
 }
 
-/// What stands above the settings may come to need more room.
-bool KaDownloadFolderSettingView::event(QEvent *event) {
-  const bool isHandled = QDialog::event(event);
-  if (event->type() == QEvent::LayoutRequest && okButton && wantedSize() != fitted)
-    QMetaObject::invokeMethod(this, &KaDownloadFolderSettingView::fitTexts, Qt::QueuedConnection);
-  return isHandled;
-}
-
 /// Makes the window as large as its texts need, but never larger than the screen, nor smaller than the user made it.
 void KaDownloadFolderSettingView::fitTexts() {
   space();
@@ -183,6 +175,11 @@ void KaDownloadFolderSettingView::fitTexts() {
   const QSize wanted = isVisible() ? fitted.expandedTo(size()) : fitted;
   resize(wanted.boundedTo(roomOnScreen(*this)));
   moveOntoScreen(*this);
+}
+
+/// What the window tells may become longer while it is open. One that the user made smaller stays so until then.
+void KaDownloadFolderSettingView::makeRoom() {
+  if (wantedSize().expandedTo(fitted) != fitted) fitTexts();
 }
 
 /// Distances grow with the letters.
@@ -257,8 +254,9 @@ void KaDownloadFolderSettingView::showOptions() {
 void KaDownloadFolderSettingView::connectControls() {
   connect(status, &KaStatusView::remedyRequested, this, [this](StatusRemedy remedy) {
     if (remedy == StatusRemedy::ChooseFolder) inputFolderPathReferenceButton_Click();
+    if (remedy == StatusRemedy::Choose10GFolder) input10GFolderPathReferenceButton_Click();
   });
-  connect(status, &KaStatusView::roomNeeded, this, &KaDownloadFolderSettingView::fitTexts, Qt::QueuedConnection);
+  window->scrollContent->installEventFilter(this);
   const auto onClick = [this](QAbstractButton *button, auto action) {
     connect(button, &QAbstractButton::clicked, this, action);
   };
@@ -342,6 +340,8 @@ bool KaDownloadFolderSettingView::eventFilter(QObject *watched, QEvent *event) {
     if (button && release.button() == Qt::LeftButton && label->rect().contains(release.position().toPoint()))
       button->click();
   }
+  if (watched == window->scrollContent && event->type() == QEvent::LayoutRequest)
+    QMetaObject::invokeMethod(this, &KaDownloadFolderSettingView::makeRoom, Qt::QueuedConnection);
   return QDialog::eventFilter(watched, event);
 }
 

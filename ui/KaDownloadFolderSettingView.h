@@ -38,7 +38,6 @@ Q_SIGNALS:
   void notSaved();
 
 protected:
-  bool event(QEvent *event) override;
   void showEvent(QShowEvent *event) override;
   void changeEvent(QEvent *event) override;
   bool eventFilter(QObject *watched, QEvent *event) override;
@@ -56,6 +55,7 @@ private:
   void keepInView(const QWidget *focused);
 
   void fitTexts();
+  void makeRoom();
   void space();
   void placeExamples();
   [[nodiscard]] QSize wantedSize() const;

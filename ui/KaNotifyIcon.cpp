@@ -1,6 +1,7 @@
 #include "ui/KaNotifyIcon.h"
 
 #include "app/KaModelFacade.h"
+#include "app/ResultMeaning.h"
 #include "log/ExceptionGuard.h"
 #include "platform/Sight.h"
 #include "platform/ThreadBound.h"
@@ -53,7 +54,12 @@ void KaNotifyIcon::onChangeStatus(KaModelFacade &facade, KaAppStatus statusMode)
 }
 
 void KaNotifyIcon::onProcessingResult(KaModelFacade &facade, KaResultCode result, bool userTrigger) {
-  mailbox.post([this, fault = KaFault{result, facade.faultCause()}, userTrigger] { applyResult(fault, userTrigger); });
+  // A good result says nothing of what failed in the same run, of the other storage. Looked at here, on the telling
+  // thread: until it is applied, more may be told.
+  const bool endsOthers = meaningOf(result) != ResultMeaning::Good || !facade.snapshot().fault;
+  mailbox.post([this, fault = KaFault{result, facade.faultCause()}, endsOthers, userTrigger] {
+    applyResult(fault, endsOthers, userTrigger);
+  });
 }
 
 void KaNotifyIcon::onSavingTrouble(KaResultCode cause) {
@@ -128,7 +134,7 @@ void KaNotifyIcon::openSettings() {
 /// Where there was no room, or no folder, there may be now.
 void KaNotifyIcon::foldersSaved() {
   const auto fault = model.snapshot().fault;
-  if (fault && notificationKind(fault->result) == NotificationKind::SavingTrouble) model.newsFromOutside();
+  if (fault && meaningOf(fault->result) == ResultMeaning::Saving) model.newsFromOutside();
 }
 
 void KaNotifyIcon::foldersNotSaved() {
@@ -147,6 +153,7 @@ void KaNotifyIcon::performRemedy(StatusRemedy remedy) {
   case StatusRemedy::OpenHelp:
     return perform(StatusEntry::Help);
   case StatusRemedy::ChooseFolder: // the window's own business
+  case StatusRemedy::Choose10GFolder:
   case StatusRemedy::None:
     return;
   }
@@ -208,14 +215,14 @@ void KaNotifyIcon::startMenu(bool linked) {
            .isLaunchedAtLogin = isLaunchedAtLogin()};
 }
 
-void KaNotifyIcon::applyResult(const KaFault &told, bool userTrigger) {
+void KaNotifyIcon::applyResult(const KaFault &told, bool endsOthers, bool userTrigger) {
   const ResultEffect effect = resultEffect(told.result, told.cause);
   if (effect.appStatus) appStatus = *effect.appStatus;
   if (effect.errSubStatus) errSubStatus = *effect.errSubStatus;
   if (effect.clearsLinkage) linkHolds = false;
   // What a click on its notification does is decided by the latest of its kind.
   if (told.result == KaResultCode::ValidationFailed) validationFault = told.cause;
-  withdraw(endedBy(told.result, told.cause));
+  if (endsOthers) withdraw(endedBy(told.result, told.cause));
   // A callback that belongs to no login says nothing of a link that stands.
   const bool isStray = told.cause == KaFaultCause::NotAccepted && model.linkState() == KaLinkState::Linked;
   if (!isStray && notificationKind(told.result, told.cause) == NotificationKind::LoginNeeded) isLoginAskedFor = true;

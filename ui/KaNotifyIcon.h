@@ -81,7 +81,8 @@ private:
   [[nodiscard]] bool isOffered(StatusEntry entry) const;
   void iconDraw();
   void startMenu(bool linked);
-  void applyResult(const KaFault &told, bool userTrigger);
+  /// @param endsOthers  it makes untrue what was told before.
+  void applyResult(const KaFault &told, bool endsOthers, bool userTrigger);
   void reportResult(const KaFault &told, QLatin1StringView messageKey, bool userTrigger);
   [[nodiscard]] QString newestPicture() const;
   void withdraw(NotificationKinds kinds);

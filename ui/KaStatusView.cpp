@@ -42,6 +42,7 @@ QString titleOf(StatusRemedy remedy) {
   case StatusRemedy::LogIn:
     return localised("MENU_LOGIN"_L1);
   case StatusRemedy::ChooseFolder:
+  case StatusRemedy::Choose10GFolder:
     return localised("STATUS_CHOOSE_FOLDER"_L1);
   case StatusRemedy::LookNow:
     return localised("MENU_DOWNLOAD"_L1);
@@ -208,7 +209,6 @@ void KaStatusView::showSummary(const StatusSummary &summary) {
   }
   remedy->setEnabled(summary.isRemedyEnabled);
   remedy->setVisible(hasRemedy);
-  if (isVisible() && heightForWidth(width()) > height()) Q_EMIT roomNeeded();
 }
 
 void KaStatusView::showIcon() {

@@ -44,7 +44,6 @@ public:
 Q_SIGNALS:
   void remedyRequested(StatusRemedy remedy);
   void openFolderRequested(const QString &path);
-  void roomNeeded(); ///< what is shown now is higher than this
 
 private:
   /// A folder that pictures go to.

@@ -1,5 +1,7 @@
 #include "ui/StatusSummary.h"
 
+#include "app/ResultMeaning.h"
+
 #include <QFileInfo>
 #include <QLocale>
 
@@ -36,37 +38,17 @@ Trouble loginTrouble(KaFaultCause cause) {
 }
 
 Trouble troubleOf(const KaFault &fault) {
-  switch (fault.result) {
-  case KaResultCode::Unlinked:
-  case KaResultCode::NotLinked:
-  case KaResultCode::LinkInvalid:
-  case KaResultCode::ValidationFailed:
+  switch (meaningOf(fault.result)) {
+  case ResultMeaning::Login:
     return loginTrouble(fault.cause);
-  case KaResultCode::DiskFull:
-    return Trouble::DiskFull;
-  case KaResultCode::FileNotSaved:
-  case KaResultCode::FolderNotAccessible:
-  case KaResultCode::FolderNotSupported:
-  case KaResultCode::FolderPathTooLong:
-    return Trouble::NotSaved;
-  case KaResultCode::Offline:
-  case KaResultCode::NoHttpStatus:
-    return Trouble::Offline;
-  case KaResultCode::SecureConnectionFailed:
-  case KaResultCode::NoBody:
-  case KaResultCode::RetryLater:
-  case KaResultCode::ServerError:
-  case KaResultCode::Unexpected:
+  case ResultMeaning::Saving:
+    return fault.result == KaResultCode::DiskFull ? Trouble::DiskFull : Trouble::NotSaved;
+  case ResultMeaning::Service:
+    return fault.result == KaResultCode::Offline ? Trouble::Offline : Trouble::Passing;
+  case ResultMeaning::Unexpected:
     return Trouble::Passing;
-  case KaResultCode::Success:
-  case KaResultCode::DownloadComplete:
-  case KaResultCode::Download10GComplete:
-  case KaResultCode::NothingToDownload:
-  case KaResultCode::InitialAccessComplete:
-  case KaResultCode::DefaultFileName:
-  case KaResultCode::CaptureTimeMissing:
-  case KaResultCode::ObjectMissing:
-  case KaResultCode::NewVersionReleased:
+  case ResultMeaning::Good:
+  case ResultMeaning::NoVerdict:
     return Trouble::None;
   }
   return Trouble::None;
@@ -76,9 +58,6 @@ Trouble troubleOf(const KaFault &fault) {
 /// on the way to the service is not of the clock.
 Trouble troubleOf(const KaSnapshot &snapshot) {
   if (!snapshot.fault) return Trouble::None;
-  // A callback that belongs to no login says nothing of a link that stands.
-  if (snapshot.fault->cause == KaFaultCause::NotAccepted && snapshot.linkState == KaLinkState::Linked)
-    return Trouble::None;
   const Trouble trouble = troubleOf(*snapshot.fault);
   const bool mayBeRefusal = trouble == Trouble::Login || trouble == Trouble::Passing;
   if (snapshot.fault->cause == KaFaultCause::WrongClock || (mayBeRefusal && isClockOff(snapshot)))
@@ -200,11 +179,6 @@ StatusText toldOf(const KaFault &fault) {
   return {resultEffect(fault.result, fault.cause).messageKey};
 }
 
-StatusText unlinkedHint(const std::optional<KaFault> &fault) {
-  const bool hasFailed = fault && fault->result != KaResultCode::Unlinked && fault->result != KaResultCode::NotLinked;
-  return hasFailed ? toldOf(*fault) : StatusText{"STATUS_NOT_LINKED_HINT"_L1};
-}
-
 /// When the next look is, unless that has passed: what was due waits for something else.
 std::optional<QString> nextLook(const KaSnapshot &snapshot, const QDateTime &now) {
   if (!snapshot.nextLook || *snapshot.nextLook <= now) return std::nullopt;
@@ -220,7 +194,7 @@ std::optional<StatusText> explanationOf(Topic topic, const KaSnapshot &snapshot,
   if (isClockOff(snapshot) && topic != Topic::DiskFull && topic != Topic::NotSaved) return clockHint(snapshot, now);
   switch (topic) {
   case Topic::NotLinked:
-    return unlinkedHint(snapshot.fault);
+    return snapshot.fault ? toldOf(*snapshot.fault) : StatusText{"STATUS_NOT_LINKED_HINT"_L1};
   case Topic::AwaitsFolders:
     return StatusText{"STATUS_AWAITS_FOLDERS_HINT"_L1};
   case Topic::DiskFull:
@@ -266,6 +240,11 @@ StatusRemedy remedyForFailure(KaResultCode result) {
   return needsHelp ? StatusRemedy::OpenHelp : StatusRemedy::LookNow;
 }
 
+/// A link that was refused is not looked at again, whatever the clock shows by then.
+StatusRemedy remedyForClock(const KaFault &fault) {
+  return clickEffect(fault.result, fault.cause) == ClickEffect::Link ? StatusRemedy::LogIn : StatusRemedy::LookNow;
+}
+
 StatusRemedy remedyOf(Topic topic, const KaSnapshot &snapshot) {
   switch (topic) {
   case Topic::NotLinked:
@@ -273,12 +252,13 @@ StatusRemedy remedyOf(Topic topic, const KaSnapshot &snapshot) {
     return StatusRemedy::LogIn;
   case Topic::DiskFull:
   case Topic::NotSaved:
-    return StatusRemedy::ChooseFolder;
+    return snapshot.fault->isOf10GStorage ? StatusRemedy::Choose10GFolder : StatusRemedy::ChooseFolder;
   case Topic::Failed:
     return remedyForFailure(snapshot.fault->result);
+  case Topic::WrongClock:
+    return remedyForClock(*snapshot.fault);
   case Topic::AwaitsFolders:
     return StatusRemedy::None;
-  case Topic::WrongClock:
   case Topic::Fetching:
   case Topic::Looking:
   case Topic::Offline:

@@ -8,7 +8,7 @@
 #include <QList>
 
 /// What the one button of the status view does.
-enum class StatusRemedy { None, LogIn, ChooseFolder, LookNow, OpenHelp };
+enum class StatusRemedy { None, LogIn, ChooseFolder, Choose10GFolder, LookNow, OpenHelp };
 
 /// A text that is still to be put into the user's language.
 struct StatusText {

@@ -1,5 +1,7 @@
 #include "ui/StatusTables.h"
 
+#include "app/ResultMeaning.h"
+
 #include <array>
 
 using namespace Qt::StringLiterals;
@@ -166,6 +168,11 @@ bool isUnchecked(KaResultCode result, KaFaultCause cause) {
          && (cause == KaFaultCause::NoAnswer || cause == KaFaultCause::WrongClock);
 }
 
+NotificationKind goodKind(KaResultCode result) {
+  if (result == KaResultCode::InitialAccessComplete) return NotificationKind::LoggedIn;
+  return result == KaResultCode::Download10GComplete ? NotificationKind::Complete10G : NotificationKind::Complete;
+}
+
 } // namespace
 
 ClickEffect clickEffect(KaResultCode result, KaFaultCause cause) {
@@ -178,39 +185,19 @@ ClickEffect clickEffect(KaResultCode result, KaFaultCause cause) {
 
 NotificationKind notificationKind(KaResultCode result, KaFaultCause cause) {
   if (isUnchecked(result, cause)) return NotificationKind::Failure;
-  switch (result) {
-  case KaResultCode::InitialAccessComplete:
-    return NotificationKind::LoggedIn;
-  case KaResultCode::DownloadComplete:
-  case KaResultCode::NothingToDownload:
-    return NotificationKind::Complete;
-  case KaResultCode::Download10GComplete:
-    return NotificationKind::Complete10G;
-  case KaResultCode::NotLinked:
-  case KaResultCode::LinkInvalid:
-  case KaResultCode::ValidationFailed:
+  if (result == KaResultCode::NotLinked) return NotificationKind::LoginNeeded;
+  if (result == KaResultCode::NewVersionReleased) return NotificationKind::NewVersion;
+  switch (meaningOf(result)) {
+  case ResultMeaning::Good:
+    return goodKind(result);
+  case ResultMeaning::Login:
     return NotificationKind::LoginNeeded;
-  case KaResultCode::SecureConnectionFailed:
-  case KaResultCode::NoBody:
-  case KaResultCode::Offline:
-  case KaResultCode::RetryLater:
-  case KaResultCode::ServerError:
+  case ResultMeaning::Service:
     return NotificationKind::Failure;
-  case KaResultCode::DiskFull:
-  case KaResultCode::FileNotSaved:
+  case ResultMeaning::Saving:
     return NotificationKind::SavingTrouble;
-  case KaResultCode::NewVersionReleased:
-    return NotificationKind::NewVersion;
-  case KaResultCode::Unexpected:
-  case KaResultCode::Success:
-  case KaResultCode::Unlinked:
-  case KaResultCode::NoHttpStatus:
-  case KaResultCode::FolderNotAccessible:
-  case KaResultCode::FolderNotSupported:
-  case KaResultCode::FolderPathTooLong:
-  case KaResultCode::DefaultFileName:
-  case KaResultCode::CaptureTimeMissing:
-  case KaResultCode::ObjectMissing:
+  case ResultMeaning::Unexpected:
+  case ResultMeaning::NoVerdict:
     break;
   }
   return NotificationKind::Unexpected;
@@ -255,7 +242,7 @@ platform::Notification::Urgency notificationUrgency(NotificationKind kind) {
 NotificationKinds endedBy(KaResultCode result, KaFaultCause cause) {
   using enum NotificationKind;
   // What could not be saved is told again at the end of the same run, should it still not be.
-  static constexpr std::array kByPictures{LoggedIn, LoginNeeded, Failure, SavingTrouble};
+  static constexpr std::array kByPictures{LoggedIn, LoginNeeded, Failure, SavingTrouble, Unexpected};
   static constexpr std::array kByDoubt{LoggedIn, Failure};
   static constexpr std::array kByLogOut{LoggedIn, Complete,      Complete10G, LoginNeeded,
                                         Failure,  SavingTrouble, Unexpected};
@@ -269,9 +256,8 @@ NotificationKinds endedBy(KaResultCode result, KaFaultCause cause) {
 
 NotificationKinds endedByListing(bool isAllHere) {
   using enum NotificationKind;
-  // Not what went wrong unexpectedly: much of that is told once a process, and as true after a good run.
-  static constexpr std::array kEnded{LoginNeeded, Failure, SavingTrouble};
-  return NotificationKinds(kEnded).first(isAllHere ? 3 : 2);
+  static constexpr std::array kEnded{LoginNeeded, Failure, Unexpected, SavingTrouble};
+  return NotificationKinds(kEnded).first(isAllHere ? 4 : 3);
 }
 
 NotificationKinds endedByLink() {

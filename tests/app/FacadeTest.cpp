@@ -131,13 +131,15 @@ TEST_F(FacadeLinkage, storesALoginForWhichTheBrowserCallsAgainAndAgainAndClosesI
   facade().confirmFolders();
   EXPECT_EQ(facade().linkState(), KaLinkState::Linked);
   facade().setIdCode(token);
+  facade().notifySavingTrouble(KaResultCode::DiskFull, KaTargetStorage::Days30);
   facade().setIdCode(u"not that token"_s);
   EXPECT_TRUE(waitForReports(expected << kNotAccepted)) << "the nonce counts once";
+  EXPECT_EQ(facade().snapshot().fault, KaFault{KaResultCode::DiskFull}) << "as before";
   EXPECT_EQ(facade().loadLinkageSetting(), token);
   EXPECT_EQ(KaLinkageUtility::loadLinkageSetting(), token);
   EXPECT_TRUE(KaLinkageUtility::existCodeVerifier());
   facade().closeLinkage();
-  EXPECT_EQ(delegate.reports, expected << u"status 3"_s << u"result 5"_s);
+  EXPECT_EQ(delegate.reports, expected << u"status 3"_s << u"result 5"_s << u"linkage 0"_s);
   EXPECT_EQ(loggedLines(profile).count(u"    deleteCredential"_s), 2) << "those of the older link, and these";
   EXPECT_TRUE(browser.takeUrl().value_or(QString()).contains(u"/logout?"_s));
   EXPECT_FALSE(facade().bLoggedIn() || facade().linkState() != KaLinkState::Unlinked);
@@ -149,7 +151,7 @@ TEST_F(FacadeLinkage, completesALoginAlthoughAnEarlierOneCallsBackAgain) {
   const QString first = startLogin();
   EXPECT_TRUE(waitForReports({u"login 1"_s, u"linkage 1"_s}));
   facade().noteFile(u"/of the account"_s);
-  facade().notifySavingTrouble(KaResultCode::DiskFull);
+  facade().notifySavingTrouble(KaResultCode::DiskFull, KaTargetStorage::Days30);
   facade().setupLinkage();
   facade().setIdCode(first);
   const QString second = signIn();
@@ -200,8 +202,8 @@ TEST_F(FacadeLinkage, showsWhatItIsAtAndForgetsItWithTheAccount) {
   EXPECT_NEAR(double(from.secsTo(*seen.nextLook)), 30 * 60, 5 * kSlowness) << "not before the run is over";
   EXPECT_EQ(seen.lastFiles.size(), 1);
   EXPECT_TRUE(QFile::exists(seen.lastFiles.value(0)));
-  facade().notifySavingTrouble(KaResultCode::DiskFull);
-  EXPECT_EQ(facade().snapshot().fault, KaFault{KaResultCode::DiskFull});
+  facade().notifySavingTrouble(KaResultCode::DiskFull, KaTargetStorage::LongTerm10G);
+  EXPECT_EQ(facade().snapshot().fault, (KaFault{KaResultCode::DiskFull, KaFaultCause::Unknown, true}));
   // Once it waits for a link, nothing of the old one comes behind.
   facade().closeLinkage();
   EXPECT_EQ(facade().snapshot(), KaSnapshot{.clockAhead = facade().snapshot().clockAhead});
@@ -248,7 +250,7 @@ TEST_F(FacadeLinkage, saysWhichPageDidNotOpenAndGoesOnWithItsLink) {
   QStringList expected{u"status 0"_s, u"linkage 1"_s, u"getLogin"_s};
   EXPECT_TRUE(waitForReports(expected));
   facade().closeLinkage();
-  EXPECT_TRUE(waitForReports(expected << u"status 3"_s << u"result 5"_s << u"logout"_s));
+  EXPECT_TRUE(waitForReports(expected << u"status 3"_s << u"result 5"_s << u"linkage 0"_s << u"logout"_s));
   EXPECT_EQ(loggedLines(profile).filter(u"nonce="_s), QStringList()) << "it is for the user alone";
 }
 
@@ -267,7 +269,7 @@ TEST_F(FacadeLinkage, tellsOnceALoginThatCouldNotBeVerifiedHoldsAgainUnlessItIsO
   facade().notifyLinkHolds(1);
   facade().closeLinkage();
   QCoreApplication::processEvents();
-  EXPECT_EQ(delegate.reports, expected << u"status 3"_s << u"result 5"_s);
+  EXPECT_EQ(delegate.reports, expected << u"status 3"_s << u"result 5"_s << u"linkage 0"_s);
 }
 
 TEST_F(FacadeLinkage, runsWhenTheComputerWakes) {
@@ -301,7 +303,7 @@ TEST_F(FacadeLinkage, hearsNoMoreOfALoginThatTheUserClosedOrReplaced) {
   service.clearFaults();
   const QString token = signIn();
   facade().setIdCode(token);
-  EXPECT_TRUE(waitForReports({u"status 3"_s, u"result 5"_s, u"login 1"_s, u"linkage 1"_s}));
+  EXPECT_TRUE(waitForReports({u"status 3"_s, u"result 5"_s, u"linkage 0"_s, u"login 1"_s, u"linkage 1"_s}));
   EXPECT_EQ(facade().loadLinkageSetting(), token);
 }
 
@@ -376,9 +378,12 @@ TEST_F(FacadeData, showsTheLastFailureUntilTheLinkHoldsOrARunEndsWellInSilenceTo
   for (const std::function<void()> &ending : std::initializer_list<std::function<void()>>{
            [&] { facade.notifyLinkHolds(1); }, [&] { facade.noteNothingNew(); },
            [&] { facade.setProcessingResult(KaResultCode::DownloadComplete, /*userTrigger=*/false); }}) {
-    facade.noteFaultCause(KaFaultCause::Refused);
+    facade.noteUnsaved();
+    facade.notifyLinkHolds(1);
+    EXPECT_EQ(facade.snapshot().fault, KaFault{KaResultCode::Unexpected}) << "the new token is not on disk, either";
+    facade.noteFaultCause(KaFaultCause::Refused, KaTargetStorage::LongTerm10G);
     facade.setProcessingResult(KaResultCode::LinkInvalid, /*userTrigger=*/false);
-    EXPECT_EQ(facade.snapshot().fault, (KaFault{KaResultCode::LinkInvalid, KaFaultCause::Refused}));
+    EXPECT_EQ(facade.snapshot().fault, (KaFault{KaResultCode::LinkInvalid, KaFaultCause::Refused, true}));
     facade.setProcessingResult(KaResultCode::RetryLater, /*userTrigger=*/false);
     EXPECT_EQ(facade.snapshot().fault, KaFault{KaResultCode::RetryLater}) << "the cause was the other's";
     facade.noteUnanswered();

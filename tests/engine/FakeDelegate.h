@@ -24,7 +24,8 @@ public:
     bool hasNetwork = true;
     bool offers10GStorage = true;
     qsizetype stillToCome = -1;
-    KaFaultCause cause = KaFaultCause::Unknown; ///< as it was noted last
+    KaFaultCause cause = KaFaultCause::Unknown;        ///< as it was noted last
+    KaTargetStorage storage = KaTargetStorage::Days30; ///< with it
     QStringList onlookers; ///< what those were told: "looking", "pass 2", "file NAME", "wait", "wait MILLISECONDS"
     QHash<QString, KaDownloadData> records;
     QHash<QString, KaLoadedLedger> ledgers;
@@ -91,9 +92,14 @@ public:
   void setProcessingResult(KaResultCode result, bool userTrigger) override {
     note(QStringLiteral("result %1%2").arg(qint64(result)).arg(userTrigger ? u" by user" : u""));
   }
-  void notifySavingTrouble(KaResultCode cause) override { note(QStringLiteral("trouble %1").arg(qint64(cause))); }
-  void noteFaultCause(KaFaultCause cause) override {
-    change([&](auto &now) { now.cause = cause; });
+  void notifySavingTrouble(KaResultCode cause, KaTargetStorage storage) override {
+    note(QStringLiteral("trouble %1%2").arg(qint64(cause)).arg(storage == KaTargetStorage::Days30 ? u"" : u" of 10G"));
+  }
+  void noteFaultCause(KaFaultCause cause, KaTargetStorage storage) override {
+    change([&](auto &now) {
+      now.cause = cause;
+      now.storage = storage;
+    });
   }
   void noteLooking() override { tellOnlookers(QStringLiteral("looking")); }
   void noteLooked() override { tellOnlookers(QStringLiteral("looked")); }
@@ -104,6 +110,7 @@ public:
   }
   void noteNothingNew() override { tellOnlookers(QStringLiteral("nothing new")); }
   void noteUnanswered() override { tellOnlookers(QStringLiteral("unanswered")); }
+  void noteUnsaved() override { tellOnlookers(QStringLiteral("unsaved")); }
   void setEnableLoggin(bool enable) override { note(QStringLiteral("enableLoggin %1").arg(int(enable))); }
   void notifyLinkHolds(KaLinkNumber) override { note(QStringLiteral("link holds")); }
   void notifyDownloadProcessFinish() override { note(QStringLiteral("finish")); }

@@ -182,8 +182,10 @@ INSTANTIATE_TEST_SUITE_P(
 TEST_F(LongTerm, isTakenIntoItsOwnFolderAndBookedApart) {
   for (const Scene &scene : {pictureNamed(u"A.JPG"_s, u"365"_s), pictureNamed(u"B.JPG"_s, u"30"_s), previews(3)})
     scene(service);
-  service.order(Endpoint::ListItems, {.status = 503}); // the ordinary pass: so the first listing is this one's
+  // The ordinary pass: so the first listing is this one's.
+  service.order(Endpoint::ListItems, {.kind = Fault::Kind::DroppedConnection});
   ASSERT_TRUE(run(/*initialAccess=*/true));
+  EXPECT_TRUE(delegate.answers().onlookers.contains(u"unanswered"_s));
   EXPECT_TRUE(delegate.events().contains(u"result 4"_s));
   EXPECT_EQ(files(), names("10G/2024_04_30/A.JPG 10G/2024_05_01/1.JPG 10G/2024_05_02/2.JPG 10G/2024_06_01/3.JPG"));
   EXPECT_EQ(contentOf(path(u"10G/2024_04_30/A.JPG"_s)), image({}, {}).body);

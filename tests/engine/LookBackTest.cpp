@@ -144,8 +144,16 @@ TEST_F(LookBack, countsWhatIsStillToComeUntilItHasComeOrTheStorageHasItNoMore) {
   addImages("10/A.JPG 11/B.JPG 12/C.JPG");
   service.order(Endpoint::ObjectGet, {.status = 503, .times = -1, .pathContains = u"A.JPG"_s});
   service.order(Endpoint::ObjectGet, {.status = 503, .times = -1, .pathContains = u"B.JPG"_s});
+  QList<qsizetype> atResults;
+  delegate.change([&](auto &answers) {
+    answers.onEvent = [&](const QString &event) {
+      if (event == u"result 1" || event == u"result 2") atResults << delegate.answers().stillToCome;
+    };
+  });
   ASSERT_TRUE(makeRuns(1));
   EXPECT_EQ(delegate.answers().stillToCome, 4) << "of either storage";
+  delegate.change([](auto &answers) { answers.onEvent = nullptr; });
+  EXPECT_EQ(atResults, (QList<qsizetype>{2, 4})) << "who hears that a storage is done knows of it";
   service.library().remove(image(u"11"_s, u"B.JPG"_s));
   EXPECT_TRUE(waitFor([&] { return delegate.answers().stillToCome == 2; }));
   delegate.change([](auto &answers) { answers.option.checkBox10GDownload = u"false"_s; });
@@ -155,6 +163,16 @@ TEST_F(LookBack, countsWhatIsStillToComeUntilItHasComeOrTheStorageHasItNoMore) {
   service.clearFaults();
   EXPECT_TRUE(waitFor([&] { return delegate.answers().stillToCome == 0; }));
   EXPECT_EQ(fileNames(), names("A.JPG C.JPG"));
+}
+
+TEST_F(LookBack, countsACopyOfTheWrongSizeWhileItIsTriedAgain) {
+  addImages("10/A.JPG 11/B.JPG");
+  service.order(Endpoint::ObjectGet, {.kind = Body, .body = "short", .times = -1, .pathContains = u"A.JPG"_s});
+  ASSERT_TRUE(makeRuns(1));
+  EXPECT_EQ(delegate.answers().stillToCome, 1);
+  EXPECT_TRUE(waitFor([&] { return delegate.answers().stillToCome == 0; }));
+  processor.reset();
+  EXPECT_EQ(fetched().count(u"A.JPG"_s), 5 * 4);
 }
 
 TEST_F(LookBack, forgetsWhatAnotherAccountIsWaitingFor) {
@@ -219,6 +237,7 @@ TEST_F(LookBack, endsARunWithoutAFolderAndSaysSoAndNoMore) {
   ASSERT_TRUE(makeRuns(9)); // whose own fault it were, would be tried next in the 16th
   const QStringList events = delegate.events();
   EXPECT_TRUE(events.contains(u"trouble 13"_s) && !events.contains(u"result 1"_s) && !events.contains(u"result 13"_s));
+  EXPECT_TRUE(events.contains(u"status 0"_s)) << "the icon rests";
   EXPECT_EQ(fetched(), QStringList()) << "and transferred nothing";
   delegate.change([](auto &answers) { answers.folderVerdict = KaResultCode::Success; });
   delegate.forgetEvents();
@@ -256,7 +275,7 @@ TEST_F(LookBack, tellsOfNoRoomForTheLongTermStorageTooWhateverCameAfterIt) {
   add(large);
   addImages("11/B.JPG");
   ASSERT_TRUE(makeRuns(1));
-  EXPECT_EQ(delegate.events().count(u"trouble 8"_s), 1);
+  EXPECT_EQ(delegate.events().count(u"trouble 8 of 10G"_s), 1);
   EXPECT_EQ(fileNames(), names("B.JPG"));
 }
 
@@ -273,6 +292,7 @@ TEST_F(LookBack, asksOnceForCredentialsThatItCannotHave) {
   ASSERT_TRUE(makeRuns(1));
   EXPECT_EQ(lookBacks(), 1);
   EXPECT_EQ(service.requestCount(Endpoint::RefreshToken), 2) << "for the run, and for one image";
+  EXPECT_EQ(delegate.answers().stillToCome, 2) << "behind the one for which a look needed no new ones";
 }
 
 TEST_F(LookBack, booksWhatTheLongTermStorageBringsThoughTheOrdinaryOneHadNoCredentials) {

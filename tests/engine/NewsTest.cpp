@@ -350,6 +350,7 @@ TEST_F(News, ofAClockThatIsFarOffIsTheCauseOfWhatIsRefusedForItsTime) {
   begin();
   ASSERT_TRUE(delegate.waitForEvent(u"result 16"_s));
   EXPECT_EQ(delegate.answers().cause, KaFaultCause::WrongClock) << "of a signature from another time";
+  EXPECT_EQ(delegate.answers().storage, KaTargetStorage::LongTerm10G);
   processor.reset();
   delegate.change([](auto &answers) { answers.waits.pollingError = 1h; });
   service.order(Endpoint::RefreshToken, {.status = 503});

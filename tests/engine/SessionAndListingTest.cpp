@@ -65,12 +65,14 @@ TEST_F(Session, saysOnceThatTheDiskKeepsNoTokenAndGoesOnFromMemory) {
   for (const QString &name : {u"PairingInfo"_s, u"PairingCode"_s}) {
     ASSERT_TRUE(QFile::remove(pairing.filePath(name)) && pairing.mkdir(name)) << "which no file can replace";
     delegate.forgetEvents();
+    delegate.change([](auto &answers) { answers.onlookers.clear(); });
     EngineParts process(delegate, link);
     for (int times = 0; times < 2; ++times) {
       const auto before = link.idToken();
       EXPECT_EQ(process.session.refreshIdToken(), Success);
       EXPECT_NE(link.idToken(), before);
       EXPECT_EQ(delegate.events().filter(u"result"_s), QStringList{u"result 14"_s}) << qPrintable(name);
+      EXPECT_EQ(delegate.answers().onlookers.size(), times) << "it is as true as before";
     }
     ASSERT_TRUE(pairing.rmdir(name));
     ASSERT_TRUE(KaLinkageUtility::saveLinkageSetting(u"again"_s) && KaLinkageUtility::saveTokenCode(u"again"_s));

@@ -8,6 +8,7 @@
 #include "ui/KaAlertQueue.h"
 #include "ui/KaCustomImageView.h"
 #include "ui/KaDownloadFolderSettingView.h"
+#include "ui/KaStatusView.h"
 #include "ui/KaVersionInformationView.h"
 #include "ui/LoginItemQuestion.h"
 #include "ui/Mnemonics.h"
@@ -18,7 +19,6 @@
 #include <gtest/gtest.h>
 
 #include <QAccessible>
-#include <QBoxLayout>
 #include <QCheckBox>
 #include <QDialogButtonBox>
 #include <QDir>
@@ -155,11 +155,11 @@ TEST_F(Settings, haveRoomForTheirTextsInEveryLanguageAndSize) {
   const auto &box = find<QGroupBox>(u"importFolderBox"_s);
   EXPECT_TRUE(QTest::qWaitFor([&] { return box.title() == localised("DLG_SETTING_SAVE_FOLDER_TITLE"_L1); }, 1000));
   EXPECT_TRUE(QTest::qWaitFor([&] { return screen.contains(view->frameGeometry()); }, 1000));
-  auto *const above = new QLabel;
-  static_cast<QBoxLayout *>(view->layout())->insertWidget(0, above);
-  above->setText(u"what\nis\nnews\nnow\n"_s);
-  QCoreApplication::sendPostedEvents();
-  EXPECT_TRUE(QTest::qWaitFor([&] { return above->isVisible() && cutOff(*view).isEmpty(); }, 1000));
+  open();
+  facade.noteFaultCause(KaFaultCause::NoAnswer);
+  facade.setProcessingResult(KaResultCode::LinkInvalid, /*userTrigger=*/false);
+  const QString longer = localised("MSG_ERR_LINK_INVALID_NO_ANSWER"_L1);
+  EXPECT_TRUE(QTest::qWaitFor([&] { return shows(longer) && cutOff(*view).isEmpty(); }, 3000));
 }
 
 /// The contrast of a text with its ground, from 1 to 21.
@@ -343,11 +343,19 @@ TEST_F(Settings, warnOfAFolderThatCannotBeUsedUnlessItIsNot) {
 TEST_F(Settings, turnThe10GFolderOnWhenOneIsChosen) {
   QApplication::setAttribute(Qt::AA_DontUseNativeDialogs);
   const auto color = [this] { return folder10G().palette().color(QPalette::Text); };
-  for (const QString &which : {QString(), u"10G"_s}) {
+  for (const auto &[which, remedy] : {std::pair(u""_s, StatusRemedy::None),
+                                      {u"10G"_s, StatusRemedy::None},
+                                      {u""_s, StatusRemedy::ChooseFolder},
+                                      {u"10G"_s, StatusRemedy::Choose10GFolder}}) {
     open();
     EXPECT_EQ(color(), kGrey);
-    click(u"input%1FolderPathReferenceButton"_s.arg(which));
+    if (remedy == StatusRemedy::None) {
+      click(u"input%1FolderPathReferenceButton"_s.arg(which));
+    } else {
+      Q_EMIT view->statusView().remedyRequested(remedy);
+    }
     auto *const chooser = view->findChild<QFileDialog *>();
+    ASSERT_TRUE(chooser);
     EXPECT_EQ(chooser->directory().path(), which.isEmpty() ? usable : stored.parent10GFolder);
     EXPECT_EQ(chooser->windowTitle(),
               localised(which.isEmpty() ? "DLG_SETTING_CHOOSE_FOLDER"_L1 : "DLG_SETTING_CHOOSE_10G_FOLDER"_L1));

@@ -328,10 +328,10 @@ TEST_F(NotifyIcon, withdrawsWhatIsNotTrueAnyMoreAndBeginsNoLoginForALinkThatHold
   const std::tuple<QStringList, std::function<void()>, QStringList> rows[] = {
       {{u"1"_s, u"2"_s, u"10"_s, u"16"_s}, [] {}, {u"1"_s, u"2"_s, u"16"_s}},
       {{u"4"_s, u"9"_s, u"13"_s, u"14"_s, u"24"_s}, result(17), {u"17"_s, u"13"_s, u"14"_s, u"24"_s}},
-      {{u"16"_s, u"11"_s, u"13"_s, u"14"_s}, normal, {u"14"_s}},
+      {{u"16"_s, u"11"_s, u"13"_s, u"14"_s}, normal, {}},
       {{u"10"_s, u"12"_s}, holds, {u"12"_s}},
-      {{u"4"_s, u"17"_s, u"7"_s, u"8"_s, u"14"_s}, result(2), {u"2"_s, u"14"_s}},
-      {{u"1"_s, u"17"_s, u"6"_s, u"8"_s}, result(4), {u"4"_s, u"1"_s, u"8"_s}},
+      {{u"4"_s, u"17"_s, u"7"_s, u"8"_s, u"14"_s}, result(2), {u"2"_s}},
+      {{u"1"_s, u"17"_s, u"6"_s, u"8"_s, u"14"_s}, result(4), {u"4"_s, u"1"_s, u"8"_s}},
       {{u"1"_s, u"2"_s, u"4"_s, u"9"_s, u"8"_s, u"14"_s, u"24"_s}, result(5), {u"24"_s}},
   };
   for (const auto &[told, event, expected] : rows) {
@@ -351,12 +351,25 @@ TEST_F(NotifyIcon, withdrawsWhatIsNotTrueAnyMoreAndBeginsNoLoginForALinkThatHold
   });
   EXPECT_EQ(view.standing.take(NotificationKind::SavingTrouble), u"8"_s) << "a picture waits for room";
 
+  const auto told = [&](KaResultCode code) { facade.setProcessingResult(code, /*userTrigger=*/false); };
+  facade.setEnableLoggin(false);
+  report([&] {
+    told(KaResultCode::RetryLater);
+    told(KaResultCode::Download10GComplete);
+  });
+  EXPECT_TRUE(view.standing.contains(NotificationKind::Failure)) << "of the other storage";
+  facade.setEnableLoggin(false);
+  report([&] { told(KaResultCode::Download10GComplete); });
+  EXPECT_FALSE(view.standing.contains(NotificationKind::Failure));
+
   const auto clickLogIn = [&] {
     Q_EMIT view.notificationActivated(u"17"_s);
     return KaLinkageUtility::loadLinkageSetting().has_value();
   };
   holds();
   report(result(9));
+  facade.noteFaultCause(KaFaultCause::NotAccepted);
+  report([&] { told(KaResultCode::ValidationFailed); });
   EXPECT_TRUE(clickLogIn()) << "a login would have dropped the link";
   report(result(17));
   EXPECT_FALSE(clickLogIn());
@@ -457,17 +470,26 @@ TEST(NotifyIconAtWork, doesNothingThatItsMenuHasGreyedAndShowsWhyInstead) {
   icon.onSetEnableLogginMenu(true);
   waitUntilShown([](const auto &state) { return state.isLogginEnabled; });
   icon.perform(StatusEntry::Logout);
+  Q_EMIT window->accepted(); // the folders were not at fault
+  QCoreApplication::processEvents();
   EXPECT_FALSE(service.waitForRequests(sandbox::Endpoint::RefreshToken, before + 1, 300ms));
   EXPECT_FALSE(browser.hasUrl()) << "a page was opened";
+  auto &facade = KaModelFacade::sharedInstance();
+  auto runsAgain = [&, runs = before](const std::function<void()> &ask) mutable {
+    ask();
+    QCoreApplication::processEvents();
+    return service.waitForRequests(sandbox::Endpoint::RefreshToken, ++runs, 20s)
+           && waitFor([&] { return facade.snapshot().nextLook.has_value(); });
+  };
+  EXPECT_TRUE(runsAgain([&] {
+    facade.notifySavingTrouble(KaResultCode::DiskFull, KaTargetStorage::Days30);
+    Q_EMIT window->accepted();
+  })) << "there may be room now";
   icon.onChangeLinkage(true);
   waitUntilShown([](const auto &state) { return state.isDownloadEnabled; });
-  icon.perform(StatusEntry::Download);
-  EXPECT_TRUE(service.waitForRequests(sandbox::Endpoint::RefreshToken, before + 1, 20s));
+  EXPECT_TRUE(runsAgain([&] { icon.perform(StatusEntry::Download); }));
   waitUntilShown([](const auto &state) { return !state.isDownloadEnabled; }); // as it has failed
-  EXPECT_TRUE(waitFor([&] {
-    Q_EMIT window->statusView().remedyRequested(StatusRemedy::LookNow);
-    return service.requestCount(sandbox::Endpoint::RefreshToken) > before + 1;
-  }));
+  EXPECT_TRUE(runsAgain([&] { Q_EMIT window->statusView().remedyRequested(StatusRemedy::LookNow); }));
   EXPECT_TRUE(icon.appFinalize());
 }
 

@@ -39,7 +39,7 @@ QString described(const StatusText &text) {
 
 QString described(const StatusSummary &summary) {
   static const QStringList frames{u"standby"_s, u"1"_s, u"2"_s, u"3"_s, u"4"_s, u"error"_s, u"unlink"_s};
-  static const QStringList remedies{u"-"_s, u"login"_s, u"folder"_s, u"look"_s, u"help"_s};
+  static const QStringList remedies{u"-"_s, u"login"_s, u"folder"_s, u"folder10G"_s, u"look"_s, u"help"_s};
   QStringList facts;
   for (const StatusText &fact : summary.facts)
     facts << described(fact);
@@ -76,7 +76,6 @@ TEST(StatusSummary, saysWhatMattersMost) {
       {{}, u"unlink | NOT_LINKED | NOT_LINKED_HINT | - | login"_s},
       {with({}, [](auto &s) { s.fault = KaFault{ValidationFailed}; }),
        u"unlink | NOT_LINKED | MSG_ERR_VALIDATION | - | login"_s},
-      {with({}, [](auto &s) { s.fault = KaFault{NotLinked}; }), u"unlink | NOT_LINKED | NOT_LINKED_HINT | - | login"_s},
       {with({}, [](auto &s) { s.linkState = KaLinkState::AwaitsFolders; }),
        u"standby | AWAITS_FOLDERS | AWAITS_FOLDERS_HINT | - | -"_s},
       {with({}, [](auto &s) { s.linkState = KaLinkState::Linked; }), u"standby | NOT_LOOKED_YET | - | - | look"_s},
@@ -95,19 +94,22 @@ TEST(StatusSummary, saysWhatMattersMost) {
       {with(faulty(DiskFull, {}, Doing::Fetching), [](auto &s) { s.stillToCome = 2; }),
        u"error | DISK_FULL | MSG_ERR_DISK_FULL | FETCHING(12,240) TO_COME(2) "_s + facts + u" | folder 12/240"_s},
       {faulty(FileNotSaved), u"error | NOT_SAVED | MSG_ERR_DOWNLOAD | "_s + facts + u" | folder"_s},
+      {with(faulty(FileNotSaved), [](auto &s) { s.fault->isOf10GStorage = true; }),
+       u"error | NOT_SAVED | MSG_ERR_DOWNLOAD | "_s + facts + u" | folder10G"_s},
       {with(kWell, [](auto &s) { s.hasNetwork = false; }),
        u"error | OFFLINE | OFFLINE_UNTIL_HINT(14:35) | TODAY(37) LAST_LOOK(14:05) | look"_s},
       {with(faulty(Offline), [](auto &s) { s.nextLook.reset(); }),
        u"error | OFFLINE | OFFLINE_HINT | TODAY(37) LAST_LOOK(14:05) | look"_s},
       {faulty(ValidationFailed, KaFaultCause::NoAnswer),
        u"error | OFFLINE | OFFLINE_UNTIL_HINT(14:35) | TODAY(37) LAST_LOOK(14:05) | look"_s},
-      {faulty(ValidationFailed, KaFaultCause::NotAccepted), u"standby | UP_TO_DATE | - | "_s + facts + u" | look"_s},
       {faulty(LinkInvalid, KaFaultCause::Refused),
        u"error | LOGIN_NEEDED | MSG_ERR_LINK_INVALID | "_s + facts + u" | login"_s},
       {faulty(LinkInvalid, KaFaultCause::Refused, Doing::Looking),
        u"error | LOGIN_NEEDED | MSG_ERR_LINK_INVALID | "_s + facts + u" | login(off)"_s},
       {with(faulty(LinkInvalid), [](auto &s) { s.clockAhead = -16min; }),
        u"error | WRONG_CLOCK | WRONG_CLOCK_HINT(14:10,14:26) | "_s + facts + u" | look"_s},
+      {with(faulty(ValidationFailed, KaFaultCause::Refused), [](auto &s) { s.clockAhead = -16min; }),
+       u"error | WRONG_CLOCK | WRONG_CLOCK_HINT(14:10,14:26) | "_s + facts + u" | login"_s},
       {with(faulty(LinkInvalid), [](auto &s) { s.clockAhead = -15min; }),
        u"error | LOGIN_NEEDED | MSG_ERR_LINK_INVALID | "_s + facts + u" | login"_s},
       {with(faulty(DiskFull), [](auto &s) { s.clockAhead = 16min; }),
@@ -124,9 +126,8 @@ TEST(StatusSummary, saysWhatMattersMost) {
 
 TEST(StatusSummary, isUpToDateWithNothingWrongAloneAndLeavesNoFailureWithoutWords) {
   using enum KaResultCode;
-  for (const KaResultCode result :
-       {SecureConnectionFailed, NoBody, DiskFull, Offline, RetryLater, ServerError, FileNotSaved, Unexpected,
-        NoHttpStatus, LinkInvalid, ValidationFailed, FolderNotAccessible, FolderNotSupported, FolderPathTooLong})
+  for (const KaResultCode result : {SecureConnectionFailed, NoBody, DiskFull, Offline, RetryLater, ServerError,
+                                    FileNotSaved, Unexpected, LinkInvalid, ValidationFailed})
     for (const KaFaultCause cause :
          {KaFaultCause::Unknown, KaFaultCause::NoAnswer, KaFaultCause::Refused, KaFaultCause::WrongClock}) {
       const StatusSummary summary = statusSummary(faulty(result, cause), kNow);
