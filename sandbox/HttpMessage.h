@@ -49,7 +49,7 @@ struct ReceivedRequest {
   [[nodiscard]] QByteArray header(const QByteArray &name) const { return headerValue(headers, name); }
 };
 
-/// Whether a storage request names its bucket first in the path, as clients do that cannot look "BUCKET.HOST" up.
+/// Whether a storage request names its bucket first in the path, as clients do that do not look "BUCKET.HOST" up.
 [[nodiscard]] bool namesBucketInPath(const ReceivedRequest &request);
 
 /// How an answer travels; see Fault for the odd ways.

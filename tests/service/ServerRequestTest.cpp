@@ -155,7 +155,26 @@ TEST(Constants, keepWhatTheyFirstReadUnderTheirOddKeys) {
   EXPECT_EQ(KaApplicationConstants::awsS3AccelerateHostName(), u"s3-accelerate.amazonaws.com"_s);
   EXPECT_EQ(KaApplicationConstants::awsStsHostName(), u"sts.amazonaws.com"_s);
   EXPECT_EQ(KaApplicationConstants::awsLogsHostName(), u"logs.eu-west-1.amazonaws.com"_s);
+  EXPECT_EQ(KaApplicationConstants::awsRegion(), u"eu-west-1"_s);
+  EXPECT_FALSE(KaApplicationConstants::awsS3PathStyle());
 }
+
+struct Region : testing::TestWithParam<std::tuple<const char *, const char *, const char *, const char *>> {};
+
+TEST_P(Region, isInTheHostsThatNobodyNamed) {
+  const auto &[region, pathStyle, storageHost, logsHost] = GetParam();
+  const TestProfile profile;
+  profile.writeUserDefaults(
+      {{u"awsRegion"_s, QString::fromLatin1(region)}, {u"awsS3PathStyle"_s, QString::fromLatin1(pathStyle)}});
+  EXPECT_EQ(KaApplicationConstants::awsS3AccelerateHostName(), QLatin1StringView(storageHost));
+  EXPECT_EQ(KaApplicationConstants::awsLogsHostName(), QLatin1StringView(logsHost));
+}
+
+INSTANTIATE_TEST_SUITE_P(
+    Told, Region,
+    testing::Values(std::tuple(" ", "", "s3-accelerate.amazonaws.com", "logs.eu-west-1.amazonaws.com"),
+                    std::tuple("us-west-2 ", "false", "s3-accelerate.amazonaws.com", "logs.us-west-2.amazonaws.com"),
+                    std::tuple("us-west-2", "true", "s3.us-west-2.amazonaws.com", "logs.us-west-2.amazonaws.com")));
 
 TEST(Loopback, isKnownByItsNamesAndNumbersAlone) {
   for (const QString &host : {u"localhost"_s, u"LocalHost.:1"_s, u"api.localhost:8443"_s, u"127.0.0.1"_s,
