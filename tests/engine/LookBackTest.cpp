@@ -28,14 +28,6 @@ protected:
     });
   }
 
-  /// Into the same folder.
-  void takeLongTermStorageToo() {
-    delegate.change([this](auto &answers) {
-      answers.option.checkBox10GDownload = u"true"_s;
-      answers.option.parent10GFolder = profile.picturesFolder();
-    });
-    service.library().setSettingsObject(R"({"isEnableDownload10GStorage":true})");
-  }
   /// Begins as a new process, and lets it make @p count runs.
   [[nodiscard]] bool makeRuns(int count) {
     processor.reset();

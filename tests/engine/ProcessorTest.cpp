@@ -69,13 +69,11 @@ TEST_F(Processor, fillsTheFolderChecksThreeTimesMoreAndFetchesWhatIsNewLater) {
 }
 
 TEST_F(Processor, asksInAFirstAndASecondRunWithoutFaultsForTheGivenThingsInTheirOrder) {
-  delegate.change([this](auto &answers) {
-    answers.option.checkBoxDownloadMetadata = answers.option.checkBox10GDownload = u"true"_s;
-    answers.option.parent10GFolder = profile.picturesFolder() + u"/10G"_s;
+  delegate.change([](auto &answers) {
+    answers.option.checkBoxDownloadMetadata = u"true"_s;
     answers.waits.pollingNormal = std::chrono::milliseconds(1);
   });
-  QDir().mkpath(profile.picturesFolder() + u"/10G"_s);
-  service.library().setSettingsObject(R"({"applicationAliasIds":[],"isEnableDownload10GStorage":true})");
+  takeLongTermStorageToo(path(u"10G"_s));
   sandbox::LibraryObject ordinary = image(u"10"_s, u"A.JPG"_s);
   ordinary.tags.insert(u"x-strata-storage-period"_s, u"30"_s);
   add(ordinary);
@@ -117,13 +115,6 @@ TEST_F(Processor, goesOnAfterAFailedPassAndCountsAnewWhenAReCheckFindsSomething)
   ASSERT_TRUE(askUntil(u"result 3 by user"_s));
   EXPECT_EQ(fetched(), names("A.JPG A.JPG B.JPG B.JPG B.JPG B.JPG")) << "what has come whole needs no name";
   EXPECT_EQ(files(), names("2024_04_30/2024-04-30.JPG 2024_04_30/A.JPG"));
-}
-
-TEST_F(Processor, renewsCredentialsThatExpireBeforeEachReCheckToo) {
-  service.setCredentialLifetime(std::chrono::seconds(300));
-  addImages("A.JPG");
-  ASSERT_TRUE(run());
-  EXPECT_EQ(asked().count(Endpoint::Sts), 1 + 1 + 3) << "for the pass, its image, and the re-checks";
 }
 
 TEST_F(Processor, waitsForANewLinkAfterABadTokenAndTellsOnlyTheUserWhoAskedThatThereIsNothing) {

@@ -124,15 +124,6 @@ TEST_F(ContentListing, findsWhatIsNewOnEachDeviceOverAllPages) {
   }
 }
 
-TEST_F(ContentListing, doesNotTakeAPageThatIsNotFoundForTheEnd) {
-  service.setListPageSize(1);
-  addImages("A.JPG B.JPG");
-  service.order(Endpoint::ListItems, {.status = 404, .pathContains = u"continuation-token"_s});
-  EngineParts parts(delegate, link);
-  ASSERT_EQ(parts.open(), Success);
-  EXPECT_EQ(parts.listing.getContentsList(Days30, {}).result, NoBody);
-}
-
 TEST_F(ContentListing, sortsOverAllDevicesAndCountsAKeyOnce) {
   KaListedImages images;
   for (const QString &path : names("b/d2/20240501/10/C b/d1/20240501/11/A b/d1/20240501/10/C b/d2/20240430/23/Z "

@@ -95,26 +95,6 @@ TEST_F(Distant, costsThreeRoundTripsAtFirstAndOneOnAKeptConnection) {
   EXPECT_EQ(service.connectionCount(), 6);
 }
 
-TEST_F(Distant, letsClientsLearnOfCutsInTime) {
-  service.library().add({u"dev01"_s, u"20240501"_s, u"10"_s, u"1"_s, QByteArray(100'000, 'p')});
-  const auto listed = service.library().list(contentBucket(), {.prefix = "images/original/"}).objects;
-  const TemporaryCredential credential = service.issueCredential();
-  const QByteArray url =
-      service.presignedUrl(credential, contentBucket(), QString::fromUtf8(listed.value(0).key)).toUtf8();
-  const QByteArray token = "x-amz-security-token: " + credential.sessionToken.toLatin1();
-  const HeaderLine header(curl_slist_append(nullptr, token.constData()));
-  client.set(CURLOPT_HTTPHEADER, header.get());
-  service.order(Endpoint::ObjectGet, {.kind = Fault::Kind::TruncatedBody});
-  const auto half = client.get(url);
-  EXPECT_THAT(half.result, AnyOf(CURLE_PARTIAL_FILE, CURLE_RECV_ERROR));
-  EXPECT_EQ(half.size, 50'000);
-  service.order(Endpoint::ObjectGet, {.kind = Fault::Kind::DroppedConnection});
-  const auto none = client.get(url);
-  EXPECT_THAT(none.result, AnyOf(CURLE_GOT_NOTHING, CURLE_RECV_ERROR));
-  EXPECT_GE(none.took, 120ms);
-  EXPECT_EQ(client.get(url).size, 100'000);
-}
-
 struct Narrow : Distant {
   static constexpr qsizetype kBody = 100'000;
   Narrow() : Distant({.bytesPerSecond = 2 * kBody}) {}
