@@ -39,7 +39,6 @@ struct ReceivedRequest {
   HeaderList headers{};
   QByteArray body{};
   quint64 connection = 0; ///< the same for all that come over one connection, and for them alone
-  bool isLater = false;   ///< not the first of its connection
   bool isResumed = false; ///< its connection takes up an earlier TLS session
 
   [[nodiscard]] QByteArray host() const; ///< lower case, without port

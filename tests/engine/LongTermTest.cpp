@@ -9,29 +9,13 @@
 #include <QJsonObject>
 
 #include <malloc.h>
-#include <sys/stat.h>
 #include <sys/syscall.h>
-#include <unistd.h>
 
 using namespace Qt::StringLiterals;
 using namespace std::chrono_literals;
 using sandbox::Endpoint;
 using sandbox::Fault;
 using sandbox::Service;
-
-namespace {
-
-std::function<void(const QString &)> onFolderSync; ///< on the download thread; changed only while there is none
-
-} // namespace
-
-/// Stands before the C library's.
-int fsync(int file) {
-  struct stat facts {};
-  if (onFolderSync && ::fstat(file, &facts) == 0 && S_ISDIR(facts.st_mode))
-    onFolderSync(QFile::symLinkTarget(u"/proc/self/fd/%1"_s.arg(file)));
-  return static_cast<int>(::syscall(SYS_fsync, file));
-}
 
 namespace {
 
@@ -223,22 +207,6 @@ TEST_F(LongTerm, isTakenAgainOnceTheServiceOffersItAgain) {
   service.library().setSettingsObject(R"({"isEnableDownload10GStorage":null})");
   EXPECT_TRUE(askUntil(u"result 2"_s));
   EXPECT_TRUE(delegate.answers().offers10GStorage);
-}
-
-TEST_F(LongTerm, hasItsNamesOnDiskBeforeItIsBooked) {
-  kImage(service);
-  previews(2)(service);
-  QStringList synced;
-  onFolderSync = [&](const QString &folder) {
-    if (folder.startsWith(profile.picturesFolder()) && delegate.events().filter(u"save RecentPreview"_s).isEmpty())
-      synced << QDir(profile.picturesFolder()).relativeFilePath(folder);
-  };
-  EXPECT_TRUE(run());
-  processor.reset();
-  onFolderSync = nullptr;
-  synced.sort();
-  synced.removeDuplicates();
-  EXPECT_EQ(synced, names("10G 10G/2024_04_30 10G/2024_05_01 10G/2024_05_02"));
 }
 
 TEST_F(LongTerm, isReportedBesideTheOrdinaryStorageWhoseReportsComeWhateverTheResult) {

@@ -89,6 +89,8 @@ TEST_F(Session, readsTheExpiryAsUniversalTimeCutTo32Bits) {
     EXPECT_EQ(parts.session.getCredential(), Success);
     EXPECT_EQ(parts.storage.credential().expireUnixTime, row.section(u'=', 1));
   }
+  service.order(Endpoint::Sts, {.kind = sandbox::Fault::Kind::MalformedBody});
+  EXPECT_EQ(parts.session.getCredential(), NoBody);
 }
 
 using ContentListing = EngineTest;

@@ -156,26 +156,6 @@ TEST_F(Near, tellsHowItsStorageWasConnectedTo) {
   EXPECT_EQ(service.resumedConnectionCount(), 1);
 }
 
-TEST_F(Near, keepsConnectionsUnlessAskedNotTo) {
-  EXPECT_EQ(client.get(stored()).newConnections, 1);
-  service.order(Endpoint::ObjectGet, {.kind = Fault::Kind::DroppedWhenKept});
-  const HeaderLine header(curl_slist_append(nullptr, "Connection: close"));
-  Client other(service);
-  other.set(CURLOPT_HTTPHEADER, header.get());
-  for (int time = 0; time < 2; ++time) {
-    const auto closed = other.get(stored());
-    EXPECT_EQ(closed.result, CURLE_OK);
-    EXPECT_EQ(closed.newConnections, 1);
-  }
-  EXPECT_EQ(client.get(stored()).newConnections, 1) << "dropped, and had by another try of libcurl's own";
-  EXPECT_EQ(service.requestCount(Endpoint::ObjectGet), 5);
-  for (const auto kind : {Fault::Kind::Uncounted, Fault::Kind::Deflated}) {
-    service.order(Endpoint::ObjectGet, {.kind = kind});
-    EXPECT_EQ(client.get(stored()).result, CURLE_OK);
-    EXPECT_EQ(client.get(stored()).newConnections, 1);
-  }
-}
-
 /// A line with a socket at either end.
 struct Line : testing::Test {
   explicit Line(const Distance &distance = {.roundTrip = 40ms}) : line(0, distance) {
