@@ -1,4 +1,3 @@
-#include "service/PercentEncoding.h"
 #include "service/PresignedUrl.h"
 #include "tests/identity/SigningVectors.h"
 
@@ -16,14 +15,6 @@ TEST(SignatureV4, signsAsOtherImplementationsDo) {
   ASSERT_EQ(rows.size(), 4);
   for (const QJsonValue row : rows)
     EXPECT_EQ(signRequests(credentialOf(vectors), signedBy(row.toObject())), row["authorization"_L1].toString());
-  const QJsonObject odd = oddKeys();
-  ASSERT_EQ(odd["keys"_L1].toArray().size(), 22);
-  for (const QJsonValue row : odd["keys"_L1].toArray()) {
-    const QString path = u'/' + percentEncodedKey(row["key"_L1].toString());
-    EXPECT_EQ(path, row["encodedPath"_L1].toString());
-    EXPECT_EQ(signRequests(credentialOf(odd), signedBy(oddRow(odd, path))).section(u"Signature="_s, 1),
-              row["signatureV4"_L1].toString());
-  }
 }
 
 TEST(SignatureV4, hashesTextUpToTheFirstNulAndStampsTheTimeInUtc) {
@@ -43,6 +34,7 @@ TEST(PresignedUrl, signsAsOtherImplementationsDo) {
               row["signaturePercentEncoded"_L1].toString());
   const QJsonObject odd = oddKeys();
   const QString bucket = odd["bucket"_L1].toString();
+  ASSERT_EQ(odd["keys"_L1].toArray().size(), 22);
   for (const QJsonValue row : odd["keys"_L1].toArray())
     for (const auto &[place, isPathStyle] : {std::pair(odd["host"_L1].toString(), false), {u"h:1/"_s + bucket, true}})
       EXPECT_EQ(presignedObjectURL(credentialOf(odd),
