@@ -17,7 +17,6 @@ struct Fault {
     MalformedBody,     ///< 200 and neither XML nor JSON
     Body,              ///< `status` (200 when left 0) with `body`
     DroppedConnection, ///< closed without an answer
-    DroppedWhenKept,   ///< the same, but it meets only requests that are not the first of their connection
     NoAnswer,          ///< held until the client leaves, clearFaults() or the service's end; then closed
     // The rest let the service answer and spoil the delivery.
     Delay,          ///< the right answer after `delay`

@@ -57,7 +57,7 @@ ServedAnswer replacement(const Fault &fault, Endpoint endpoint) {
   if (fault.kind == Status || fault.kind == Body)
     answer.status = fault.status != 0 ? fault.status : fault.kind == Status ? 500 : 200;
   if (fault.kind == MalformedBody) answer.body = "{\"open\": [<Key>\n";
-  if (fault.kind == DroppedConnection || fault.kind == DroppedWhenKept) answer.delivery = Delivery::Dropped;
+  if (fault.kind == DroppedConnection) answer.delivery = Delivery::Dropped;
   if (fault.kind == NoAnswer) answer.delivery = Delivery::Held;
   return answer;
 }
@@ -70,7 +70,6 @@ std::optional<Delivery> deliveryOf(Fault::Kind kind) {
   case Fault::Kind::MalformedBody:
   case Fault::Kind::Body:
   case Fault::Kind::DroppedConnection:
-  case Fault::Kind::DroppedWhenKept:
   case Fault::Kind::NoAnswer:
     return std::nullopt;
   case Fault::Kind::Delay:
@@ -127,10 +126,7 @@ std::optional<Fault> Faults::take(Endpoint endpoint, const ReceivedRequest &requ
   return answers.with([&](auto &ordered) -> std::optional<Fault> {
     const auto faults = ordered.find(endpoint);
     if (faults == ordered.end()) return std::nullopt;
-    const auto meets = [&](const Fault &fault) {
-      return (request.isLater || fault.kind != Fault::Kind::DroppedWhenKept)
-             && request.target.contains(fault.pathContains.toUtf8());
-    };
+    const auto meets = [&](const Fault &fault) { return request.target.contains(fault.pathContains.toUtf8()); };
     const auto found = std::find_if(faults->begin(), faults->end(), meets);
     if (found == faults->end()) return std::nullopt;
     return useUp(*faults, found - faults->begin());

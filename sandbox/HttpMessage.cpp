@@ -55,7 +55,7 @@ QueryParameters ReceivedRequest::query() const {
 }
 
 bool namesBucketInPath(const ReceivedRequest &request) {
-  return request.host() == "localhost";
+  return request.host() == "localhost" || request.host() == "s3.localhost";
 }
 
 ServedAnswer redirectTo(const QByteArray &location) {

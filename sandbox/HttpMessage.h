@@ -39,7 +39,6 @@ struct ReceivedRequest {
   HeaderList headers{};
   QByteArray body{};
   quint64 connection = 0; ///< the same for all that come over one connection, and for them alone
-  bool isLater = false;   ///< not the first of its connection
   bool isResumed = false; ///< its connection takes up an earlier TLS session
 
   [[nodiscard]] QByteArray host() const; ///< lower case, without port
@@ -49,7 +48,7 @@ struct ReceivedRequest {
   [[nodiscard]] QByteArray header(const QByteArray &name) const { return headerValue(headers, name); }
 };
 
-/// Whether a storage request names its bucket first in the path, as clients do that cannot look "BUCKET.HOST" up.
+/// Whether a storage request names its bucket first in the path, as clients do that do not look "BUCKET.HOST" up.
 [[nodiscard]] bool namesBucketInPath(const ReceivedRequest &request);
 
 /// How an answer travels; see Fault for the odd ways.

@@ -93,7 +93,7 @@ public:
     open.with([&](State &state) {
       Connection &connection = state.sockets[socket];
       request.connection = connection.number;
-      request.isLater = connection.requests++ > 0;
+      ++connection.requests;
       connection.isAnswering = true;
     });
   }

@@ -53,7 +53,9 @@ std::optional<QList<LogEvent>> parsedEvents(const QByteArray &body) {
 ServedAnswer LogsApi::answer(const ReceivedRequest &request, const QDateTime &now) {
   if (request.method != "POST" || request.header("x-amz-target") != "Logs_20140328.PutLogEvents")
     return refusal(400, u"UnknownOperationException"_s, u"Only events can be put here"_s);
-  const SignatureVerdict verdict = checkSignatureV4(request, "logs", credentials, now);
+  const SignatureVerdict verdict = checkSignatureV4(request, region, "logs", credentials, now);
+  if (verdict.refusal && !verdict.refusal->region.isEmpty())
+    return refusal(400, u"InvalidSignatureException"_s, u"Credential should be scoped to a valid region."_s);
   if (verdict.refusal)
     return refusal(400, typeOf(verdict.refusal->code), QString::fromLatin1(verdict.refusal->message));
   const auto events = parsedEvents(request.body);

@@ -13,13 +13,14 @@ namespace sandbox {
 /// The log service: takes signed PutLogEvents calls and keeps the events. Any thread.
 class LogsApi {
 public:
-  explicit LogsApi(const Credentials &issued) : credentials(issued) {}
+  LogsApi(const Credentials &issued, QByteArray itsRegion) : credentials(issued), region(std::move(itsRegion)) {}
 
   [[nodiscard]] ServedAnswer answer(const ReceivedRequest &request, const QDateTime &now);
   [[nodiscard]] QList<LogEvent> events() const;
 
 private:
   const Credentials &credentials;
+  const QByteArray region;
   Locked<QList<LogEvent>> kept;
 };
 

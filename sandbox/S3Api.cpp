@@ -36,8 +36,9 @@ ServedAnswer xml(const QByteArray &document) {
 }
 
 ServedAnswer refusalAnswer(const Refusal &refusal, const ReceivedRequest &request) {
+  const QByteArray region = refusal.region.isEmpty() ? QByteArray() : element("Region", refusal.region);
   ServedAnswer answer =
-      xml("<Error>" + element("Code", refusal.code) + element("Message", refusal.message)
+      xml("<Error>" + element("Code", refusal.code) + element("Message", refusal.message) + region
           + element("Resource", request.path())
           + element("RequestId", QUuid::createUuid().toByteArray(QUuid::Id128).left(16).toUpper()) + "</Error>");
   answer.status = refusal.status;
@@ -134,7 +135,7 @@ ServedAnswer S3Api::answer(const ReceivedRequest &request, const QDateTime &now)
   if (!library.hasBucket(QString::fromLatin1(bucket))) return refusalAnswer(kNoSuchBucket, request);
   if (request.method != "GET" && request.method != "HEAD") return refusalAnswer(kNotAllowed, request);
   const SignatureVerdict verdict = isPresigned(request) ? checkPresigned(request, bucket, credentials, now)
-                                                        : checkSignatureV4(request, "s3", credentials, now);
+                                                        : checkSignatureV4(request, region, "s3", credentials, now);
   if (verdict.refusal) return refusalAnswer(*verdict.refusal, request);
   if (address.key.isEmpty()) return listing(request, bucket, verdict.userId);
   return object(request, address, verdict.userId);

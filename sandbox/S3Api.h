@@ -14,8 +14,8 @@ namespace sandbox {
 
 class Library;
 
-/// What a request to the object store names: "BUCKET.s3.localhost/KEY", or "localhost/BUCKET/KEY" as other clients put
-/// it that cannot look such hosts up.
+/// What a request to the object store names: "BUCKET.s3.localhost/KEY", or in path style "s3.localhost/BUCKET/KEY"
+/// and "localhost/BUCKET/KEY", for clients that cannot look such hosts up.
 struct StorageAddress {
   QByteArray bucket{};
   QByteArray key{}; ///< empty: the bucket itself
@@ -24,7 +24,8 @@ struct StorageAddress {
 /// The object store's side: who may ask, and its answers and refusals. Any thread.
 class S3Api {
 public:
-  S3Api(const Library &objects, const Credentials &issued) : library(objects), credentials(issued) {}
+  S3Api(const Library &objects, const Credentials &issued, QByteArray itsRegion)
+      : library(objects), credentials(issued), region(std::move(itsRegion)) {}
 
   [[nodiscard]] ServedAnswer answer(const ReceivedRequest &request, const QDateTime &now) const;
   void setPageSize(int keys);
@@ -37,6 +38,7 @@ private:
 
   const Library &library;
   const Credentials &credentials;
+  const QByteArray region;
   std::atomic<int> pageSize = 1000;
 };
 

@@ -258,22 +258,6 @@ QString previewKey(const QString &userId, const SamplePreview &preview) {
   return u"images/preview/"_s + userId + u'/' + preview.objectName;
 }
 
-void addPreviews(Library &library) {
-  QJsonArray data;
-  for (const SamplePreview &preview : samplePreviews()) {
-    const QString key = previewKey(library.userId(), preview);
-    library.addRaw(contentBucket(), key, {.body = preview.body, .contentType = "image/jpeg"});
-    data.append(QJsonObject{{u"index"_s, preview.index},
-                            {u"preview_object_key"_s, key},
-                            {u"file_size"_s, preview.body.size()},
-                            {u"original_file_name"_s, preview.fileName},
-                            {u"shooting_time"_s, preview.shootingTime},
-                            {u"upload_time"_s, preview.uploadTime}});
-  }
-  library.addRaw(previewListBucket(), library.userId() + u".json"_s,
-                 {.body = compactJson({{u"data"_s, data}}), .contentType = "application/json"});
-}
-
 } // namespace
 
 const QList<LibraryObject> &sampleObjects() {
@@ -294,6 +278,22 @@ QString storagePeriodTag() {
   return u"x-strata-storage-period"_s;
 }
 
+void addPreviews(Library &library, const QList<SamplePreview> &previews) {
+  QJsonArray data;
+  for (const SamplePreview &preview : previews) {
+    const QString key = previewKey(library.userId(), preview);
+    library.addRaw(contentBucket(), key, {.body = preview.body, .contentType = "image/jpeg"});
+    data.append(QJsonObject{{u"index"_s, preview.index},
+                            {u"preview_object_key"_s, key},
+                            {u"file_size"_s, preview.body.size()},
+                            {u"original_file_name"_s, preview.fileName},
+                            {u"shooting_time"_s, preview.shootingTime},
+                            {u"upload_time"_s, preview.uploadTime}});
+  }
+  library.addRaw(previewListBucket(), library.userId() + u".json"_s,
+                 {.body = compactJson({{u"data"_s, data}}), .contentType = "application/json"});
+}
+
 void fillSampleLibrary(Library &library) {
   for (const LibraryObject &object : sampleObjects())
     library.add(object);
@@ -303,7 +303,7 @@ void fillSampleLibrary(Library &library) {
   library.setSettingsObject(compactJson({{u"applicationAliasIds"_s, QJsonArray{sampleAliasDevice()}},
                                          {u"kaLatestVersion"_s, u"1.0.0"_s},
                                          {u"isEnableDownload10GStorage"_s, true}}));
-  addPreviews(library);
+  addPreviews(library, samplePreviews());
 }
 
 } // namespace sandbox

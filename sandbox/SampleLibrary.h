@@ -44,6 +44,8 @@ struct SamplePreview {
 /// The tag that tells an image's storage: "30" is the ordinary one.
 [[nodiscard]] QString storagePeriodTag();
 
+/// Adds these previews, and their list in the place of any other.
+void addPreviews(Library &library, const QList<SamplePreview> &previews);
 /// Adds the sample objects, folder markers, the settings object, the previews and their list.
 void fillSampleLibrary(Library &library);
 

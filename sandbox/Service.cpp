@@ -37,8 +37,9 @@ namespace sandbox {
 namespace {
 
 // Each host by name: clients refuse a wildcard directly below a top-level name.
-const QList<QByteArray> kNames{"DNS:localhost",     "DNS:api.localhost",  "DNS:www.localhost",  "DNS:idp.localhost",
-                               "DNS:sts.localhost", "DNS:logs.localhost", "DNS:*.s3.localhost", "IP:127.0.0.1"};
+const QList<QByteArray> kNames{"DNS:localhost",     "DNS:api.localhost",  "DNS:www.localhost",
+                               "DNS:idp.localhost", "DNS:sts.localhost",  "DNS:logs.localhost",
+                               "DNS:s3.localhost",  "DNS:*.s3.localhost", "IP:127.0.0.1"};
 
 void writePrivately(const QString &fileName, const QByteArray &content) {
   QSaveFile file(fileName);
@@ -134,8 +135,8 @@ public:
   RequestLog requests;
   Locked<QHash<quint64, bool>> storageConnections; ///< by number: whether it resumed a session
   Credentials credentials;
-  LogsApi logs{credentials};
-  S3Api storage{library, credentials};
+  LogsApi logs;
+  S3Api storage;
   // Made once the port is known, before the server starts:
   std::unique_ptr<Tokens> tokens;
   std::unique_ptr<AccountApi> account;
@@ -154,7 +155,8 @@ private:
 
 Service::Private::Private(const ServiceOptions &options)
     : temporary(options.folder.isEmpty() ? std::make_unique<QTemporaryDir>() : nullptr),
-      folder(madeFolder(temporary ? temporary->path() : options.folder)), authority(authorityIn(QDir(folder))) {
+      folder(madeFolder(temporary ? temporary->path() : options.folder)), authority(authorityIn(QDir(folder))),
+      logs(credentials, options.region), storage(library, credentials, options.region) {
 }
 
 /// Gets the ports.

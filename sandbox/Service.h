@@ -20,6 +20,7 @@ struct ServiceOptions {
   /// Keeps ca.pem, the authority's and the token key, the port and the links, so that a later service with the same
   /// folder is the same service. Empty: a temporary folder, gone with the service.
   QString folder{};
+  QByteArray region = "eu-west-1"; ///< what requests have to be signed for
   int requestsPerConnection = 100; ///< the last answer says that the connection ends
   /// Both put the service at a distance, as DistantLine does, but for badlyCertifiedPort().
   std::chrono::milliseconds roundTrip{}; ///< 0: none
@@ -57,9 +58,9 @@ enum class BadCertificate {
 };
 
 /// Everything the agent talks to, over HTTPS on one loopback port, near or at a distance: api., www., idp., sts. and
-/// logs.localhost, BUCKET.s3.localhost, and localhost/BUCKET for other clients. Starts answering in the constructor,
-/// which throws std::runtime_error when it cannot, and stops in the destructor without waiting for clients. Every
-/// function may be called from any thread.
+/// logs.localhost, BUCKET.s3.localhost or s3.localhost/BUCKET, and localhost/BUCKET for other clients. Starts answering
+/// in the constructor, which throws std::runtime_error when it cannot, and stops in the destructor without waiting for
+/// clients. Every function may be called from any thread.
 class Service {
 public:
   explicit Service(const ServiceOptions &options = {});

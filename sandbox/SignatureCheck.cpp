@@ -15,7 +15,6 @@ namespace sandbox {
 namespace {
 
 constexpr qint64 kMostSkewSeconds = 15 * 60;
-constexpr char kRegion[] = "eu-west-1";
 
 const Refusal kUnsigned{403, "AccessDenied", "Access Denied"};
 const Refusal kUnknownKey{403, "InvalidAccessKeyId",
@@ -35,6 +34,12 @@ const Refusal kWrongHash{400, "XAmzContentSHA256Mismatch",
 
 Refusal malformed(const QByteArray &message) {
   return {400, "AuthorizationHeaderMalformed", "The authorization header is malformed; " + message};
+}
+
+Refusal wrongRegion(const QByteArray &signedFor, const QByteArray &region) {
+  Refusal refusal = malformed("the region '" + signedFor + "' is wrong; expecting '" + region + '\'');
+  refusal.region = region;
+  return refusal;
 }
 
 SignatureVerdict refused(const Refusal &refusal) {
@@ -208,12 +213,12 @@ SignatureVerdict checkPresigned(const ReceivedRequest &request, const QByteArray
   return {.userId = known->userId};
 }
 
-SignatureVerdict checkSignatureV4(const ReceivedRequest &request, const QByteArray &service,
+SignatureVerdict checkSignatureV4(const ReceivedRequest &request, const QByteArray &region, const QByteArray &service,
                                   const Credentials &credentials, const QDateTime &now) {
   if (request.header("Authorization").isEmpty()) return refused(kUnsigned);
   const auto authorization = parsedAuthorization(request.header("Authorization"));
   if (!authorization) return refused(malformed("its parts cannot be told apart."));
-  if (authorization->region != kRegion) return refused(malformed("expecting 'eu-west-1'"));
+  if (authorization->region != region) return refused(wrongRegion(authorization->region, region));
   if (authorization->service != service) return refused(malformed("expecting service '" + service + "'"));
   const auto known = credentials.find(QString::fromLatin1(authorization->accessKeyId));
   if (!known) return refused(kUnknownKey);

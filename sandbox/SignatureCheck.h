@@ -16,6 +16,7 @@ struct Refusal {
   int status = 403;
   QByteArray code{};
   QByteArray message{};
+  QByteArray region{}; ///< the right one, where another was signed for
 };
 
 struct SignatureVerdict {
@@ -34,8 +35,9 @@ struct SignatureVerdict {
 /// Checks a presigned GET of something in @p bucket.
 [[nodiscard]] SignatureVerdict checkPresigned(const ReceivedRequest &request, const QByteArray &bucket,
                                               const Credentials &credentials, const QDateTime &now);
-/// Checks an Authorization header of Signature Version 4 for @p service ("s3" or "logs") in region eu-west-1.
-[[nodiscard]] SignatureVerdict checkSignatureV4(const ReceivedRequest &request, const QByteArray &service,
-                                                const Credentials &credentials, const QDateTime &now);
+/// Checks an Authorization header of Signature Version 4 for @p service ("s3" or "logs") in @p region.
+[[nodiscard]] SignatureVerdict checkSignatureV4(const ReceivedRequest &request, const QByteArray &region,
+                                                const QByteArray &service, const Credentials &credentials,
+                                                const QDateTime &now);
 
 } // namespace sandbox

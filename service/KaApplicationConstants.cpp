@@ -39,6 +39,15 @@ QString KaApplicationConstants::idTokenHostName() {
   return *value;
 }
 
+QString KaApplicationConstants::awsRegion() {
+  static const NoDestructor<QString> value([] {
+    const QString builtIn = u"eu-west-1"_s;
+    const QString region = lookUp({u"awsRegion"_s, builtIn}).trimmed();
+    return region.isEmpty() ? builtIn : region;
+  }());
+  return *value;
+}
+
 QString KaApplicationConstants::awsS3BucketName() {
   static const NoDestructor<QString> value(lookUp({u"awsS3BucketName"_s, u"strata-prd-content"_s}));
   return *value;
@@ -53,8 +62,16 @@ QString KaApplicationConstants::awsS3PreviewListBucketName() {
 }
 
 QString KaApplicationConstants::awsS3AccelerateHostName() {
-  static const NoDestructor<QString> value(lookUp({u"awsS3AccelerateHostName"_s, u"s3-accelerate.amazonaws.com"_s}));
+  // Accelerated hosts know no path style.
+  static const NoDestructor<QString> value(
+      lookUp({u"awsS3AccelerateHostName"_s,
+              awsS3PathStyle() ? u"s3.%1.amazonaws.com"_s.arg(awsRegion()) : u"s3-accelerate.amazonaws.com"_s}));
   return *value;
+}
+
+bool KaApplicationConstants::awsS3PathStyle() {
+  static const bool value = platform::standardUserDefaults().boolValue(u"awsS3PathStyle"_s);
+  return value;
 }
 
 QString KaApplicationConstants::awsStsHostName() {
@@ -69,7 +86,7 @@ QString KaApplicationConstants::awsStsRoleArn() {
 }
 
 QString KaApplicationConstants::awsLogsHostName() {
-  static const NoDestructor<QString> value(lookUp({u"awsLogsHostName"_s, u"logs.eu-west-1.amazonaws.com"_s}));
+  static const NoDestructor<QString> value(lookUp({u"awsLogsHostName"_s, u"logs.%1.amazonaws.com"_s.arg(awsRegion())}));
   return *value;
 }
 

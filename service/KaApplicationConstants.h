@@ -11,9 +11,12 @@ public:
   [[nodiscard]] static QString strataHostName();
   [[nodiscard]] static QString strataSiteTopHostName();
   [[nodiscard]] static QString idTokenHostName();
+  /// What requests are signed for. It is also in the built-in hosts of reports and of storage in path style.
+  [[nodiscard]] static QString awsRegion();
   [[nodiscard]] static QString awsS3BucketName();
   [[nodiscard]] static QString awsS3PreviewListBucketName();
-  [[nodiscard]] static QString awsS3AccelerateHostName(); ///< a bucket's host is BUCKET.<this>
+  [[nodiscard]] static QString awsS3AccelerateHostName(); ///< a bucket's host is BUCKET.<this>, in path style this
+  [[nodiscard]] static bool awsS3PathStyle();
   [[nodiscard]] static QString awsStsHostName();
   [[nodiscard]] static QString awsStsRoleArn();
   [[nodiscard]] static QString awsLogsHostName();

@@ -3,7 +3,6 @@
 #include "log/ExceptionGuard.h"
 #include "platform/ThreadName.h"
 #include "service/HttpStatus.h"
-#include "service/KaApplicationConstants.h"
 #include "service/KaKeptConnections.h"
 #include "service/KaServerRequest.h"
 #include "service/StorageRequests.h"
@@ -88,8 +87,7 @@ void KaListingAhead::read(Listing &listing) {
 std::optional<ListingAnswer> KaListingAhead::ask(const ListParameters &parameters) const {
   const KaCredential by = with.credential();
   if (by.accessKeyId.isEmpty()) return std::nullopt;
-  const QString url = presignedListURL(by, KaApplicationConstants::awsS3BucketName(),
-                                       KaApplicationConstants::awsS3AccelerateHostName(), parameters);
+  const QString url = presignedListURL(by, contentBucket(), parameters);
   const ServerAnswer answer = KaServerRequest::presignedAnswer(
       with.connections.perform(presignedRequest(url, by), {}, [this] { return hasToEnd(); }));
   // "Not found" is Success too, but what it means for the listing is only said of a question asked in its turn.

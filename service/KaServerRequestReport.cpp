@@ -19,6 +19,7 @@ QString authorizationFor(const KaCredential &credential, const QString &timestam
                          const QString &logMessage) {
   return signRequests(credential,
                       {.timestamp = timestamp,
+                       .region = KaApplicationConstants::awsRegion(),
                        .service = u"logs"_s,
                        .method = u"POST"_s,
                        .canonicalUri = u"/"_s,

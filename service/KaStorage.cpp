@@ -2,7 +2,6 @@
 
 #include "log/KaLogUtility.h"
 #include "service/HttpStatus.h"
-#include "service/KaApplicationConstants.h"
 #include "service/KaListingAhead.h"
 #include "service/KaServerRequest.h"
 #include "service/ListingXml.h"
@@ -99,10 +98,7 @@ ListingOutcome KaStorage::readPages(ListParameters parameters, const PageTaker &
 KaStorage::PageRead KaStorage::readPage(const KaCredential &by, const ListParameters &parameters) {
   if (auto page = listsAhead ? listsAhead->next(parameters) : std::nullopt)
     return {{.statusCode = kFound}, std::move(page)};
-  const ServerAnswer answer =
-      toSend.getAwsS3KeyList(presignedListURL(by, KaApplicationConstants::awsS3BucketName(),
-                                              KaApplicationConstants::awsS3AccelerateHostName(), parameters),
-                             by);
+  const ServerAnswer answer = toSend.getAwsS3KeyList(presignedListURL(by, contentBucket(), parameters), by);
   const bool isNotFound = meaningOf(answer.statusCode).document == StatusMeaning::Document::Missing;
   const ListingOutcome outcome = {answer.result, answer.statusCode, isNotFound};
   return {outcome, answer.result == KaResultCode::Success ? listingPageIn(answer.data) : std::nullopt};
@@ -137,8 +133,7 @@ StoredDocument KaStorage::previewList(const QString &account, const PieceTaker &
   downloadThread.check();
   const KaCredential by = credential();
   if (isMissing(by)) return {.result = KaResultCode::LinkInvalid};
-  const QString url = presignedObjectURL(by, KaApplicationConstants::awsS3PreviewListBucketName(),
-                                         KaApplicationConstants::awsS3AccelerateHostName(), account + u".json"_s);
+  const QString url = presignedObjectURL(by, previewListBucket(), account + u".json"_s);
   return documentOf(toSend.getAwsPreviewlList(url, by, take));
 }
 

@@ -31,10 +31,11 @@ QString SignatureString(const QString &expireUnixTime, const QString &bucket, co
   return percentEncodedWhole(QString::fromLatin1(toHMACSHA1(stringToSign, secretKey).toBase64()));
 }
 
-QString baseURLString(const QString &scheme, const QString &bucket, const QString &host, const QString &additionalPath,
+QString baseURLString(const QString &scheme, const BucketAddress &bucket, const QString &additionalPath,
                       const QString &optionPath) {
-  const QString path = additionalPath.isEmpty() ? QString() : u'/' + additionalPath;
-  return scheme + u"://"_s + bucket + u'.' + host + path + u'?' + optionPath;
+  const bool hasPath = bucket.isPathStyle || !additionalPath.isEmpty();
+  const QString path = hasPath ? bucket.path(additionalPath) : QString();
+  return scheme + u"://"_s + bucket.authority() + path + u'?' + optionPath;
 }
 
 QString optionURLString(const QString &accessKeyId, const QString &expireUnixTime, const QString &signature) {
@@ -48,16 +49,14 @@ QString createS3URLString(const QString &baseURL, const QString &optionURL, cons
          + parameter(u"continuation-token"_s, percentEncodedWhole(parameters.continuationToken)) + optionURL;
 }
 
-QString presignedListURL(const KaCredential &by, const QString &bucket, const QString &host,
-                         const ListParameters &parameters) {
-  return createS3URLString(baseURLString(u"https"_s, bucket, host, {}, u"list-type=2"_s), signedOptions(by, bucket, {}),
-                           parameters);
+QString presignedListURL(const KaCredential &by, const BucketAddress &bucket, const ListParameters &parameters) {
+  return createS3URLString(baseURLString(u"https"_s, bucket, {}, u"list-type=2"_s),
+                           signedOptions(by, bucket.bucket, {}), parameters);
 }
 
-QString presignedObjectURL(const KaCredential &by, const QString &bucket, const QString &host,
-                           const QString &objectKey) {
+QString presignedObjectURL(const KaCredential &by, const BucketAddress &bucket, const QString &objectKey) {
   const QString path = percentEncodedKey(objectKey);
-  return createS3URLString(baseURLString(u"https"_s, bucket, host, path, {}), signedOptions(by, bucket, path));
+  return createS3URLString(baseURLString(u"https"_s, bucket, path, {}), signedOptions(by, bucket.bucket, path));
 }
 
 QByteArray toHMACSHA1(const QString &text, const QString &key) {

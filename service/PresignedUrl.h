@@ -1,5 +1,6 @@
 #pragma once
 
+#include "service/BucketAddress.h"
 #include "service/KaCredential.h"
 
 #include <QByteArray>
@@ -17,13 +18,14 @@ struct ListParameters {
 };
 
 /// The signature of a GET of @p additionalPath (an object's key, percent-encoded as it travels; empty for the bucket
-/// itself), ready for a query.
+/// itself), ready for a query. It is the same wherever the bucket stands in the URL.
 [[nodiscard]] QString SignatureString(const QString &expireUnixTime, const QString &bucket, const QString &secretKey,
                                       const QString &sessionToken, const QString &additionalPath = {});
 
 /// "SCHEME://BUCKET.HOST/ADDITIONALPATH?OPTIONPATH", each part as it travels; what is empty is left out with its slash.
-[[nodiscard]] QString baseURLString(const QString &scheme, const QString &bucket, const QString &host,
-                                    const QString &additionalPath, const QString &optionPath);
+/// In path style "SCHEME://HOST/BUCKET/ADDITIONALPATH?OPTIONPATH", always with both slashes, since they are signed.
+[[nodiscard]] QString baseURLString(const QString &scheme, const BucketAddress &bucket, const QString &additionalPath,
+                                    const QString &optionPath);
 
 [[nodiscard]] QString optionURLString(const QString &accessKeyId, const QString &expireUnixTime,
                                       const QString &signature);
@@ -32,11 +34,10 @@ struct ListParameters {
                                         const ListParameters &parameters = {});
 
 /// The URL of a listing of @p bucket.
-[[nodiscard]] QString presignedListURL(const KaCredential &by, const QString &bucket, const QString &host,
+[[nodiscard]] QString presignedListURL(const KaCredential &by, const BucketAddress &bucket,
                                        const ListParameters &parameters);
 
 /// The URL of one object; its base has no option path, which leaves "?&" behind the path.
-[[nodiscard]] QString presignedObjectURL(const KaCredential &by, const QString &bucket, const QString &host,
-                                         const QString &objectKey);
+[[nodiscard]] QString presignedObjectURL(const KaCredential &by, const BucketAddress &bucket, const QString &objectKey);
 
 [[nodiscard]] QByteArray toHMACSHA1(const QString &text, const QString &key); ///< 20 bytes

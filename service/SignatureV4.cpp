@@ -10,7 +10,6 @@ using namespace Qt::StringLiterals;
 namespace {
 
 constexpr auto kAlgorithm = "AWS4-HMAC-SHA256"_L1;
-constexpr auto kRegion = "eu-west-1"_L1;
 constexpr auto kScopeEnd = "aws4_request"_L1;
 constexpr int kDigestSize = 32;
 
@@ -24,9 +23,9 @@ QString hashText(const QString &text) {
   return toHex(toSHA256hash(text));
 }
 
-QByteArray signingKey(const QString &secret, const QString &dateStamp, const QString &service) {
+QByteArray signingKey(const QString &secret, const QStringList &scope) {
   QByteArray key = "AWS4" + secret.toUtf8();
-  for (const QString &part : QStringList{dateStamp, kRegion, service, kScopeEnd})
+  for (const QString &part : scope)
     key = toHmacSHA256hash(key, part);
   return key;
 }
@@ -34,8 +33,8 @@ QByteArray signingKey(const QString &secret, const QString &dateStamp, const QSt
 } // namespace
 
 QString signRequests(const KaCredential &credential, const SignatureV4Request &request) {
-  const QString dateStamp = request.timestamp.left(8);
-  const QString scope = QStringList{dateStamp, kRegion, request.service, kScopeEnd}.join(u'/');
+  const QStringList scopeParts{request.timestamp.left(8), request.region, request.service, kScopeEnd};
+  const QString scope = scopeParts.join(u'/');
 
   // The canonical headers end in a line feed, which makes the blank line after them.
   const QString canonicalRequest =
@@ -44,7 +43,7 @@ QString signRequests(const KaCredential &credential, const SignatureV4Request &r
           .join(u'\n');
   const QString stringToSign =
       QStringList{kAlgorithm, request.timestamp, scope, hashText(canonicalRequest)}.join(u'\n');
-  const QByteArray key = signingKey(credential.secretAccessKey, dateStamp, request.service);
+  const QByteArray key = signingKey(credential.secretAccessKey, scopeParts);
 
   return kAlgorithm + u" Credential="_s + credential.accessKeyId + u'/' + scope + u", SignedHeaders="_s
          + request.signedHeaders + u", Signature="_s + toHex(toHmacSHA256hash(key, stringToSign));

@@ -6,12 +6,13 @@
 #include <QDateTime>
 #include <QString>
 
-/// AWS Signature Version 4, header form, always for the region "eu-west-1".
+/// AWS Signature Version 4, header form.
 
 /// @p canonicalUri is the path as it travels. @p canonicalHeaders is one line per header, each ended by a line feed;
 /// the caller orders and joins it.
 struct SignatureV4Request {
   QString timestamp; ///< as getCurrentTimeStampUTCFormat makes it
+  QString region;
   QString service;
   QString method;
   QString canonicalUri;

@@ -13,13 +13,25 @@ namespace {
 
 constexpr std::chrono::seconds kSignedRequestWait(100);
 
+BucketAddress bucketAddress(const QString &bucket) {
+  return {bucket, KaApplicationConstants::awsS3AccelerateHostName(), KaApplicationConstants::awsS3PathStyle()};
+}
+
 } // namespace
+
+BucketAddress contentBucket() {
+  return bucketAddress(KaApplicationConstants::awsS3BucketName());
+}
+
+BucketAddress previewListBucket() {
+  return bucketAddress(KaApplicationConstants::awsS3PreviewListBucketName());
+}
 
 SignedRequest signedRequest(const KaCredential &credential, const QString &objectKey, const QString &method,
                             const QString &query) {
-  const QString host =
-      KaApplicationConstants::awsS3BucketName() + u'.' + KaApplicationConstants::awsS3AccelerateHostName();
-  const QString path = u'/' + percentEncodedKey(objectKey);
+  const BucketAddress bucket = contentBucket();
+  const QString host = bucket.authority();
+  const QString path = bucket.path(percentEncodedKey(objectKey));
   SignedRequest made;
   made.url = u"https://"_s + host + path + u'?' + query;
   made.timestamp = signature_v4::getCurrentTimeStampUTCFormat(QDateTime::currentDateTimeUtc());
@@ -27,6 +39,7 @@ SignedRequest signedRequest(const KaCredential &credential, const QString &objec
   made.payloadHash = signature_v4::toHex(signature_v4::toSHA256hash(QString()));
   made.authorization =
       signRequests(credential, {.timestamp = made.timestamp,
+                                .region = KaApplicationConstants::awsRegion(),
                                 .service = u"s3"_s,
                                 .method = method,
                                 .canonicalUri = path,
@@ -54,8 +67,7 @@ HttpRequest presignedRequest(const QString &url, const KaCredential &credential)
 }
 
 QString objectURL(const KaCredential &by, const QString &key) {
-  return presignedObjectURL(by, KaApplicationConstants::awsS3BucketName(),
-                            KaApplicationConstants::awsS3AccelerateHostName(), key);
+  return presignedObjectURL(by, contentBucket(), key);
 }
 
 HttpRequest requestFor(const StorageQuestion &question, const KaCredential &by) {

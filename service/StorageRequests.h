@@ -1,5 +1,6 @@
 #pragma once
 
+#include "service/BucketAddress.h"
 #include "service/KaCredential.h"
 #include "service/KaHttpTransfer.h"
 #include "service/StorageQuestion.h"
@@ -14,6 +15,12 @@ struct SignedRequest {
   QString payloadHash;
   QString authorization;
 };
+
+/// @name Where the user defaults say that the buckets are
+/// @{
+[[nodiscard]] BucketAddress contentBucket();
+[[nodiscard]] BucketAddress previewListBucket();
+/// @}
 
 /// Signed now.
 [[nodiscard]] SignedRequest signedRequest(const KaCredential &credential, const QString &objectKey,

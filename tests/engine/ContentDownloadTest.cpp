@@ -105,18 +105,6 @@ TEST_F(ContentDownload, renewsASessionThatExpiresWithinTenMinutes) {
   }
 }
 
-TEST_F(ContentDownload, takesOfTheLongTermStorageWhatTheTagsAllow) {
-  addImages("A.JPG C.JPG");
-  for (const auto &[name, period] : {std::pair(u"B.JPG"_s, u"30"_s), {u"D.JPG"_s, u"365"_s}}) {
-    sandbox::LibraryObject object = image(u"10"_s, name);
-    object.tags = {{u"x-strata-storage-period"_s, period}};
-    add(object);
-  }
-  service.order(Endpoint::ObjectTagging, {.status = 503, .pathContains = u"A.JPG"_s});
-  expectPass(longTerm, Success, "C.JPG D.JPG", "C.JPG D.JPG", "C D");
-  EXPECT_EQ(record(), KaDownloadData());
-}
-
 TEST_F(ContentDownload, takesTheExpandVariantWhereThereIsOne) {
   sandbox::LibraryObject expanded = image(u"10"_s, u"A.JPG"_s);
   expanded.expandBody = QByteArray(9000, 'x');
@@ -165,20 +153,6 @@ TEST_F(ContentDownload, fetchesUntilTheSizeIsRightAndNeverTouchesAFileThatIsTher
   EXPECT_EQ(contentOf(path(u"A.JPG"_s)), "mine");
   EXPECT_EQ(contentOf(path(u"A_1.JPG"_s)), QByteArray(5000, 'p'));
   EXPECT_EQ(savedCount, 1U);
-}
-
-TEST_F(ContentDownload, takesWhatLiesWhereItWasPutForThePictureWhenItsRecordIsLost) {
-  addImages("A.JPG dev2/10/A.JPG");
-  sandbox::LibraryObject nameless = image(u"10"_s, u"B.JPG"_s);
-  nameless.fileNameMetadata = {};
-  add(nameless);
-  for (int pass = 0; pass < 2; ++pass) {
-    delegate.change([](auto &answers) { answers.records.clear(); });
-    const KaPassOutcome outcome = EngineParts(delegate, link).pass(target());
-    EXPECT_EQ(std::tuple(outcome.result, outcome.savedCount), std::tuple(Success, 2U));
-    EXPECT_EQ(files(), names("2024-04-30.JPG A.JPG A_1.JPG"));
-    EXPECT_EQ(record().ContentIds, names("A A"));
-  }
 }
 
 TEST_F(ContentDownload, keepsTheFourthCopyAndReplacesItUnlessTheUserTouchedIt) {

@@ -64,6 +64,15 @@ void EngineTest::addImages(const char *paths) {
   }
 }
 
+void EngineTest::takeLongTermStorageToo(const QString &folder) {
+  QDir().mkpath(folder);
+  delegate.change([&](FakeDelegate::Answers &answers) {
+    answers.option.checkBox10GDownload = u"true"_s;
+    answers.option.parent10GFolder = folder.isEmpty() ? profile.picturesFolder() : folder;
+  });
+  service.library().setSettingsObject(R"({"applicationAliasIds":[],"isEnableDownload10GStorage":true})");
+}
+
 void EngineTest::beginLogin(KaLink &link) {
   int noArguments = 0;
   const QCoreApplication application(noArguments, nullptr);

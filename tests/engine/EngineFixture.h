@@ -35,6 +35,8 @@ protected:
   void add(const sandbox::LibraryObject &object) { service.library().add(object); }
   /// Images "NAME", "HOUR/NAME" or "DEVICE/HOUR/NAME", with blanks between.
   void addImages(const char *paths);
+  /// The service offers the 10G storage, and the user wants it, in @p folder, else in the same folder.
+  void takeLongTermStorageToo(const QString &folder = {});
   /// Into the pictures folder.
   [[nodiscard]] KaContentTarget target(KaContentTarget rest = {.childFolder = 4}) const;
 

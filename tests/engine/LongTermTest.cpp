@@ -1,4 +1,5 @@
 #include "engine/KaDownloadReport.h"
+#include "sandbox/SampleLibrary.h"
 #include "tests/engine/EngineFixture.h"
 #include "tests/support/RefusedCalls.h"
 
@@ -8,29 +9,13 @@
 #include <QJsonObject>
 
 #include <malloc.h>
-#include <sys/stat.h>
 #include <sys/syscall.h>
-#include <unistd.h>
 
 using namespace Qt::StringLiterals;
 using namespace std::chrono_literals;
 using sandbox::Endpoint;
 using sandbox::Fault;
 using sandbox::Service;
-
-namespace {
-
-std::function<void(const QString &)> onFolderSync; ///< on the download thread; changed only while there is none
-
-} // namespace
-
-/// Stands before the C library's.
-int fsync(int file) {
-  struct stat facts {};
-  if (onFolderSync && ::fstat(file, &facts) == 0 && S_ISDIR(facts.st_mode))
-    onFolderSync(QFile::symLinkTarget(u"/proc/self/fd/%1"_s.arg(file)));
-  return static_cast<int>(::syscall(SYS_fsync, file));
-}
 
 namespace {
 
@@ -65,14 +50,12 @@ QByteArray list(const QByteArrayList &entries) {
 /// 1.JPG, 2.JPG, ..., taken on as many days; the third one's time is not known.
 Scene previews(int count) {
   return [=](Service &service) {
-    QByteArrayList entries;
+    QList<sandbox::SamplePreview> previews;
     for (int index = 1; index <= count; ++index) {
-      const QByteArray shot = index == 3 ? "null" : "\"2024-05-0" + QByteArray::number(index) + "T23:30:00\"";
-      entries << entry(index, shot, kPreview.size(), "20240601/07");
-      service.library().addRaw(sandbox::contentBucket(), u"images/preview/%1/%2.x"_s.arg(kUser).arg(index),
-                               {.body = kPreview});
+      const QString shot = index == 3 ? QString() : u"2024-05-0%1T23:30:00"_s.arg(index);
+      previews.append({index, u"%1.x"_s.arg(index), kPreview, u" %1.JPG"_s.arg(index), shot, u"20240601/07"_s});
     }
-    service.library().addRaw(sandbox::previewListBucket(), kUser + u".json"_s, {.body = list(entries)});
+    sandbox::addPreviews(service.library(), previews);
   };
 }
 
@@ -151,6 +134,7 @@ const Scene kOrdinary = pictureNamed(u"A.JPG"_s, u"30"_s);
 const Scene kOther = pictureNamed(u"B.JPG"_s);
 const Scene kOtherDropped =
     fault(Endpoint::ObjectGet, {.kind = Fault::Kind::DroppedConnection, .pathContains = u"B.JPG"_s});
+const Scene kTagsRefused = fault(Endpoint::ObjectTagging, {.status = 503, .pathContains = u"A.JPG"_s});
 const Scene kListingRefused = fault(Endpoint::ListItems, {.status = 403, .pathContains = u"19700101"_s});
 const Scene kPreviewsGone = fault(Endpoint::PreviewObject, {.status = 404});
 const Scene kSecondPreviewRefused = second(Endpoint::PreviewObject, {.status = 403});
@@ -169,6 +153,7 @@ INSTANTIATE_TEST_SUITE_P(
         Branch{"both", {kImage, previews(1)}, kBoth, 1, k10G + u"|10G 2K 1"_s},
         Branch{"ordinaryImages", {kOrdinary}, kBusy + u"|status 0"_s},
         Branch{"previewsGone", {kImage, previews(1), kPreviewsGone}, kBoth, 1, k10G + u"|10G 2K 0"_s},
+        Branch{"tagsFailOnce", {kImage, kOther, kTagsRefused}, kOne, 1, k10G},
         Branch{"imagesDropped", {kImage, kOther, kOtherDropped}, kBusy + u"|status 1"_s, 0, {}, u"7200"_s},
         Branch{"listingFails", {kImage, kListingRefused}, kRefused, 0},
         Branch{"previewListFails", {fault(Endpoint::PreviewList, {.status = 403})}, kRefused},
@@ -224,22 +209,6 @@ TEST_F(LongTerm, isTakenAgainOnceTheServiceOffersItAgain) {
   service.library().setSettingsObject(R"({"isEnableDownload10GStorage":null})");
   EXPECT_TRUE(askUntil(u"result 2"_s));
   EXPECT_TRUE(delegate.answers().offers10GStorage);
-}
-
-TEST_F(LongTerm, hasItsNamesOnDiskBeforeItIsBooked) {
-  kImage(service);
-  previews(2)(service);
-  QStringList synced;
-  onFolderSync = [&](const QString &folder) {
-    if (folder.startsWith(profile.picturesFolder()) && delegate.events().filter(u"save RecentPreview"_s).isEmpty())
-      synced << QDir(profile.picturesFolder()).relativeFilePath(folder);
-  };
-  EXPECT_TRUE(run());
-  processor.reset();
-  onFolderSync = nullptr;
-  synced.sort();
-  synced.removeDuplicates();
-  EXPECT_EQ(synced, names("10G 10G/2024_04_30 10G/2024_05_01 10G/2024_05_02"));
 }
 
 TEST_F(LongTerm, isReportedBesideTheOrdinaryStorageWhoseReportsComeWhateverTheResult) {

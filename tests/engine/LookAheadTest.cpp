@@ -40,11 +40,9 @@ protected:
       : ProcessorTest(defaults, u"user-0001"_s, {.roundTrip = 4ms}) {
     delegate.change([this](auto &answers) {
       answers.option.checkBoxDownloadMetadata = answers.option.checkBoxCreateSubfolder = u"true"_s;
-      answers.option.checkBox10GDownload = u"true"_s;
-      answers.option.parent10GFolder = longTerm();
       answers.option.childFolder = 0;
     });
-    service.library().setSettingsObject(R"({"applicationAliasIds":[],"isEnableDownload10GStorage":true})");
+    takeLongTermStorageToo(longTerm());
   }
 
   [[nodiscard]] QString longTerm() const { return profile.path(u"long-term"_s); }
@@ -285,16 +283,6 @@ TEST_F(LookAhead, keepsAsManyConnectionsAsRequestsAtOnceAndMakesNewOnesForThoseT
   EXPECT_EQ(service.connectionCount(), 1 + 120 * 2 / 100) << "each ends after 100 requests";
   // One after the other: of those that begin at once, one may find the session just taken up and not yet replaced.
   EXPECT_EQ(service.resumedConnectionCount(), service.connectionCount() - 1);
-}
-
-TEST_F(LookAhead, findsAKeptConnectionDeadAndAsksAgain) {
-  addMany(0, 10);
-  EXPECT_EQ(pass().savedCount, 10);
-  service.closeIdleConnections();
-  addMany(10, 10);
-  const KaListing found = parts->listing.getContentsList(KaTargetStorage::Days30, {});
-  EXPECT_EQ(parts->content.getContentsProcess(found.images, target()).savedCount, 10);
-  EXPECT_TRUE(logged(u"Download FAILURE"_s).isEmpty());
 }
 
 struct SlowLine : LookAhead {

@@ -28,14 +28,6 @@ protected:
     });
   }
 
-  /// Into the same folder.
-  void takeLongTermStorageToo() {
-    delegate.change([this](auto &answers) {
-      answers.option.checkBox10GDownload = u"true"_s;
-      answers.option.parent10GFolder = profile.picturesFolder();
-    });
-    service.library().setSettingsObject(R"({"isEnableDownload10GStorage":true})");
-  }
   /// Begins as a new process, and lets it make @p count runs.
   [[nodiscard]] bool makeRuns(int count) {
     processor.reset();
@@ -329,19 +321,17 @@ TEST_F(LookBack, takesWhatARecordOfTheFutureWouldShutOut) {
   EXPECT_EQ(fileNames(), names("A.JPG"));
 }
 
-TEST_F(LookBack, followsSoonOnAListingThatWasSaidToBeMissing) {
+TEST_F(LookBack, followsSoonOnAListingThatWasSaidToBeMissingAndNeedNotWhereItWasAskedAhead) {
   addImages("10/A.JPG dev2/11/B.JPG");
-  service.order(Endpoint::ListItems, {.status = 404, .pathContains = u"dev1"_s});
-  ASSERT_TRUE(makeRuns(2));
-  EXPECT_EQ(fileNames(), names("A.JPG B.JPG"));
-}
-
-TEST_F(LookBack, takesNoListingAskedAheadForEmptyThatWasSaidToBeMissing) {
-  platform::standardUserDefaults().setString(u"requestsAhead"_s, u"8"_s);
-  addImages("10/A.JPG dev2/11/B.JPG");
-  service.order(Endpoint::ListItems, {.status = 404, .pathContains = u"dev1"_s});
-  ASSERT_TRUE(makeRuns(1));
-  EXPECT_EQ(fileNames(), names("A.JPG B.JPG")) << "the question of its turn had its answer";
+  for (const bool isAhead : {true, false}) { // the question of its turn has its answer then
+    platform::standardUserDefaults().setString(u"requestsAhead"_s, isAhead ? u"8"_s : u"0"_s);
+    service.order(Endpoint::ListItems, {.status = 404, .pathContains = u"dev1"_s});
+    ASSERT_TRUE(makeRuns(isAhead ? 1 : 2));
+    EXPECT_EQ(fileNames(), names("A.JPG B.JPG")) << isAhead;
+    for (const QString &file : files())
+      QFile::remove(path(file));
+    delegate.forgetTaken();
+  }
 }
 
 TEST_F(LookBack, waitsForSettingsThatWereThereAMomentAgo) {

@@ -51,12 +51,9 @@ protected:
   /// An image that the ordinary storage's record has left behind.
   void offerToTheLongTermStorageAlone() {
     delegate.forgetTaken();
-    delegate.change([this](auto &answers) {
-      answers.option.checkBox10GDownload = u"true"_s;
-      answers.option.parent10GFolder = profile.picturesFolder();
-      answers.records[service.library().userId()].LastDateTime = u"20240601/00"_s;
-    });
-    service.library().setSettingsObject(R"({"isEnableDownload10GStorage":true})");
+    takeLongTermStorageToo();
+    delegate.change(
+        [this](auto &answers) { answers.records[service.library().userId()].LastDateTime = u"20240601/00"_s; });
     addImages("A.JPG");
   }
   void orderFor(Endpoint endpoint, int atRequest, const Fault &fault) {
@@ -268,11 +265,8 @@ TEST_F(News, isNotNeededToSeeANetworkNorToLogOutOrQuitWithoutOne) {
 
 /// A renewal that fails before a re-check: the third of a run whose credentials always expire.
 TEST_F(News, comesBackFromARenewalThatFailsBeforeAReCheck) {
-  delegate.change([](auto &answers) {
-    answers.waits.pollingError = 1ms;
-    answers.option.checkBox10GDownload = u"true"_s;
-  });
-  service.library().setSettingsObject(R"({"isEnableDownload10GStorage":true})");
+  delegate.change([](auto &answers) { answers.waits.pollingError = 1ms; });
+  takeLongTermStorageToo();
   service.setCredentialLifetime(300s);
   addImages("A.JPG");
   orderFor(Endpoint::RefreshToken, 3, {.status = 503, .times = 2});

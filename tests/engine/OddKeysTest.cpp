@@ -1,4 +1,5 @@
 #include "tests/support/OddKeys.h"
+#include "sandbox/SampleLibrary.h"
 #include "tests/engine/EngineFixture.h"
 
 #include <QDir>
@@ -18,9 +19,18 @@ QStringList oddNames() {
 }
 
 /// An account whose every name asks to be encoded, and what a run has to make of it: content by path.
-class OddKeys : public ProcessorTest, public testing::WithParamInterface<QString> {
+struct Account {
+  const char *name;
+  QString id;
+  QHash<QString, QString> defaults{};
+  QByteArray region = "eu-west-1";
+  QStringList hosts{u"strata-prd-content.s3.localhost"_s, u"strata-prd-ka-preview-list.s3.localhost"_s};
+};
+
+class OddKeys : public ProcessorTest, public testing::WithParamInterface<Account> {
 protected:
-  OddKeys() : ProcessorTest({}, GetParam()) {
+  OddKeys()
+      : ProcessorTest(GetParam().defaults, GetParam().id, {.region = GetParam().region, .requestsPerConnection = 1}) {
     delegate.change([this](auto &answers) {
       answers.option = {.parentFolder = path(u"30"_s), .parent10GFolder = path(u"10G"_s), .childFolder = 4};
     });
@@ -50,20 +60,12 @@ protected:
   }
 
   void addPreviews() {
-    QJsonArray data;
+    QList<sandbox::SamplePreview> previews;
     for (const QString &name : oddNames()) {
-      const QString key = u"images/preview/"_s + GetParam() + u'/' + name;
-      service.library().addRaw(sandbox::contentBucket(), key, {.body = key.toUtf8()});
-      data.append(QJsonObject{{u"index"_s, data.size() + 1},
-                              {u"preview_object_key"_s, key},
-                              {u"file_size"_s, key.toUtf8().size()},
-                              {u"original_file_name"_s, name},
-                              {u"shooting_time"_s, u"2024-05-01T10:00:00"_s},
-                              {u"upload_time"_s, u"20240501/10"_s}});
-      expected.insert(u"10G/"_s + name, key.toUtf8());
+      previews.append({int(previews.size()) + 1, name, "of " + name.toUtf8(), name, {}, u"20240501/10"_s});
+      expected.insert(u"10G/"_s + name, previews.last().body);
     }
-    service.library().addRaw(sandbox::previewListBucket(), GetParam() + u".json"_s,
-                             {.body = QJsonDocument(QJsonObject{{u"data"_s, data}}).toJson()});
+    sandbox::addPreviews(service.library(), previews);
   }
 
   int count = 0;
@@ -80,10 +82,22 @@ TEST_P(OddKeys, fillTheFoldersLikeAnyOthers) {
   EXPECT_EQ(arrived.keys(), expected.keys());
   EXPECT_TRUE(arrived == expected);
   EXPECT_EQ(logged(u"[NG]"_s), QStringList()) << "nothing was refused or missing on the way";
+  EXPECT_EQ(service.logEvents().size(), 3) << "reports";
+  for (const sandbox::RequestRecord &request : service.requests())
+    EXPECT_TRUE(!request.host.endsWith(u"s3.localhost") || GetParam().hosts.contains(request.host))
+        << qPrintable(request.host);
 }
 
-INSTANTIATE_TEST_SUITE_P(OfAccount, OddKeys,
-                         testing::Values(QString::fromLatin1(kOddAccount), u"realm/u@example.com"_s),
-                         [](const auto &row) { return row.index == 0 ? "withABar" : "withASlash"; });
+const Account kAccounts[] = {
+    {"withABar", QString::fromLatin1(kOddAccount)},
+    {"withASlash", u"realm/u@example.com"_s},
+    {"inPathStyleAndAnotherRegion",
+     QString::fromLatin1(kOddAccount),
+     {{u"awsRegion"_s, u"us-west-2"_s}, {u"awsS3PathStyle"_s, u"true"_s}},
+     "us-west-2",
+     {u"s3.localhost"_s}},
+};
+INSTANTIATE_TEST_SUITE_P(OfAccount, OddKeys, testing::ValuesIn(kAccounts),
+                         [](const auto &row) { return row.param.name; });
 
 } // namespace

@@ -69,13 +69,11 @@ TEST_F(Processor, fillsTheFolderChecksThreeTimesMoreAndFetchesWhatIsNewLater) {
 }
 
 TEST_F(Processor, asksInAFirstAndASecondRunWithoutFaultsForTheGivenThingsInTheirOrder) {
-  delegate.change([this](auto &answers) {
-    answers.option.checkBoxDownloadMetadata = answers.option.checkBox10GDownload = u"true"_s;
-    answers.option.parent10GFolder = profile.picturesFolder() + u"/10G"_s;
+  delegate.change([](auto &answers) {
+    answers.option.checkBoxDownloadMetadata = u"true"_s;
     answers.waits.pollingNormal = std::chrono::milliseconds(1);
   });
-  QDir().mkpath(profile.picturesFolder() + u"/10G"_s);
-  service.library().setSettingsObject(R"({"applicationAliasIds":[],"isEnableDownload10GStorage":true})");
+  takeLongTermStorageToo(path(u"10G"_s));
   sandbox::LibraryObject ordinary = image(u"10"_s, u"A.JPG"_s);
   ordinary.tags.insert(u"x-strata-storage-period"_s, u"30"_s);
   add(ordinary);
@@ -117,13 +115,6 @@ TEST_F(Processor, goesOnAfterAFailedPassAndCountsAnewWhenAReCheckFindsSomething)
   ASSERT_TRUE(askUntil(u"result 3 by user"_s));
   EXPECT_EQ(fetched(), names("A.JPG A.JPG B.JPG B.JPG B.JPG B.JPG")) << "what has come whole needs no name";
   EXPECT_EQ(files(), names("2024_04_30/2024-04-30.JPG 2024_04_30/A.JPG"));
-}
-
-TEST_F(Processor, renewsCredentialsThatExpireBeforeEachReCheckToo) {
-  service.setCredentialLifetime(std::chrono::seconds(300));
-  addImages("A.JPG");
-  ASSERT_TRUE(run());
-  EXPECT_EQ(asked().count(Endpoint::Sts), 1 + 1 + 3) << "for the pass, its image, and the re-checks";
 }
 
 TEST_F(Processor, waitsForANewLinkAfterABadTokenAndTellsOnlyTheUserWhoAskedThatThereIsNothing) {
@@ -226,42 +217,33 @@ protected:
   }
 };
 
-TEST_P(OldLink, endsItsRunWithoutAWordAndLeavesTheNewOneAlone) {
+TEST_P(OldLink, endsItsRunWithoutAWordAndIsNotBroughtBackByItsLateAnswer) {
+  struct End {
+    bool isClosed, isLoginBegun;
+    const char *files;
+  };
   addImages("A.JPG");
-  service.order(GetParam(), {.kind = Delay, .delay = std::chrono::hours(1)});
-  startBy(GetParam());
-  ASSERT_TRUE(waitForRequest(GetParam()));
-  delegate.forgetEvents();
-  service.library().setUserId(u"user-0002"_s);
-  const QString other = service.issueLinkedToken().idToken;
-  link.completeLogin(other); // nothing ends the request under way
-  service.clearFaults();
-  ASSERT_TRUE(delegate.waitForEvent(u"enableLoggin 1"_s));
-  EXPECT_TRUE(delegate.events().filter(QRegularExpression(u"^(result|status)"_s)).isEmpty());
-  EXPECT_EQ(link.idToken(), other);
-  EXPECT_EQ(KaLinkageUtility::loadLinkageSetting(), other);
-  EXPECT_EQ(pairingFiles(), names("PairingInfo"));
-  EXPECT_TRUE(files().isEmpty());
-  EXPECT_EQ(service.requests().back().endpoint, GetParam()) << "nothing was asked for in its name";
-}
-
-TEST_P(OldLink, isNotBroughtBackByItsLateAnswer) {
-  addImages("A.JPG");
-  for (const bool loginGivenUp : {false, true}) {
+  for (const End &end : {End{true, false, ""}, End{true, true, "tmpFile"}, End{false, false, "PairingInfo"}}) {
     service.order(GetParam(), {.kind = Delay, .delay = std::chrono::hours(1)});
     service.resetRequestCounts();
-    loginGivenUp ? linkTo(signIn()) : startBy(GetParam());
+    processor ? linkTo(signIn()) : startBy(GetParam());
     ASSERT_TRUE(waitForRequest(GetParam()));
     delegate.forgetEvents();
     delegate.change([](auto &answers) { answers.onlookers.clear(); });
-    link.close();
-    if (loginGivenUp) beginLogin(link);
+    service.library().setUserId(end.isClosed ? u"user-0001"_s : u"user-0002"_s);
+    const QString other = end.isClosed ? QString() : service.issueLinkedToken().idToken;
+    // Nothing ends the request under way.
+    end.isClosed ? link.close() : static_cast<void>(link.completeLogin(other));
+    if (end.isLoginBegun) beginLogin(link);
     service.clearFaults();
     ASSERT_TRUE(delegate.waitForEvent(u"enableLoggin 1"_s));
-    EXPECT_EQ(link.state(), KaLinkState::Unlinked);
-    EXPECT_EQ(pairingFiles(), loginGivenUp ? names("tmpFile") : QStringList());
-    EXPECT_TRUE(files().isEmpty());
+    EXPECT_TRUE(delegate.events().filter(QRegularExpression(u"^(result|status)"_s)).isEmpty());
     EXPECT_FALSE(delegate.answers().onlookers.join(u'|').contains(QRegularExpression(u"look|file|pass|wait "_s)));
+    EXPECT_EQ(link.state(), end.isClosed ? KaLinkState::Unlinked : KaLinkState::AwaitsFolders);
+    EXPECT_EQ(KaLinkageUtility::loadLinkageSetting().value_or(QString()), other);
+    EXPECT_EQ(pairingFiles(), names(end.files));
+    EXPECT_TRUE(files().isEmpty());
+    EXPECT_TRUE(end.isLoginBegun || service.requests().back().endpoint == GetParam()) << "nothing in its name";
   }
 }
 

@@ -97,22 +97,4 @@ TEST(WaitCondition, losesASignalWithoutAWaiterButNeitherWhatIsKeptNorTheEnd) {
   condition.wait([] { return false; });
 }
 
-TEST(WaitCondition, looksAtItsClockWhenToldToAndNowAndThen) {
-  const std::atomic<bool> ended = false;
-  for (const bool isTold : {true, false}) {
-    std::atomic<int> hoursAsleep = 0;
-    KaWaitCondition condition(ended,
-                              {.now = [&] { return platform::BootClock::now() + std::chrono::hours(hoursAsleep); },
-                               .lookInterval = std::chrono::milliseconds(isTold ? 3'600'000 : 1)});
-    std::jthread sleep([&] {
-      condition.awaitWaiter();
-      if (isTold) condition.lookAgain(); // too early
-      hoursAsleep = 1;
-      if (isTold) condition.lookAgain();
-    });
-    condition.wait(std::chrono::seconds(1800));
-    EXPECT_EQ(hoursAsleep, 1);
-  }
-}
-
 } // namespace

@@ -1,3 +1,4 @@
+#include "sandbox/SampleLibrary.h"
 #include "tests/engine/EngineFixture.h"
 
 #include <QCryptographicHash>
@@ -29,16 +30,12 @@ protected:
       : ProcessorTest({{u"timeoutIntervalForRequest"_s, QString::number(0.3 * kSlowness)},
                        {u"requestsAhead"_s, asksAhead() ? u"8"_s : u"0"_s}},
                       u"user-0001"_s, {.requestsPerConnection = asksAhead() ? 100 : 1}) {
-    const QString longTerm = u"long-term"_s;
-    delegate.change([&](auto &answers) {
+    takeLongTermStorageToo(path(u"long-term"_s));
+    delegate.change([](auto &answers) {
       answers.option.checkBoxDownloadMetadata = answers.option.checkBoxCreateSubfolder = u"true"_s;
-      answers.option.checkBox10GDownload = u"true"_s;
-      answers.option.parent10GFolder = path(longTerm);
       answers.waits.pollingError = 1ms;
     });
-    QDir().mkpath(path(longTerm));
     beginWithWhatIsThere();
-    service.library().setSettingsObject(R"({"applicationAliasIds":[],"isEnableDownload10GStorage":true})");
     for (const QString &path : names("dev1/10/A.JPG dev1/11/B.JPG dev2/11/B.JPG dev1/12/C.JPG"))
       add(unlike(path));
     sandbox::LibraryObject expanded = unlike(u"dev1/13/E.JPG"_s);
@@ -60,17 +57,10 @@ protected:
   }
 
   void addPreviews(int count) {
-    QByteArrayList entries;
-    for (int index = 1; index <= count; ++index) {
-      const QString key = u"images/preview/%1/%2.x"_s.arg(service.library().userId()).arg(index);
-      service.library().addRaw(sandbox::contentBucket(), key, {.body = QByteArray(100 + index, 'v')});
-      entries << R"({"index":%1,"preview_object_key":"%2","file_size":%3,"original_file_name":"P%1.JPG"})"_ba
-                     .replace("%1", QByteArray::number(index))
-                     .replace("%2", key.toUtf8())
-                     .replace("%3", QByteArray::number(100 + index));
-    }
-    service.library().addRaw(sandbox::previewListBucket(), service.library().userId() + u".json"_s,
-                             {.body = "{\"data\":[" + entries.join(',') + "]}"});
+    QList<sandbox::SamplePreview> previews;
+    for (int index = 1; index <= count; ++index)
+      previews.append({index, u"%1.x"_s.arg(index), QByteArray(100 + index, 'v'), u"P%1.JPG"_s.arg(index)});
+    sandbox::addPreviews(service.library(), previews);
   }
 
   /// makeRuns() begins with what is taken by now.

@@ -24,6 +24,7 @@ inline SignatureV4Request signedBy(const QJsonObject &row) {
     lines += header.key() + u':' + header->toString() + u'\n';
   const QString path = row.value(QLatin1StringView("path")).toString();
   return {.timestamp = headers[QStringLiteral("x-amz-date")].toString(),
+          .region = row.value(QLatin1StringView("region")).toString(),
           .service = row.value(QLatin1StringView("service")).toString(),
           .method = row.value(QLatin1StringView("method")).toString(),
           .canonicalUri = path.section(u'?', 0, 0),
@@ -39,7 +40,8 @@ inline QJsonObject oddRow(const QJsonObject &vectors, const QString &path) {
                              + signature_v4::toHex(signature_v4::toSHA256hash({})).toLatin1()
                              + R"(","x-amz-date":"20240501T100000Z","x-amz-security-token":")"
                              + credentialOf(vectors).sessionToken.toLatin1() + R"("})";
-  return {{QStringLiteral("service"), QStringLiteral("s3")},
+  return {{QStringLiteral("region"), QStringLiteral("eu-west-1")},
+          {QStringLiteral("service"), QStringLiteral("s3")},
           {QStringLiteral("method"), QStringLiteral("HEAD")},
           {QStringLiteral("host"), vectors[QLatin1StringView("host")]},
           {QStringLiteral("path"), path},

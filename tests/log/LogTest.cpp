@@ -85,6 +85,7 @@ TEST_F(Log, isStampedWithTheTimeHereAndBeginsANewFileWithTheDay) {
     }
     EXPECT_TRUE(stamped) << zone;
   }
+  EXPECT_EQ(loggedLines(profile).size(), 2) << "the day before stays as it is";
 }
 
 TEST_F(Log, startsSwitchedOffWhateverWasStored) {

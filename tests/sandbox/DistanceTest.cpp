@@ -95,26 +95,6 @@ TEST_F(Distant, costsThreeRoundTripsAtFirstAndOneOnAKeptConnection) {
   EXPECT_EQ(service.connectionCount(), 6);
 }
 
-TEST_F(Distant, letsClientsLearnOfCutsInTime) {
-  service.library().add({u"dev01"_s, u"20240501"_s, u"10"_s, u"1"_s, QByteArray(100'000, 'p')});
-  const auto listed = service.library().list(contentBucket(), {.prefix = "images/original/"}).objects;
-  const TemporaryCredential credential = service.issueCredential();
-  const QByteArray url =
-      service.presignedUrl(credential, contentBucket(), QString::fromUtf8(listed.value(0).key)).toUtf8();
-  const QByteArray token = "x-amz-security-token: " + credential.sessionToken.toLatin1();
-  const HeaderLine header(curl_slist_append(nullptr, token.constData()));
-  client.set(CURLOPT_HTTPHEADER, header.get());
-  service.order(Endpoint::ObjectGet, {.kind = Fault::Kind::TruncatedBody});
-  const auto half = client.get(url);
-  EXPECT_THAT(half.result, AnyOf(CURLE_PARTIAL_FILE, CURLE_RECV_ERROR));
-  EXPECT_EQ(half.size, 50'000);
-  service.order(Endpoint::ObjectGet, {.kind = Fault::Kind::DroppedConnection});
-  const auto none = client.get(url);
-  EXPECT_THAT(none.result, AnyOf(CURLE_GOT_NOTHING, CURLE_RECV_ERROR));
-  EXPECT_GE(none.took, 120ms);
-  EXPECT_EQ(client.get(url).size, 100'000);
-}
-
 struct Narrow : Distant {
   static constexpr qsizetype kBody = 100'000;
   Narrow() : Distant({.bytesPerSecond = 2 * kBody}) {}
@@ -174,26 +154,6 @@ TEST_F(Near, tellsHowItsStorageWasConnectedTo) {
   client.get(stored());
   EXPECT_EQ(service.connectionCount(), 1) << "one kept from before";
   EXPECT_EQ(service.resumedConnectionCount(), 1);
-}
-
-TEST_F(Near, keepsConnectionsUnlessAskedNotTo) {
-  EXPECT_EQ(client.get(stored()).newConnections, 1);
-  service.order(Endpoint::ObjectGet, {.kind = Fault::Kind::DroppedWhenKept});
-  const HeaderLine header(curl_slist_append(nullptr, "Connection: close"));
-  Client other(service);
-  other.set(CURLOPT_HTTPHEADER, header.get());
-  for (int time = 0; time < 2; ++time) {
-    const auto closed = other.get(stored());
-    EXPECT_EQ(closed.result, CURLE_OK);
-    EXPECT_EQ(closed.newConnections, 1);
-  }
-  EXPECT_EQ(client.get(stored()).newConnections, 1) << "dropped, and had by another try of libcurl's own";
-  EXPECT_EQ(service.requestCount(Endpoint::ObjectGet), 5);
-  for (const auto kind : {Fault::Kind::Uncounted, Fault::Kind::Deflated}) {
-    service.order(Endpoint::ObjectGet, {.kind = kind});
-    EXPECT_EQ(client.get(stored()).result, CURLE_OK);
-    EXPECT_EQ(client.get(stored()).newConnections, 1);
-  }
 }
 
 /// A line with a socket at either end.

@@ -44,4 +44,20 @@ TEST_F(Refusal, meetsAReaderOfTheStorageThatMayNot) {
   EXPECT_TRUE(answer({}, own).contains("<Error>"));
 }
 
+struct ElsewhereRefusal : ServiceTest {
+  ElsewhereRefusal() : ServiceTest({.region = "us-west-2"}) {}
+};
+
+TEST_F(ElsewhereRefusal, meetsWhatIsSignedForTheWrongRegion) {
+  const ServerAnswer tags = request.getAWSS3ObjectTag(by, imageKey);
+  EXPECT_EQ(tags.statusCode, 400);
+  EXPECT_TRUE(tags.data.contains("<Code>AuthorizationHeaderMalformed</Code><Message>The authorization header is "
+                                 "malformed; the region 'eu-west-1' is wrong; expecting 'us-west-2'</Message>"
+                                 "<Region>us-west-2</Region>"));
+  EXPECT_EQ(request.headAWSS3Object(by, imageKey).result, LinkInvalid);
+  EXPECT_TRUE(storage.document(imageKey).content == image.body) << "URLs are signed for no region";
+  EXPECT_EQ(request.notifyDownloadCompletion(by, u"{}"_s).statusCode, 400);
+  EXPECT_TRUE(service.logEvents().isEmpty());
+}
+
 } // namespace

@@ -45,8 +45,9 @@ QByteArray verdictOn(
   Credentials credentials;
   credentials.add(known);
   const QDateTime now = kSignedAt.addSecs(secondsLater);
-  const auto verdict = awsService.isEmpty() ? checkPresigned(request, bytes(vector, "bucket"_L1), credentials, now)
-                                            : checkSignatureV4(request, awsService, credentials, now);
+  const auto verdict = awsService.isEmpty()
+                           ? checkPresigned(request, bytes(vector, "bucket"_L1), credentials, now)
+                           : checkSignatureV4(request, bytes(vector, "region"_L1), awsService, credentials, now);
   return verdict.refusal ? verdict.refusal->code : "accepted from " + verdict.userId.toLatin1();
 }
 

@@ -166,7 +166,7 @@ TEST(KaTrustAnchors, holdThoseOfTheSystem) {
 
 /// An object of the storage, asked for on connections that are kept.
 struct Kept : ServiceTest {
-  Kept() : ServiceTest(100) {}
+  Kept() : ServiceTest({.requestsPerConnection = 100}) {}
 
   HttpRequest asked = {.url = presigned(imageKey), .headers = {{"x-amz-security-token", issued.sessionToken.toUtf8()}}};
   KaKeptConnections kept{impatient()};

@@ -13,8 +13,8 @@
 
 /// The service on this machine with one image in its library, and user defaults that lead to it.
 struct ServiceTest : testing::Test {
-  /// @param requests  else each request has a connection of its own, so that none is tried anew behind our back.
-  explicit ServiceTest(int requests = 1) : requestsPerConnection(requests) {
+  /// @param options  else each request has a connection of its own, so that none is tried anew behind our back.
+  explicit ServiceTest(const sandbox::ServiceOptions &options = {.requestsPerConnection = 1}) : service(options) {
     service.library().add(image);
     storage.setCredential(by);
   }
@@ -28,8 +28,7 @@ struct ServiceTest : testing::Test {
   [[nodiscard]] QString picture(const QString &name) const { return profile.picturesFolder() + u'/' + name; }
   [[nodiscard]] QStringList savedFiles() const { return filesBelow(profile.picturesFolder()); }
 
-  const int requestsPerConnection;
-  sandbox::Service service{{.requestsPerConnection = requestsPerConnection}};
+  sandbox::Service service;
   const TestProfile profile{service.userDefaults()};
   const sandbox::TemporaryCredential issued = service.issueCredential();
   const KaCredential by = {issued.accessKeyId, issued.secretAccessKey, issued.sessionToken,

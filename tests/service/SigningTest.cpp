@@ -1,4 +1,3 @@
-#include "service/PercentEncoding.h"
 #include "service/PresignedUrl.h"
 #include "tests/identity/SigningVectors.h"
 
@@ -13,17 +12,9 @@ namespace {
 TEST(SignatureV4, signsAsOtherImplementationsDo) {
   const QJsonObject vectors = signingVectors();
   const QJsonArray rows = vectors["signatureV4"_L1].toArray();
-  ASSERT_EQ(rows.size(), 3);
+  ASSERT_EQ(rows.size(), 4);
   for (const QJsonValue row : rows)
     EXPECT_EQ(signRequests(credentialOf(vectors), signedBy(row.toObject())), row["authorization"_L1].toString());
-  const QJsonObject odd = oddKeys();
-  ASSERT_EQ(odd["keys"_L1].toArray().size(), 22);
-  for (const QJsonValue row : odd["keys"_L1].toArray()) {
-    const QString path = u'/' + percentEncodedKey(row["key"_L1].toString());
-    EXPECT_EQ(path, row["encodedPath"_L1].toString());
-    EXPECT_EQ(signRequests(credentialOf(odd), signedBy(oddRow(odd, path))).section(u"Signature="_s, 1),
-              row["signatureV4"_L1].toString());
-  }
 }
 
 TEST(SignatureV4, hashesTextUpToTheFirstNulAndStampsTheTimeInUtc) {
@@ -42,16 +33,20 @@ TEST(PresignedUrl, signsAsOtherImplementationsDo) {
                               by.sessionToken, row["key"_L1].toString()),
               row["signaturePercentEncoded"_L1].toString());
   const QJsonObject odd = oddKeys();
+  const QString bucket = odd["bucket"_L1].toString();
+  ASSERT_EQ(odd["keys"_L1].toArray().size(), 22);
   for (const QJsonValue row : odd["keys"_L1].toArray())
-    EXPECT_EQ(presignedObjectURL(credentialOf(odd), odd["bucket"_L1].toString(), u"s3-accelerate.amazonaws.com"_s,
-                                 row["key"_L1].toString()),
-              u"https://"_s + odd["host"_L1].toString() + row["encodedPath"_L1].toString()
-                  + u"?&AWSAccessKeyId=ASIAEXAMPLEEXAMPLE01&Expires=2147483646&Signature="_s
-                  + QString::fromLatin1(row["signatureBase64"_L1].toString().toLatin1().toPercentEncoding()));
+    for (const auto &[place, isPathStyle] : {std::pair(odd["host"_L1].toString(), false), {u"h:1/"_s + bucket, true}})
+      EXPECT_EQ(presignedObjectURL(credentialOf(odd),
+                                   {bucket, isPathStyle ? u"h:1"_s : u"s3-accelerate.amazonaws.com"_s, isPathStyle},
+                                   row["key"_L1].toString()),
+                u"https://"_s + place + row["encodedPath"_L1].toString()
+                    + u"?&AWSAccessKeyId=ASIAEXAMPLEEXAMPLE01&Expires=2147483646&Signature="_s
+                    + QString::fromLatin1(row["signatureBase64"_L1].toString().toLatin1().toPercentEncoding()));
 }
 
 TEST(PresignedUrl, encodesListParametersAsKeysAndAContinuationTokenWhole) {
-  EXPECT_EQ(createS3URLString(baseURLString(u"https"_s, u"b"_s, u"host:1"_s, {}, u"list-type=2"_s),
+  EXPECT_EQ(createS3URLString(baseURLString(u"https"_s, {u"b"_s, u"host:1"_s}, {}, u"list-type=2"_s),
                               optionURLString(u"ID"_s, u"99"_s, u"S%3D"_s),
                               {u"a/auth0|5/c 1/"_s, u"a/~b=1_x-y.z+é"_s, u"/"_s, u"t/+=-._~é"_s}),
             u"https://b.host:1?list-type=2&prefix=a/auth0%7C5/c%201/&start-after=a/~b%3D1_x-y.z%2B%C3%A9&delimiter=/"

@@ -119,8 +119,6 @@ TEST_F(PowerCut, leavesOfEachFileTheOldOrTheNewAndOnceItIsSavedTheNew) {
     std::function<QString()> read;
   };
   const Kind kinds[] = {
-      {KaLinkageUtility::saveLinkageSetting, [] { return KaLinkageUtility::loadLinkageSetting().value_or(u"-"_s); }},
-      {KaLinkageUtility::saveTokenCode, [] { return KaLinkageUtility::loadTokenCode().value_or(u"-"_s); }},
       {[&](const QString &text) {
          return saveBookkeeping(record, u"key"_s, {text, {}});
        },

@@ -86,14 +86,6 @@ TEST_F(SettingsFiles, bringTheSettingsBackUpToTheFirstMissingValue) {
   EXPECT_EQ(loadDownloadOption(), (KaDownloadOption{u"/a"_s, u"/b"_s, u"true"_s, QString(), QString(), 0}));
 }
 
-TEST_F(SettingsFiles, bringNoSettingsBackWithoutBothParentFolders) {
-  const QByteArray whole = "<plist version=\"1.0\"><dict>" + kParents + kBoxes + "</dict></plist>";
-  for (const QByteArray missing : {"ParentFolder", "Parent10GFolder", "</dict>", "nothing"}) {
-    writeFile(path(kPlist), QByteArray(whole).replace(missing, "Other"));
-    EXPECT_EQ(loadDownloadOption().has_value(), missing == "nothing") << missing.constData();
-  }
-}
-
 TEST_F(SettingsFiles, areAbsentWithOneEntryOfTheLogWhenTheyAreThereButOfNoUse) {
   const auto asPlist = [](const QByteArray &doctype, const QByteArray &more) {
     return doctype + "<plist version=\"1.0\"><dict>" + kParents + more + "</dict></plist>";
@@ -107,6 +99,8 @@ TEST_F(SettingsFiles, areAbsentWithOneEntryOfTheLogWhenTheyAreThereButOfNoUse) {
   const std::tuple<QByteArray, qint64, bool> cases[] = {
       {asPlist("", ""), 1 << 20, true},
       {asPlist("", ""), (1 << 20) + 1, false},
+      {asPlist("", "").replace("<key>ParentFolder", "<key>Other"), 0, false},
+      {asPlist("", "").replace("Parent10GFolder", "Other"), 0, false},
       {nested(14), 0, true},
       {nested(15), 0, false},
       {nested(200'000).left(1 << 20), 0, false},

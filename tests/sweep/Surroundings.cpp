@@ -202,14 +202,7 @@ int open(const char *path, int flags, ...) {
   va_end(rest);
   return opened(path, flags, mode, next);
 }
-int open64(const char *path, int flags, ...) {
-  static auto *const next = real<int(const char *, int, ...)>("open64");
-  va_list rest;
-  va_start(rest, flags);
-  const mode_t mode = modeAfter(flags, rest);
-  va_end(rest);
-  return opened(path, flags, mode, next);
-}
+[[gnu::alias("open")]] int open64(const char *path, int flags, ...);
 ssize_t write(int file, const void *bytes, size_t count) {
   static auto *const next = real<ssize_t(int, const void *, size_t)>("write");
   return changed(file, [=] { return next(file, bytes, count); });
@@ -218,10 +211,7 @@ int ftruncate(int file, off_t size) noexcept {
   static auto *const next = real<int(int, off_t)>("ftruncate");
   return changed(file, [=] { return next(file, size); });
 }
-int ftruncate64(int file, off64_t size) noexcept {
-  static auto *const next = real<int(int, off64_t)>("ftruncate64");
-  return changed(file, [=] { return next(file, size); });
-}
+[[gnu::alias("ftruncate")]] int ftruncate64(int file, off64_t size) noexcept;
 int fchmod(int file, mode_t mode) noexcept {
   static auto *const next = real<int(int, mode_t)>("fchmod");
   return changed(file, [=] { return next(file, mode); });

@@ -1,6 +1,7 @@
 #include "tests/sweep/SweepFixture.h"
 
 #include "identity/KaLinkageUtility.h"
+#include "sandbox/SampleLibrary.h"
 #include "settings/SettingsFiles.h"
 
 #include <QDir>
@@ -77,20 +78,13 @@ void SweepTest::add(sandbox::LibraryObject object) {
 }
 
 void SweepTest::addPreviews(int count) {
-  QByteArrayList entries;
+  QList<sandbox::SamplePreview> previews;
   for (int index = 1; index <= count; ++index) {
     const QByteArray body = "preview " + QByteArray::number(index) + QByteArray(700, 'v');
-    const QString key = u"images/preview/%1/%2.x"_s.arg(service.library().userId()).arg(index);
-    service.library().addRaw(sandbox::contentBucket(), key, {.body = body});
     if (!pictures[kLongTerm].contains(body)) pictures[kLongTerm] << body;
-    entries << R"({"index":%1,"preview_object_key":"%2","file_size":%3,"original_file_name":"P%1.JPG",)"
-               R"("shooting_time":"2024-05-0%1T12:00:00","upload_time":"20240601/07"})"_ba
-                   .replace("%1", QByteArray::number(index))
-                   .replace("%2", key.toUtf8())
-                   .replace("%3", QByteArray::number(body.size()));
+    previews.append({index, u"%1.x"_s.arg(index), body, u"P%1.JPG"_s.arg(index), u"2024-05-0%1T12:00:00"_s.arg(index)});
   }
-  service.library().addRaw(sandbox::previewListBucket(), service.library().userId() + u".json"_s,
-                           {.body = "{\"data\":[" + entries.join(',') + "]}"});
+  sandbox::addPreviews(service.library(), previews);
 }
 
 QStringList SweepTest::roots() const {
