@@ -123,6 +123,7 @@ int runAgent(int &argc, char **argv, const CommandLine &commandLine) {
   qInstallMessageHandler(nullptr);
   describe();
   installTexts();
+  platform::tellLauncherOfStart();
   SingleInstance instance(showingActions());
   if (const auto status = prepareToRun(instance, commandLine)) return *status;
   // Before anyone can see the agent: from then on it ends in order.

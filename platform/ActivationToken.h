@@ -14,6 +14,8 @@ namespace platform {
 
 /// Takes what this process was started with out of its environment. Before there is another thread.
 void adoptLaunchToken();
+/// That the program is there, whether or not it shows a window: a busy cursor ends. Once there is a display.
+void tellLauncherOfStart();
 /// @param life  long enough for a login: its callback opens a window once its token has been verified.
 /// For what is shown from now on, instead of any before, also if it is empty: those were for something else.
 void keepActivationToken(const QString &token, std::chrono::milliseconds life = std::chrono::seconds(30));

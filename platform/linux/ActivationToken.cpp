@@ -2,6 +2,7 @@
 
 #include "platform/NoDestructor.h"
 #include "platform/ThreadBound.h"
+#include "platform/linux/StartupNotification.h"
 
 #include <QByteArray>
 
@@ -18,6 +19,8 @@ using Clock = std::chrono::steady_clock;
 constexpr auto kToken = "XDG_ACTIVATION_TOKEN";
 /// Its elder on X11.
 constexpr auto kStartupId = "DESKTOP_STARTUP_ID";
+/// Far beyond any desktop's.
+constexpr qsizetype kLongest = 1024;
 
 struct Kept {
   QString token;
@@ -55,7 +58,9 @@ void adoptLaunchToken() {
 
 void keepActivationToken(const QString &token, std::chrono::milliseconds life) {
   assertMainThread();
-  kept() = {token, Clock::now() + life};
+  const bool isLikely = token.size() <= kLongest;
+  kept() = {isLikely ? token : QString(), Clock::now() + life};
+  completeStartup(kept().token);
 }
 
 QString activationToken() {
@@ -63,6 +68,11 @@ QString activationToken() {
   adoptTrayToken();
   if (Clock::now() >= kept().end) kept().token.clear();
   return kept().token;
+}
+
+void tellLauncherOfStart() {
+  assertMainThread();
+  completeStartup(activationToken());
 }
 
 QString takeActivationToken() {

@@ -25,6 +25,7 @@ set(system_sources
   linux/Sight.cpp
   linux/SingleInstance.cpp
   linux/SleepNews.cpp
+  linux/StartupNotification.cpp linux/StartupNotification.h
   linux/TerminationSignals.cpp
   linux/ThreadName.cpp
   linux/TrayHost.cpp

@@ -9,6 +9,7 @@
 
 #include <gtest/gtest.h>
 
+#include <QAbstractNativeEventFilter>
 #include <QApplication>
 #include <QDBusConnection>
 #include <QDBusConnectionInterface>
@@ -19,6 +20,8 @@
 #include <QSettings>
 #include <QStandardPaths>
 #include <QSystemTrayIcon>
+
+#include <xcb/xcb.h>
 
 #include <optional>
 #include <stdexcept>
@@ -247,11 +250,31 @@ TEST_F(Desktop, withoutABusALoginCompletes) {
   EXPECT_EQ(agent.waitForEnd(1s * kSlowness), 0);
 }
 
+/// What programs tell a launcher.
+struct HeardOnRoot : QAbstractNativeEventFilter {
+  HeardOnRoot() { qApp->installNativeEventFilter(this); }
+  bool nativeEventFilter(const QByteArray & /*type*/, void *message, qintptr * /*result*/) override {
+    const auto *const event = static_cast<const xcb_client_message_event_t *>(message);
+    if ((event->response_type & 0x7f) == XCB_CLIENT_MESSAGE && event->format == 8)
+      heard.append(reinterpret_cast<const char *>(event->data.data8), sizeof event->data.data8);
+    return false;
+  }
+  [[nodiscard]] bool waitFor(const QByteArray &text) const {
+    return ::waitFor([&] { return heard.contains(text + '\0'); });
+  }
+  QByteArray heard;
+};
+
 TEST_F(Desktop, withoutATrayTheAgentStillAnswers) {
+  const HeardOnRoot root;
+  qputenv("DESKTOP_STARTUP_ID", "launcher \"1\"_TIME7");
   AgentProcess agent({}, u"xcb"_s);
   ASSERT_TRUE(agent.waitUntilServing());
+  EXPECT_TRUE(root.waitFor(R"(remove: ID="launcher \"1\"_TIME7")")) << "the launcher waits for a window";
+  qputenv("DESKTOP_STARTUP_ID", "launcher 2_TIME8");
   AgentProcess second;
   EXPECT_EQ(second.waitForEnd(10s), 0);
+  EXPECT_TRUE(root.waitFor(R"(remove: ID="launcher 2_TIME8")"));
   EXPECT_TRUE(waitForActiveWindow(u"Downloaderpictora"_s));
   ASSERT_TRUE(AgentProcess::requestAction(u"quit"_s));
   EXPECT_EQ(agent.waitForEnd(10s), 0);
