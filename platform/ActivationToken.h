@@ -12,9 +12,10 @@ namespace platform {
 /// opener that it is handed to. Main thread.
 /// @{
 
-/// Takes what this process was started with out of its environment. Before there is another thread.
+/// Takes what this process was started with out of its environment, where the display would look for it.
 void adoptLaunchToken();
-/// That the program is there, whether or not it shows a window: a busy cursor ends. Once there is a display.
+/// That the program is there, whether or not it shows a window: a busy cursor ends. Once there is a display, and before
+/// threads of ours.
 void tellLauncherOfStart();
 /// @param life  long enough for a login: its callback opens a window once its token has been verified.
 /// For what is shown from now on, instead of any before, also if it is empty: those were for something else.

@@ -50,10 +50,6 @@ void adoptLaunchToken() {
   const QString token = fromEnvironment(kToken);
   const QString startupId = fromEnvironment(kStartupId);
   keepActivationToken(token.isEmpty() ? startupId : token);
-  // Other threads read the environment while this one puts a token there. From now on it is the last entry, and there
-  // is room for it: nothing that they may be looking at moves.
-  qputenv(kToken, "-");
-  qunsetenv(kToken);
 }
 
 void keepActivationToken(const QString &token, std::chrono::milliseconds life) {
@@ -73,6 +69,10 @@ QString activationToken() {
 void tellLauncherOfStart() {
   assertMainThread();
   completeStartup(activationToken());
+  // Other threads will read the environment while this one puts a token there. From now on it is the last entry, and
+  // there is room for it: nothing that they may be looking at moves.
+  qputenv(kToken, "-");
+  qunsetenv(kToken);
 }
 
 QString takeActivationToken() {

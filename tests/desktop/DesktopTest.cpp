@@ -276,6 +276,10 @@ TEST_F(Desktop, withoutATrayTheAgentStillAnswers) {
   EXPECT_EQ(second.waitForEnd(10s), 0);
   EXPECT_TRUE(root.waitFor(R"(remove: ID="launcher 2_TIME8")"));
   EXPECT_TRUE(waitForActiveWindow(u"Downloaderpictora"_s));
+  const QSettings entry(QStringLiteral(KA_SOURCE "/resources/com.norvale.Downloaderpictora.desktop"),
+                        QSettings::IniFormat);
+  const QString windowClass = entry.value(u"Desktop Entry/StartupWMClass"_s).toString();
+  EXPECT_EQ(xdotool(u"search --onlyvisible --class ^%1$"_s.arg(windowClass)), xdotool(u"getactivewindow"_s));
   ASSERT_TRUE(AgentProcess::requestAction(u"quit"_s));
   EXPECT_EQ(agent.waitForEnd(10s), 0);
 }

@@ -41,8 +41,8 @@ protected:
     return waitFor([&] {
       Q_EMIT server.NotificationClosed(id, 1);       // by itself: it can still be clicked in the list of past ones
       Q_EMIT server.ActionInvoked(99, u"default"_s); // somebody else's
-      Q_EMIT server.ActivationToken(99, u"of 99"_s);
       Q_EMIT server.ActivationToken(id, u"of %1"_s.arg(id));
+      Q_EMIT server.ActivationToken(99, u"of 99"_s);
       Q_EMIT server.ActionInvoked(id, u"default"_s);
       QCoreApplication::processEvents();
       return clicked.size() > before;
