@@ -1,3 +1,4 @@
+#include "platform/ReleasedBy.h"
 #include "sandbox/Library.h"
 #include "sandbox/SampleLibrary.h"
 #include "sandbox/Service.h"
@@ -23,6 +24,8 @@
 
 #include <xcb/xcb.h>
 
+#include <cstdlib>
+#include <memory>
 #include <optional>
 #include <stdexcept>
 
@@ -255,13 +258,24 @@ struct HeardOnRoot : QAbstractNativeEventFilter {
   HeardOnRoot() { qApp->installNativeEventFilter(this); }
   bool nativeEventFilter(const QByteArray & /*type*/, void *message, qintptr * /*result*/) override {
     const auto *const event = static_cast<const xcb_client_message_event_t *>(message);
-    if ((event->response_type & 0x7f) == XCB_CLIENT_MESSAGE && event->format == 8)
+    if ((event->response_type & 0x7f) != XCB_CLIENT_MESSAGE || event->format != 8) return false;
+    if (event->type == begin) heard.clear();
+    if (event->type == begin || event->type == next)
       heard.append(reinterpret_cast<const char *>(event->data.data8), sizeof event->data.data8);
     return false;
   }
   [[nodiscard]] bool waitFor(const QByteArray &text) const {
     return ::waitFor([&] { return heard.contains(text + '\0'); });
   }
+  static xcb_atom_t atom(const QByteArray &name) {
+    auto *const display = qApp->nativeInterface<QNativeInterface::QX11Application>()->connection();
+    const auto request = xcb_intern_atom(display, 0, static_cast<uint16_t>(name.size()), name.constData());
+    const std::unique_ptr<xcb_intern_atom_reply_t, platform::ReleasedBy<&std::free>> reply(
+        xcb_intern_atom_reply(display, request, nullptr));
+    return reply->atom;
+  }
+  const xcb_atom_t begin = atom("_NET_STARTUP_INFO_BEGIN");
+  const xcb_atom_t next = atom("_NET_STARTUP_INFO");
   QByteArray heard;
 };
 
