@@ -4,6 +4,8 @@
 
 #include <chrono>
 
+class QWindow;
+
 namespace platform {
 
 /// The desktop's leave to come in front of what the user works with. A launcher, a notification, the tray or a browser
@@ -25,13 +27,19 @@ void keepActivationToken(const QString &token, std::chrono::milliseconds life = 
 /// The same, and it is used up.
 [[nodiscard]] QString takeActivationToken();
 
-/// While it lives, Qt finds the token where it looks for it when a window asks to be activated.
+/// Uses the token up, for a window. While it lives, Qt finds it where it looks for it.
 class ActivationScope {
 public:
   ActivationScope();
   ~ActivationScope();
   ActivationScope(const ActivationScope &) = delete;
   ActivationScope &operator=(const ActivationScope &) = delete;
+
+  /// Has the desktop bring @p window, which shows, in front.
+  void activate(QWindow &window) const;
+
+private:
+  const QString token;
 };
 
 /// @}

@@ -5,6 +5,7 @@
 #include "platform/linux/StartupNotification.h"
 
 #include <QByteArray>
+#include <QWindow>
 
 #include <chrono>
 #include <utility>
@@ -81,13 +82,17 @@ QString takeActivationToken() {
   return token;
 }
 
-ActivationScope::ActivationScope() {
-  const QString token = takeActivationToken();
+ActivationScope::ActivationScope() : token(takeActivationToken()) {
   if (!token.isEmpty()) qputenv(kToken, token.toUtf8());
 }
 
 ActivationScope::~ActivationScope() {
   qunsetenv(kToken);
+}
+
+void ActivationScope::activate(QWindow &window) const {
+  window.requestActivate();
+  activateByStartup(window, token);
 }
 
 } // namespace platform

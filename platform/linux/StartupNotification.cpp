@@ -4,6 +4,7 @@
 
 #include <QByteArray>
 #include <QGuiApplication>
+#include <QWindow>
 
 #include <xcb/xcb.h>
 
@@ -14,10 +15,16 @@
 namespace platform {
 namespace {
 
+constexpr QLatin1StringView kTimeMark("_TIME");
+
 xcb_connection_t *connection() {
   if (!qobject_cast<QGuiApplication *>(QCoreApplication::instance())) return nullptr;
   const auto *const x11 = qGuiApp->nativeInterface<QNativeInterface::QX11Application>();
   return x11 ? x11->connection() : nullptr;
+}
+
+xcb_window_t rootOf(xcb_connection_t *display) {
+  return xcb_setup_roots_iterator(xcb_get_setup(display)).data->root;
 }
 
 xcb_atom_t atomOf(xcb_connection_t *display, const QByteArray &name) {
@@ -58,13 +65,34 @@ void broadcast(xcb_connection_t *display, xcb_window_t root, xcb_window_t sender
 void completeStartup(const QString &id) {
   xcb_connection_t *const display = connection();
   if (!display || id.isEmpty()) return;
-  const xcb_window_t root = xcb_setup_roots_iterator(xcb_get_setup(display)).data->root;
+  const xcb_window_t root = rootOf(display);
   // Tells the pieces of this message from those of others.
   const xcb_window_t sender = xcb_generate_id(display);
   xcb_create_window(display, XCB_COPY_FROM_PARENT, sender, root, -1, -1, 1, 1, 0, XCB_WINDOW_CLASS_INPUT_ONLY,
                     XCB_COPY_FROM_PARENT, 0, nullptr);
   broadcast(display, root, sender, removalOf(id));
   xcb_destroy_window(display, sender);
+  xcb_flush(display);
+}
+
+void activateByStartup(const QWindow &window, const QString &id) {
+  xcb_connection_t *const display = connection();
+  const qsizetype mark = id.lastIndexOf(kTimeMark);
+  if (!display || mark < 0) return;
+  bool isTime = false;
+  const uint time = QStringView(id).sliced(mark + kTimeMark.size()).toUInt(&isTime);
+  if (!isTime || time == 0) return;
+  constexpr uint32_t kApplication = 1; // who asks
+  xcb_client_message_event_t event{};
+  event.response_type = XCB_CLIENT_MESSAGE;
+  event.format = 32;
+  event.window = static_cast<xcb_window_t>(window.winId());
+  event.type = atomOf(display, "_NET_ACTIVE_WINDOW");
+  event.data.data32[0] = kApplication;
+  event.data.data32[1] = time;
+  xcb_send_event(display, /*propagate=*/0, rootOf(display),
+                 XCB_EVENT_MASK_SUBSTRUCTURE_NOTIFY | XCB_EVENT_MASK_SUBSTRUCTURE_REDIRECT,
+                 reinterpret_cast<const char *>(&event));
   xcb_flush(display);
 }
 

@@ -255,10 +255,18 @@ TEST_F(Desktop, withoutABusALoginCompletes) {
 
 /// What programs tell a launcher.
 struct HeardOnRoot : QAbstractNativeEventFilter {
-  HeardOnRoot() { qApp->installNativeEventFilter(this); }
+  HeardOnRoot() {
+    qApp->installNativeEventFilter(this);
+    const uint32_t mask = XCB_EVENT_MASK_PROPERTY_CHANGE | XCB_EVENT_MASK_SUBSTRUCTURE_NOTIFY;
+    auto *const display = qApp->nativeInterface<QNativeInterface::QX11Application>()->connection();
+    xcb_change_window_attributes(display, xcb_setup_roots_iterator(xcb_get_setup(display)).data->root,
+                                 XCB_CW_EVENT_MASK, &mask);
+    xcb_flush(display);
+  }
   bool nativeEventFilter(const QByteArray & /*type*/, void *message, qintptr * /*result*/) override {
     const auto *const event = static_cast<const xcb_client_message_event_t *>(message);
-    if ((event->response_type & 0x7f) != XCB_CLIENT_MESSAGE || event->format != 8) return false;
+    if ((event->response_type & 0x7f) != XCB_CLIENT_MESSAGE) return false;
+    if (event->type == active) activations << event->data.data32[1];
     if (event->type == begin) heard.clear();
     if (event->type == begin || event->type == next)
       heard.append(reinterpret_cast<const char *>(event->data.data8), sizeof event->data.data8);
@@ -276,7 +284,9 @@ struct HeardOnRoot : QAbstractNativeEventFilter {
   }
   const xcb_atom_t begin = atom("_NET_STARTUP_INFO_BEGIN");
   const xcb_atom_t next = atom("_NET_STARTUP_INFO");
+  const xcb_atom_t active = atom("_NET_ACTIVE_WINDOW");
   QByteArray heard;
+  QList<uint> activations; ///< as of which time
 };
 
 TEST_F(Desktop, withoutATrayTheAgentStillAnswers) {
@@ -290,6 +300,7 @@ TEST_F(Desktop, withoutATrayTheAgentStillAnswers) {
   EXPECT_EQ(second.waitForEnd(10s), 0);
   EXPECT_TRUE(root.waitFor(R"(remove: ID="launcher 2_TIME8")"));
   EXPECT_TRUE(waitForActiveWindow(u"Downloaderpictora"_s));
+  EXPECT_TRUE(waitFor([&] { return root.activations.contains(8U); })) << "as of when the user started it";
   const QSettings entry(QStringLiteral(KA_SOURCE "/resources/com.norvale.Downloaderpictora.desktop"),
                         QSettings::IniFormat);
   const QString windowClass = entry.value(u"Desktop Entry/StartupWMClass"_s).toString();
