@@ -21,6 +21,7 @@ set(system_sources
   linux/Opening.cpp
   linux/ProcessEnd.cpp
   linux/ProfileLock.cpp linux/ProfileLock.h
+  linux/Proxies.cpp
   linux/Sight.cpp
   linux/SingleInstance.cpp
   linux/SleepNews.cpp
@@ -33,4 +34,4 @@ set(system_sources
   linux/UserId.cpp
   linux/VolumeFacts.cpp
   ${notifications_proxy})
-set(system_libraries Qt6::DBus PkgConfig::XCB PkgConfig::SYSTEMD)
+set(system_libraries Qt6::DBus PkgConfig::PROXY PkgConfig::XCB PkgConfig::SYSTEMD)
