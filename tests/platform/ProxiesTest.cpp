@@ -39,6 +39,16 @@ TEST_F(Proxies, areTheEnvironmentsAndAskedAnewOnNews) {
   EXPECT_EQ(waysTo("https://10.1.2.3/"), Ways{"direct://"});
 }
 
+TEST_F(Proxies, areThoseOfTheKdeDesktop) {
+  writeFile(profile.configFolder() + u"/kioslaverc"_s,
+            "[Proxy Settings]\nProxyType=1\nhttpsProxy=http://proxy.test 3131\nNoProxyFor=.other.example\n");
+  qputenv("KDE_FULL_SESSION", "true");
+  const Ways ways = waysTo("https://api.norvale.example/");
+  if (ways == Ways{"direct://"}) GTEST_SKIP() << "this system's libproxy knows no KDE settings";
+  EXPECT_EQ(ways, Ways{"http://proxy.test:3131"});
+  EXPECT_EQ(waysTo("https://a.other.example/"), Ways{"direct://"});
+}
+
 /// As the desktop keeps them where it has no service for that.
 TEST_F(Proxies, areThoseOfTheGnomeDesktop) {
   writeFile(profile.configFolder() + u"/glib-2.0/settings/keyfile"_s,

@@ -1,5 +1,5 @@
-#include "platform/linux/FileDescriptor.h"
 #include "service/KaTransport.h"
+#include "tests/service/DeadAddress.h"
 #include "tests/service/ServiceFixture.h"
 
 #include <arpa/inet.h>
@@ -43,31 +43,6 @@ bool addLoopbackAddress(const char *address) {
   return ::ioctl(socket.get(), SIOCSIFADDR, &request) == 0;
 }
 
-sockaddr_storage socketAddress(const char *text, quint16 port) {
-  sockaddr_storage address{};
-  if (std::strchr(text, ':')) {
-    auto &ipv6 = reinterpret_cast<sockaddr_in6 &>(address);
-    ipv6.sin6_family = AF_INET6;
-    ipv6.sin6_port = htons(port);
-    ::inet_pton(AF_INET6, text, &ipv6.sin6_addr);
-  } else {
-    auto &ipv4 = reinterpret_cast<sockaddr_in &>(address);
-    ipv4.sin_family = AF_INET;
-    ipv4.sin_port = htons(port);
-    ::inet_pton(AF_INET, text, &ipv4.sin_addr);
-  }
-  return address;
-}
-
-FileDescriptor boundSocket(const char *text, quint16 port, int type) {
-  const sockaddr_storage address = socketAddress(text, port);
-  FileDescriptor made(::socket(address.ss_family, type | SOCK_CLOEXEC, 0));
-  const int on = 1;
-  if (address.ss_family == AF_INET6) ::setsockopt(made.get(), IPPROTO_IPV6, IPV6_V6ONLY, &on, sizeof on);
-  if (::bind(made.get(), reinterpret_cast<const sockaddr *>(&address), sizeof address) != 0) return {};
-  return made;
-}
-
 bool hasIPv6() {
   return bool(boundSocket("::1", 0, SOCK_STREAM));
 }
@@ -77,21 +52,6 @@ struct Apart {
   const bool isApart =
       (::unshare(CLONE_NEWNS | CLONE_NEWNET) == 0 || ::unshare(CLONE_NEWUSER | CLONE_NEWNS | CLONE_NEWNET) == 0)
       && ::mount(nullptr, "/", nullptr, MS_REC | MS_PRIVATE, nullptr) == 0 && bringUpLoopback();
-};
-
-/// An address that answers to nobody: its queue is full, so that the kernel drops who comes.
-struct DeadAddress {
-  DeadAddress(const char *address, quint16 port) : listener(boundSocket(address, port, SOCK_STREAM)) {
-    const sockaddr_storage towards = socketAddress(address, port);
-    EXPECT_EQ(::listen(listener.get(), 0), 0);
-    for (int filler = 0; filler < 3; ++filler) {
-      FileDescriptor socket(::socket(towards.ss_family, SOCK_STREAM | SOCK_CLOEXEC | SOCK_NONBLOCK, 0));
-      (void)::connect(socket.get(), reinterpret_cast<const sockaddr *>(&towards), sizeof towards);
-      fillers[filler] = std::move(socket);
-    }
-  }
-  FileDescriptor listener;
-  FileDescriptor fillers[3];
 };
 
 /// A name server on 127.0.0.1 that knows every name: it is 127.0.0.1. Made once this process is apart.
@@ -143,16 +103,16 @@ struct Names : Apart, ServiceTest {
     forgetDesktopProxies();
   }
   void SetUp() override {
-    if (!isApart) GTEST_SKIP() << "this system gives nobody a network of his own";
-    replace("nsswitch.conf", "hosts: files dns\n");
-    replace("hosts", "127.0.0.1 localhost\n");
-    replace("resolv.conf", "nameserver 127.0.0.1\n");
+    const bool isOurs = isApart && replace("nsswitch.conf", "hosts: files dns\n")
+                        && replace("hosts", "127.0.0.1 localhost\n")
+                        && replace("resolv.conf", "nameserver 127.0.0.1\n");
+    if (!isOurs) GTEST_SKIP() << "this system gives nobody a network of his own";
   }
-  /// In the place of the system's own file.
-  void replace(const char *name, const QByteArray &content) const {
+  /// Puts a file in the place of the system's own.
+  [[nodiscard]] bool replace(const char *name, const QByteArray &content) const {
     writeFile(ours(name), content);
     const QByteArray theirs = QByteArray("/etc/") + name;
-    ASSERT_EQ(::mount(ours(name).toUtf8().constData(), theirs.constData(), nullptr, MS_BIND, nullptr), 0) << name;
+    return ::mount(ours(name).toUtf8().constData(), theirs.constData(), nullptr, MS_BIND, nullptr) == 0;
   }
   [[nodiscard]] QString ours(const char *name) const { return profile.path(QString::fromLatin1(name)); }
   static void setLimit(const char *seconds) {
@@ -179,7 +139,7 @@ class DeadFamily : public Names, public testing::WithParamInterface<Family> {};
 TEST_P(DeadFamily, leavesTheOther) {
   if (!addLoopbackAddress("::2")) GTEST_SKIP() << "this system has no IPv6";
   ASSERT_TRUE(waitFor([] { return bool(boundSocket("::2", 0, SOCK_STREAM)); })) << "it takes a moment to count";
-  replace("gai.conf", GetParam().order);
+  ASSERT_TRUE(replace("gai.conf", GetParam().order));
   QByteArray hosts;
   for (const char *const address : {GetParam().dead, GetParam().alive})
     hosts += QByteArray(address) + " api.sandbox.test\n";

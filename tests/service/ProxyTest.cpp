@@ -4,6 +4,8 @@
 #include "service/KaProxyChoice.h"
 #include "service/KaTransport.h"
 #include "service/SaveOrder.h"
+#include "service/ServiceClock.h"
+#include "tests/service/DeadAddress.h"
 #include "tests/service/ServiceFixture.h"
 
 #include <thread>
@@ -82,6 +84,7 @@ TEST_P(Interception, isNeverTakenForTheService) {
   EXPECT_EQ(told.outcome, GetParam().outcome);
   EXPECT_EQ(told.status, 0);
   EXPECT_TRUE(told.headers.empty() && told.body.isEmpty());
+  EXPECT_FALSE(ServiceClock::isFarOff()) << "whatever its clock shows";
   KaServerRequest asking;
   EXPECT_EQ(asking.getKaAppId().result,
             GetParam().outcome == Failed ? KaResultCode::Offline : KaResultCode::SecureConnectionFailed);
@@ -95,7 +98,8 @@ INSTANTIATE_TEST_SUITE_P(
     By, Interception,
     testing::Values(
         Portal{"redirect", "HTTP/1.1 302 Found\r\nLocation: https://portal.test/\r\nContent-Length: 0\r\n\r\n"},
-        Portal{"refusal", "HTTP/1.1 403 Forbidden\r\nContent-Type: text/html\r\nContent-Length: 4\r\n\r\nno!\n"},
+        Portal{"refusal",
+               "HTTP/1.1 403 Forbidden\r\nDate: Fri, 01 Jan 2021 00:00:00 GMT\r\nContent-Length: 4\r\n\r\nno!\n"},
         Portal{"password", "HTTP/1.1 407 No\r\nProxy-Authenticate: Basic realm=\"x\"\r\nContent-Length: 0\r\n\r\n"},
         Portal{"gateway", "HTTP/1.1 502 Bad Gateway\r\nContent-Length: 0\r\nConnection: close\r\n\r\n"},
         Portal{"page", "HTTP/1.1 200 OK\r\nContent-Type: text/html\r\n\r\n<html><body>Welcome</body></html>\r\n",
@@ -141,9 +145,12 @@ TEST_F(Proxied, hostsAreReachedByTheNextOneWhereOneCannotBeReached) {
     const TestProxy gone(0);
     dead = gone.port();
   }
+  const DeadAddress silence("127.0.0.2", dead);
+  setLimit("1");
+  const QByteArray port = ':' + QByteArray::number(dead);
   const QByteArray last = name(other).mid(7);
-  use(script(server,
-             "'PROXY 127.0.0.1:" + QByteArray::number(dead) + "; PROXY unknown.invalid:1; PROXY " + last + "'"));
+  use(script(server, "'PROXY 127.0.0.1" + port + "; PROXY unknown.invalid:1; PROXY 127.0.0.2" + port + "; PROXY " + last
+                         + "'"));
   const HttpAnswer first = ask(at(u"api"_s));
   if (server.requests().size() == 1 && other.requests().isEmpty()) GTEST_SKIP() << "this system runs no such scripts";
   EXPECT_EQ(first.status, 200);
