@@ -15,6 +15,7 @@
 #include <map>
 #include <thread>
 #include <utility>
+#include <vector>
 
 namespace platform {
 namespace {
@@ -54,6 +55,7 @@ private:
   };
 
   void work(int number);
+  [[nodiscard]] pxProxyFactory *takeSpare();
   [[nodiscard]] LookUpPointer next(int number);
   void take(int number, const LookUpPointer &lookUp, Ways ways);
   void startWorker() KA_REQUIRES(lock);
@@ -68,6 +70,9 @@ private:
   Clock::time_point begun KA_GUARDED_BY(lock){}; ///< what is under way or, with nothing, what waits
   int worker KA_GUARDED_BY(lock) = 0;            ///< the number of the one that counts; 0: none yet
   int leftBehindCount KA_GUARDED_BY(lock) = 0;
+  /// Of threads that were left behind and have come back. Never freed: that would unload the library which runs scripts
+  /// under its own threads.
+  std::vector<pxProxyFactory *> spare KA_GUARDED_BY(lock);
 };
 
 /// Outlives its threads: one may hang for as long as the process lives.
@@ -134,10 +139,7 @@ LookUpPointer Settings::next(int number) {
   const MutexLock scope(lock);
   while (number == worker && waiting.empty())
     workCame.wait(lock);
-  if (number != worker) {
-    --leftBehindCount;
-    return nullptr;
-  }
+  if (number != worker) return nullptr;
   underWay = std::move(waiting.front());
   waiting.pop_front();
   begun = Clock::now();
@@ -176,10 +178,21 @@ Ways waysTo(pxProxyFactory *factory, const QByteArray &url) {
 
 void Settings::work(int number) {
   nameThisThread("proxies");
-  // Never freed: that would unload the library which runs scripts under its own threads.
-  pxProxyFactory *const factory = px_proxy_factory_new();
+  pxProxyFactory *factory = takeSpare();
+  if (!factory) factory = px_proxy_factory_new();
   while (const LookUpPointer lookUp = next(number))
     take(number, lookUp, waysTo(factory, lookUp->url));
+  const MutexLock scope(lock);
+  --leftBehindCount;
+  spare.push_back(factory);
+}
+
+pxProxyFactory *Settings::takeSpare() {
+  const MutexLock scope(lock);
+  if (spare.empty()) return nullptr;
+  pxProxyFactory *const factory = spare.back();
+  spare.pop_back();
+  return factory;
 }
 
 } // namespace
