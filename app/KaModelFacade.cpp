@@ -9,6 +9,7 @@
 #include "platform/NoDestructor.h"
 #include "platform/SleepNews.h"
 #include "platform/ThreadBound.h"
+#include "service/KaProxyChoice.h"
 #include "service/LoopbackHost.h"
 #include "service/ServiceClock.h"
 #include "settings/FolderCheck.h"
@@ -52,7 +53,7 @@ KaModelFacade::~KaModelFacade() = default;
 KaSnapshot KaModelFacade::snapshot() const {
   KaSnapshot now = keeper.snapshot();
   now.linkState = link.state();
-  now.hasNetwork = hasNetwork();
+  now.hasNetwork = isServiceOnLoopback() || platform::hasNetwork() || isProxyHere;
   now.clockAhead = ServiceClock::computerAhead();
   return now;
 }
@@ -114,7 +115,11 @@ KaWaitTimes KaModelFacade::loadWaitTimeInfo(KaWaitTimes builtIn) const {
 }
 
 bool KaModelFacade::hasNetwork() const {
-  return isServiceOnLoopback() || platform::hasNetwork();
+  // Quitting may have to wait for it: a look-up that takes longer may be right the next time.
+  constexpr std::chrono::milliseconds kWaitForProxy(300);
+  if (isServiceOnLoopback() || platform::hasNetwork()) return true;
+  isProxyHere = isServiceProxyOnLoopback(kWaitForProxy);
+  return isProxyHere;
 }
 
 void KaModelFacade::setDownloadDataUUID(const QString &key) {

@@ -56,7 +56,7 @@ public:
   bool loadDownloadFolderSetting();       ///< always false
   [[nodiscard]] KaResultCode verifyDownloadOptionParentFolder(const QString &path) const override;
   [[nodiscard]] KaWaitTimes loadWaitTimeInfo(KaWaitTimes builtIn) const override;
-  [[nodiscard]] bool hasNetwork() const override;
+  [[nodiscard]] bool hasNetwork() const override; ///< blocks for a moment: never on the main thread
   /// @}
 
   /// @name Bookkeeping, by target key. Any thread.
@@ -162,6 +162,7 @@ private:
   bool canKeepFiles = false;   ///< fixed after construction: what the app folder was like at start
   bool hasToldUnsaved = false; ///< main thread: that a login was not stored
   std::atomic<bool> bOffers10GStorage = true;
+  mutable std::atomic<bool> isProxyHere = false; ///< so that no network is needed: as the last run found it
   KaSnapshotKeeper keeper;
   KaFault next; ///< download thread: all but the result of what is told next
   std::atomic<KaDownloadDelegate *> dlDelegate = nullptr;

@@ -70,9 +70,9 @@ CertifiedKey makeAuthority(const QByteArray &commonName) {
   addExtension(certificate.get(), certificate.get(), NID_basic_constraints, "critical,CA:TRUE,pathlen:0");
   addExtension(certificate.get(), certificate.get(), NID_key_usage, "critical,keyCertSign,cRLSign");
   addExtension(certificate.get(), certificate.get(), NID_subject_key_identifier, "hash");
-  // Whoever trusts it in a browser trusts it for loopback names alone.
+  // Whoever trusts it in a browser trusts it for loopback names and one that is nobody's alone.
   addExtension(certificate.get(), certificate.get(), NID_name_constraints,
-               "critical,permitted;DNS:localhost,permitted;IP:127.0.0.0/255.0.0.0");
+               "critical,permitted;DNS:localhost,permitted;DNS:sandbox.test,permitted;IP:127.0.0.0/255.0.0.0");
   sign(certificate.get(), certificate.get(), key.get());
   return {.certificate = toPem(certificate.get()), .key = toPem(key.get())};
 }

@@ -1,5 +1,6 @@
 #include "sandbox/DistantLine.h"
 
+#include "sandbox/Descriptor.h"
 #include "sandbox/WakeUp.h"
 
 #include <QByteArray>
@@ -36,20 +37,6 @@ constexpr qint64 kLargestPiece = 256 * 1024;
 constexpr qint64 kSlack = 256 * 1024;
 // Without a rate this is all that is on its way: 300 MB/s over a round trip of 50 ms.
 constexpr qint64 kWindow = 8 * 1024 * 1024;
-
-class Descriptor {
-public:
-  Descriptor(int made, const char *call) : handle(made) {
-    if (handle < 0) throw std::runtime_error(std::string(call) + " failed");
-  }
-  ~Descriptor() { ::close(handle); }
-  Descriptor(const Descriptor &) = delete;
-  Descriptor &operator=(const Descriptor &) = delete;
-  [[nodiscard]] int get() const { return handle; }
-
-private:
-  const int handle;
-};
 
 /// A descriptor, and what the kernel has said of it since it was last found dry or full.
 struct End {

@@ -201,7 +201,7 @@ bool writeSlice(httplib::DataSink &sink, const QByteArray &body, size_t offset, 
 
 class HttpServer::Private {
 public:
-  Private(const CertifiedKey &certificate, quint16 port, Handler handler, int requestsPerConnection);
+  Private(const CertifiedKey &certificate, const Place &place, Handler handler, int requestsPerConnection);
   ~Private();
 
   quint16 boundPort = 0;
@@ -211,7 +211,7 @@ public:
 
 private:
   void setUpServer(int requestsPerConnection);
-  void bind(quint16 port);
+  void bind(const Place &place);
   void answer(const httplib::Request &request, httplib::Response &response);
   static void setUncountedBody(const ServedAnswer &answer, const Client &client, httplib::Response &response);
   void setBody(const ServedAnswer &answer, const Client &client, httplib::Response &response);
@@ -224,13 +224,14 @@ private:
   std::thread listener;
 };
 
-HttpServer::Private::Private(const CertifiedKey &certificate, quint16 port, Handler handler, int requestsPerConnection)
+HttpServer::Private::Private(const CertifiedKey &certificate, const Place &place, Handler handler,
+                             int requestsPerConnection)
     : handle(std::move(handler)), server([this, &certificate](SSL_CTX &context) {
         setUp(context, certificate, connections);
         return true;
       }) {
   setUpServer(requestsPerConnection);
-  bind(port);
+  bind(place);
 }
 
 void HttpServer::Private::start() {
@@ -275,11 +276,11 @@ void HttpServer::Private::setUpServer(int requestsPerConnection) {
   });
 }
 
-void HttpServer::Private::bind(quint16 port) {
-  const int bound = port == 0                                ? server.bind_to_any_port("127.0.0.1")
-                    : server.bind_to_port("127.0.0.1", port) ? port
-                                                             : 0;
-  if (bound <= 0) throw std::runtime_error("cannot listen on port " + std::to_string(port));
+void HttpServer::Private::bind(const Place &place) {
+  const int bound = place.port == 0                                  ? server.bind_to_any_port(place.address)
+                    : server.bind_to_port(place.address, place.port) ? place.port
+                                                                     : 0;
+  if (bound <= 0) throw std::runtime_error("cannot listen on port " + std::to_string(place.port));
   boundPort = quint16(bound);
   server.lengthenQueue();
 }
@@ -364,8 +365,8 @@ void HttpServer::Private::setBody(const ServedAnswer &answer, const Client &clie
   response.set_content_provider(size_t(answer.body.size()), type, provide);
 }
 
-HttpServer::HttpServer(const CertifiedKey &certificate, quint16 port, Handler handler, int requestsPerConnection)
-    : d(std::make_unique<Private>(certificate, port, std::move(handler), requestsPerConnection)) {
+HttpServer::HttpServer(const CertifiedKey &certificate, const Place &place, Handler handler, int requestsPerConnection)
+    : d(std::make_unique<Private>(certificate, place, std::move(handler), requestsPerConnection)) {
 }
 
 HttpServer::~HttpServer() = default;

@@ -16,8 +16,13 @@ public:
   /// Called on the server's threads, many at a time.
   using Handler = std::function<ServedAnswer(const ReceivedRequest &)>;
 
+  struct Place {
+    quint16 port = 0; ///< 0: any free one
+    const char *address = "127.0.0.1";
+  };
+
   /// Has its port once constructed. Throws std::runtime_error when that cannot be had.
-  HttpServer(const CertifiedKey &certificate, quint16 port, Handler handler, int requestsPerConnection);
+  HttpServer(const CertifiedKey &certificate, const Place &place, Handler handler, int requestsPerConnection);
   /// Cuts every connection and returns when the last handler has.
   ~HttpServer();
   HttpServer(const HttpServer &) = delete;

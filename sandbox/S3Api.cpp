@@ -177,9 +177,9 @@ std::optional<StorageAddress> storageAddress(const ReceivedRequest &request) {
     const QByteArray bucket = textBefore(path, '/');
     return StorageAddress{bucket, path.mid(bucket.size() + 1)};
   }
-  const QByteArray tail = ".s3.localhost";
-  if (!host.endsWith(tail)) return std::nullopt;
-  return StorageAddress{host.chopped(tail.size()), path};
+  for (const QByteArray tail : {".s3.localhost", ".s3.sandbox.test"})
+    if (host.endsWith(tail)) return StorageAddress{host.chopped(tail.size()), path};
+  return std::nullopt;
 }
 
 Endpoint storageEndpoint(const ReceivedRequest &request, const StorageAddress &address) {

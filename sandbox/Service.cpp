@@ -37,9 +37,12 @@ namespace sandbox {
 namespace {
 
 // Each host by name: clients refuse a wildcard directly below a top-level name.
-const QList<QByteArray> kNames{"DNS:localhost",     "DNS:api.localhost",  "DNS:www.localhost",
-                               "DNS:idp.localhost", "DNS:sts.localhost",  "DNS:logs.localhost",
-                               "DNS:s3.localhost",  "DNS:*.s3.localhost", "IP:127.0.0.1"};
+QList<QByteArray> namesBelow(const QByteArray &domain) {
+  QList<QByteArray> names{"DNS:" + domain, "IP:127.0.0.1"};
+  for (const char *const name : {"api", "www", "idp", "sts", "logs", "s3", "*.s3"})
+    names << QByteArray("DNS:") + name + '.' + domain;
+  return names;
+}
 
 void writePrivately(const QString &fileName, const QByteArray &content) {
   QSaveFile file(fileName);
@@ -114,7 +117,7 @@ public:
   explicit Private(const ServiceOptions &options);
 
   [[nodiscard]] QString host(const QString &name, quint16 towards) const {
-    return u"%1.localhost:%2"_s.arg(name).arg(towards);
+    return u"%1.%2:%3"_s.arg(name, domain).arg(towards);
   }
   [[nodiscard]] quint16 port() const { return line ? line->port() : server->port(); }
   [[nodiscard]] QString url(const QString &name) const { return u"https://"_s + host(name, port()); }
@@ -127,6 +130,8 @@ public:
   std::atomic<std::chrono::seconds> clockAhead = std::chrono::seconds(0);
   const std::unique_ptr<QTemporaryDir> temporary; ///< only when no folder was given
   const QString folder;
+  const QString domain;
+  const QList<QByteArray> names = namesBelow(domain.toLatin1()); ///< for its certificate
   const CertifiedKey authority;
   const QString clientId = u"sandbox-client"_s;
 
@@ -147,6 +152,7 @@ public:
   std::mutex opening;
   // Last, so that no handler runs while the rest goes away.
   std::vector<std::unique_ptr<HttpServer>> badlyCertified; ///< behind `opening`
+  std::unique_ptr<HttpServer> ipv6Server;                  ///< only where it is wanted
   std::unique_ptr<HttpServer> server;
 
 private:
@@ -155,20 +161,23 @@ private:
 
 Service::Private::Private(const ServiceOptions &options)
     : temporary(options.folder.isEmpty() ? std::make_unique<QTemporaryDir>() : nullptr),
-      folder(madeFolder(temporary ? temporary->path() : options.folder)), authority(authorityIn(QDir(folder))),
-      logs(credentials, options.region), storage(library, credentials, options.region) {
+      folder(madeFolder(temporary ? temporary->path() : options.folder)), domain(options.domain),
+      authority(authorityIn(QDir(folder))), logs(credentials, options.region),
+      storage(library, credentials, options.region) {
 }
 
 /// Gets the ports.
 void Service::Private::open(const ServiceOptions &options) {
-  const auto serverOn = [&](quint16 port) {
+  const auto serverAt = [&](const HttpServer::Place &place) {
     return std::make_unique<HttpServer>(
-        makeServerCertificate(authority, kNames), port,
+        makeServerCertificate(authority, names), place,
         [this](const ReceivedRequest &request) { return answer(request); }, options.requestsPerConnection);
   };
+  const auto serverOn = [&](quint16 port) { return serverAt({port}); };
   const Distance distance{.roundTrip = options.roundTrip, .bytesPerSecond = options.bytesPerSecond};
   if (!distance.isSome()) {
     server = onPublicPort(QDir(folder), options.port, serverOn);
+    if (options.onIPv6) ipv6Server = serverAt({server->port(), "::1"});
     return;
   }
   line = onPublicPort(QDir(folder), options.port,
@@ -239,12 +248,12 @@ ServedAnswer Service::Private::rightAnswer(const ReceivedRequest &request, Endpo
 CertifiedKey Service::Private::badCertificate(BadCertificate kind) const {
   switch (kind) {
   case BadCertificate::UnknownAuthority:
-    return makeServerCertificate(makeAuthority("Somebody else"), kNames);
+    return makeServerCertificate(makeAuthority("Somebody else"), names);
   case BadCertificate::WrongName:
     return makeServerCertificate(authority, {"DNS:elsewhere.localhost"});
   case BadCertificate::Expired: {
     const QDateTime now = QDateTime::currentDateTimeUtc();
-    return makeServerCertificate(authority, kNames, {.from = now.addDays(-3), .until = now.addDays(-1)});
+    return makeServerCertificate(authority, names, {.from = now.addDays(-3), .until = now.addDays(-1)});
   }
   }
   Q_UNREACHABLE();
@@ -262,6 +271,7 @@ Service::Service(const ServiceOptions &options) : d(std::make_unique<Private>(op
   d->sts = std::make_unique<StsApi>(*d->tokens, d->credentials);
   d->site = std::make_unique<SiteApi>(*d->account, d->requests, d->logs);
   d->server->start();
+  if (d->ipv6Server) d->ipv6Server->start();
   if (d->line) d->line->start(d->server->port());
 }
 
@@ -296,7 +306,8 @@ QHash<QString, QString> Service::userDefaults(quint16 towards) const {
 
 quint16 Service::badlyCertifiedPort(BadCertificate kind) {
   auto another = std::make_unique<HttpServer>(
-      d->badCertificate(kind), 0, [this](const ReceivedRequest &request) { return d->answer(request); },
+      d->badCertificate(kind), HttpServer::Place(),
+      [this](const ReceivedRequest &request) { return d->answer(request); },
       /*requestsPerConnection=*/1);
   another->start();
   const std::lock_guard lock(d->opening);

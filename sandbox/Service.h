@@ -20,6 +20,10 @@ struct ServiceOptions {
   /// Keeps ca.pem, the authority's and the token key, the port and the links, so that a later service with the same
   /// folder is the same service. Empty: a temporary folder, gone with the service.
   QString folder{};
+  /// The one that its hosts are below. "sandbox.test" is the other one that its authority may vouch for; it is
+  /// nobody's, so that clients find it through a proxy or a name server of a test's own.
+  QString domain = QStringLiteral("localhost");
+  bool onIPv6 = false;             ///< answers on ::1, too, on the same port; not at a distance
   QByteArray region = "eu-west-1"; ///< what requests have to be signed for
   int requestsPerConnection = 100; ///< the last answer says that the connection ends
   /// Both put the service at a distance, as DistantLine does, but for badlyCertifiedPort().

@@ -25,3 +25,15 @@ TransportOutcome transportOutcome(int curlCode) {
     return TransportOutcome::Failed;
   }
 }
+
+bool saysUnreachable(int curlCode) {
+  switch (curlCode) {
+  case CURLE_COULDNT_RESOLVE_PROXY:
+  case CURLE_COULDNT_RESOLVE_HOST:
+  case CURLE_COULDNT_CONNECT:
+  case CURLE_PROXY: // what answers does not speak the kind of SOCKS that is asked for
+    return true;
+  default:
+    return false;
+  }
+}

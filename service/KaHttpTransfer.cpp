@@ -1,5 +1,6 @@
 #include "service/KaHttpTransfer.h"
 
+#include "platform/Proxies.h"
 #include "platform/ReleasedBy.h"
 #include "service/CurlOutcome.h"
 #include "service/HttpStatus.h"
@@ -70,6 +71,24 @@ private:
   bool accepted = true;
 };
 
+/// Empty strings, lest libcurl asks the environment by itself.
+void setProxy(Options &options, const ProxyAddress &way) {
+  options.set(CURLOPT_PROXY, way.url.constData()).set(CURLOPT_NOPROXY, "");
+  if (way.isDirect()) return;
+  options.set(CURLOPT_HTTPPROXYTUNNEL, 1L)
+      .set(CURLOPT_SUPPRESS_CONNECT_HEADERS, 1L) // they are not the service's
+      .set(CURLOPT_HEADEROPT, static_cast<long>(CURLHEADER_SEPARATE))
+      .set(CURLOPT_PROXY_SSLVERSION, static_cast<long>(CURL_SSLVERSION_TLSv1_2))
+      .set(CURLOPT_PROXY_CAINFO, static_cast<const char *>(nullptr)) // as for the host
+      .set(CURLOPT_PROXY_CAPATH, static_cast<const char *>(nullptr));
+  if (way.user.isEmpty()) return;
+  // A round trip more for each tunnel than to send the password unasked; but where the proxy knows a way that does not
+  // show it to everybody between, that one is taken.
+  options.set(CURLOPT_PROXYAUTH, static_cast<long>(CURLAUTH_ANY))
+      .set(CURLOPT_PROXYUSERNAME, way.user.constData())
+      .set(CURLOPT_PROXYPASSWORD, way.password.constData());
+}
+
 /// Watches the TLS of the latest connection. Outlives the connections.
 class TlsWatch {
 public:
@@ -79,6 +98,8 @@ public:
   [[nodiscard]] bool prepare(SSL_CTX *context) {
     SSL_CTX_set_keylog_callback(context, nullptr); // no session keys into a file that the environment names
     SSL_CTX_set_info_callback(context, &progress);
+    latest = context; // with a proxy that speaks TLS itself, the host's comes after it
+    goodbye = false;
     return SSL_CTX_set_ex_data(context, index(), this) == 1 && anchors.installInto(context);
   }
   /// The peer has told that nothing more will come.
@@ -91,19 +112,15 @@ private:
   }
 
   static void progress(const SSL *session, int where, int alert) {
-    auto *const watch = static_cast<TlsWatch *>(SSL_CTX_get_ex_data(SSL_get_SSL_CTX(session), index()));
-    if (!watch) return;
-    if ((where & SSL_CB_HANDSHAKE_START) != 0) {
-      watch->latest = session;
-      watch->goodbye = false;
-    }
+    const SSL_CTX *const context = SSL_get_SSL_CTX(session);
+    auto *const watch = static_cast<TlsWatch *>(SSL_CTX_get_ex_data(context, index()));
     const bool isGoodbye = (where & SSL_CB_READ_ALERT) == SSL_CB_READ_ALERT && (alert & 0xFF) == SSL_AD_CLOSE_NOTIFY;
-    // A connection of before may say its goodbye late.
-    if (isGoodbye && session == watch->latest) watch->goodbye = true;
+    // A connection of before may say its goodbye late, and a proxy's says nothing of the host.
+    if (watch && isGoodbye && context == watch->latest) watch->goodbye = true;
   }
 
   const KaTrustAnchors &anchors;
-  const SSL *latest = nullptr;
+  const SSL_CTX *latest = nullptr; ///< of the latest connection, to the host itself
   bool goodbye = false;
 };
 
@@ -145,6 +162,12 @@ public:
   [[nodiscard]] bool hasFoundKeptOneDead() const {
     long made = 0;
     return headerBytes == 0 && curl_easy_getinfo(easy, CURLINFO_NUM_CONNECTS, &made) == CURLE_OK && made == 0;
+  }
+
+  /// Whether the proxy, or the host where there is none, has taken a connection.
+  [[nodiscard]] bool isConnected() const {
+    curl_off_t value = 0;
+    return curl_easy_getinfo(easy, CURLINFO_CONNECT_TIME_T, &value) == CURLE_OK && value > 0;
   }
 
   /// Grows whenever something arrives or the connection gets a step further.
@@ -245,12 +268,7 @@ public:
     if (multi) curl_multi_setopt(multi.get(), CURLMOPT_MAXCONNECTS, 1L);
   }
 
-  struct Tried {
-    HttpAnswer answer;
-    bool isWorthAnother = false; ///< on a fresh connection
-  };
-  [[nodiscard]] Tried exchangeOnce(const HttpRequest &request, const BodySink &sink, const ShallEnd &shallEnd,
-                                   bool isFresh);
+  [[nodiscard]] HttpAnswer exchange(const HttpRequest &request, const BodySink &sink, const ShallEnd &shallEnd);
   void cancel();
 
   /// None while no thread is in perform(); only cancel() makes it Cancelled.
@@ -259,14 +277,36 @@ public:
   const bool keepsConnection;
 
 private:
+  /// What one exchange goes by, however many times it is tried.
+  struct Order {
+    const HttpRequest &request;
+    const BodySink &sink;
+    const ShallEnd &shallEnd;
+    const Clock::time_point start = Clock::now(); ///< of the limits
+  };
+  struct Attempt {
+    const ProxyAddress &way;
+    bool isFresh = true;
+  };
+  struct Tried {
+    HttpAnswer answer;
+    bool isWorthAnother = false; ///< on a fresh connection
+    bool isUnreachable = false;  ///< another way may lead there
+  };
+  struct Ended {
+    TransportOutcome outcome = TransportOutcome::Failed;
+    bool isUnreachable = false;
+  };
+  [[nodiscard]] std::vector<ProxyAddress> waysTo(const Order &order);
+  [[nodiscard]] Tried exchangeBy(const Order &order, const ProxyAddress &way);
+  [[nodiscard]] Tried exchangeOnce(const Order &order, const Attempt &attempt);
   [[nodiscard]] bool prepare(const EasyHandle &easy, const HttpRequest &request, const QByteArray &url,
-                             const HeaderLines &headers, Exchange &exchange, bool isFresh);
-  [[nodiscard]] TransportOutcome run(const EasyHandle &easy, const HttpRequest &request, const Exchange &exchange,
-                                     const ShallEnd &shallEnd);
+                             const HeaderLines &headers, Exchange &exchange, const Attempt &attempt);
+  [[nodiscard]] Ended run(const EasyHandle &easy, const Order &order, const Exchange &exchange);
   [[nodiscard]] bool hasToEnd(const ShallEnd &shallEnd) const {
     return flight == Flight::Cancelled || (shallEnd && shallEnd());
   }
-  [[nodiscard]] TransportOutcome finishedOutcome();
+  [[nodiscard]] Ended finishedOutcome();
 
   // Fixed after construction; what the handles lead to belongs to the thread in perform().
   const std::shared_ptr<KaTransport> transport;
@@ -282,10 +322,9 @@ KaHttpTransfer::~KaHttpTransfer() = default;
 HttpAnswer KaHttpTransfer::perform(const HttpRequest &request, const BodySink &sink, const ShallEnd &shallEnd) {
   [[maybe_unused]] const Private::Flight before = d->flight.exchange(Private::Flight::UnderWay);
   Q_ASSERT_X(before == Private::Flight::None, "KaHttpTransfer", "two threads at a time");
-  auto [answer, isWorthAnother] = d->exchangeOnce(request, sink, shallEnd, !d->keepsConnection);
-  if (isWorthAnother) answer = d->exchangeOnce(request, sink, shallEnd, /*isFresh=*/true).answer;
+  HttpAnswer answer = d->exchange(request, sink, shallEnd);
   d->flight = Private::Flight::None;
-  return std::move(answer);
+  return answer;
 }
 
 void KaHttpTransfer::cancel() {
@@ -298,22 +337,57 @@ void KaHttpTransfer::Private::cancel() {
   if (flight.compare_exchange_strong(expected, Flight::Cancelled)) static_cast<void>(curl_multi_wakeup(multi.get()));
 }
 
-KaHttpTransfer::Private::Tried KaHttpTransfer::Private::exchangeOnce(const HttpRequest &request, const BodySink &sink,
-                                                                     const ShallEnd &shallEnd, bool isFresh) {
+HttpAnswer KaHttpTransfer::Private::exchange(const HttpRequest &request, const BodySink &sink,
+                                             const ShallEnd &shallEnd) {
+  const Order order{request, sink, shallEnd};
+  Tried tried;
+  for (const ProxyAddress &way : waysTo(order)) {
+    tried = exchangeBy(order, way);
+    if (!tried.isUnreachable) break;
+    transport->proxies.noteUnreachable(way);
+  }
+  return std::move(tried.answer);
+}
+
+/// The ways in their order. A look-up that takes long, as of a script that cannot be fetched, counts as none, as
+/// browsers do it: none is what it says in the end. Empty when the exchange is to end.
+std::vector<ProxyAddress> KaHttpTransfer::Private::waysTo(const Order &order) {
+  const QByteArray origin = proxiedOrigin(order.request.url);
+  if (origin.isEmpty() || !multi) return {ProxyAddress()};
+  const Clock::duration patience = std::min(transport->idleLimit, transport->wholeLimit) / 2;
+  const platform::ProxyQuestion question(origin, [this] { static_cast<void>(curl_multi_wakeup(multi.get())); });
+  for (;;) {
+    if (hasToEnd(order.shallEnd)) return {};
+    if (const auto told = question.answer()) return transport->proxies.inOrder(proxyAddresses(*told));
+    const auto rest = std::chrono::ceil<std::chrono::milliseconds>(question.busySince() + patience - Clock::now());
+    if (rest.count() <= 0) return {ProxyAddress()};
+    if (curl_multi_poll(multi.get(), nullptr, 0, static_cast<int>(rest.count()), nullptr) != CURLM_OK) return {};
+  }
+}
+
+KaHttpTransfer::Private::Tried KaHttpTransfer::Private::exchangeBy(const Order &order, const ProxyAddress &way) {
+  Tried tried = exchangeOnce(order, {way, !keepsConnection});
+  if (tried.isWorthAnother) tried = exchangeOnce(order, {way});
+  return tried;
+}
+
+KaHttpTransfer::Private::Tried KaHttpTransfer::Private::exchangeOnce(const Order &order, const Attempt &attempt) {
+  const HttpRequest &request = order.request;
   // A handle that refused an exchange before it had a connection would refuse every later one, too.
   const EasyHandle easy(multi ? curl_easy_init() : nullptr);
-  Exchange exchange(easy.get(), request, tls, sink);
+  Exchange exchange(easy.get(), request, tls, order.sink);
   const QByteArray url = wireUrl(request.url);
   const HeaderLines headers = headerLines(request.headers, keepsConnection);
-  if (!prepare(easy, request, url, headers, exchange, isFresh)) return {exchange.finished(TransportOutcome::Failed)};
-  const TransportOutcome outcome = run(easy, request, exchange, shallEnd);
+  if (!prepare(easy, request, url, headers, exchange, attempt)) return {exchange.finished(TransportOutcome::Failed)};
+  const auto [outcome, isUnreachable] = run(easy, order, exchange);
   const bool hasFailed = outcome == TransportOutcome::Failed || outcome == TransportOutcome::SecureConnectionFailed;
-  const bool isWorthAnother = !isFresh && hasFailed && !hasToEnd(shallEnd) && exchange.hasFoundKeptOneDead();
-  return {exchange.finished(outcome), isWorthAnother};
+  const bool mayGoOn = hasFailed && !hasToEnd(order.shallEnd);
+  const bool isWorthAnother = !attempt.isFresh && mayGoOn && exchange.hasFoundKeptOneDead();
+  return {exchange.finished(outcome), isWorthAnother, mayGoOn && isUnreachable};
 }
 
 bool KaHttpTransfer::Private::prepare(const EasyHandle &easy, const HttpRequest &request, const QByteArray &url,
-                                      const HeaderLines &headers, Exchange &exchange, bool isFresh) {
+                                      const HeaderLines &headers, Exchange &exchange, const Attempt &attempt) {
   if (!easy || !headers) return false;
   Options options(easy.get());
   options.set(CURLOPT_URL, url.constData())
@@ -322,10 +396,9 @@ bool KaHttpTransfer::Private::prepare(const EasyHandle &easy, const HttpRequest 
       .set(CURLOPT_HTTPHEADER, headers.get())
       .set(CURLOPT_HTTP_VERSION, static_cast<long>(CURL_HTTP_VERSION_1_1)) // one request at a time gains nothing
       .set(CURLOPT_FOLLOWLOCATION, 0L)
-      .set(CURLOPT_NOPROXY, "*") // or the environment names one
       .set(CURLOPT_NOSIGNAL, 1L)
       .set(CURLOPT_QUICK_EXIT, 1L) // a name look-up under way does not hold up a cancel
-      .set(CURLOPT_FRESH_CONNECT, isFresh ? 1L : 0L)
+      .set(CURLOPT_FRESH_CONNECT, attempt.isFresh ? 1L : 0L)
       .set(CURLOPT_FORBID_REUSE, keepsConnection ? 0L : 1L)
       .set(CURLOPT_MAXAGE_CONN, kKeptFor)
       .set(CURLOPT_BUFFERSIZE, kReceiveBufferSize);
@@ -335,6 +408,7 @@ bool KaHttpTransfer::Private::prepare(const EasyHandle &easy, const HttpRequest 
       .set(CURLOPT_CAPATH, static_cast<const char *>(nullptr))
       .set(CURLOPT_SSL_CTX_FUNCTION, &prepareTls)
       .set(CURLOPT_SSL_CTX_DATA, &tls);
+  setProxy(options, attempt.way);
   if (keepsConnection) options.set(CURLOPT_SHARE, static_cast<CURLSH *>(transport->sessions()));
   options.set(CURLOPT_HEADERFUNCTION, &takeHeaderLine)
       .set(CURLOPT_HEADERDATA, &exchange)
@@ -350,23 +424,22 @@ bool KaHttpTransfer::Private::prepare(const EasyHandle &easy, const HttpRequest 
   return options.allAccepted();
 }
 
-TransportOutcome KaHttpTransfer::Private::run(const EasyHandle &easy, const HttpRequest &request,
-                                              const Exchange &exchange, const ShallEnd &shallEnd) {
+KaHttpTransfer::Private::Ended KaHttpTransfer::Private::run(const EasyHandle &easy, const Order &order,
+                                                            const Exchange &exchange) {
   const Attachment attachment(multi.get(), easy.get());
-  if (!attachment.holds()) return TransportOutcome::Failed;
+  if (!attachment.holds()) return {};
 
   // One that has not gone out is not missed.
-  if (hasToEnd(shallEnd)) return TransportOutcome::Failed;
-  const Clock::time_point start = Clock::now();
-  const Clock::time_point waitEnd = start + request.wait;
+  if (hasToEnd(order.shallEnd)) return {};
+  const Clock::time_point waitEnd = order.start + order.request.wait;
   std::optional<Clock::time_point> graceEnd;
-  Clock::time_point lastStep = start;
+  Clock::time_point lastStep = Clock::now();
   qint64 progress = 0;
   for (;;) {
-    if (!graceEnd && hasToEnd(shallEnd)) graceEnd = Clock::now() + request.endGrace;
-    if (graceEnd && Clock::now() >= *graceEnd) break;
+    if (!graceEnd && hasToEnd(order.shallEnd)) graceEnd = Clock::now() + order.request.endGrace;
+    if (graceEnd && Clock::now() >= *graceEnd) return {};
     int running = 0;
-    if (curl_multi_perform(multi.get(), &running) != CURLM_OK) break;
+    if (curl_multi_perform(multi.get(), &running) != CURLM_OK) return {};
     if (running == 0) return finishedOutcome();
 
     const Clock::time_point now = Clock::now();
@@ -375,18 +448,17 @@ TransportOutcome KaHttpTransfer::Private::run(const EasyHandle &easy, const Http
       lastStep = now;
     }
     const Clock::time_point limit =
-        std::min({lastStep + transport->idleLimit, start + transport->wholeLimit, graceEnd.value_or(waitEnd)});
-    if (now >= waitEnd) return TransportOutcome::WaitRanOut;
-    if (now >= limit) break;
+        std::min({lastStep + transport->idleLimit, order.start + transport->wholeLimit, graceEnd.value_or(waitEnd)});
+    if (now >= waitEnd) return {TransportOutcome::WaitRanOut};
+    if (now >= limit) return {TransportOutcome::Failed, !exchange.isConnected()};
     const auto rest = std::chrono::ceil<std::chrono::milliseconds>(std::min(limit, waitEnd) - now);
-    if (curl_multi_poll(multi.get(), nullptr, 0, static_cast<int>(rest.count()), nullptr) != CURLM_OK) break;
+    if (curl_multi_poll(multi.get(), nullptr, 0, static_cast<int>(rest.count()), nullptr) != CURLM_OK) return {};
   }
-  return TransportOutcome::Failed;
 }
 
-TransportOutcome KaHttpTransfer::Private::finishedOutcome() {
+KaHttpTransfer::Private::Ended KaHttpTransfer::Private::finishedOutcome() {
   int left = 0;
   const CURLMsg *const message = curl_multi_info_read(multi.get(), &left);
-  if (!message || message->msg != CURLMSG_DONE) return TransportOutcome::Failed;
-  return transportOutcome(message->data.result);
+  if (!message || message->msg != CURLMSG_DONE) return {};
+  return {transportOutcome(message->data.result), saysUnreachable(message->data.result)};
 }

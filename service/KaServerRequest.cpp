@@ -16,6 +16,11 @@ void KaServerRequest::stopServerRequest() {
   storageConnections.cancel();
 }
 
+void KaServerRequest::dropConnections() {
+  storageConnections.drop();
+  transport->proxies.forget();
+}
+
 KaResultCode KaServerRequest::checkHTTPResponse(qint64 statusCode) {
   return meaningOf(statusCode).result;
 }

@@ -54,7 +54,7 @@ KaStorage::KaStorage(KaServerRequest &request)
 KaStorage::~KaStorage() = default;
 
 void KaStorage::dropConnections() {
-  toSend.connections().drop();
+  toSend.dropConnections();
 }
 
 bool KaStorage::expiresWithin(std::chrono::seconds lead) const {

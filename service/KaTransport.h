@@ -1,5 +1,6 @@
 #pragma once
 
+#include "service/KaProxyChoice.h"
 #include "service/KaTrustAnchors.h"
 
 #include <chrono>
@@ -7,7 +8,7 @@
 
 /// What several transfers have in common: limits and extra trust anchors, from the user defaults
 /// "timeoutIntervalForRequest", "timeoutIntervalForResource" (seconds) and "trustedCertificatesFile", read when it is
-/// made; and the TLS sessions that their kept connections may resume. Any thread.
+/// made; the TLS sessions that their kept connections may resume; and what they have found of proxies. Any thread.
 class KaTransport {
 public:
   KaTransport();
@@ -18,6 +19,7 @@ public:
   const std::chrono::milliseconds idleLimit;  ///< without a byte
   const std::chrono::milliseconds wholeLimit; ///< of an exchange
   const KaTrustAnchors anchors;
+  KaProxyChoice proxies;
 
   /// Without libcurl nothing can be had.
   [[nodiscard]] bool isReady() const { return ready; }

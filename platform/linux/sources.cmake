@@ -22,6 +22,7 @@ set(system_sources
   linux/Opening.cpp
   linux/ProcessEnd.cpp
   linux/ProfileLock.cpp linux/ProfileLock.h
+  linux/Proxies.cpp
   linux/Sight.cpp
   linux/SingleInstance.cpp
   linux/SleepNews.cpp
@@ -35,4 +36,4 @@ set(system_sources
   linux/UserId.cpp
   linux/VolumeFacts.cpp
   ${notifications_proxy})
-set(system_libraries Qt6::DBus PkgConfig::XCB PkgConfig::SYSTEMD)
+set(system_libraries Qt6::DBus PkgConfig::PROXY PkgConfig::XCB PkgConfig::SYSTEMD)

@@ -1,6 +1,7 @@
 #include "app/KaDownloadDelegate.h"
 #include "app/KaModelFacade.h"
 #include "identity/KaLinkageUtility.h"
+#include "platform/Proxies.h"
 #include "platform/UserDefaults.h"
 #include "sandbox/Library.h"
 #include "sandbox/Service.h"
@@ -21,6 +22,8 @@
 #include <QUrlQuery>
 
 #include <gtest/gtest.h>
+
+#include <sched.h>
 
 #include <atomic>
 
@@ -404,6 +407,25 @@ TEST_F(FacadeData, startsWithTheDefaultSettingsAndKeepsChosenOnesAtOnce) {
   ASSERT_TRUE(saveDownloadOption(saved));
   EXPECT_FALSE(facade.loadDownloadFolderSetting());
   EXPECT_EQ(facade.downloadOption(), saved);
+}
+
+TEST(Facade, needsNoNetworkWhereTheProxyForTheServiceIsOnThisComputer) {
+  if (::unshare(CLONE_NEWNET) != 0 && ::unshare(CLONE_NEWUSER | CLONE_NEWNET) != 0)
+    GTEST_SKIP() << "this user may not be without a network";
+  int noArguments = 0;
+  const QCoreApplication application{noArguments, nullptr};
+  const TestProfile profile;
+  forgetDesktopProxies();
+  KaModelFacade &facade = KaModelFacade::sharedInstance();
+  for (const auto &[proxy, isEnough] :
+       {std::pair("", false), std::pair("http://proxy.test:1", false), std::pair("http://127.0.0.1:1", true)}) {
+    qputenv("https_proxy", proxy);
+    platform::forgetProxies();
+    EXPECT_TRUE(waitFor([&] { return facade.hasNetwork() == isEnough; })) << proxy;
+    EXPECT_EQ(facade.snapshot().hasNetwork, isEnough) << proxy;
+  }
+  facade.endDownloadProcess();
+  facade.joinDownloadProcess();
 }
 
 } // namespace

@@ -43,6 +43,13 @@ void TestProfile::writeUserDefaults(const QHash<QString, QString> &values) const
   writeFile(configFolder() + u"/NORVALE INC/Downloaderpictora.conf"_s, text.toUtf8());
 }
 
+void forgetDesktopProxies() {
+  for (const char *variable :
+       {"http_proxy", "HTTP_PROXY", "https_proxy", "HTTPS_PROXY", "all_proxy", "ALL_PROXY", "no_proxy", "NO_PROXY",
+        "DESKTOP_SESSION", "XDG_CURRENT_DESKTOP", "GNOME_DESKTOP_SESSION_ID", "KDE_FULL_SESSION"})
+    qunsetenv(variable);
+}
+
 void writeFile(const QString &path, const QByteArray &content) {
   QFile file(path);
   if (!QDir().mkpath(QFileInfo(path).path()) || !file.open(QFile::WriteOnly) || file.write(content) != content.size())

@@ -34,6 +34,9 @@ private:
   QTemporaryDir home;
 };
 
+/// The environment tells of no proxy and no desktop.
+void forgetDesktopProxies();
+
 /// Writes a file anew, into a folder that is made when it is missing.
 void writeFile(const QString &path, const QByteArray &content);
 /// Nothing when the file cannot be read.
