@@ -149,9 +149,10 @@ int count(const QCommandLineParser &options) {
 
 int verify(const QCommandLineParser &options) {
   const sandbox::ExpectedOptions expected = expectedOptions(options);
-  bool right = verifyFolder(QDir(required(options, u"folder"_s)), sandbox::expectedSampleFiles(expected));
+  const auto folder = [](const QString &path) { return QDir(QDir(path).absolutePath()); };
+  bool right = verifyFolder(folder(required(options, u"folder"_s)), sandbox::expectedSampleFiles(expected));
   if (options.isSet(u"10g-folder"_s))
-    right &= verifyFolder(QDir(options.value(u"10g-folder"_s)), sandbox::expectedLongTermSampleFiles(expected));
+    right &= verifyFolder(folder(options.value(u"10g-folder"_s)), sandbox::expectedLongTermSampleFiles(expected));
   return right ? 0 : 1;
 }
 
