@@ -134,6 +134,7 @@ void addObjects(Landing &landing, QList<LibraryObject> objects, const ExpectedOp
 
 void addPreviews(Landing &landing, const ExpectedOptions &options) {
   for (const SamplePreview &preview : samplePreviews()) {
+    if (!isUploadedBefore(preview.uploadTime, options.uploadedBefore)) continue;
     const QDateTime shot = QDateTime::fromString(preview.shootingTime, Qt::ISODate);
     const QDateTime uploaded = QDateTime::fromString(preview.uploadTime, u"yyyyMMdd/HH"_s);
     const QDateTime moment = shot.isValid() ? QDateTime(shot.date(), shot.time(), options.zone)
@@ -141,6 +142,12 @@ void addPreviews(Landing &landing, const ExpectedOptions &options) {
     landing.add(dateFolder(moment.toTimeZone(options.zone), options.childFolder),
                 QString(preview.fileName).replace(u'/', u'-'), preview.body, moment);
   }
+}
+
+QList<LibraryObject> uploadedObjects(const ExpectedOptions &options) {
+  QList<LibraryObject> objects = sampleObjects();
+  objects.removeIf([&](const LibraryObject &each) { return !isUploadedBefore(each.date, options.uploadedBefore); });
+  return objects;
 }
 
 } // namespace
@@ -152,7 +159,7 @@ QList<ExpectedFile> expectedFiles(const QList<LibraryObject> &objects, const Exp
 }
 
 QList<ExpectedFile> expectedSampleFiles(const ExpectedOptions &options) {
-  QList<LibraryObject> objects = sampleObjects();
+  QList<LibraryObject> objects = uploadedObjects(options);
   objects.removeIf([](const LibraryObject &object) { return object.deviceId == sampleAliasDevice(); });
   return expectedFiles(objects, options);
 }
@@ -161,7 +168,7 @@ QList<ExpectedFile> expectedLongTermSampleFiles(const ExpectedOptions &options) 
   ExpectedOptions plain = options;
   plain.createSubfolder = false;
   plain.downloadMetadata = false;
-  QList<LibraryObject> objects = sampleObjects();
+  QList<LibraryObject> objects = uploadedObjects(options);
   objects.removeIf([](const LibraryObject &object) { return object.tags.value(storagePeriodTag()) == u"30"; });
   Landing landing;
   addObjects(landing, objects, plain);

@@ -237,20 +237,21 @@ QList<LibraryObject> gatheredSample() {
 QList<SamplePreview> paintedPreviews() {
   constexpr QSize kReduced(320, 240);
   QList<SamplePreview> previews;
-  const auto add = [&](const QString &fileName, const QString &shootingTime) {
+  const auto add = [&](const QString &fileName, const QString &shootingTime, const QString &uploadTime) {
     const int index = int(previews.size()) + 1;
     previews.append({.index = index,
                      .objectName = u"%1.JPG"_s.arg(index, 4, 10, QLatin1Char('0')),
                      .body = jpeg(quint32(index) + 2000, kReduced),
                      .fileName = fileName,
                      .shootingTime = shootingTime,
-                     .uploadTime = u"20240508/18"_s});
+                     .uploadTime = uploadTime});
   };
-  add(u"IMG_0007.JPG"_s, u"2024-05-01T13:00:07"_s); // the name of a 10G image
-  add(u"IMG_0008.JPG"_s, u"2024-05-02T23:59:59"_s);
-  add(u"without a time.JPG"_s, {});
-  add(u"写真 春.JPG"_s, u"2024-05-03T00:00:00"_s);
-  add(u"roll 3/frame 12.JPG"_s, u"2023-12-31T23:30:00"_s);
+  add(u"IMG_0007.JPG"_s, u"2024-05-01T13:00:07"_s, u"20240501/13"_s); // the name of a 10G image
+  add(u"IMG_0008.JPG"_s, u"2024-05-02T23:59:59"_s, u"20240501/13"_s);
+  const QString latest = u"20240508/18"_s;
+  add(u"without a time.JPG"_s, {}, latest);
+  add(u"写真 春.JPG"_s, u"2024-05-03T00:00:00"_s, latest);
+  add(u"roll 3/frame 12.JPG"_s, u"2023-12-31T23:30:00"_s, latest);
   return previews;
 }
 
@@ -274,6 +275,10 @@ const QList<SamplePreview> &samplePreviews() {
   return previews;
 }
 
+bool isUploadedBefore(const QString &uploadDate, const QString &uploadedBefore) {
+  return uploadedBefore.isEmpty() || uploadDate.left(8) < uploadedBefore;
+}
+
 QString storagePeriodTag() {
   return u"x-strata-storage-period"_s;
 }
@@ -294,16 +299,18 @@ void addPreviews(Library &library, const QList<SamplePreview> &previews) {
                  {.body = compactJson({{u"data"_s, data}}), .contentType = "application/json"});
 }
 
-void fillSampleLibrary(Library &library) {
+void fillSampleLibrary(Library &library, const QString &uploadedBefore) {
   for (const LibraryObject &object : sampleObjects())
-    library.add(object);
+    if (isUploadedBefore(object.date, uploadedBefore)) library.add(object);
   const QString root = u"images/original/"_s + library.userId() + u'/';
   for (const QString &marker : {root, root + u"camera-01/"_s, root + u"camera-01/20240501/"_s})
     library.addRaw(contentBucket(), marker, {.contentType = "application/x-directory"});
   library.setSettingsObject(compactJson({{u"applicationAliasIds"_s, QJsonArray{sampleAliasDevice()}},
                                          {u"kaLatestVersion"_s, u"1.0.0"_s},
                                          {u"isEnableDownload10GStorage"_s, true}}));
-  addPreviews(library, samplePreviews());
+  QList<SamplePreview> previews = samplePreviews();
+  previews.removeIf([&](const SamplePreview &each) { return !isUploadedBefore(each.uploadTime, uploadedBefore); });
+  addPreviews(library, previews);
 }
 
 } // namespace sandbox

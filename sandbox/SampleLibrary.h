@@ -23,6 +23,7 @@ struct ExpectedOptions {
   bool createSubfolder = true;
   bool downloadMetadata = true;
   QTimeZone zone = QTimeZone::systemTimeZone(); ///< the zone the agent runs in
+  QString uploadedBefore{}; ///< "yyyyMMdd": what was uploaded from that day on is not there yet; empty: all is
 };
 
 /// A reduced picture that the service made of an image.
@@ -41,15 +42,19 @@ struct SamplePreview {
 /// The device of sampleObjects() that the sample settings object excludes, but for the 10G storage.
 [[nodiscard]] QString sampleAliasDevice();
 [[nodiscard]] const QList<SamplePreview> &samplePreviews();
+/// Whether something of the sample was there before that day, as in ExpectedOptions.
+[[nodiscard]] bool isUploadedBefore(const QString &uploadDate, const QString &uploadedBefore);
 /// The tag that tells an image's storage: "30" is the ordinary one.
 [[nodiscard]] QString storagePeriodTag();
 
 /// Adds these previews, and their list in the place of any other.
 void addPreviews(Library &library, const QList<SamplePreview> &previews);
 /// Adds the sample objects, folder markers, the settings object, the previews and their list.
-void fillSampleLibrary(Library &library);
+/// @param uploadedBefore  as in ExpectedOptions.
+void fillSampleLibrary(Library &library, const QString &uploadedBefore = {});
 
-/// Where the files of @p objects land, in download order. Bodies must not be empty, names on disk not above 255 bytes.
+/// Where the files of @p objects land, all of them, in download order. Bodies must not be empty, names on disk not
+/// above 255 bytes.
 [[nodiscard]] QList<ExpectedFile> expectedFiles(const QList<LibraryObject> &objects,
                                                 const ExpectedOptions &options = {});
 /// The same for the sample account, the alias device left out.

@@ -70,7 +70,7 @@ int serve(const QCommandLineParser &options) {
                             .folder = profile.path(),
                             .roundTrip = std::chrono::milliseconds(number(options, u"distance"_s)),
                             .bytesPerSecond = number(options, u"rate"_s)});
-  if (options.isSet(u"sample"_s)) sandbox::fillSampleLibrary(service.library());
+  if (options.isSet(u"sample"_s)) sandbox::fillSampleLibrary(service.library(), options.value(u"uploaded-before"_s));
   writeDefaults(profile.filePath(u"defaults.conf"_s), service.userDefaults());
   output() << "ready https://www.localhost:" << service.port() << Qt::endl;
 
@@ -136,7 +136,8 @@ bool verifyFolder(const QDir &folder, const QList<sandbox::ExpectedFile> &expect
 sandbox::ExpectedOptions expectedOptions(const QCommandLineParser &options) {
   return {.childFolder = number(options, u"child-folder"_s),
           .createSubfolder = !options.isSet(u"no-sort-folders"_s),
-          .downloadMetadata = !options.isSet(u"no-expand"_s)};
+          .downloadMetadata = !options.isSet(u"no-expand"_s),
+          .uploadedBefore = options.value(u"uploaded-before"_s)};
 }
 
 int count(const QCommandLineParser &options) {
@@ -148,9 +149,10 @@ int count(const QCommandLineParser &options) {
 
 int verify(const QCommandLineParser &options) {
   const sandbox::ExpectedOptions expected = expectedOptions(options);
-  bool right = verifyFolder(QDir(required(options, u"folder"_s)), sandbox::expectedSampleFiles(expected));
+  const auto folder = [](const QString &path) { return QDir(QDir(path).absolutePath()); };
+  bool right = verifyFolder(folder(required(options, u"folder"_s)), sandbox::expectedSampleFiles(expected));
   if (options.isSet(u"10g-folder"_s))
-    right &= verifyFolder(QDir(options.value(u"10g-folder"_s)), sandbox::expectedLongTermSampleFiles(expected));
+    right &= verifyFolder(folder(options.value(u"10g-folder"_s)), sandbox::expectedLongTermSampleFiles(expected));
   return right ? 0 : 1;
 }
 
@@ -163,6 +165,7 @@ int run(const QStringList &arguments) {
                       {u"distance"_s, u"serve: the round trip to the service."_s, u"milliseconds"_s, u"0"_s},
                       {u"rate"_s, u"serve: what goes through each way; 0: all."_s, u"bytes per second"_s, u"0"_s},
                       {u"sample"_s, u"serve: fill the account with the sample pictures."_s},
+                      {u"uploaded-before"_s, u"serve, verify, count: what the sample held then."_s, u"yyyyMMdd"_s},
                       {u"folder"_s, u"verify: the download folder."_s, u"folder"_s},
                       {u"10g-folder"_s, u"verify: the folder of the 10G storage and the previews."_s, u"folder"_s},
                       {u"child-folder"_s, u"verify, count: the date folder scheme."_s, u"0-4"_s, u"0"_s},

@@ -1,4 +1,5 @@
 #include "engine/KaDownloadReport.h"
+#include "platform/AppInfo.h"
 #include "sandbox/SampleLibrary.h"
 #include "tests/engine/EngineFixture.h"
 #include "tests/support/RefusedCalls.h"
@@ -421,8 +422,10 @@ TEST(DownloadReport, isTheTextThatTheLogServiceKnows) {
   const KaDownloadReport report{u"u%11\""_s, u"g"_s, awsLogs10GStreamName(), at(1000400us), at(1000500us), 12, u"2K"_s};
   EXPECT_EQ(createLogMessage(report, at(2s)),
             uR"({"logGroupName":"g", "logStreamName":"strata-prd-Ka-S3AccessLog-10G", "logEvents":[{"timestamp":2000,)"
-            uR"("message":"{\"UUID\":\"u%11"\",\"Version\":\"1.0.0\",\"StartDate\":1000,\"EndDate\":1001,)"
-            uR"(\"DownloadSuccess\":12,\"OS\":\"Mac\",\"Information\":\"2K\"}"}]})"_s);
+            uR"("message":"{\"UUID\":\"u%11"\",\"Version\":\")"_s
+                + platform::appInfo().shortVersion
+                + uR"(\",\"StartDate\":1000,\"EndDate\":1001,)"
+                  uR"(\"DownloadSuccess\":12,\"OS\":\"Mac\",\"Information\":\"2K\"}"}]})"_s);
 }
 
 } // namespace

@@ -14,6 +14,7 @@ namespace {
 
 const QString kTables = QStringLiteral(KA_SOURCE "/resources/i18n");
 const QString kEntry = QStringLiteral(KA_SOURCE "/resources/com.norvale.Downloaderpictora.desktop");
+const QString kStorePage = QStringLiteral(KA_SOURCE "/resources/com.norvale.downloaderpictora.metainfo.xml");
 const QString kHelp = QStringLiteral(KA_SOURCE "/resources/help/");
 
 QMap<QString, QString> textsIn(const QString &table) {
@@ -120,6 +121,43 @@ TEST(Help, isAlikeInEveryLanguageAndNamesTheTextsAsTheyAre) {
     for (auto match = picture.globalMatch(page); match.hasNext();) {
       const QString file = match.next().captured(1);
       EXPECT_TRUE(QFileInfo::exists(kHelp + language + u'/' + file)) << qPrintable(file);
+    }
+  }
+}
+
+/// What a store's page says: texts and pictures by what they are, in the order of the page, each by its language.
+QList<std::pair<QString, QMap<QString, QString>>> wordedOf(const QString &page) {
+  QList<std::pair<QString, QMap<QString, QString>>> worded;
+  QXmlStreamReader xml(contentOf(page));
+  while (!xml.atEnd()) {
+    if (xml.readNext() != QXmlStreamReader::StartElement) continue;
+    const QString element = xml.name().toString();
+    if (!QStringList{u"summary"_s, u"p"_s, u"li"_s, u"caption"_s, u"image"_s}.contains(element)) continue;
+    const QString language = xml.attributes().value(u"xml:lang"_s).toString();
+    if (language.isEmpty()) worded.append({element, {}});
+    worded.last().second[language.isEmpty() ? u"en"_s : language] = xml.readElementText();
+  }
+  return worded;
+}
+
+TEST(StorePage, speaksEveryLanguageAndShowsPicturesThatThereAre) {
+  const QString entry = QString::fromUtf8(contentOf(kEntry));
+  const auto worded = wordedOf(kStorePage);
+  EXPECT_GE(worded.size(), 11);
+  const QString address = u"https://www.norvale.example/downloaderpictora/pictures/"_s;
+  for (const QString &table : QDir(kTables).entryList({u"*.ts"_s})) {
+    const QString language = table.section(u"pictora_"_s, 1).chopped(3);
+    SCOPED_TRACE(language.toStdString());
+    for (const auto &[element, texts] : worded) {
+      const QString text = texts[language];
+      EXPECT_FALSE(text.isEmpty()) << "of " << qPrintable(element) << ' ' << qPrintable(texts[u"en"_s]);
+      if (element == u"summary") {
+        const QString key = u"\nComment"_s + (language == u"en" ? QString() : u'[' + language + u']') + u'=';
+        EXPECT_TRUE(entry.contains(key + text + u'\n')) << "the launcher says something else";
+      }
+      if (element != u"image") continue;
+      EXPECT_TRUE(text.startsWith(address + language + u'/')) << qPrintable(text);
+      EXPECT_TRUE(QFileInfo::exists(kHelp + u"pictures/"_s + text.mid(address.size()))) << qPrintable(text);
     }
   }
 }
