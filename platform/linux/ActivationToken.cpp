@@ -15,8 +15,7 @@ namespace {
 
 using Clock = std::chrono::steady_clock;
 
-/// The browser's: Qt's Wayland part looks there when a window is to be activated, and its tray item leaves there what
-/// the panel gives it.
+/// Qt's Wayland part looks there when a window is to be activated, and its tray item leaves there what the panel gives.
 constexpr auto kToken = "XDG_ACTIVATION_TOKEN";
 /// Its elder on X11.
 constexpr auto kStartupId = "DESKTOP_STARTUP_ID";
@@ -55,6 +54,7 @@ void adoptLaunchToken() {
 
 void keepActivationToken(const QString &token, std::chrono::milliseconds life) {
   assertMainThread();
+  qunsetenv(kToken); // the tray's, of some time ago
   const bool isLikely = token.size() <= kLongest;
   kept() = {isLikely ? token : QString(), Clock::now() + life};
   completeStartup(kept().token);

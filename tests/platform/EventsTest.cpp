@@ -214,6 +214,9 @@ TEST_F(ActivationTokens, ofTheLauncherAndTheTrayAreForOneWindowAndForNoChild) {
   qputenv("XDG_ACTIVATION_TOKEN", "tray's");
   EXPECT_EQ(platform::takeActivationToken(), u"tray's");
   EXPECT_FALSE(qEnvironmentVariableIsSet("XDG_ACTIVATION_TOKEN"));
+  qputenv("XDG_ACTIVATION_TOKEN", "of a click in the tray's menu long ago");
+  platform::keepActivationToken(u"notification's"_s);
+  EXPECT_EQ(platform::takeActivationToken(), u"notification's");
   platform::keepActivationToken(u"stale"_s, 0ms);
   EXPECT_EQ(platform::takeActivationToken(), QString());
   platform::keepActivationToken(QString(100'000, u'x'));
