@@ -32,7 +32,8 @@ public:
   [[nodiscard]] virtual KaWaitTimes loadWaitTimeInfo(KaWaitTimes builtIn) const = 0;
   /// @}
 
-  /// Whether a run may get anywhere: the system has a network, or the service needs none. Asks no network.
+  /// Whether a run may get anywhere: the system has a network, or the service needs none. Blocks for less
+  /// than half a second.
   [[nodiscard]] virtual bool hasNetwork() const = 0;
 
   /// @name Bookkeeping, by target key. Unknown keys change nothing and read as absent.

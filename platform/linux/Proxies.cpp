@@ -83,13 +83,13 @@ Settings &settings() {
 
 LookUpPointer Settings::ask(const QByteArray &url, const void *asker, std::function<void()> answered) {
   const MutexLock scope(lock);
+  leaveBehind(kHangs);
   LookUpPointer &lookUp = known[url];
   const bool holds = lookUp && (!lookUp->ways || Clock::now() - lookUp->answered < kHoldsFor);
   if (!holds) {
     lookUp = std::make_shared<LookUp>(LookUp{url});
     if (!underWay && waiting.empty()) begun = Clock::now();
     waiting.push_back(lookUp);
-    leaveBehind(kHangs);
     if (worker == 0) startWorker();
     workCame.notify_all();
   }
