@@ -9,11 +9,12 @@
 #include "ui/KaDesktopStatusItem.h"
 #include "ui/KaNotifyIcon.h"
 #include "ui/LoginItemQuestion.h"
+#include "ui/ShowInFront.h"
 #include "ui/StartFailure.h"
 #include "ui/Texts.h"
 #include "ui/Thumbnail.h"
 
-#include <QCoreApplication>
+#include <QApplication>
 #include <QEvent>
 #include <QTimer>
 #include <QUrl>
@@ -88,6 +89,7 @@ void AppDelegate::handleUrl(const QString &url) {
 
 void AppDelegate::activate() {
   if (platform::isUnseen()) return terminate();
+  if (QWidget *const question = QApplication::activeModalWidget(); question && !kaNotify) showInFront(*question);
   whenStarted([](KaNotifyIcon &notify) { notify.perform(StatusEntry::DispSetting); });
 }
 

@@ -1,5 +1,6 @@
 #include "main/AppDelegate.h"
 #include "main/CommandLine.h"
+#include "platform/ActivationToken.h"
 #include "platform/AppInfo.h"
 #include "platform/Folders.h"
 #include "platform/LoginItem.h"
@@ -50,7 +51,7 @@ std::optional<int> handOverToRunningAgent(int &argc, char **argv, CommandLine &c
     return kUsage;
   }
   commandLine = *parsed;
-  const auto outcome = SingleInstance::handOver(commandLine.url);
+  const auto outcome = SingleInstance::handOver(commandLine.url, platform::activationToken());
   if (outcome == SingleInstance::HandOver::NoAgent) return std::nullopt;
   return statusOf(outcome);
 }
@@ -102,7 +103,7 @@ std::optional<int> prepareToRun(SingleInstance &instance, const CommandLine &com
 std::optional<int> serve(SingleInstance &instance, const CommandLine &commandLine) {
   constexpr int kMostAttempts = 20;
   for (int attempt = 0; !instance.serve(); ++attempt) {
-    const auto outcome = SingleInstance::handOver(commandLine.url);
+    const auto outcome = SingleInstance::handOver(commandLine.url, platform::activationToken());
     // That one may be ending.
     if (outcome != SingleInstance::HandOver::NoAgent || attempt == kMostAttempts) return statusOf(outcome);
   }
@@ -150,6 +151,7 @@ int runAgent(int &argc, char **argv, const CommandLine &commandLine) {
 
 int main(int argc, char **argv) {
   platform::dropRelativeBaseFolders();
+  platform::adoptLaunchToken();
   CommandLine commandLine;
   if (const auto status = handOverToRunningAgent(argc, argv, commandLine)) return *status;
   // The URL holds a token, and every user of the machine can read command lines.

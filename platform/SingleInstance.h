@@ -33,10 +33,11 @@ public:
   /// Gives a running agent @p url, or without one asks it to show itself: the session's agent or, where the bus knows
   /// none, the profile's. Needs a QCoreApplication and no display; blocks up to 5 s for an agent that does not answer,
   /// and as long again for a bus that does not.
-  [[nodiscard]] static HandOver handOver(const std::optional<QString> &url);
+  /// @param token  an activation token (ActivationToken.h); empty for none.
+  [[nodiscard]] static HandOver handOver(const std::optional<QString> &url, const QString &token = {});
 
   /// Takes the profile, which stays taken until the process is gone. While another agent has it, tries to hand over to
-  /// that one, which may be ending or slow to answer, for at most @p patience.
+  /// that one, which may be ending or slow to answer, for at most @p patience. The present activation token goes along.
   [[nodiscard]] Claim claimProfile(const std::optional<QString> &url,
                                    std::chrono::milliseconds patience = std::chrono::seconds(15));
   /// Can be reached from now on. @return false when the session has another agent.

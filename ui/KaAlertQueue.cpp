@@ -2,6 +2,7 @@
 
 #include "platform/ThreadBound.h"
 #include "ui/MessageBoxes.h"
+#include "ui/ShowInFront.h"
 #include "ui/Texts.h"
 
 #include <QMessageBox>
@@ -15,7 +16,7 @@ KaAlertQueue::~KaAlertQueue() {
 void KaAlertQueue::show(const QString &text) {
   platform::assertMainThread();
   if (!current) return open(text);
-  if (current->text() == text) return current->raise();
+  if (current->text() == text) return showInFront(*current);
   if (!waiting.contains(text)) waiting << text;
 }
 
@@ -30,9 +31,7 @@ void KaAlertQueue::open(const QString &text) {
   connect(current, &QMessageBox::finished, this, [this] { current = nullptr; });
   // Queued, so that the end of the program, which closes its windows, does not show the next one for a moment.
   connect(current, &QMessageBox::finished, this, &KaAlertQueue::openNext, Qt::QueuedConnection);
-  current->show();
-  current->raise();
-  current->activateWindow();
+  showInFront(*current);
 }
 
 void KaAlertQueue::openNext() {

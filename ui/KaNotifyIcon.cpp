@@ -11,6 +11,7 @@
 #include "ui/KaVersionInformationView.h"
 #include "ui/LoginItemQuestion.h"
 #include "ui/OpenOrSay.h"
+#include "ui/ShowInFront.h"
 #include "ui/Texts.h"
 
 #include <QCoreApplication>
@@ -111,10 +112,8 @@ template <class Dialog, class... Arguments> void KaNotifyIcon::openDialog(Argume
     dialog->setModal(false);
     // The closed window goes away later; from here on it is no longer the one that is open.
     connect(dialog, &QDialog::finished, this, [this] { dialog = nullptr; });
-    dialog->show();
   }
-  dialog->raise();
-  dialog->activateWindow();
+  showInFront(*dialog);
 }
 
 void KaNotifyIcon::openSettings() {

@@ -4,6 +4,7 @@
 #include "platform/ThreadBound.h"
 #include "platform/UserDefaults.h"
 #include "ui/MessageBoxes.h"
+#include "ui/ShowInFront.h"
 #include "ui/Texts.h"
 
 #include <QMessageBox>
@@ -23,7 +24,7 @@ bool askWhetherToLaunchAtLogin() {
   dressMessageBox(question);
   question.setDefaultButton(yes);
   question.setEscapeButton(no);
-  question.exec();
+  execInFront(question);
   return question.clickedButton() == yes;
 }
 

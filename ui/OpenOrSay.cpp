@@ -5,6 +5,7 @@
 #include "platform/ThreadBound.h"
 #include "ui/Mnemonics.h"
 #include "ui/ScreenRoom.h"
+#include "ui/ShowInFront.h"
 #include "ui/Texts.h"
 
 #include <QApplication>
@@ -115,7 +116,5 @@ void showNotOpened(Openable what, const QString &address) {
   QDialog *window = standingWindow(what);
   if (!window) window = makeWindow(what);
   fill(*window, what, address);
-  window->show();
-  window->raise();
-  window->activateWindow();
+  showInFront(*window);
 }

@@ -3,6 +3,7 @@
 #include "platform/Sight.h"
 #include "platform/ThreadBound.h"
 #include "ui/Mnemonics.h"
+#include "ui/ShowInFront.h"
 #include "ui/Texts.h"
 
 #include <QMessageBox>
@@ -22,5 +23,5 @@ void showStartFailure(QLatin1StringView messageKey, const QString &detail) {
   window.setInformativeText(detail);
   window.addButton(localised("DLG_COMMON_BUTTON_CLOSE"_L1), QMessageBox::AcceptRole);
   giveMnemonics(window);
-  window.exec();
+  execInFront(window);
 }

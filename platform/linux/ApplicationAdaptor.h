@@ -1,5 +1,6 @@
 #pragma once
 
+#include "platform/ActivationToken.h"
 #include "platform/Sight.h"
 #include "platform/SingleInstance.h"
 #include "platform/TerminationSignals.h"
@@ -27,22 +28,35 @@ public:
   explicit ApplicationAdaptor(SingleInstance &receiver) : QDBusAbstractAdaptor(&receiver), instance(receiver) {}
 
 public Q_SLOTS:
-  void Activate(const QVariantMap &, const QDBusMessage &call) {
+  void Activate(const QVariantMap &platformData, const QDBusMessage &call) {
     if (isUnseen()) return makeRoom(call);
-    later(call, [this] { Q_EMIT instance.activated(); });
+    later(call, [this, platformData] {
+      keepTokenIn(platformData);
+      Q_EMIT instance.activated();
+    });
   }
-  void Open(const QStringList &uris, const QVariantMap &, const QDBusMessage &call) {
-    later(call, [this, uris] {
+  void Open(const QStringList &uris, const QVariantMap &platformData, const QDBusMessage &call) {
+    later(call, [this, uris, platformData] {
+      keepTokenIn(platformData);
       for (const QString &uri : uris)
         Q_EMIT instance.urlReceived(uri);
     });
   }
-  void ActivateAction(const QString &action, const QVariantList &, const QVariantMap &, const QDBusMessage &call) {
+  void ActivateAction(const QString &action, const QVariantList &, const QVariantMap &platformData,
+                      const QDBusMessage &call) {
     if (instance.cannotShow(action)) return makeRoom(call);
-    later(call, [this, action] { Q_EMIT instance.actionRequested(action); });
+    later(call, [this, action, platformData] {
+      keepTokenIn(platformData);
+      Q_EMIT instance.actionRequested(action);
+    });
   }
 
 private:
+  /// Older desktops know the second alone.
+  static void keepTokenIn(const QVariantMap &platformData) {
+    const QString token = platformData.value(QStringLiteral("activation-token")).toString();
+    keepActivationToken(token.isEmpty() ? platformData.value(QStringLiteral("desktop-startup-id")).toString() : token);
+  }
   void makeRoom(const QDBusMessage &call) {
     call.setDelayedReply(true);
     later(call, [this, call] {

@@ -1,5 +1,6 @@
 #include "platform/NotificationCenter.h"
 
+#include "platform/ActivationToken.h"
 #include "platform/AppInfo.h"
 #include "platform/ThreadBound.h"
 
@@ -79,6 +80,7 @@ public:
       : owner(center), proxy(kService, u"/org/freedesktop/Notifications"_s, QDBusConnection::sessionBus()),
         watcher(kService, QDBusConnection::sessionBus(), QDBusServiceWatcher::WatchForOwnerChange) {
     proxy.setTimeout(kNoLimit);
+    connect(&proxy, &NotificationsProxy::ActivationToken, this, &Private::onToken);
     connect(&proxy, &NotificationsProxy::ActionInvoked, this, &Private::onAction);
     connect(&proxy, &NotificationsProxy::NotificationClosed, this, &Private::onClosed);
     connect(&watcher, &QDBusServiceWatcher::serviceOwnerChanged, this,
@@ -221,6 +223,11 @@ private:
     // The user has done with it, but not with what is on its way in its place.
     if (!entry->call) entry->wanted.reset();
     settle();
+  }
+
+  /// Comes before what the user did, if it comes.
+  void onToken(uint id, const QString &token) {
+    if (shownAs(id)) keepActivationToken(token);
   }
 
   void onAction(uint id, const QString &action) {

@@ -1,5 +1,6 @@
 #include "platform/Opening.h"
 
+#include "platform/ActivationToken.h"
 #include "platform/Mailbox.h"
 #include "platform/NoDestructor.h"
 #include "platform/ThreadBound.h"
@@ -23,12 +24,14 @@
 #include <sys/wait.h>
 #include <unistd.h>
 
+#include <array>
 #include <csignal>
 #include <functional>
 #include <memory>
 #include <optional>
 #include <thread>
 #include <utility>
+#include <vector>
 
 using namespace Qt::StringLiterals;
 
@@ -141,16 +144,37 @@ private:
   const Told listener;
 };
 
+/// Our own environment and the leave to come in front, by both of its names, for whatever the opener shows.
+class OpenerEnvironment {
+public:
+  explicit OpenerEnvironment(const QString &token)
+      : leave{"XDG_ACTIVATION_TOKEN=" + token.toUtf8(), "DESKTOP_STARTUP_ID=" + token.toUtf8()} {
+    for (char **entry = environ; *entry; ++entry)
+      entries.push_back(*entry);
+    if (!token.isEmpty())
+      for (QByteArray &entry : leave)
+        entries.push_back(entry.data());
+    entries.push_back(nullptr);
+  }
+
+  [[nodiscard]] char *const *get() const { return entries.data(); }
+
+private:
+  std::array<QByteArray, 2> leave;
+  std::vector<char *> entries;
+};
+
 /// Starts the desktop's own opener.
-void runXdgOpen(const QString &argument, const Told &listener, std::chrono::milliseconds wait) {
+void runXdgOpen(const QString &argument, const QString &token, const Told &listener, std::chrono::milliseconds wait) {
   QByteArray program = QFile::encodeName(QStandardPaths::findExecutable(u"xdg-open"_s));
   QByteArray bytes = argument.toUtf8();
   char *const arguments[] = {program.data(), bytes.data(), nullptr};
   const SpawnAttributes attributes;
+  const OpenerEnvironment environment(token);
   pid_t child = 0;
   const bool isStarted =
       !program.isEmpty()
-      && ::posix_spawn(&child, program.constData(), nullptr, attributes.get(), arguments, environ) == 0;
+      && ::posix_spawn(&child, program.constData(), nullptr, attributes.get(), arguments, environment.get()) == 0;
   if (!isStarted) return failLater(listener);
   new StartedOpener(child, listener, wait); // NOLINT: the application owns it
 }
@@ -171,19 +195,21 @@ void askDisk(const QString &path, std::function<void(bool isFolder)> goOn) {
   }).detach();
 }
 
-QDBusPendingCall askFileManager(const QString &path, std::chrono::milliseconds wait) {
+QDBusPendingCall askFileManager(const QString &path, const QString &token, std::chrono::milliseconds wait) {
   auto call = QDBusMessage::createMethodCall(u"org.freedesktop.FileManager1"_s, u"/org/freedesktop/FileManager1"_s,
                                              u"org.freedesktop.FileManager1"_s, u"ShowFolders"_s);
-  call << QStringList{QString::fromLatin1(QUrl::fromLocalFile(path).toEncoded())} << QString();
+  call << QStringList{QString::fromLatin1(QUrl::fromLocalFile(path).toEncoded())} << token;
   return QDBusConnection::sessionBus().asyncCall(call, static_cast<int>(wait.count()));
 }
 
 void showFolder(const QString &path, const Told &listener, const OpeningWaits &waits) {
-  if (!QDBusConnection::sessionBus().isConnected()) return runXdgOpen(path, listener, waits.opener);
-  auto *const call = new QDBusPendingCallWatcher(askFileManager(path, waits.fileManager), QCoreApplication::instance());
-  QObject::connect(call, &QDBusPendingCallWatcher::finished, call, [call, path, listener, waits] {
+  const QString token = takeActivationToken();
+  if (!QDBusConnection::sessionBus().isConnected()) return runXdgOpen(path, token, listener, waits.opener);
+  auto *const call =
+      new QDBusPendingCallWatcher(askFileManager(path, token, waits.fileManager), QCoreApplication::instance());
+  QObject::connect(call, &QDBusPendingCallWatcher::finished, call, [call, path, token, listener, waits] {
     if (call->isError())
-      runXdgOpen(path, listener, waits.opener);
+      runXdgOpen(path, token, listener, waits.opener);
     else
       listener->conclude(/*opened=*/true);
     call->deleteLater();
@@ -196,7 +222,7 @@ void openUrl(const QString &url, const QObject *receiver, const OpeningVerdict &
   assertMainThread();
   const auto listener = std::make_shared<Listener>(receiver, verdict);
   if (url.isEmpty() || url.startsWith(u'-')) return failLater(listener);
-  runXdgOpen(url, listener, waits.opener);
+  runXdgOpen(url, takeActivationToken(), listener, waits.opener);
 }
 
 void openFolder(const QString &path, const QObject *receiver, const OpeningVerdict &verdict,

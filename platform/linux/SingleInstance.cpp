@@ -1,5 +1,6 @@
 #include "platform/SingleInstance.h"
 
+#include "platform/ActivationToken.h"
 #include "platform/AppInfo.h"
 #include "platform/Folders.h"
 #include "platform/Sight.h"
@@ -30,6 +31,7 @@ constexpr std::chrono::milliseconds kClaimInterval(50);
 /// Messages of the socket: a letter, and what belongs to it.
 constexpr char kActivate = 'A';
 constexpr char kOpen = 'O';
+constexpr char kToken = 'T'; ///< comes before the others; an agent that does not know it takes and drops it
 
 QString name() {
   return QString::fromUtf16(kApplicationId);
@@ -43,12 +45,14 @@ QString profileFolder() {
   return applicationSupportFolder() + u"/NORVALE INC/Downloaderpictora"_s;
 }
 
-QDBusMessage applicationCall(const std::optional<QString> &url) {
+QDBusMessage applicationCall(const std::optional<QString> &url, const QString &token) {
   auto call = QDBusMessage::createMethodCall(name(), objectPath(), u"org.freedesktop.Application"_s,
                                              url ? u"Open"_s : u"Activate"_s);
   call.setAutoStartService(false);
   if (url) call << QStringList{*url};
-  call << QVariantMap();
+  QVariantMap platformData;
+  if (!token.isEmpty()) platformData.insert(u"activation-token"_s, token);
+  call << platformData;
   return call;
 }
 
@@ -58,12 +62,13 @@ QDBusMessage busCall(const QString &method) {
          << name();
 }
 
-SingleInstance::HandOver handOverByBus(const QDBusConnection &bus, const std::optional<QString> &url) {
+SingleInstance::HandOver handOverByBus(const QDBusConnection &bus, const std::optional<QString> &url,
+                                       const QString &token) {
   using enum SingleInstance::HandOver;
   const auto ask = [&bus](const QDBusMessage &call, std::chrono::milliseconds wait) {
     return bus.call(call, QDBus::Block, static_cast<int>(wait.count()));
   };
-  const QDBusMessage reply = ask(applicationCall(url), kHandOverWait);
+  const QDBusMessage reply = ask(applicationCall(url, token), kHandOverWait);
   if (reply.type() == QDBusMessage::ReplyMessage) return Delivered;
   // The last: an agent that ends takes its object away, and then gives its name up. Who found the name free is not
   // asked again whether it is: an agent that has taken it since would count as one that does not answer.
@@ -76,8 +81,7 @@ SingleInstance::HandOver handOverByBus(const QDBusConnection &bus, const std::op
   return isFree ? NoAgent : Failed;
 }
 
-SingleInstance::HandOver handOverBySocket(const std::optional<QString> &url) {
-  const QByteArray message = url ? kOpen + url->toUtf8() : QByteArray(1, kActivate);
+SingleInstance::HandOver sendToProfilesAgent(const QByteArray &message) {
   switch (AgentSocket::send(profileFolder(), message, kHandOverWait)) {
   case AgentSocket::Answer::Taken:
     return SingleInstance::HandOver::Delivered;
@@ -87,6 +91,14 @@ SingleInstance::HandOver handOverBySocket(const std::optional<QString> &url) {
     break;
   }
   return SingleInstance::HandOver::Failed;
+}
+
+SingleInstance::HandOver handOverBySocket(const std::optional<QString> &url, const QString &token) {
+  if (!token.isEmpty())
+    if (const auto outcome = sendToProfilesAgent(kToken + token.toUtf8());
+        outcome != SingleInstance::HandOver::Delivered)
+      return outcome;
+  return sendToProfilesAgent(url ? kOpen + url->toUtf8() : QByteArray(1, kActivate));
 }
 
 } // namespace
@@ -110,14 +122,14 @@ SingleInstance::~SingleInstance() {
   resign();
 }
 
-SingleInstance::HandOver SingleInstance::handOver(const std::optional<QString> &url) {
+SingleInstance::HandOver SingleInstance::handOver(const std::optional<QString> &url, const QString &token) {
   HandOver outcome = HandOver::NoAgent;
   {
     const auto bus = QDBusConnection::connectToBus(QDBusConnection::SessionBus, kHandOverConnection);
-    if (bus.isConnected()) outcome = handOverByBus(bus, url);
+    if (bus.isConnected()) outcome = handOverByBus(bus, url, token);
   }
   QDBusConnection::disconnectFromBus(kHandOverConnection);
-  return outcome == HandOver::NoAgent ? handOverBySocket(url) : outcome;
+  return outcome == HandOver::NoAgent ? handOverBySocket(url, token) : outcome;
 }
 
 SingleInstance::Claim SingleInstance::claimProfile(const std::optional<QString> &url,
@@ -127,7 +139,7 @@ SingleInstance::Claim SingleInstance::claimProfile(const std::optional<QString> 
   if (!makePrivateFolder(profileFolder())) return Claim::Won;
   const auto deadline = std::chrono::steady_clock::now() + patience;
   while (d->lock.tryLock(profileFolder() + u"/profile.lock"_s) == ProfileLock::Outcome::Taken) {
-    if (handOver(url) == HandOver::Delivered) return Claim::HandedOver;
+    if (handOver(url, activationToken()) == HandOver::Delivered) return Claim::HandedOver;
     if (std::chrono::steady_clock::now() > deadline) return Claim::Refused;
     std::this_thread::sleep_for(kClaimInterval);
   }
@@ -141,6 +153,7 @@ bool SingleInstance::serve() {
     return message.front() != kActivate || !isUnseen(); // else it ends, and leaves its place to the sender
   });
   connect(d->socket.get(), &AgentSocket::received, this, [this](const QByteArray &message) {
+    if (message.front() == kToken) keepActivationToken(QString::fromUtf8(message.sliced(1)));
     if (message.front() == kOpen) Q_EMIT urlReceived(QString::fromUtf8(message.sliced(1)));
     if (message.front() == kActivate) Q_EMIT activated();
   });

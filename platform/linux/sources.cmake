@@ -3,6 +3,7 @@ set_source_files_properties(linux/org.freedesktop.Notifications.xml PROPERTIES N
 qt_add_dbus_interface(notifications_proxy linux/org.freedesktop.Notifications.xml NotificationsProxy)
 
 set(system_sources
+  linux/ActivationToken.cpp
   linux/AgentSocket.cpp linux/AgentSocket.h
   linux/AppInfo.cpp
   linux/ApplicationAdaptor.h

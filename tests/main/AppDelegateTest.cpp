@@ -2,10 +2,14 @@
 
 #include "identity/KaLinkageUtility.h"
 #include "log/KaLogUtility.h"
+#include "platform/ActivationToken.h"
 #include "platform/UserDefaults.h"
 #include "tests/log/LogFile.h"
 #include "tests/support/FakeBrowser.h"
 #include "tests/ui/UiProfile.h"
+#include "ui/KaAlertQueue.h"
+#include "ui/OpenOrSay.h"
+#include "ui/StartFailure.h"
 #include "ui/Texts.h"
 
 #include <gmock/gmock.h>
@@ -132,6 +136,54 @@ TEST_F(FirstLaunch, keepsWhatComesInDuringTheQuestionAndDoesWhatTheMenuThenOffer
   });
   EXPECT_THAT(browser.takeUrl().value_or(QString()).toStdString(), testing::HasSubstr("/help/"));
   EXPECT_TRUE(KaLinkageUtility::loadLinkageSetting()) << "a login was begun";
+}
+
+/// Notes what Qt would ask the compositor with when a window shows.
+struct SeenTokens : QObject {
+  SeenTokens() { qApp->installEventFilter(this); }
+  bool eventFilter(QObject *watched, QEvent *event) override {
+    if (event->type() == QEvent::Show && watched->isWidgetType() && static_cast<QWidget *>(watched)->isWindow())
+      seen = qgetenv("XDG_ACTIVATION_TOKEN");
+    return false;
+  }
+  QByteArray seen;
+};
+
+TEST_F(FirstLaunch, showsEachWindowByTheLeaveOfWhoAskedForIt) {
+  SeenTokens tokens;
+  platform::keepActivationToken(u"launcher's"_s);
+  launch([&](QMessageBox &question) {
+    EXPECT_EQ(tokens.seen, "launcher's");
+    platform::keepActivationToken(u"second start's"_s);
+    delegate->activate();
+    EXPECT_EQ(platform::activationToken(), QString()) << "the question comes in front";
+    question.close();
+  });
+  ASSERT_TRUE(waitFor([] { return UiProfile::windows<QDialog>().size() == 1; })) << "the settings";
+  delete UiProfile::windows<QDialog>().first();
+  KaAlertQueue alerts;
+  const std::pair<const char *, std::function<void()>> rows[] = {
+      {"about", [&] { delegate->performAction(u"about"_s); }},
+      {"settings", [&] { delegate->activate(); }},
+      {"settings once more", [&] { delegate->activate(); }},
+      {"not opened", [&] { showNotOpened(Openable::Page, u"https://a.example/"_s); }},
+      {"alert", [&] { alerts.show(u"alert"_s); }},
+      {"the same alert", [&] { alerts.show(u"alert"_s); }},
+      {"failure",
+       [&] {
+         QTimer::singleShot(0, [] { QApplication::activeModalWidget()->close(); });
+         showStartFailure("MSG_ERR_START"_L1);
+       }},
+  };
+  for (const auto &[name, show] : rows) {
+    const bool isNew = !QByteArray(name).contains("same") && !QByteArray(name).contains("once more");
+    tokens.seen.clear();
+    platform::keepActivationToken(u"token"_s);
+    show();
+    EXPECT_EQ(tokens.seen, isNew ? "token" : "") << name;
+    EXPECT_EQ(platform::activationToken(), QString()) << name;
+    EXPECT_FALSE(qEnvironmentVariableIsSet("XDG_ACTIVATION_TOKEN")) << name;
+  }
 }
 
 } // namespace

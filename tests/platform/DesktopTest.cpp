@@ -1,3 +1,4 @@
+#include "platform/ActivationToken.h"
 #include "platform/ModifierKeys.h"
 #include "platform/Opening.h"
 #include "platform/UrlScheme.h"
@@ -137,8 +138,11 @@ struct Opening : Desktop {
 TEST_F(Opening, ofUrlsAndFoldersSaysWhetherItWentWell) {
   const QString url = u"https://a.example/?b"_s;
   for (const QString &what : {url, profile.picturesFolder()}) {
+    platform::keepActivationToken(u"token"_s);
     EXPECT_EQ(verdictOn(what), true);
     EXPECT_EQ(browser.takeUrl(), what);
+    EXPECT_EQ(browser.lastToken(), u"token|token") << "what is opened may come in front";
+    EXPECT_EQ(platform::activationToken(), QString()) << "once";
   }
   for (const QString &what : {u""_s, u"--help"_s, profile.path(u"missing"_s)})
     EXPECT_EQ(verdictOn(what), false) << what.toStdString();
@@ -193,7 +197,7 @@ TEST_F(Opening, isNotHeldUpByADiskThatHangs) {
 struct SilentObject : QDBusVirtualObject {
   [[nodiscard]] QString introspect(const QString & /*path*/) const override { return {}; }
   bool handleMessage(const QDBusMessage &message, const QDBusConnection & /*bus*/) override {
-    asked << message.member();
+    asked << message.member() << message.arguments().last().toString();
     return true;
   }
   QStringList asked;
@@ -205,9 +209,11 @@ TEST_F(Opening, passesAFileManagerOverThatHangs) {
   SilentObject manager;
   ASSERT_TRUE(others.registerVirtualObject(u"/org/freedesktop/FileManager1"_s, &manager)
               && others.registerService(u"org.freedesktop.FileManager1"_s));
+  platform::keepActivationToken(u"token"_s);
   EXPECT_EQ(verdictOn(profile.picturesFolder(), {.fileManager = 100ms, .disk = 20s}), true);
   EXPECT_EQ(browser.takeUrl(), profile.picturesFolder());
-  EXPECT_EQ(manager.asked, QStringList{u"ShowFolders"_s});
+  EXPECT_EQ(manager.asked, (QStringList{u"ShowFolders"_s, u"token"_s}));
+  EXPECT_EQ(browser.lastToken(), u"token|token");
   QDBusConnection::disconnectFromBus(u"others"_s);
 }
 

@@ -1,3 +1,4 @@
+#include "platform/ActivationToken.h"
 #include "platform/Mailbox.h"
 #include "platform/NotificationCenter.h"
 #include "platform/SingleInstance.h"
@@ -16,7 +17,10 @@
 
 #include <sys/syscall.h>
 
+#include <functional>
+#include <optional>
 #include <thread>
+#include <tuple>
 
 using namespace Qt::StringLiterals;
 using namespace std::chrono_literals;
@@ -37,6 +41,8 @@ protected:
     return waitFor([&] {
       Q_EMIT server.NotificationClosed(id, 1);       // by itself: it can still be clicked in the list of past ones
       Q_EMIT server.ActionInvoked(99, u"default"_s); // somebody else's
+      Q_EMIT server.ActivationToken(99, u"of 99"_s);
+      Q_EMIT server.ActivationToken(id, u"of %1"_s.arg(id));
       Q_EMIT server.ActionInvoked(id, u"default"_s);
       QCoreApplication::processEvents();
       return clicked.size() > before;
@@ -48,8 +54,9 @@ protected:
   const QCoreApplication application{noArguments, nullptr};
   platform::NotificationCenter center;
   QStringList clicked;
-  const QMetaObject::Connection clicks = QObject::connect(&center, &platform::NotificationCenter::activated,
-                                                          [this](const QString &result) { clicked << result; });
+  const QMetaObject::Connection clicks =
+      QObject::connect(&center, &platform::NotificationCenter::activated,
+                       [this](const QString &result) { clicked << result << platform::takeActivationToken(); });
 };
 
 TEST_F(Notifications, areCarriedAndHandTheirResultBackWithAClick) {
@@ -76,8 +83,9 @@ TEST_F(Notifications, areCarriedAndHandTheirResultBackWithAClick) {
   server.restart();
   post(2, u"<two>"_s);
   EXPECT_TRUE(server.waitForStanding({u"<two>"_s, u"one"_s})) << "told plainly to who reads no markup";
-  EXPECT_TRUE(click(server, server.standing.key(u"<two>"_s)));
-  EXPECT_EQ(clicked, (QStringList{u"17"_s, u"<two>"_s}));
+  const uint id = server.standing.key(u"<two>"_s);
+  EXPECT_TRUE(click(server, id));
+  EXPECT_EQ(clicked, (QStringList{u"17"_s, u"of 1"_s, u"<two>"_s, u"of %1"_s.arg(id)}));
 }
 
 TEST_F(Notifications, standOnceOfAKindForAsLongAsTheyAreTrueWhateverBecomesOfTheService) {
@@ -178,6 +186,84 @@ TEST(SingleInstance, isTheSessionsOnlyOneWhateverTheProfiles) {
   EXPECT_TRUE(agent.serve());
   agent.resign();
   EXPECT_TRUE(waitFor([&] { return other.registerService(u"com.norvale.Downloaderpictora"_s); }));
+}
+
+struct ActivationTokens : testing::Test {
+  const TestProfile profile;
+  const PrivateBus bus;
+  const QCoreApplication application{noArguments, nullptr};
+};
+
+TEST_F(ActivationTokens, ofTheLauncherAndTheTrayAreForOneWindowAndForNoChild) {
+  qputenv("XDG_ACTIVATION_TOKEN", "launcher's");
+  qputenv("DESKTOP_STARTUP_ID", "older");
+  platform::adoptLaunchToken();
+  EXPECT_FALSE(qEnvironmentVariableIsSet("XDG_ACTIVATION_TOKEN") || qEnvironmentVariableIsSet("DESKTOP_STARTUP_ID"));
+  for (const QByteArray expected : {"launcher's", ""}) {
+    const platform::ActivationScope scope;
+    EXPECT_EQ(qgetenv("XDG_ACTIVATION_TOKEN"), expected);
+  }
+  EXPECT_FALSE(qEnvironmentVariableIsSet("XDG_ACTIVATION_TOKEN"));
+  qputenv("DESKTOP_STARTUP_ID", "alone");
+  platform::adoptLaunchToken();
+  EXPECT_EQ(platform::takeActivationToken(), u"alone");
+  platform::keepActivationToken(u"of a click on Download Now"_s);
+  qputenv("XDG_ACTIVATION_TOKEN", "tray's");
+  EXPECT_EQ(platform::takeActivationToken(), u"tray's");
+  EXPECT_FALSE(qEnvironmentVariableIsSet("XDG_ACTIVATION_TOKEN"));
+  platform::keepActivationToken(u"stale"_s, 0ms);
+  EXPECT_EQ(platform::takeActivationToken(), QString());
+}
+
+TEST_F(ActivationTokens, comeWithWhatOthersAskFor) {
+  SingleInstance agent;
+  ASSERT_TRUE(agent.serve());
+  std::optional<QString> got;
+  const auto take = [&got] { got = platform::takeActivationToken(); };
+  QObject::connect(&agent, &SingleInstance::activated, take);
+  QObject::connect(&agent, &SingleInstance::urlReceived, take);
+  QObject::connect(&agent, &SingleInstance::actionRequested, take);
+  const auto call = [](const QString &method, QVariantList arguments, const QVariantMap &platformData) {
+    auto message =
+        QDBusMessage::createMethodCall(u"com.norvale.Downloaderpictora"_s, u"/com/norvale/Downloaderpictora"_s,
+                                       u"org.freedesktop.Application"_s, method);
+    message.setArguments(arguments << QVariant(platformData));
+    QDBusConnection::sessionBus().asyncCall(message);
+  };
+  const auto startAgain = [&](const std::optional<QString> &url, bool hasBus = true) {
+    const QByteArray address = qgetenv("DBUS_SESSION_BUS_ADDRESS");
+    if (!hasBus) qputenv("DBUS_SESSION_BUS_ADDRESS", "unix:path=/nonexistent");
+    std::thread second(
+        [&] { EXPECT_EQ(SingleInstance::handOver(url, u"new"_s), SingleInstance::HandOver::Delivered); });
+    EXPECT_TRUE(waitFor([&] { return got.has_value(); }));
+    second.join();
+    qputenv("DBUS_SESSION_BUS_ADDRESS", address);
+  };
+  const QVariantMap both{{u"activation-token"_s, u"new"_s}, {u"desktop-startup-id"_s, u"old"_s}};
+  const QVariantMap elder{{u"desktop-startup-id"_s, u"old"_s}};
+  const QString url = u"downloaderpictora:"_s;
+  const std::tuple<const char *, std::function<void()>, QString> rows[] = {
+      {"Activate", [&] { call(u"Activate"_s, {}, both); }, u"new"_s},
+      {"Open", [&] { call(u"Open"_s, {QStringList{url}}, both); }, u"new"_s},
+      {"ActivateAction",
+       [&] {
+         call(u"ActivateAction"_s, {u"about"_s, QVariantList()}, both);
+       },
+       u"new"_s},
+      {"an elder desktop", [&] { call(u"Activate"_s, {}, elder); }, u"old"_s},
+      {"no desktop", [&] { call(u"Activate"_s, {}, {}); }, QString()},
+      {"second start", [&] { startAgain(std::nullopt); }, u"new"_s},
+      {"second start with a URL", [&] { startAgain(url); }, u"new"_s},
+      {"second start without a bus", [&] { startAgain(std::nullopt, false); }, u"new"_s},
+      {"second start with a URL without a bus", [&] { startAgain(url, false); }, u"new"_s},
+  };
+  for (const auto &[name, ask, expected] : rows) {
+    platform::keepActivationToken(u"of a request before"_s);
+    got.reset();
+    ask();
+    EXPECT_TRUE(waitFor([&] { return got.has_value(); })) << name;
+    EXPECT_EQ(got, expected) << name;
+  }
 }
 
 TEST(Mailbox, runsJobsInOrderWhileOneShowsADialogAndDropsWhatIsLeft) {

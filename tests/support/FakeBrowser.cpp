@@ -15,9 +15,15 @@ void FakeBrowser::install(const QByteArray &afterwards) const {
   const QString script = folder + u"/xdg-open"_s;
   const QByteArray note = QFile::encodeName(notePath);
   // Renamed into place, so that nobody reads half a URL.
-  writeFile(script, "#!/bin/sh\nprintf $$ >'" + note + ".process'; printf '%s' \"$1\" >'" + note + ".new' && mv '"
-                        + note + ".new' '" + note + "'\n" + afterwards);
+  writeFile(script, "#!/bin/sh\nprintf $$ >'" + note
+                        + ".process'; printf '%s' \"$XDG_ACTIVATION_TOKEN|$DESKTOP_STARTUP_ID\" >'" + note
+                        + ".token'; printf '%s' \"$1\" >'" + note + ".new' && mv '" + note + ".new' '" + note + "'\n"
+                        + afterwards);
   QFile::setPermissions(script, QFile::ReadOwner | QFile::WriteOwner | QFile::ExeOwner);
+}
+
+QString FakeBrowser::lastToken() const {
+  return QString::fromUtf8(contentOf(notePath + u".token"_s));
 }
 
 void FakeBrowser::hang() const {

@@ -17,6 +17,8 @@ public:
 
   /// The URL that it was asked to open since the last call; waits for one.
   [[nodiscard]] std::optional<QString> takeUrl() const;
+  /// The leave to come in front that came with the last URL, by its two names.
+  [[nodiscard]] QString lastToken() const;
   /// Whether there is one.
   [[nodiscard]] bool hasUrl() const;
   /// From now on it opens nothing and does not end by itself for a while.

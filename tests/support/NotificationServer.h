@@ -40,6 +40,7 @@ public Q_SLOTS:
   void CloseNotification(uint id) { close(id, 3); }
 
 Q_SIGNALS:
+  void ActivationToken(uint id, const QString &token);
   void ActionInvoked(uint id, const QString &action);
   void NotificationClosed(uint id, uint reason);
 
