@@ -21,6 +21,14 @@ PollingErrorWaitTime=2
 """
 
 
+def walk(value):
+    """Every object in what JSON gave."""
+    if isinstance(value, dict):
+        yield value
+    for part in value.values() if isinstance(value, dict) else value if isinstance(value, list) else ():
+        yield from walk(part)
+
+
 class Service:
     """The photo service on this machine, with its sample library."""
 
@@ -46,7 +54,7 @@ class Service:
         return json.loads(done.stdout)
 
     def requests(self, name):
-        return self.ask('requests.json').get(name, 0)
+        return next((entry[name] for entry in walk(self.ask('requests.json')) if name in entry), 0)
 
     def fetched(self):
         return self.requests('ObjectGet') + self.requests('PreviewObject')
@@ -121,8 +129,8 @@ class Agent:
         return sorted(path for path in self.pictures.rglob('*') if path.is_file())
 
     def wait_for_run(self):
-        """A run renews the login twice: the third time, it is complete."""
-        wait_until(lambda: self.service.requests('RefreshToken') >= 3, 'the first run', 90)
+        """Each of its three passes is reported."""
+        wait_until(lambda: len(self.service.ask('reports.json')) >= 3, 'the first run', 90)
 
     def verify(self):
         """What is wrong with the folders; empty when every picture is in its place."""

@@ -42,9 +42,9 @@ class Desktop:
         """The box of the panel that has the tray."""
         return 0, 0, self.size[0], 28
 
-    def beside_panel(self):
-        """The rest of the screen."""
-        return 0, 28, *self.size
+    def menu_area(self, icon):
+        """Where the menu of an icon in that box shows: an upright strip that is all menu for as far as it reaches."""
+        return max(0, icon[0] - 60), 28, icon[0], self.size[1]
 
     def menu_box(self, changed):
         """The box of the menu's entries within what has changed with it."""

@@ -83,6 +83,8 @@ class Flow:
         wait_until(self.agent.item, 'the item at the tray')
         self.icon = wait_until(lambda: changed_box(self.empty, self.desktop.picture(), self.desktop.panel()),
                                'the icon in the panel')
+        # It says at once that nobody is logged in; later it would stand in the way of what is looked at.
+        holds_within(lambda: changed_box(self.empty, self.desktop.picture(), self.desktop.notification_area()), 3)
         self.take('icon')
         self.note('icon', f'StatusNotifier item, {self.agent.platform()} program')
 
@@ -91,12 +93,13 @@ class Flow:
         if not self.desktop.has_tray:
             return self.agent.act({LOG_IN: 'link', SETTINGS: 'settings', QUIT: 'quit'}[label])
         before = self.desktop.quiet_picture()
+        area = self.desktop.menu_area(self.icon)
         self.desktop.pointer.click(*centre(self.icon), self.desktop.menu_button)
-        wait_until(lambda: changed_box(before, self.desktop.picture(), self.desktop.beside_panel()), 'the menu')
+        wait_until(lambda: changed_box(before, self.desktop.picture(), area), 'the menu')
         after = self.desktop.quiet_picture()
         if kept:
             self.pictures[kept] = after
-        box = self.desktop.menu_box(changed_box(before, after, self.desktop.beside_panel()))
+        box = self.desktop.menu_box(changed_box(before, after, area))
         self.desktop.pointer.click(*row_centre(box, self.agent.menu(), label, self.desktop.separator))
 
     def opened(self, words):

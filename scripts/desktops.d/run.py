@@ -12,9 +12,12 @@ import report
 from basics import CannotRun, Fault, Session, adopt_orphans, end_descendants
 from desktop import BROWSER_PROGRAM
 from flow import COLUMNS, Flow
+from gnome import Gnome, GnomeWithExtension
+from plasma import Plasma
+from sway import Sway
 from x11 import NoTray, Xfce
 
-DESKTOPS = {kind.name: kind for kind in (Xfce, NoTray)}
+DESKTOPS = {kind.name: kind for kind in (Gnome, GnomeWithExtension, Plasma, Sway, Xfce, NoTray)}
 
 
 def base_environment(work):
