@@ -98,7 +98,7 @@ class Agent:
     def item(self):
         """Its entry at the tray, as (bus name, path)."""
         for entry in self.bus.get(WATCHER, '/StatusNotifierWatcher', WATCHER, 'RegisteredStatusNotifierItems') or []:
-            name, slash, path = entry.partition('/')
+            name, slash, path = entry.replace('@', '').partition('/')
             pid = self.bus.call('org.freedesktop.DBus', '/org/freedesktop/DBus', 'org.freedesktop.DBus',
                                 'GetConnectionUnixProcessID', GLib.Variant('(s)', (name,)))
             if pid and pid[0] == self.process.pid:

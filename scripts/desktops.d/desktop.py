@@ -42,6 +42,10 @@ class Desktop:
         """The box of the panel that has the tray."""
         return 0, 0, self.size[0], 28
 
+    def icon_box(self, changed):
+        """The icon's within what has changed of the panel when it came: what stands right of it may have moved."""
+        return changed[0], changed[1], min(changed[2], changed[0] + 24), changed[3]
+
     def menu_area(self, icon):
         """Where the menu of an icon in that box shows: an upright strip that is all menu for as far as it reaches."""
         return max(0, icon[0] - 60), 28, icon[0], self.size[1]

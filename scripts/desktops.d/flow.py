@@ -81,8 +81,9 @@ class Flow:
             self.note('icon', 'no tray: none, and the agent works on')
             return
         wait_until(self.agent.item, 'the item at the tray')
-        self.icon = wait_until(lambda: changed_box(self.empty, self.desktop.picture(), self.desktop.panel()),
-                               'the icon in the panel')
+        wait_until(lambda: changed_box(self.empty, self.desktop.picture(), self.desktop.panel()),
+                   'the icon in the panel')
+        self.icon = self.desktop.icon_box(changed_box(self.empty, self.desktop.quiet_picture(), self.desktop.panel()))
         # It says at once that nobody is logged in; later it would stand in the way of what is looked at.
         holds_within(lambda: changed_box(self.empty, self.desktop.picture(), self.desktop.notification_area()), 3)
         self.take('icon')

@@ -40,6 +40,10 @@ welcome-dialog-last-shown-version='99'
 
 [org/gnome/desktop/interface]
 enable-animations=false
+enable-hot-corners=false
+
+[org/gnome/desktop/lockdown]
+disable-lock-screen=true
 
 [org/gnome/mutter]
 experimental-features=['scale-monitor-framebuffer']
@@ -64,7 +68,9 @@ experimental-features=['scale-monitor-framebuffer']
                                 f'{self.session.log_of("gnome-shell", 1)}')
             return self.bus.has_owner(SHELL) and self.evaluate('Main.layoutManager._startingUp') is False
         wait_until(is_there, 'GNOME Shell', 40)
+        # Where it shows itself first, and what it says of a session without a display manager.
         self.evaluate('Main.overview.hide()')
+        self.evaluate('Main.messageTray.getSources().forEach(source => source.destroy())')
         wait_until(self.has_notifications, 'the notification service')
         if self.has_tray:
             self.wait_for_tray()
@@ -81,7 +87,7 @@ experimental-features=['scale-monitor-framebuffer']
         path = self.session.folder / 'screen.png'
         answer = self.bus.call('org.gnome.Shell.Screenshot', '/org/gnome/Shell/Screenshot',
                                'org.gnome.Shell.Screenshot', 'Screenshot',
-                               GLib.Variant('(bbs)', (False, False, str(path))))
+                               GLib.Variant('(bbs)', (True, False, str(path))))
         if not answer or not answer[0]:
             raise Fault(f'GNOME Shell takes no picture: {getattr(self.bus, "trouble", "")}')
         with Image.open(path) as picture:
@@ -102,6 +108,13 @@ experimental-features=['scale-monitor-framebuffer']
             if kind_of(window['class']) == kind and width > 150 and height > 100:
                 return tuple(round(self.factor * edge) for edge in (left, top, left + width, top + height))
         return None
+
+    def panel(self):
+        # Between the clock and the Shell's own.
+        return self.size[0] // 2 + 100, 0, self.size[0] - 155, 30
+
+    def notification_spot(self, changed):
+        return changed[0] + 210, changed[1] + 55
 
     def notification_area(self):
         return 280, 32, 1000, 360

@@ -17,8 +17,15 @@ ANSWER = '<node><interface name="desktops.Answer"><method name="tell"><arg type=
          '</interface></node>'
 WINDOWS = """callDBus('%s', '/answer', 'desktops.Answer', 'tell', JSON.stringify(workspace.clientList().map(
   c => ({class: String(c.resourceClass), active: c.active, normal: c.normalWindow || c.dialog,
-         box: [c.clientGeometry.x, c.clientGeometry.y, c.clientGeometry.width, c.clientGeometry.height]}))));
+         box: [c.frameGeometry.x, c.frameGeometry.y, c.frameGeometry.width, c.frameGeometry.height]}))));
 """
+TRAY = """panels().forEach(panel => panel.widgets('org.kde.plasma.systemtray').forEach(widget => {
+  const tray = desktopById(widget.readConfig('SystrayContainmentId'));
+  tray.currentConfigGroup = ['General'];
+  tray.writeConfig('extraItems', ['org.kde.plasma.notifications']);
+  tray.writeConfig('hiddenItems', ['org.kde.plasma.notifications']);
+  tray.reloadConfig();
+}));"""
 
 
 class Plasma(Desktop):
@@ -55,8 +62,15 @@ class Plasma(Desktop):
         self.session.start('plasmashell', 'plasmashell', '--no-respawn')
         self.wait_for_tray()
         wait_until(self.has_notifications, 'the notification service', 20)
+        self.arrange_tray()
         self.pointer = KWinPointer(self.session)
         self.quiet_picture()
+
+    def arrange_tray(self):
+        """Nothing else comes and goes there."""
+        if self.bus.call('org.kde.plasmashell', '/PlasmaShell', 'org.kde.PlasmaShell', 'evaluateScript',
+                         GLib.Variant('(s)', (TRAY,))) is None:
+            raise Fault(f'Plasma does not arrange its tray: {self.bus.trouble}')
 
     def listen(self):
         self.told = []
@@ -91,7 +105,7 @@ class Plasma(Desktop):
                                GLib.Variant('(ss)', (str(self.script), 'desktops')))
         if not loaded:
             raise Fault(f'KWin loads no script: {self.bus.trouble}')
-        self.bus.call(KWIN, f'/{loaded[0]}', 'org.kde.kwin.Script', 'run')
+        self.bus.call(KWIN, '/Scripting', 'org.kde.kwin.Scripting', 'start')
         wait_until(lambda: pump() or self.told, "KWin's windows", 5)
         self.bus.call(KWIN, '/Scripting', 'org.kde.kwin.Scripting', 'unloadScript', GLib.Variant('(s)', ('desktops',)))
         return json.loads(self.told[0])
@@ -110,7 +124,7 @@ class Plasma(Desktop):
         return self.size[0] // 2, self.size[1] - 44, self.size[0] - 120, self.size[1]
 
     def menu_area(self, icon):
-        return max(0, icon[0] - 60), 0, icon[0], self.size[1] - 48
+        return icon[0], 0, icon[2], self.size[1] - 48
 
     def notification_area(self):
         return self.size[0] // 2 + 100, self.size[1] // 2 + 50, self.size[0], self.size[1] - 48

@@ -21,6 +21,7 @@ seat seat0 fallback true
 bar {{
   swaybar_command waybar
 }}
+for_window [app_id="com.norvale.Downloaderpictora"] floating enable
 exec mako
 """
     BAR = {'layer': 'top', 'position': 'top', 'height': 28, 'modules-left': ['sway/workspaces'],
