@@ -2,10 +2,15 @@
 
 import pathlib
 
+from gi.repository import GLib
+
 from basics import Fault, holds_within, settled, wait_until
 
 AGENT, BROWSER, FOLDERS = 'agent', 'browser', 'folders'
 BROWSER_PROGRAM = pathlib.Path(__file__).resolve().parent / 'browser.py'
+PORTAL = ('org.freedesktop.portal.Desktop', 'org.freedesktop.impl.portal.PermissionStore',
+          'org.freedesktop.portal.Documents')
+GTK_PORTAL = (*PORTAL, 'org.freedesktop.impl.portal.desktop.gtk')
 KINDS = {'downloaderpictora': AGENT, 'com.norvale.downloaderpictora': AGENT, 'standin-browser': BROWSER,
          'standin-folders': FOLDERS}
 
@@ -108,6 +113,16 @@ class Desktop:
 
     def has_notifications(self):
         return self.bus.has_owner('org.freedesktop.Notifications')
+
+    def tell_bus(self):
+        """What the bus starts is to find the display, too."""
+        known = {name: value for name, value in self.session.environment.items() if value}
+        self.bus.call('org.freedesktop.DBus', '/org/freedesktop/DBus', 'org.freedesktop.DBus',
+                      'UpdateActivationEnvironment', GLib.Variant('(a{ss})', (known,)))
+
+    def ask_for_dark(self):
+        """As the settings of most desktops do, and their portal tells it."""
+        self.session.run('gsettings', 'set', 'org.gnome.desktop.interface', 'color-scheme', 'prefer-dark')
 
     def wait_for_tray(self):
         watcher = 'org.kde.StatusNotifierWatcher'

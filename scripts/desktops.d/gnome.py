@@ -6,7 +6,7 @@ from gi.repository import GLib
 from PIL import Image
 
 from basics import CannotRun, Fault, wait_until
-from desktop import Desktop, kind_of
+from desktop import GTK_PORTAL, Desktop, kind_of
 from pointer import MutterPointer
 
 SHELL = 'org.gnome.Shell'
@@ -24,14 +24,14 @@ WINDOWS = """JSON.stringify(global.get_window_actors().map(actor => {
 
 class Gnome(Desktop):
     name, title, current_desktop, session_type = 'gnome', 'GNOME Shell 43', 'GNOME', 'wayland'
-    services = ('org.gnome.Shell.Notifications', 'org.gnome.Shell.Extensions', 'org.gnome.ScreenSaver')
+    services = (*GTK_PORTAL, 'org.gnome.Shell.Notifications', 'org.gnome.Shell.Extensions', 'org.gnome.ScreenSaver')
     has_tray = False
     notifier = "the Shell's own"
     extensions = '@as []'
 
     def prepare(self):
         session = self.session
-        session.environment.update(GSETTINGS_BACKEND='keyfile', WAYLAND_DISPLAY='wayland-0',
+        session.environment.update(WAYLAND_DISPLAY='wayland-0',
                                    XDG_SESSION_DESKTOP='gnome', XDG_SESSION_CLASS='user')
         session.write('.config/glib-2.0/settings/keyfile', f"""[org/gnome/shell]
 enabled-extensions={self.extensions}
@@ -68,6 +68,7 @@ experimental-features=['scale-monitor-framebuffer']
                                 f'{self.session.log_of("gnome-shell", 1)}')
             return self.bus.has_owner(SHELL) and self.evaluate('Main.layoutManager._startingUp') is False
         wait_until(is_there, 'GNOME Shell', 40)
+        self.tell_bus()
         # Where it shows itself first, and what it says of a session without a display manager.
         self.evaluate('Main.overview.hide()')
         self.evaluate('Main.messageTray.getSources().forEach(source => source.destroy())')
@@ -124,7 +125,7 @@ experimental-features=['scale-monitor-framebuffer']
         self.pointer.click(self.size[0] // 2, 14)
 
     def set_dark(self):
-        self.session.run('gsettings', 'set', 'org.gnome.desktop.interface', 'color-scheme', 'prefer-dark')
+        self.ask_for_dark()
 
     def set_scale(self, factor):
         config, path = 'org.gnome.Mutter.DisplayConfig', '/org/gnome/Mutter/DisplayConfig'

@@ -9,7 +9,7 @@ from PIL import Image
 
 from basics import CannotRun, Fault, holds_within, wait_until
 from bus import pump
-from desktop import Desktop, kind_of
+from desktop import PORTAL, Desktop, kind_of
 from pointer import KWinPointer
 
 KWIN = 'org.kde.KWin'
@@ -30,7 +30,7 @@ TRAY = """panels().forEach(panel => panel.widgets('org.kde.plasma.systemtray').f
 
 class Plasma(Desktop):
     name, title, current_desktop, session_type = 'plasma', 'KDE Plasma 5.27, Wayland', 'KDE', 'wayland'
-    services = ('org.kde.ActivityManager', 'org.kde.kded5', 'org.kde.KSplash', 'org.kde.kglobalaccel',
+    services = (*PORTAL, 'org.freedesktop.impl.portal.desktop.kde', 'org.kde.ActivityManager', 'org.kde.kded5', 'org.kde.KSplash', 'org.kde.kglobalaccel',
                 'org.kde.kuiserver', 'org.kde.JobViewServer', 'org.kde.KScreen')
     notifier = "Plasma's own"
 
@@ -57,6 +57,7 @@ class Plasma(Desktop):
         wait_until(display, 'the Wayland display', 20)
         wait_until(lambda: self.bus.has_owner(KWIN), 'KWin on the bus', 20)
         self.factor = 1
+        self.tell_bus()
         self.listen()
         self.session.start('kded5', 'kded5')
         self.session.start('plasmashell', 'plasmashell', '--no-respawn')

@@ -27,7 +27,7 @@ def base_environment(work):
             'USER': os.environ.get('USER', 'nobody'), 'LOGNAME': os.environ.get('LOGNAME', 'nobody'),
             'XDG_DATA_DIRS': f'{prefix}/share:/usr/local/share:/usr/share', 'XDG_CONFIG_DIRS': '/etc/xdg',
             'DESKTOPS_SANDBOX': os.environ['DESKTOPS_SANDBOX'], 'LIBGL_ALWAYS_SOFTWARE': '1',
-            'NO_AT_BRIDGE': '1', 'SHELL': '/bin/bash'}
+            'NO_AT_BRIDGE': '1', 'GSETTINGS_BACKEND': 'keyfile', 'SHELL': '/bin/bash'}
 
 
 def add_handlers(session):

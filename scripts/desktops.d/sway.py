@@ -8,12 +8,13 @@ import subprocess
 from PIL import Image
 
 from basics import CannotRun, wait_until
-from desktop import Desktop, kind_of
+from desktop import GTK_PORTAL, Desktop, kind_of
 from pointer import WlrootsPointer
 
 
 class Sway(Desktop):
     name, title, current_desktop, session_type = 'sway', 'sway 1.7 with waybar', 'sway', 'wayland'
+    services = GTK_PORTAL
     notifier = 'mako'
     SETTINGS = """output HEADLESS-1 resolution {0}x{1}
 output HEADLESS-1 background #31506a solid_color
@@ -30,7 +31,7 @@ exec mako
     def prepare(self):
         environment = self.session.environment
         environment.update(WLR_BACKENDS='headless', WLR_RENDERER='pixman', WLR_LIBINPUT_NO_DEVICES='1',
-                           SWAYSOCK=str(self.session.runtime / 'sway'), GSETTINGS_BACKEND='keyfile')
+                           SWAYSOCK=str(self.session.runtime / 'sway'))
         self.session.write('.config/sway/config', self.SETTINGS.format(*self.size))
         self.session.write('.config/waybar/config', json.dumps(self.BAR))
         self.session.write('.config/mako/config', 'anchor=top-right\non-button-left=invoke-default-action\n')
@@ -43,6 +44,7 @@ exec mako
                 raise CannotRun(f'sway ended with {self.shell.returncode}: {self.session.log_of("sway", 1)}')
             return [path.name for path in self.session.runtime.glob('wayland-[0-9]') if path.is_socket()]
         self.session.environment['WAYLAND_DISPLAY'] = wait_until(display, 'the Wayland display')[0]
+        self.tell_bus()
         wait_until(pathlib.Path(self.session.environment['SWAYSOCK']).exists, "sway's socket")
         self.wait_for_tray()
         wait_until(self.has_notifications, 'the notification service')
@@ -82,7 +84,7 @@ exec mako
         return icon[0] - 100, 0, icon[0] - 10, self.size[1]
 
     def set_dark(self):
-        self.session.run('gsettings', 'set', 'org.gnome.desktop.interface', 'color-scheme', 'prefer-dark')
+        self.ask_for_dark()
 
     def set_scale(self, factor):
         self.session.run('swaymsg', f'output HEADLESS-1 scale {factor}')

@@ -5,7 +5,7 @@ import pathlib
 from PIL import ImageGrab
 
 from basics import CannotRun, wait_until
-from desktop import BROWSER_PROGRAM, Desktop, kind_of
+from desktop import BROWSER_PROGRAM, GTK_PORTAL, Desktop, kind_of
 from pointer import XPointer
 
 
@@ -53,7 +53,7 @@ class XDesktop(Desktop):
 class Xfce(XDesktop):
     name, title, current_desktop = 'xfce', 'Xfce 4.18, X11', 'XFCE'
     notifier = 'xfce4-notifyd'
-    services = ('org.xfce.Xfconf', 'org.xfce.xfce4-notifyd.Notifications')
+    services = (*GTK_PORTAL, 'org.xfce.Xfconf', 'org.xfce.xfce4-notifyd.Notifications')
     PANEL = """<?xml version="1.0" encoding="UTF-8"?>
 <channel name="xfce4-panel" version="1.0">
   <property name="configver" type="int" value="2"/>
@@ -117,6 +117,7 @@ X-XFCE-CommandsWithParameter={0} browser "%s";
     def set_dark(self):
         self.session.run('xfconf-query', '-c', 'xsettings', '-p', '/Net/ThemeName', '-n', '-t', 'string', '-s',
                          'Adwaita-dark')
+        self.ask_for_dark()
 
     def set_scale(self, factor):
         self.session.run('xfconf-query', '-c', 'xsettings', '-p', '/Xft/DPI', '-n', '-t', 'int', '-s',
@@ -130,6 +131,7 @@ X-XFCE-CommandsWithParameter={0} browser "%s";
 
 class NoTray(XDesktop):
     name, title, current_desktop = 'none', 'Openbox 3.6, X11, no tray', ''
+    services = GTK_PORTAL
     has_tray = False
     notifier = 'dunst'
 
@@ -142,7 +144,7 @@ class NoTray(XDesktop):
                    'the window manager')
 
     def set_dark(self):
-        return False
+        self.ask_for_dark()
 
     def set_scale(self, factor):
         self.session.run('bash', '-c', f'xrdb -merge <<<"Xft.dpi: {int(96 * factor)}"')
