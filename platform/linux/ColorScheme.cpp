@@ -31,8 +31,7 @@ public:
     QDBusConnection bus = QDBusConnection::sessionBus();
     // A call would never end without one, not even in an error.
     if (!bus.isConnected()) return;
-    bus.connect(kPortal, kPath, kSettings, u"SettingChanged"_s, this,
-                SLOT(onChanged(QString, QString, QDBusVariant)));
+    bus.connect(kPortal, kPath, kSettings, u"SettingChanged"_s, this, SLOT(onChanged(QString, QString, QDBusVariant)));
     auto question = QDBusMessage::createMethodCall(kPortal, kPath, kSettings, u"Read"_s);
     question << QString(kNamespace) << QString(kKey);
     auto *const answer = new QDBusPendingCallWatcher(bus.asyncCall(question), this);

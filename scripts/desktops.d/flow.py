@@ -8,7 +8,6 @@ from bus import Bus
 from desktop import AGENT, BROWSER, FOLDERS, must
 from looking import brightness, centre, changed_box, row_centre
 
-COLUMNS = ('icon', 'menu', 'notification and click', 'windows in front', 'scaling', 'dark', 'quit', 'session end')
 LOG_IN, SETTINGS, QUIT = 'Log In', 'Download Folders', 'Quit'
 END_WITHIN = 10  # seconds
 

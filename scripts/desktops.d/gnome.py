@@ -114,6 +114,9 @@ experimental-features=['scale-monitor-framebuffer']
         # Between the clock and the Shell's own.
         return self.size[0] // 2 + 100, 0, self.size[0] - 155, 30
 
+    def menu_area(self, icon):
+        return icon[0] - 60, 34, icon[0], self.size[1]
+
     def notification_spot(self, changed):
         return changed[0] + 210, changed[1] + 55
 

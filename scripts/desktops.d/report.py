@@ -1,8 +1,15 @@
-"""The table, and the pictures beside it."""
+"""The table, and the pictures beside it.
 
-from flow import COLUMNS
+usage: report.py OUTPUT DOCS puts what a whole run has left in the folder OUTPUT into docs/desktops.md and its pictures.
+"""
 
-MARK_BEGIN, MARK_END = '<!-- made by scripts/desktops: begin -->', '<!-- end -->'
+import pathlib
+import shutil
+import sys
+
+COLUMNS = ('icon', 'menu', 'notification and click', 'windows in front', 'scaling', 'dark', 'quit', 'session end')
+SHOWN = ('menu', 'callback', 'notification', 'scaled', 'dark')
+MARKS = '<!-- made by scripts/desktops --write: from here -->', '<!-- to here -->'
 
 
 def cell(notes):
@@ -12,17 +19,46 @@ def cell(notes):
 
 
 def table(rows):
-    """rows: [(title, {column: notes})]"""
+    """rows: [(title, {column: [(is it a fault, text)]})]"""
     lines = ['| desktop | ' + ' | '.join(COLUMNS) + ' |', '|---' * (len(COLUMNS) + 1) + '|']
     for title, cells in rows:
         lines.append(f'| {title} | ' + ' | '.join(cell(cells.get(column)) for column in COLUMNS) + ' |')
-    return '\n'.join(lines)
+    return '\n'.join(lines) + '\n'
 
 
 def has_fault(rows):
-    return any(is_fault for _, cells in rows for notes in cells.values() for is_fault, _ in notes)
+    """Also where nothing was found out."""
+    return any(not cells.get(column) or any(is_fault for is_fault, _ in cells[column])
+               for _, cells in rows for column in COLUMNS)
 
 
 def save(picture, path):
-    path.parent.mkdir(parents=True, exist_ok=True)
-    picture.quantize(64, dither=0).save(path, optimize=True)
+    picture.quantize(96, dither=0).save(path, optimize=True)
+
+
+def gallery(output, pictures, titles):
+    """Copies the pictures that are shown, and names them."""
+    shutil.rmtree(pictures, ignore_errors=True)
+    pictures.mkdir(parents=True)
+    lines = []
+    for name, title in titles:
+        lines += ['', f'### {title}', '']
+        for step in SHOWN:
+            source = output / f'{name}-{step}.png'
+            if source.exists():
+                shutil.copy(source, pictures)
+                lines.append(f'![{step}](pictures/desktops/{source.name})')
+    return '\n'.join(lines)
+
+
+def write(output, docs):
+    page = docs / 'desktops.md'
+    before, _, rest = page.read_text().partition(MARKS[0])
+    after = rest.partition(MARKS[1])[2]
+    titles = [line.split('\t') for line in (output / 'titles').read_text().splitlines()]
+    made = (output / 'table.md').read_text() + gallery(output, docs / 'pictures/desktops', titles)
+    page.write_text(f'{before}{MARKS[0]}\n\n{made}\n\n{MARKS[1]}{after}')
+
+
+if __name__ == '__main__':
+    write(*map(pathlib.Path, sys.argv[1:]))

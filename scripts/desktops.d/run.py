@@ -11,7 +11,7 @@ import traceback
 import report
 from basics import CannotRun, Fault, Session, adopt_orphans, end_descendants
 from desktop import BROWSER_PROGRAM
-from flow import COLUMNS, Flow
+from flow import Flow
 from gnome import Gnome, GnomeWithExtension
 from plasma import Plasma
 from sway import Sway
@@ -53,7 +53,7 @@ def try_desktop(kind, work, output):
     try:
         flow.run()
     except CannotRun as reason:
-        for column in COLUMNS:
+        for column in report.COLUMNS:
             flow.note(column, f'not here: {reason}')
     except Exception as trouble:  # pylint: disable=broad-except: every other desktop is still to be tried
         if not isinstance(trouble, Fault):
@@ -82,7 +82,8 @@ def main():
         rows.append(try_desktop(DESKTOPS[name], work, output))
         print(f'  {time.monotonic() - began:.0f} s', flush=True)
     text = report.table(rows)
-    (output / 'table.md').write_text(text + '\n')
+    (output / 'table.md').write_text(text)
+    (output / 'titles').write_text(''.join(f'{name}\t{DESKTOPS[name].title}\n' for name in names))
     print(text)
     sys.exit(1 if report.has_fault(rows) else 0)
 

@@ -1,4 +1,5 @@
 #include "platform/ActivationToken.h"
+#include "platform/ColorScheme.h"
 #include "platform/Mailbox.h"
 #include "platform/NotificationCenter.h"
 #include "platform/SingleInstance.h"
@@ -12,7 +13,10 @@
 #include <QCoreApplication>
 #include <QDBusConnection>
 #include <QDBusConnectionInterface>
+#include <QDBusMessage>
 #include <QDBusReply>
+#include <QDBusVariant>
+#include <QDBusVirtualObject>
 #include <QEventLoop>
 
 #include <sys/syscall.h>
@@ -264,6 +268,52 @@ TEST_F(ActivationTokens, comeWithWhatOthersAskFor) {
     EXPECT_TRUE(waitFor([&] { return got.has_value(); })) << name;
     EXPECT_EQ(got, expected) << name;
   }
+}
+
+/// What tells programs of the user's wishes, on a connection of its own.
+class Portal : public QDBusVirtualObject {
+public:
+  explicit Portal(uint wish) : scheme(wish) {
+    bus.registerVirtualObject(kPath, this);
+    bus.registerService(u"org.freedesktop.portal.Desktop"_s);
+  }
+  ~Portal() override { QDBusConnection::disconnectFromBus(u"portal"_s); }
+
+  QString introspect(const QString & /*path*/) const override { return {}; }
+  bool handleMessage(const QDBusMessage &question, const QDBusConnection & /*bus*/) override {
+    const bool isKnown = question.arguments() == QVariantList{u"org.freedesktop.appearance"_s, u"color-scheme"_s};
+    const auto inner = QVariant::fromValue(QDBusVariant(scheme));
+    return bus.send(isKnown ? question.createReply(QVariant::fromValue(QDBusVariant(inner)))
+                            : question.createErrorReply(QDBusError::InvalidArgs, u"unknown"_s));
+  }
+  void tell(const QString &key, uint value) {
+    auto news = QDBusMessage::createSignal(kPath, u"org.freedesktop.portal.Settings"_s, u"SettingChanged"_s);
+    news << u"org.freedesktop.appearance"_s << key << QVariant::fromValue(QDBusVariant(value));
+    bus.send(news);
+  }
+
+private:
+  const QString kPath = u"/org/freedesktop/portal/desktop"_s;
+  const uint scheme;
+  QDBusConnection bus = QDBusConnection::connectToBus(QDBusConnection::SessionBus, u"portal"_s);
+};
+
+TEST(ColorScheme, isToldAtStartAndWithEachChange) {
+  const TestProfile profile;
+  const PrivateBus bus;
+  const QCoreApplication application(noArguments, nullptr);
+  Portal portal(1);
+  const platform::ColorScheme scheme;
+  QList<bool> told;
+  QObject::connect(&scheme, &platform::ColorScheme::told, qApp, [&told](bool isDark) { told << isDark; });
+  const auto isTold = [&told](const QList<bool> &expected) { return waitFor([&] { return told == expected; }); };
+  ASSERT_TRUE(isTold({true}));
+  portal.tell(u"accent-color"_s, 0);
+  portal.tell(u"color-scheme"_s, 2);
+  EXPECT_TRUE(isTold({true, false}));
+  portal.tell(u"color-scheme"_s, 1);
+  portal.tell(u"color-scheme"_s, 0);
+  EXPECT_TRUE(isTold({true, false, true, false}));
 }
 
 TEST(Mailbox, runsJobsInOrderWhileOneShowsADialogAndDropsWhatIsLeft) {
