@@ -65,6 +65,9 @@ class Desktop:
     def show_notifications(self):
         """Where a desktop does not show them by itself."""
 
+    def leave_notifications(self):
+        """Where what shows them stays open after a click, and holds the keys."""
+
     def notification_spot(self, changed):
         """Where the newest in the changed box is to be clicked."""
         return (changed[0] + changed[2]) // 2, changed[1] + 20
@@ -113,6 +116,10 @@ class Desktop:
 
     def has_notifications(self):
         return self.bus.has_owner('org.freedesktop.Notifications')
+
+    def send_action(self, action):
+        """As the agent's entry in the applications menu does."""
+        self.session.run('gapplication', 'action', 'com.norvale.Downloaderpictora', action)
 
     def tell_bus(self):
         """What the bus starts is to find the display, too."""

@@ -69,6 +69,7 @@ class Flow:
         self.bus = self.desktop.bus = Bus(self.session.environment['DBUS_SESSION_BUS_ADDRESS'])
         self.service = Service(self.session)
         self.agent = Agent(self.session, self.service, self.bus)
+        self.session.start('notifications', 'dbus-monitor', '--session', "interface='org.freedesktop.Notifications'")
         self.desktop.start()
 
     # the steps
@@ -91,7 +92,7 @@ class Flow:
     def choose(self, label, kept=None):
         """Chooses an entry of the menu as a person does."""
         if not self.desktop.has_tray:
-            return self.agent.act({LOG_IN: 'link', SETTINGS: 'settings', QUIT: 'quit'}[label])
+            return self.desktop.send_action({LOG_IN: 'link', SETTINGS: 'settings', QUIT: 'quit'}[label])
         before = self.desktop.quiet_picture()
         area = self.desktop.menu_area(self.icon)
         self.desktop.pointer.click(*centre(self.icon), self.desktop.menu_button)
@@ -137,6 +138,7 @@ class Flow:
         wait_until(lambda: self.opened('folders '), 'the folder, after the click', 10)
         self.note('notification and click', f'click opens the folder ({self.desktop.notifier})')
         must(not self.agent.verify(), f'the pictures are not as they should be: {self.agent.verify()[:3]}')
+        self.desktop.leave_notifications()
         if self.desktop.comes_to_front(FOLDERS):
             self.note('windows in front', 'folder after the click')
         else:

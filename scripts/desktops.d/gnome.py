@@ -10,6 +10,7 @@ from desktop import GTK_PORTAL, Desktop, kind_of
 from pointer import MutterPointer
 
 SHELL = 'org.gnome.Shell'
+AGENT_ENTRY = 'com.norvale.Downloaderpictora.desktop'
 EXTENSION = 'ubuntu-appindicators@ubuntu.com'
 SYSTEM_BUS = """<busconfig><type>system</type><listen>unix:path={}</listen>
 <policy context="default"><allow send_destination="*" eavesdrop="true"/><allow eavesdrop="true"/><allow own="*"/></policy>
@@ -75,7 +76,7 @@ experimental-features=['scale-monitor-framebuffer']
         wait_until(self.has_notifications, 'the notification service')
         if self.has_tray:
             self.wait_for_tray()
-        self.pointer = MutterPointer(self.bus)
+        self.pointer = MutterPointer(self.bus, width, height)
         self.factor = 1
 
     def evaluate(self, script):
@@ -126,6 +127,15 @@ experimental-features=['scale-monitor-framebuffer']
     def show_notifications(self):
         # Quiet ones wait in the list below the clock.
         self.pointer.click(self.size[0] // 2, 14)
+
+    def leave_notifications(self):
+        if self.evaluate('Main.panel.statusArea.dateMenu.menu.isOpen'):
+            self.show_notifications()
+
+    def send_action(self, action):
+        if self.evaluate(f"""imports.gi.Shell.AppSystem.get_default().lookup_app('{AGENT_ENTRY}').launch_action(
+                         '{action}', 0, -1); true""") is not True:
+            raise Fault('GNOME Shell does not know the agent')
 
     def set_dark(self):
         self.ask_for_dark()

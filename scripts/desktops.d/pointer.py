@@ -91,8 +91,8 @@ class MutterPointer:
     name = "the compositor's remote desktop"
     NAME, PATH = 'org.gnome.Mutter.RemoteDesktop', '/org/gnome/Mutter/RemoteDesktop'
 
-    def __init__(self, bus):
-        self.bus = bus
+    def __init__(self, bus, width, height):
+        self.bus, self.size = bus, (width, height)
         made = bus.call(self.NAME, self.PATH, self.NAME, 'CreateSession')
         self.path = made[0]
         self.tell('Start')
@@ -102,9 +102,10 @@ class MutterPointer:
                       GLib.Variant(form, values) if form else None)
 
     def move(self, x, y):
-        # Without a stream of the screen there are only steps: from its corner.
-        self.tell('NotifyPointerMotionRelative', '(dd)', -10000.0, -10000.0)
-        self.tell('NotifyPointerMotionRelative', '(dd)', float(x), float(y))
+        # Without a stream of the screen there are only steps: from the corner where nothing else reacts to a pointer.
+        width, height = self.size
+        self.tell('NotifyPointerMotionRelative', '(dd)', 10000.0, 10000.0)
+        self.tell('NotifyPointerMotionRelative', '(dd)', x - width + 1.0, y - height + 1.0)
 
     def click(self, x, y, button='left'):
         self.move(x, y)

@@ -54,6 +54,10 @@ class Xfce(XDesktop):
     name, title, current_desktop = 'xfce', 'Xfce 4.18, X11', 'XFCE'
     notifier = 'xfce4-notifyd'
     services = (*GTK_PORTAL, 'org.xfce.Xfconf', 'org.xfce.xfce4-notifyd.Notifications')
+    def notification_spot(self, changed):
+        # Its button: the rest only closes it.
+        return changed[2] - 50, changed[1] + 88
+
     PANEL = """<?xml version="1.0" encoding="UTF-8"?>
 <channel name="xfce4-panel" version="1.0">
   <property name="configver" type="int" value="2"/>
