@@ -21,6 +21,7 @@ class XPointer:
 
     def click(self, x, y, button='left'):
         self.move(x, y)
+        time.sleep(PRESS)
         self.session.run('xdotool', 'click', BUTTONS[button][0])
 
     def press_key(self, name):
