@@ -5,7 +5,7 @@ import pathlib
 from PIL import ImageGrab
 
 from basics import CannotRun, wait_until
-from desktop import BROWSER_PROGRAM, GTK_PORTAL, Desktop, kind_of
+from desktop import BROWSER, BROWSER_PROGRAM, FOLDERS, GTK_PORTAL, Desktop, kind_of
 from pointer import XPointer
 
 
@@ -84,9 +84,9 @@ class Xfce(XDesktop):
 Version=1.0
 Type=X-XFCE-Helper
 Name=Stand-in
-X-XFCE-Category=WebBrowser
-X-XFCE-Commands={0} browser about:blank;
-X-XFCE-CommandsWithParameter={0} browser "%s";
+X-XFCE-Category={0}
+X-XFCE-Commands={1} {2} about:blank;
+X-XFCE-CommandsWithParameter={1} {2} "%s";
 """
     SESSION = """<?xml version="1.0" encoding="UTF-8"?>
 <channel name="xfce4-session" version="1.0">
@@ -110,8 +110,10 @@ X-XFCE-CommandsWithParameter={0} browser "%s";
         folder = '.config/xfce4/xfconf/xfce-perchannel-xml'
         self.session.write(f'{folder}/xfce4-panel.xml', self.PANEL)
         self.session.write(f'{folder}/xfce4-session.xml', self.SESSION)
-        self.session.write('.config/xfce4/helpers.rc', 'WebBrowser=standin\n')
-        self.session.write('.local/share/xfce4/helpers/standin.desktop', self.HELPER.format(BROWSER_PROGRAM))
+        for category, kind in (('WebBrowser', BROWSER), ('FileManager', FOLDERS)):
+            self.session.write(f'.local/share/xfce4/helpers/standin-{kind}.desktop',
+                               self.HELPER.format(category, BROWSER_PROGRAM, kind))
+        self.session.write('.config/xfce4/helpers.rc', f'WebBrowser=standin-{BROWSER}\nFileManager=standin-{FOLDERS}\n')
         self.shell = self.session.start('xfce4-session', 'xfce4-session')
         notifyd = next(pathlib.Path('/usr/lib').glob('*/xfce4/notifyd/xfce4-notifyd'))
         self.session.start('notifyd', notifyd)
