@@ -31,7 +31,7 @@ public:
     QDBusConnection bus = QDBusConnection::sessionBus();
     // A call would never end without one, not even in an error.
     if (!bus.isConnected()) return;
-    bus.connect(kPortal, kPath, kSettings, u"SettingChanged"_s, this, SLOT(onChanged(QString, QString, QDBusVariant)));
+    bus.connect(kPortal, kPath, kSettings, u"SettingChanged"_s, this, SLOT(onChanged(QDBusMessage)));
     auto question = QDBusMessage::createMethodCall(kPortal, kPath, kSettings, u"Read"_s);
     question << QString(kNamespace) << QString(kKey);
     auto *const answer = new QDBusPendingCallWatcher(bus.asyncCall(question), this);
@@ -43,8 +43,10 @@ public:
   }
 
 private Q_SLOTS:
-  void onChanged(const QString &group, const QString &key, const QDBusVariant &value) {
-    if (group == kNamespace && key == kKey) tell(value);
+  // Whole: the library does not know each type of an argument yet when it is asked to connect.
+  void onChanged(const QDBusMessage &news) {
+    const QVariantList told = news.arguments();
+    if (told.size() == 3 && told[0] == kNamespace && told[1] == kKey) tell(told[2].value<QDBusVariant>());
   }
 
 private:
