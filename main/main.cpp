@@ -127,6 +127,7 @@ int runAgent(int &argc, char **argv, const CommandLine &commandLine) {
   installTexts();
   const platform::ColorScheme colorScheme;
   QObject::connect(&colorScheme, &platform::ColorScheme::told, qApp, &showWindowsDark);
+  platform::tellLauncherOfStart();
   SingleInstance instance(showingActions());
   if (const auto status = prepareToRun(instance, commandLine)) return *status;
   // Before anyone can see the agent: from then on it ends in order.

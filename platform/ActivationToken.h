@@ -4,31 +4,42 @@
 
 #include <chrono>
 
+class QWindow;
+
 namespace platform {
 
 /// The desktop's leave to come in front of what the user works with. A launcher, a notification, the tray or a browser
 /// sends it along with what it asks for; a window that shows without it may open behind the others. Each is for the
-/// next window or opener, once, and for a while. It is never logged, and no child inherits it but the
-/// opener that it is handed to. Main thread.
+/// next window or opener, once, and for a while. It is never logged, and no child inherits it but the opener that it is
+/// handed to. Main thread.
 /// @{
 
-/// Takes what this process was started with out of its environment. Before there is another thread.
+/// Takes what this process was started with out of its environment, where the display would look for it.
 void adoptLaunchToken();
-/// @param life  long enough for a login: its callback opens a window once its token has been verified.
+/// That the program is there, whether or not it shows a window: a busy cursor ends. Once there is a display, and before
+/// threads of ours.
+void tellLauncherOfStart();
 /// For what is shown from now on, instead of any before, also if it is empty: those were for something else.
+/// @param life  long enough for a login: its callback opens a window once its token has been verified.
 void keepActivationToken(const QString &token, std::chrono::milliseconds life = std::chrono::seconds(30));
 /// The one to be used, which stays; empty when there is none.
 [[nodiscard]] QString activationToken();
 /// The same, and it is used up.
 [[nodiscard]] QString takeActivationToken();
 
-/// While it lives, Qt finds the token where it looks for it when a window asks to be activated.
+/// Uses the token up, for a window. While it lives, Qt finds it where it looks for it.
 class ActivationScope {
 public:
   ActivationScope();
   ~ActivationScope();
   ActivationScope(const ActivationScope &) = delete;
   ActivationScope &operator=(const ActivationScope &) = delete;
+
+  /// Has the desktop bring @p window, which shows, in front.
+  void activate(QWindow &window) const;
+
+private:
+  const QString token;
 };
 
 /// @}

@@ -21,8 +21,9 @@ QPalette darkPalette() {
   }
   palette.setColor(QPalette::PlaceholderText, faint);
   palette.setColor(QPalette::BrightText, Qt::white);
-  palette.setColor(QPalette::Base, QColor(0x24, 0x24, 0x24));
-  palette.setColor(QPalette::AlternateBase, QColor(0x2a, 0x2a, 0x2a));
+  // Lighter than the window: boxes and circles to tick are filled with it, and their edges are darker than the window.
+  palette.setColor(QPalette::Base, QColor(0x4c, 0x4c, 0x4c));
+  palette.setColor(QPalette::AlternateBase, QColor(0x44, 0x44, 0x44));
   palette.setColor(QPalette::ToolTipBase, QColor(0x1c, 0x1c, 0x1c));
   palette.setColor(QPalette::Link, link);
   palette.setColor(QPalette::LinkVisited, link);

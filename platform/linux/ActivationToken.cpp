@@ -2,8 +2,10 @@
 
 #include "platform/NoDestructor.h"
 #include "platform/ThreadBound.h"
+#include "platform/linux/StartupNotification.h"
 
 #include <QByteArray>
+#include <QWindow>
 
 #include <chrono>
 #include <utility>
@@ -13,11 +15,12 @@ namespace {
 
 using Clock = std::chrono::steady_clock;
 
-/// The browser's: Qt's Wayland part looks there when a window is to be activated, and its tray item leaves there what
-/// the panel gives it.
+/// Qt's Wayland part looks there when a window is to be activated, and its tray item leaves there what the panel gives.
 constexpr auto kToken = "XDG_ACTIVATION_TOKEN";
 /// Its elder on X11.
 constexpr auto kStartupId = "DESKTOP_STARTUP_ID";
+/// Far beyond any desktop's.
+constexpr qsizetype kLongest = 1024;
 
 struct Kept {
   QString token;
@@ -47,15 +50,14 @@ void adoptLaunchToken() {
   const QString token = fromEnvironment(kToken);
   const QString startupId = fromEnvironment(kStartupId);
   keepActivationToken(token.isEmpty() ? startupId : token);
-  // Other threads read the environment while this one puts a token there. From now on it is the last entry, and there
-  // is room for it: nothing that they may be looking at moves.
-  qputenv(kToken, "-");
-  qunsetenv(kToken);
 }
 
 void keepActivationToken(const QString &token, std::chrono::milliseconds life) {
   assertMainThread();
-  kept() = {token, Clock::now() + life};
+  qunsetenv(kToken); // the tray's, of some time ago
+  const bool isLikely = token.size() <= kLongest;
+  kept() = {isLikely ? token : QString(), Clock::now() + life};
+  completeStartup(kept().token);
 }
 
 QString activationToken() {
@@ -65,19 +67,32 @@ QString activationToken() {
   return kept().token;
 }
 
+void tellLauncherOfStart() {
+  assertMainThread();
+  completeStartup(activationToken());
+  // Other threads will read the environment while this one puts a token there. From now on it is the last entry, and
+  // there is room for it: nothing that they may be looking at moves.
+  qputenv(kToken, "-");
+  qunsetenv(kToken);
+}
+
 QString takeActivationToken() {
   const QString token = activationToken();
   kept().token.clear();
   return token;
 }
 
-ActivationScope::ActivationScope() {
-  const QString token = takeActivationToken();
+ActivationScope::ActivationScope() : token(takeActivationToken()) {
   if (!token.isEmpty()) qputenv(kToken, token.toUtf8());
 }
 
 ActivationScope::~ActivationScope() {
   qunsetenv(kToken);
+}
+
+void ActivationScope::activate(QWindow &window) const {
+  window.requestActivate();
+  activateByStartup(window, token);
 }
 
 } // namespace platform

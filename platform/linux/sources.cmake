@@ -26,6 +26,7 @@ set(system_sources
   linux/Sight.cpp
   linux/SingleInstance.cpp
   linux/SleepNews.cpp
+  linux/StartupNotification.cpp linux/StartupNotification.h
   linux/TerminationSignals.cpp
   linux/ThreadName.cpp
   linux/TrayHost.cpp

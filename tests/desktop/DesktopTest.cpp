@@ -1,3 +1,4 @@
+#include "platform/ReleasedBy.h"
 #include "sandbox/Library.h"
 #include "sandbox/SampleLibrary.h"
 #include "sandbox/Service.h"
@@ -9,6 +10,7 @@
 
 #include <gtest/gtest.h>
 
+#include <QAbstractNativeEventFilter>
 #include <QApplication>
 #include <QDBusConnection>
 #include <QDBusConnectionInterface>
@@ -20,6 +22,10 @@
 #include <QStandardPaths>
 #include <QSystemTrayIcon>
 
+#include <xcb/xcb.h>
+
+#include <cstdlib>
+#include <memory>
 #include <optional>
 #include <stdexcept>
 
@@ -247,12 +253,58 @@ TEST_F(Desktop, withoutABusALoginCompletes) {
   EXPECT_EQ(agent.waitForEnd(1s * kSlowness), 0);
 }
 
+/// What programs tell a launcher.
+struct HeardOnRoot : QAbstractNativeEventFilter {
+  HeardOnRoot() {
+    qApp->installNativeEventFilter(this);
+    const uint32_t mask = XCB_EVENT_MASK_PROPERTY_CHANGE | XCB_EVENT_MASK_SUBSTRUCTURE_NOTIFY;
+    auto *const display = qApp->nativeInterface<QNativeInterface::QX11Application>()->connection();
+    xcb_change_window_attributes(display, xcb_setup_roots_iterator(xcb_get_setup(display)).data->root,
+                                 XCB_CW_EVENT_MASK, &mask);
+    xcb_flush(display);
+  }
+  bool nativeEventFilter(const QByteArray & /*type*/, void *message, qintptr * /*result*/) override {
+    const auto *const event = static_cast<const xcb_client_message_event_t *>(message);
+    if ((event->response_type & 0x7f) != XCB_CLIENT_MESSAGE) return false;
+    if (event->type == active) activations << event->data.data32[1];
+    if (event->type == begin) heard.clear();
+    if (event->type == begin || event->type == next)
+      heard.append(reinterpret_cast<const char *>(event->data.data8), sizeof event->data.data8);
+    return false;
+  }
+  [[nodiscard]] bool waitFor(const QByteArray &text) const {
+    return ::waitFor([&] { return heard.contains(text + '\0'); });
+  }
+  static xcb_atom_t atom(const QByteArray &name) {
+    auto *const display = qApp->nativeInterface<QNativeInterface::QX11Application>()->connection();
+    const auto request = xcb_intern_atom(display, 0, static_cast<uint16_t>(name.size()), name.constData());
+    const std::unique_ptr<xcb_intern_atom_reply_t, platform::ReleasedBy<&std::free>> reply(
+        xcb_intern_atom_reply(display, request, nullptr));
+    return reply->atom;
+  }
+  const xcb_atom_t begin = atom("_NET_STARTUP_INFO_BEGIN");
+  const xcb_atom_t next = atom("_NET_STARTUP_INFO");
+  const xcb_atom_t active = atom("_NET_ACTIVE_WINDOW");
+  QByteArray heard;
+  QList<uint> activations; ///< as of which time
+};
+
 TEST_F(Desktop, withoutATrayTheAgentStillAnswers) {
+  const HeardOnRoot root;
+  qputenv("DESKTOP_STARTUP_ID", "launcher \"1\"_TIME7");
   AgentProcess agent({}, u"xcb"_s);
   ASSERT_TRUE(agent.waitUntilServing());
+  EXPECT_TRUE(root.waitFor(R"(remove: ID="launcher \"1\"_TIME7")")) << "the launcher waits for a window";
+  qputenv("DESKTOP_STARTUP_ID", "launcher 2_TIME8");
   AgentProcess second;
   EXPECT_EQ(second.waitForEnd(10s), 0);
+  EXPECT_TRUE(root.waitFor(R"(remove: ID="launcher 2_TIME8")"));
   EXPECT_TRUE(waitForActiveWindow(u"Downloaderpictora"_s));
+  EXPECT_TRUE(waitFor([&] { return root.activations.contains(8U); })) << "as of when the user started it";
+  const QSettings entry(QStringLiteral(KA_SOURCE "/resources/com.norvale.Downloaderpictora.desktop"),
+                        QSettings::IniFormat);
+  const QString windowClass = entry.value(u"Desktop Entry/StartupWMClass"_s).toString();
+  EXPECT_EQ(xdotool(u"search --onlyvisible --class ^%1$"_s.arg(windowClass)), xdotool(u"getactivewindow"_s));
   ASSERT_TRUE(AgentProcess::requestAction(u"quit"_s));
   EXPECT_EQ(agent.waitForEnd(10s), 0);
 }

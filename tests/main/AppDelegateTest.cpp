@@ -43,6 +43,7 @@ TEST(AppDelegate, takesTheFirstTokenPercentDecodedOnceAndNamesItself) {
 TEST(AppDelegate, doesWhatTheLauncherOffersForEachEntryOfTheMenu) {
   const QString entry =
       QString::fromUtf8(contentOf(QStringLiteral(KA_SOURCE "/resources/com.norvale.Downloaderpictora.desktop")));
+  EXPECT_TRUE(entry.contains(u"\nStartupNotify=true\n")) << "else GTK's launchers give it no leave to come in front";
   std::set<std::optional<StatusEntry>> done;
   for (const QString &action : entry.section(u"\nActions="_s, 1).section(u";\n"_s, 0, 0).split(u';')) {
     EXPECT_TRUE(entry.contains(u"\n[Desktop Action %1]\nName="_s.arg(action))) << qPrintable(action);

@@ -31,7 +31,8 @@ public:
 
 private:
   const bool hasEnvironment =
-      qputenv("QT_QPA_PLATFORM", "offscreen") && qputenv("DBUS_SESSION_BUS_ADDRESS", "unix:path=/nonexistent");
+      (qgetenv("QT_QPA_PLATFORM").startsWith("offscreen:") || qputenv("QT_QPA_PLATFORM", "offscreen"))
+      && qputenv("DBUS_SESSION_BUS_ADDRESS", "unix:path=/nonexistent");
   int noArguments = 0;
   QApplication application{noArguments, nullptr};
 };
