@@ -2,6 +2,7 @@
 #include "main/CommandLine.h"
 #include "platform/ActivationToken.h"
 #include "platform/AppInfo.h"
+#include "platform/ColorScheme.h"
 #include "platform/Folders.h"
 #include "platform/LoginItem.h"
 #include "platform/ProcessEnd.h"
@@ -12,6 +13,7 @@
 #include "platform/UserId.h"
 #include "ui/StartFailure.h"
 #include "ui/Texts.h"
+#include "ui/WindowColors.h"
 
 #include <QApplication>
 #include <QIcon>
@@ -123,6 +125,8 @@ int runAgent(int &argc, char **argv, const CommandLine &commandLine) {
   qInstallMessageHandler(nullptr);
   describe();
   installTexts();
+  const platform::ColorScheme colorScheme;
+  QObject::connect(&colorScheme, &platform::ColorScheme::told, qApp, &showWindowsDark);
   platform::tellLauncherOfStart();
   SingleInstance instance(showingActions());
   if (const auto status = prepareToRun(instance, commandLine)) return *status;

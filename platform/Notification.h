@@ -13,6 +13,7 @@ struct Notification {
   QString title{};
   QString text{};             ///< plain
   QString processingResult{}; ///< handed back with a click
+  QString clickLabel{};       ///< what a click does: some desktops have a button for it. Empty: nothing
   Topic topic = Topic::Transfer;
   Urgency urgency = Urgency::Normal;
   QString imagePath{}; ///< the picture beside the text; empty: none

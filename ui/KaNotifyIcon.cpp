@@ -20,6 +20,25 @@
 
 using namespace Qt::StringLiterals;
 
+namespace {
+
+QString labelOf(ClickEffect effect) {
+  switch (effect) {
+  case ClickEffect::OpenParentFolder:
+  case ClickEffect::OpenParent10GFolder:
+    return localised("STATUS_OPEN_FOLDER"_L1);
+  case ClickEffect::Link:
+    return localised("MENU_LOGIN"_L1);
+  case ClickEffect::LookNow:
+    return localised("MENU_DOWNLOAD"_L1);
+  case ClickEffect::None:
+    return {};
+  }
+  return {};
+}
+
+} // namespace
+
 KaNotifyIcon::KaNotifyIcon(KaModelFacade &facade, KaStatusItemView &view, const KaNotifyIconTimes &waits)
     : model(facade), statusItem(view), times(waits) {
   platform::assertMainThread();
@@ -237,6 +256,7 @@ void KaNotifyIcon::reportResult(const KaFault &told, QLatin1StringView messageKe
   statusItem.notify(kind, {.title = localised("APP_SHORT_NAME"_L1),
                            .text = message,
                            .processingResult = QString::number(static_cast<qint64>(told.result)),
+                           .clickLabel = labelOf(clickEffect(told.result, told.cause)),
                            .topic = notificationTopic(kind),
                            .urgency = notificationUrgency(kind),
                            .imagePath = bringsPictures ? newestPicture() : QString()});

@@ -1,5 +1,6 @@
 #include "ui/ScreenRoom.h"
 
+#include <QGuiApplication>
 #include <QScreen>
 #include <QStyle>
 #include <QWidget>
@@ -8,7 +9,10 @@
 QSize roomOnScreen(const QWidget &window) {
   // Until it is open, nobody knows its frame. Some have high title bars.
   const int border = window.style()->pixelMetric(QStyle::PM_MdiSubWindowFrameWidth);
-  const QSize guess(2 * border, 2 * window.style()->pixelMetric(QStyle::PM_TitleBarHeight));
+  const int titleBar = window.style()->pixelMetric(QStyle::PM_TitleBarHeight);
+  // On Wayland nobody knows of panels, either; a desktop makes windows smaller that reach below one.
+  const int panels = QGuiApplication::platformName().startsWith(u"wayland") ? 2 * titleBar : 0;
+  const QSize guess(2 * border, 2 * titleBar + panels);
   const QSize frame = window.frameGeometry().size() - window.size();
   return window.screen()->availableGeometry().size() - frame.expandedTo(guess);
 }

@@ -163,9 +163,10 @@ private:
     const Notification &what = *entry.wanted;
     const QString body = *bodyIsMarkup ? what.text.toHtmlEscaped() : what.text;
     entry.isSent = true;
-    // An empty label: the default action is the click on the notification itself.
+    // The default action is the click on the notification itself. Xfce has a button in its place, and only for one with
+    // a label.
     entry.call = whenAnswered(proxy.Notify(appInfo().name, entry.id, QString::fromUtf16(kApplicationId), what.title,
-                                           body, {u"default"_s, QString()}, hintsOf(what), -1),
+                                           body, {u"default"_s, what.clickLabel}, hintsOf(what), -1),
                               [this, kind](Call *done) { onSent(kind, done); });
   }
 

@@ -9,6 +9,7 @@ set(system_sources
   linux/ApplicationAdaptor.h
   linux/BootClock.cpp
   linux/BlockDevice.cpp linux/BlockDevice.h
+  linux/ColorScheme.cpp
   linux/DesktopEntry.cpp linux/DesktopEntry.h
   linux/FileDescriptor.h
   linux/FileIdentity.cpp

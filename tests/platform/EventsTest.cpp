@@ -1,4 +1,5 @@
 #include "platform/ActivationToken.h"
+#include "platform/ColorScheme.h"
 #include "platform/Mailbox.h"
 #include "platform/NotificationCenter.h"
 #include "platform/SingleInstance.h"
@@ -12,7 +13,10 @@
 #include <QCoreApplication>
 #include <QDBusConnection>
 #include <QDBusConnectionInterface>
+#include <QDBusMessage>
 #include <QDBusReply>
+#include <QDBusVariant>
+#include <QDBusVirtualObject>
 #include <QEventLoop>
 
 #include <sys/syscall.h>
@@ -64,11 +68,12 @@ TEST_F(Notifications, areCarriedAndHandTheirResultBackWithAClick) {
   center.post(1, {.title = u"Title"_s,
                   .text = u"a < b & c"_s,
                   .processingResult = u"17"_s,
+                  .clickLabel = u"Open"_s,
                   .topic = platform::Notification::Topic::ConnectionError,
                   .imagePath = u"/a b/ü#.jpg"_s});
   ASSERT_TRUE(server.waitForStanding({u"a &lt; b &amp; c"_s}));
   const QString name = u"com.norvale.Downloaderpictora"_s;
-  EXPECT_EQ(server.last, (QVariantList{u"Downloaderpictora"_s, name, u"Title"_s, u"default"_s}));
+  EXPECT_EQ(server.last, (QVariantList{u"Downloaderpictora"_s, name, u"Title"_s, u"default"_s, u"Open"_s}));
   EXPECT_EQ(server.lastHints, (QVariantMap{{u"x-ProcessingResult"_s, u"17"_s},
                                            {u"desktop-entry"_s, name},
                                            {u"category"_s, u"network.error"_s},
@@ -267,6 +272,52 @@ TEST_F(ActivationTokens, comeWithWhatOthersAskFor) {
     EXPECT_TRUE(waitFor([&] { return got.has_value(); })) << name;
     EXPECT_EQ(got, expected) << name;
   }
+}
+
+/// What tells programs of the user's wishes, on a connection of its own.
+class Portal : public QDBusVirtualObject {
+public:
+  explicit Portal(uint wish) : scheme(wish) {
+    bus.registerVirtualObject(kPath, this);
+    bus.registerService(u"org.freedesktop.portal.Desktop"_s);
+  }
+  ~Portal() override { QDBusConnection::disconnectFromBus(u"portal"_s); }
+
+  QString introspect(const QString & /*path*/) const override { return {}; }
+  bool handleMessage(const QDBusMessage &question, const QDBusConnection & /*bus*/) override {
+    const bool isKnown = question.arguments() == QVariantList{u"org.freedesktop.appearance"_s, u"color-scheme"_s};
+    const auto inner = QVariant::fromValue(QDBusVariant(scheme));
+    return bus.send(isKnown ? question.createReply(QVariant::fromValue(QDBusVariant(inner)))
+                            : question.createErrorReply(QDBusError::InvalidArgs, u"unknown"_s));
+  }
+  void tell(const QString &key, uint value) {
+    auto news = QDBusMessage::createSignal(kPath, u"org.freedesktop.portal.Settings"_s, u"SettingChanged"_s);
+    news << u"org.freedesktop.appearance"_s << key << QVariant::fromValue(QDBusVariant(value));
+    bus.send(news);
+  }
+
+private:
+  const QString kPath = u"/org/freedesktop/portal/desktop"_s;
+  const uint scheme;
+  QDBusConnection bus = QDBusConnection::connectToBus(QDBusConnection::SessionBus, u"portal"_s);
+};
+
+TEST(ColorScheme, isToldAtStartAndWithEachChange) {
+  const TestProfile profile;
+  const PrivateBus bus;
+  const QCoreApplication application(noArguments, nullptr);
+  Portal portal(1);
+  const platform::ColorScheme scheme;
+  QList<bool> told;
+  QObject::connect(&scheme, &platform::ColorScheme::told, qApp, [&told](bool isDark) { told << isDark; });
+  const auto isTold = [&told](const QList<bool> &expected) { return waitFor([&] { return told == expected; }); };
+  ASSERT_TRUE(isTold({true}));
+  portal.tell(u"accent-color"_s, 0);
+  portal.tell(u"color-scheme"_s, 2);
+  EXPECT_TRUE(isTold({true, false}));
+  portal.tell(u"color-scheme"_s, 1);
+  portal.tell(u"color-scheme"_s, 0);
+  EXPECT_TRUE(isTold({true, false, true, false}));
 }
 
 TEST(Mailbox, runsJobsInOrderWhileOneShowsADialogAndDropsWhatIsLeft) {

@@ -49,7 +49,7 @@ uint NotificationServer::Notify(const QString &program, uint replaced, const QSt
   EXPECT_TRUE(replaced == 0 || standing.contains(replaced) || past.remove(replaced)) << replaced << " does not stand";
   EXPECT_EQ(milliseconds, -1) << "for as long as the desktop thinks right";
   if (const auto job = std::exchange(beforeAnswer, {})) job();
-  last = {program, icon, title, actions.value(0)};
+  last = {program, icon, title, actions.value(0), actions.value(1)};
   lastHints = hints;
   const uint id = replaced == 0 ? ++lastId : replaced;
   standing.insert(id, body);

@@ -29,7 +29,7 @@ public:
   uint lastId = 0;
   QMap<uint, QString> standing;
   QSet<uint> past;   ///< gone by themselves, and in the list of those
-  QVariantList last; ///< program, icon, title, action
+  QVariantList last; ///< program, icon, title, action, its label
   QVariantMap lastHints;
   std::function<void()> beforeAnswer; ///< once, before the next one gets its id
 

@@ -1,0 +1,233 @@
+"""What a person does with the agent on a desktop, and what is to come of it."""
+
+import time
+
+from agent import Agent, Service
+from basics import CannotRun, Fault, holds_within, wait_until
+from bus import Bus
+from desktop import AGENT, BROWSER, FOLDERS, must
+from looking import brightness, centre, changed_box, row_centre
+
+LOG_IN, SETTINGS, QUIT = 'Log In', 'Download Folders', 'Quit'
+END_WITHIN = 10  # seconds
+
+
+class Flow:
+    def __init__(self, desktop, say):
+        self.desktop, self.say = desktop, say
+        self.session = desktop.session
+        self.cells = {}  # column: [(is it a fault, text)]
+        self.pictures = {}
+
+    def note(self, column, text):
+        self.cells.setdefault(column, []).append((False, text))
+
+    def fault(self, column, text):
+        self.say(f'  FAULT {column}: {text}')
+        self.cells.setdefault(column, []).append((True, text))
+
+    def take(self, name):
+        picture = self.desktop.quiet_picture()
+        self.pictures[name] = picture
+        return picture
+
+    def attempt(self, column, step):
+        """@return whether what follows can be tried."""
+        self.say(f'  {column}: {step.__name__}')
+        try:
+            step()
+            return True
+        except CannotRun as reason:
+            self.note(column, f'not here: {reason}')
+        except (Fault, AssertionError) as fault:
+            self.fault(column, str(fault))
+            try:
+                self.pictures[f'fault-{step.__name__}'] = self.desktop.picture()
+            except (Fault, OSError) as other:
+                self.say(f'  no picture: {other}')
+        return False
+
+    def run(self):
+        self.start()
+        try:
+            if not self.attempt('icon', self.icon_appears):
+                return
+            if self.attempt('menu', self.log_in_by_menu) and self.attempt('windows in front', self.callback):
+                self.attempt('notification and click', self.notification)
+                self.attempt('windows in front', self.settings_over_another)
+                self.attempt('scaling', self.scaling)
+                self.attempt('dark', self.dark)
+            self.attempt('quit', self.quit)
+            self.attempt('session end', self.session_end)
+        finally:
+            self.service.process.terminate()
+            self.bus.close()
+
+    def start(self):
+        self.desktop.prepare()
+        self.session.start_bus(self.desktop.services)
+        self.bus = self.desktop.bus = Bus(self.session.environment['DBUS_SESSION_BUS_ADDRESS'])
+        self.service = Service(self.session)
+        self.agent = Agent(self.session, self.service, self.bus)
+        self.session.start('notifications', 'dbus-monitor', '--session', "interface='org.freedesktop.Notifications'")
+        self.desktop.start()
+
+    # the steps
+
+    def icon_appears(self):
+        self.empty = self.desktop.quiet_picture()
+        self.agent.start()
+        if not self.desktop.has_tray:
+            self.note('icon', 'no tray: none, and the agent works on')
+            return
+        wait_until(self.agent.item, 'the item at the tray')
+        wait_until(lambda: changed_box(self.empty, self.desktop.picture(), self.desktop.panel()),
+                   'the icon in the panel')
+        self.icon = self.desktop.icon_box(changed_box(self.empty, self.desktop.quiet_picture(), self.desktop.panel()))
+        # It says at once that nobody is logged in; later it would stand in the way of what is looked at.
+        holds_within(lambda: changed_box(self.empty, self.desktop.picture(), self.desktop.notification_area()), 3)
+        self.take('icon')
+        self.note('icon', f'StatusNotifier item, {self.agent.platform()} program')
+
+    def choose(self, label, kept=None):
+        """Chooses an entry of the menu as a person does."""
+        if not self.desktop.has_tray:
+            return self.desktop.send_action({LOG_IN: 'link', SETTINGS: 'settings', QUIT: 'quit'}[label])
+        before = self.desktop.quiet_picture()
+        area = self.desktop.menu_area(self.icon)
+        self.desktop.pointer.click(*centre(self.icon), self.desktop.menu_button)
+        wait_until(lambda: changed_box(before, self.desktop.picture(), area), 'the menu')
+        after = self.desktop.quiet_picture()
+        if kept:
+            self.pictures[kept] = after
+        box = self.desktop.menu_box(changed_box(before, after, area))
+        self.desktop.pointer.click(*row_centre(box, self.agent.menu(), label, self.desktop.separator))
+
+    def opened(self, words):
+        file = self.session.folder / 'opened'
+        return file.exists() and words in file.read_text()
+
+    def log_in_by_menu(self):
+        self.choose(LOG_IN, 'menu')
+        wait_until(lambda: self.opened('browser '), 'the login page', 10)
+        if self.desktop.has_tray:
+            self.note('menu', f'by the {self.desktop.menu_button} button, {self.desktop.pointer.name}')
+        else:
+            self.note('menu', "the launcher's actions in its place")
+        if not self.desktop.comes_to_front(BROWSER):
+            self.fault('windows in front', f'the browser is not in front after "{LOG_IN}": {self.desktop.front()}')
+
+    def callback(self):
+        box = wait_until(lambda: self.desktop.window_box(BROWSER), "the browser's window")
+        self.browser_alone = self.desktop.quiet_picture()
+        self.desktop.pointer.click(*centre(box))
+        wait_until(lambda: self.desktop.window_box(AGENT), 'the window for the folders', 15)
+        in_front = self.desktop.comes_to_front(AGENT)
+        self.take('callback')
+        must(in_front, f'after the callback the window is behind {self.desktop.front()}')
+        self.note('windows in front', 'folders after the callback')
+
+    def notification(self):
+        self.agent.act('confirm')
+        self.agent.wait_for_run()
+        area = self.desktop.notification_area()
+        self.desktop.show_notifications()
+        wait_until(lambda: changed_box(self.browser_alone, self.desktop.picture(), area), 'a notification', 10)
+        picture = self.take('notification')
+        changed = changed_box(self.browser_alone, picture, area)
+        self.say(f'  notifications in {changed}')
+        self.desktop.pointer.click(*self.desktop.notification_spot(changed))
+        wait_until(lambda: self.opened('folders '), 'the folder, after the click', 10)
+        self.note('notification and click', f'click opens the folder ({self.desktop.notifier})')
+        must(not self.agent.verify(), f'the pictures are not as they should be: {self.agent.verify()[:3]}')
+        self.desktop.leave_notifications()
+        if self.desktop.comes_to_front(FOLDERS):
+            self.note('windows in front', 'folder after the click')
+        else:
+            self.fault('windows in front', f'after the click the folder is behind {self.desktop.front()}')
+
+    def settings_over_another(self):
+        self.choose(SETTINGS)
+        wait_until(lambda: self.desktop.window_box(AGENT), 'the settings', 10)
+        in_front = self.desktop.comes_to_front(AGENT)
+        self.take('settings')
+        must(in_front, f'chosen from the menu, the settings are behind {self.desktop.front()}')
+        self.note('windows in front', 'settings from the menu')
+
+    def own_window(self):
+        return wait_until(lambda: self.desktop.window_box(AGENT), 'a window of the agent')
+
+    def restart_agent(self):
+        self.agent.act('quit')
+        must(self.agent.ended_within(END_WITHIN) == 0, 'the agent does not end when asked to')
+        self.agent.start()
+        self.agent.act('settings')
+        return self.own_window()
+
+    def scaling(self):
+        before = self.own_window()
+        self.desktop.set_scale(self.desktop.scale)
+        wanted = (before[2] - before[0]) * self.desktop.scale
+
+        def is_larger():
+            box = self.desktop.window_box(AGENT)
+            return box and abs((box[2] - box[0]) / wanted - 1) < 0.12
+        live = holds_within(is_larger, 5)
+        if not live:
+            self.restart_agent()
+            must(holds_within(is_larger, 5), f'{self.desktop.window_box(AGENT)} at {self.desktop.scale} times, '
+                 f'{before} before')
+        self.take('scaled')
+        self.note('scaling', f'{self.desktop.scale} times' + ('' if live else ', from the next start on'))
+        self.desktop.set_scale(1)
+        if not live:
+            self.restart_agent()
+
+    def dark(self):
+        box = self.own_window()
+        must(brightness(self.desktop.quiet_picture(), box) > 128, 'dark before it is asked for')
+        self.desktop.set_dark()
+
+        def is_dark():
+            now = self.desktop.window_box(AGENT)
+            return now and brightness(self.desktop.picture(), now) < 110
+        live = holds_within(is_dark, 5)
+        if not live:
+            self.restart_agent()
+            must(holds_within(is_dark, 5), 'the window stays light')
+        self.take('dark')
+        self.note('dark', 'at once' if live else 'from the next start on')
+
+    def quit(self):
+        if self.desktop.has_tray:
+            self.find_icon()
+        self.choose(QUIT)
+        status = self.agent.ended_within(END_WITHIN)
+        must(status == 0, f'the agent ended with {status}')
+        if self.desktop.has_tray:
+            must(holds_within(lambda: not self.agent.item(), 5), 'its icon stays')
+        self.note('quit', 'from the menu' if self.desktop.has_tray else 'by the action')
+
+    def find_icon(self):
+        """It may stand elsewhere by now, the panel look different."""
+
+    def session_end(self):
+        fetched = self.service.fetched()
+        self.agent.start()
+        if self.desktop.has_tray:
+            wait_until(self.agent.item, 'the item at the tray')
+        began = time.monotonic()
+        self.desktop.log_out()
+        status = self.agent.ended_within(END_WITHIN)
+        must(status is not None, f'the agent runs on {END_WITHIN} s after the end of the session')
+        seconds = time.monotonic() - began
+        listed = self.service.requests('ListItems')
+        self.agent.start(QT_QPA_PLATFORM='offscreen')
+        wait_until(lambda: self.service.requests('ListItems') > listed, 'a run at the next start', 20)
+        self.agent.act('quit')
+        must(self.agent.ended_within(END_WITHIN) == 0, 'the next agent does not end when asked to')
+        must(self.service.fetched() == fetched, 'the next start fetches pictures again')
+        if fetched:
+            must(not self.agent.verify(), f'the pictures are not as they should be: {self.agent.verify()[:3]}')
+        self.note('session end', f'ends with {status} after {seconds:.1f} s; the next start is linked and fetches '
+                  'nothing again')
