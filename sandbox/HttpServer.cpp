@@ -88,20 +88,22 @@ public:
         cut(socket);
     });
   }
-  /// Writes into @p request what it came over.
-  void asked(int socket, ReceivedRequest &request) {
-    open.with([&](State &state) {
+  /// Writes into @p request what it came over. @return false when that had been cut: its client will ask again.
+  [[nodiscard]] bool asked(int socket, ReceivedRequest &request) {
+    return open.with([&](State &state) {
       Connection &connection = state.sockets[socket];
+      if (connection.isCut) return false;
       request.connection = connection.number;
       ++connection.requests;
       connection.isAnswering = true;
+      return true;
     });
   }
   void answered(int socket) {
     open.with([&](State &state) {
       Connection &connection = state.sockets[socket];
       connection.isAnswering = false;
-      if (connection.endsAnswered) cut(socket);
+      if (connection.endsAnswered) end(socket, connection);
     });
   }
   void cutIdle() {
@@ -109,7 +111,7 @@ public:
       for (auto each = state.sockets.begin(); each != state.sockets.end(); ++each) {
         // Its client may have the whole answer already, and rely on the cut.
         each->endsAnswered = each->isAnswering;
-        if (each->requests > 0 && !each->isAnswering) cut(each.key());
+        if (each->requests > 0 && !each->isAnswering) end(each.key(), *each);
       }
     });
   }
@@ -120,11 +122,19 @@ private:
     int requests = 0;
     bool isAnswering = false;
     bool endsAnswered = false;
+    bool isCut = false;
   };
   struct State {
     QHash<int, Connection> sockets{};
     bool closing = false;
   };
+
+  /// What its client has sent meanwhile can still be read.
+  static void end(int socket, Connection &connection) {
+    connection.isCut = true;
+    cut(socket);
+  }
+
   Locked<State> open;
 };
 
@@ -304,7 +314,7 @@ void HttpServer::Private::answer(const httplib::Request &request, httplib::Respo
   // Taken before the handler decides to wait, so that a release in between is not missed.
   const Client client{const_cast<SSL *>(request.ssl), wakeUp.with([](const auto &current) { return current; })};
   ReceivedRequest received = requestOf(request);
-  connections.asked(client.socket(), received);
+  if (!connections.asked(client.socket(), received)) return;
   const ServedAnswer answer = handle(received);
   if (answer.delay > 0ms) (void)client.wait(answer.delay);
   if (answer.delivery == Delivery::Held) (void)client.wait(std::nullopt);
