@@ -7,7 +7,7 @@ import shutil
 from gi.repository import Gio, GLib
 from PIL import Image
 
-from basics import CannotRun, Fault, holds_within, wait_until
+from basics import CannotRun, Fault, wait_until
 from bus import pump
 from desktop import PORTAL, Desktop, kind_of
 from pointer import KWinPointer
@@ -30,8 +30,8 @@ TRAY = """panels().forEach(panel => panel.widgets('org.kde.plasma.systemtray').f
 
 class Plasma(Desktop):
     name, title, current_desktop, session_type = 'plasma', 'KDE Plasma 5.27, Wayland', 'KDE', 'wayland'
-    services = (*PORTAL, 'org.freedesktop.impl.portal.desktop.kde', 'org.kde.ActivityManager', 'org.kde.kded5', 'org.kde.KSplash', 'org.kde.kglobalaccel',
-                'org.kde.kuiserver', 'org.kde.JobViewServer', 'org.kde.KScreen')
+    services = (*PORTAL, 'org.freedesktop.impl.portal.desktop.kde', 'org.kde.ActivityManager', 'org.kde.kded5',
+                'org.kde.kglobalaccel', 'org.kde.kscreen')
     notifier = "Plasma's own"
 
     def prepare(self):
