@@ -85,6 +85,10 @@ class Plasma(Desktop):
         self.script.write_text(WINDOWS % self.bus.connection.get_unique_name())
 
     def picture(self):
+        # It drops what it was asked for when the screen changes meanwhile.
+        return wait_until(self.capture, "KWin's picture", 5)
+
+    def capture(self):
         read, write = os.pipe()
         descriptors = Gio.UnixFDList.new()
         handle = descriptors.append(write)
@@ -95,7 +99,7 @@ class Plasma(Desktop):
         del descriptors
         with os.fdopen(read, 'rb') as stream:
             if answer is None:
-                raise Fault(f'KWin takes no picture: {self.bus.trouble}')
+                return None
             facts = answer[0]
             data = stream.read(facts['stride'] * facts['height'])
         return Image.frombytes('RGB', (facts['width'], facts['height']), data, 'raw', 'BGRX', facts['stride'])
