@@ -7,7 +7,7 @@ import subprocess
 
 from gi.repository import GLib
 
-from basics import Fault, holds_within, wait_until
+from basics import Fault, wait_until
 
 NAME = 'com.norvale.Downloaderpictora'
 PATH = '/' + NAME.replace('.', '/')
@@ -90,11 +90,6 @@ class Agent:
         maps = pathlib.Path(f'/proc/{self.process.pid}/maps').read_text()
         return 'Wayland' if 'libqwayland' in maps else 'X11'
 
-    def owner(self):
-        answer = self.bus.call('org.freedesktop.DBus', '/org/freedesktop/DBus', 'org.freedesktop.DBus',
-                               'GetNameOwner', GLib.Variant('(s)', (NAME,)))
-        return answer[0] if answer else ''
-
     def item(self):
         """Its entry at the tray, as (bus name, path)."""
         for entry in self.bus.get(WATCHER, '/StatusNotifierWatcher', WATCHER, 'RegisteredStatusNotifierItems') or []:
@@ -118,16 +113,6 @@ class Agent:
             entries.append((number, label, properties.get('visible', True), properties.get('enabled', True)))
         return entries
 
-    def choose_unseen(self, label):
-        """What the host sends when a person chooses an entry."""
-        name, path = self.item()
-        menu = self.bus.get(name, path, ITEM, 'Menu')
-        number = next(entry[0] for entry in self.menu() if entry[1].startswith(label))
-        self.bus.call(name, menu, MENU, 'Event', GLib.Variant('(isvu)', (number, 'clicked', GLib.Variant('i', 0), 0)))
-
-    def files(self):
-        return sorted(path for path in self.pictures.rglob('*') if path.is_file())
-
     def wait_for_run(self):
         """Each of its three passes is reported."""
         wait_until(lambda: len(self.service.ask('reports.json')) >= 3, 'the first run', 90)
@@ -138,6 +123,3 @@ class Agent:
                                self.pictures / 'Transferred(10G)'], capture_output=True, text=True, check=False)
         wrong = [line for line in done.stdout.splitlines() if not line.startswith('OK ') and 'as expected' not in line]
         return wrong or ([] if done.returncode == 0 else [done.stderr.strip()])
-
-    def windows_seen(self):
-        return bool(holds_within(lambda: self.process.poll() is None, 0))

@@ -10,8 +10,9 @@ import time
 
 BUS_SETTINGS = """<busconfig><type>session</type><listen>unix:path={socket}</listen>
 <servicedir>{services}</servicedir>
-<policy context="default"><allow send_destination="*" eavesdrop="true"/><allow eavesdrop="true"/><allow own="*"/></policy>
-</busconfig>
+<policy context="default">
+<allow send_destination="*" eavesdrop="true"/><allow eavesdrop="true"/><allow own="*"/>
+</policy></busconfig>
 """
 
 
@@ -85,11 +86,11 @@ def reap():
         pass
 
 
-def end_descendants(spared=()):
+def end_descendants():
     """First asked, then killed."""
     def remaining():
         reap()
-        return [pid for pid in descendants() if pid not in spared]
+        return descendants()
     for number, seconds in ((signal.SIGTERM, 3), (signal.SIGKILL, 5)):
         for pid in remaining():
             try:

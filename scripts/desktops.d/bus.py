@@ -1,6 +1,4 @@
-"""Calls and signals on the session bus of the desktop that is looked at."""
-
-import time
+"""Calls on the session bus of the desktop that is looked at."""
 
 import gi
 
@@ -13,6 +11,7 @@ class Bus:
         flags = Gio.DBusConnectionFlags.AUTHENTICATION_CLIENT | Gio.DBusConnectionFlags.MESSAGE_BUS_CONNECTION
         self.connection = Gio.DBusConnection.new_for_address_sync(address, flags, None, None)
         self.connection.set_exit_on_close(False)
+        self.trouble = ''  # why the last call failed
 
     def call(self, name, path, interface, method, arguments=None, seconds=10, descriptors=None):
         """The answer's values; None when it could not be had."""
@@ -29,11 +28,6 @@ class Bus:
             return None
         return reply.unpack()
 
-    def post(self, name, path, interface, method, arguments=None):
-        """For what answers late, such as a call that opens a menu."""
-        self.connection.call(name, path, interface, method, arguments, None, Gio.DBusCallFlags.NONE, -1, None, None)
-        self.connection.flush_sync(None)
-
     def get(self, name, path, interface, of_property):
         answer = self.call(name, path, 'org.freedesktop.DBus.Properties', 'Get',
                            GLib.Variant('(ss)', (interface, of_property)))
@@ -43,11 +37,6 @@ class Bus:
         answer = self.call('org.freedesktop.DBus', '/org/freedesktop/DBus', 'org.freedesktop.DBus', 'NameHasOwner',
                            GLib.Variant('(s)', (name,)))
         return bool(answer and answer[0])
-
-    def listen(self, interface, member, heard):
-        """Signals are appended to heard when pump() runs."""
-        self.connection.signal_subscribe(None, interface, member, None, None, Gio.DBusSignalFlags.NONE,
-                                         lambda *told: heard.append(told[5].unpack()))
 
     def close(self):
         try:
@@ -60,10 +49,3 @@ def pump():
     context = GLib.MainContext.default()
     while context.iteration(False):
         pass
-
-
-def pump_for(seconds):
-    deadline = time.monotonic() + seconds
-    while time.monotonic() < deadline:
-        pump()
-        time.sleep(0.02)

@@ -55,10 +55,6 @@ class Desktop:
         """Where the menu of an icon in that box shows: an upright strip that is all menu for as far as it reaches."""
         return max(0, icon[0] - 60), 28, icon[0], self.size[1]
 
-    def menu_box(self, changed):
-        """The box of the menu's entries within what has changed with it."""
-        return changed
-
     def notification_area(self):
         return self.size[0] // 2, 28, self.size[0], self.size[1] // 2 - 50
 

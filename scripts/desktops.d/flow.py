@@ -100,7 +100,7 @@ class Flow:
         after = self.desktop.quiet_picture()
         if kept:
             self.pictures[kept] = after
-        box = self.desktop.menu_box(changed_box(before, after, area))
+        box = changed_box(before, after, area)
         self.desktop.pointer.click(*row_centre(box, self.agent.menu(), label, self.desktop.separator))
 
     def opened(self, words):
@@ -199,17 +199,12 @@ class Flow:
         self.note('dark', 'at once' if live else 'from the next start on')
 
     def quit(self):
-        if self.desktop.has_tray:
-            self.find_icon()
         self.choose(QUIT)
         status = self.agent.ended_within(END_WITHIN)
         must(status == 0, f'the agent ended with {status}')
         if self.desktop.has_tray:
             must(holds_within(lambda: not self.agent.item(), 5), 'its icon stays')
         self.note('quit', 'from the menu' if self.desktop.has_tray else 'by the action')
-
-    def find_icon(self):
-        """It may stand elsewhere by now, the panel look different."""
 
     def session_end(self):
         fetched = self.service.fetched()

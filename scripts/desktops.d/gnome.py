@@ -13,8 +13,9 @@ SHELL = 'org.gnome.Shell'
 AGENT_ENTRY = 'com.norvale.Downloaderpictora.desktop'
 EXTENSION = 'ubuntu-appindicators@ubuntu.com'
 SYSTEM_BUS = """<busconfig><type>system</type><listen>unix:path={}</listen>
-<policy context="default"><allow send_destination="*" eavesdrop="true"/><allow eavesdrop="true"/><allow own="*"/></policy>
-</busconfig>
+<policy context="default">
+<allow send_destination="*" eavesdrop="true"/><allow eavesdrop="true"/><allow own="*"/>
+</policy></busconfig>
 """
 WINDOWS = """JSON.stringify(global.get_window_actors().map(actor => {
   const w = actor.meta_window, r = w.get_buffer_rect(), f = w.get_frame_rect();
@@ -91,7 +92,7 @@ experimental-features=['scale-monitor-framebuffer']
                                'org.gnome.Shell.Screenshot', 'Screenshot',
                                GLib.Variant('(bbs)', (True, False, str(path))))
         if not answer or not answer[0]:
-            raise Fault(f'GNOME Shell takes no picture: {getattr(self.bus, "trouble", "")}')
+            raise Fault(f'GNOME Shell takes no picture: {self.bus.trouble}')
         with Image.open(path) as picture:
             return picture.convert('RGB')
 

@@ -33,7 +33,3 @@ def row_centre(box, entries, label, separator):
     index = next(i for i, entry in enumerate(shown) if entry[1].startswith(label))
     row = (box[3] - box[1]) / sum(heights)
     return (box[0] + box[2]) // 2, round(box[1] + row * (sum(heights[:index]) + heights[index] / 2))
-
-
-def covers_screen(box, picture):
-    return (box[2] - box[0]) * (box[3] - box[1]) > 0.9 * picture.width * picture.height

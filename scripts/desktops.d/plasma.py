@@ -7,7 +7,7 @@ import shutil
 from gi.repository import Gio, GLib
 from PIL import Image
 
-from basics import CannotRun, Fault, holds_within, wait_until
+from basics import CannotRun, Fault, wait_until
 from bus import pump
 from desktop import PORTAL, Desktop, kind_of
 from pointer import KWinPointer
@@ -30,8 +30,8 @@ TRAY = """panels().forEach(panel => panel.widgets('org.kde.plasma.systemtray').f
 
 class Plasma(Desktop):
     name, title, current_desktop, session_type = 'plasma', 'KDE Plasma 5.27, Wayland', 'KDE', 'wayland'
-    services = (*PORTAL, 'org.freedesktop.impl.portal.desktop.kde', 'org.kde.ActivityManager', 'org.kde.kded5', 'org.kde.KSplash', 'org.kde.kglobalaccel',
-                'org.kde.kuiserver', 'org.kde.JobViewServer', 'org.kde.KScreen')
+    services = (*PORTAL, 'org.freedesktop.impl.portal.desktop.kde', 'org.kde.ActivityManager', 'org.kde.kded5',
+                'org.kde.kglobalaccel', 'org.kde.kscreen')
     notifier = "Plasma's own"
 
     def prepare(self):
@@ -85,6 +85,10 @@ class Plasma(Desktop):
         self.script.write_text(WINDOWS % self.bus.connection.get_unique_name())
 
     def picture(self):
+        # It drops what it was asked for when the screen changes meanwhile.
+        return wait_until(self.capture, "KWin's picture", 5)
+
+    def capture(self):
         read, write = os.pipe()
         descriptors = Gio.UnixFDList.new()
         handle = descriptors.append(write)
@@ -95,7 +99,7 @@ class Plasma(Desktop):
         del descriptors
         with os.fdopen(read, 'rb') as stream:
             if answer is None:
-                raise Fault(f'KWin takes no picture: {self.bus.trouble}')
+                return None
             facts = answer[0]
             data = stream.read(facts['stride'] * facts['height'])
         return Image.frombytes('RGB', (facts['width'], facts['height']), data, 'raw', 'BGRX', facts['stride'])

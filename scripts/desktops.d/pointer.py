@@ -24,9 +24,6 @@ class XPointer:
         time.sleep(PRESS)
         self.session.run('xdotool', 'click', BUTTONS[button][0])
 
-    def press_key(self, name):
-        self.session.run('xdotool', 'key', name)
-
 
 class WaylandPointer:
     """What a subclass sends by move_to() and set_button() is one event each."""
