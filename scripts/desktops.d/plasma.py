@@ -33,6 +33,7 @@ class Plasma(Desktop):
     services = (*PORTAL, 'org.freedesktop.impl.portal.desktop.kde', 'org.kde.ActivityManager', 'org.kde.kded5',
                 'org.kde.kglobalaccel', 'org.kde.kscreen')
     notifier = "Plasma's own"
+    left_click_is_told = True
 
     def prepare(self):
         self.session.environment.update(

@@ -16,6 +16,7 @@ class Sway(Desktop):
     name, title, current_desktop, session_type = 'sway', 'sway 1.7 with waybar', 'sway', 'wayland'
     services = GTK_PORTAL
     notifier = 'mako'
+    left_click_is_told = True
     SETTINGS = """output HEADLESS-1 resolution {0}x{1}
 output HEADLESS-1 background #31506a solid_color
 seat seat0 fallback true
