@@ -6,6 +6,7 @@
 
 #include <QAction>
 #include <QCursor>
+#include <QGuiApplication>
 #include <QSystemTrayIcon>
 
 using namespace Qt::StringLiterals;
@@ -55,7 +56,13 @@ void KaDesktopStatusItem::createIcon() {
   // Where the desktop draws the menu for the other button itself, it can be asked neither to do so for this one nor
   // where.
   connect(icon.get(), &QSystemTrayIcon::activated, this, [this](QSystemTrayIcon::ActivationReason reason) {
-    if (reason == QSystemTrayIcon::Trigger) menu.popup(QCursor::pos());
+    if (reason != QSystemTrayIcon::Trigger) return;
+    // Nor can a program of Wayland's: its menu would be a window with a title bar in the middle of the screen.
+    if (QGuiApplication::platformName().startsWith(u"wayland")) {
+      Q_EMIT entryTriggered(StatusEntry::DispSetting);
+    } else {
+      menu.popup(QCursor::pos());
+    }
   });
   icon->show();
 }

@@ -30,6 +30,7 @@ class Desktop:
     size = (1280, 800)
     scale = 1.5
     menu_button = 'right'
+    left_click_is_told = False  # to the agent, which shows how things stand
 
     def __init__(self, session):
         self.session = session

@@ -57,6 +57,8 @@ class Flow:
                 self.attempt('windows in front', self.settings_over_another)
                 self.attempt('scaling', self.scaling)
                 self.attempt('dark', self.dark)
+                if self.desktop.left_click_is_told:
+                    self.attempt('menu', self.left_click)
             self.attempt('quit', self.quit)
             self.attempt('session end', self.session_end)
         finally:
@@ -197,6 +199,21 @@ class Flow:
             must(holds_within(is_dark, 5), 'the window stays light')
         self.take('dark')
         self.note('dark', 'at once' if live else 'from the next start on')
+
+    def left_click(self):
+        self.agent.act('quit')
+        must(self.agent.ended_within(END_WITHIN) == 0, 'the agent does not end when asked to')
+        self.agent.start()
+        wait_until(self.agent.item, 'the item at the tray')
+        self.desktop.quiet_picture()
+        self.desktop.pointer.click(*centre(self.icon), 'left')
+        wait_until(lambda: self.desktop.window_box(AGENT), 'a window after a left click')
+        in_front = self.desktop.comes_to_front(AGENT)
+        left, _, right, _ = self.own_window()
+        self.take('left')
+        must(right - left > 400, 'a left click shows the menu as a window')
+        must(in_front, f'after a left click the window is behind {self.desktop.front()}')
+        self.note('menu', 'the left one shows the window')
 
     def quit(self):
         self.choose(QUIT)

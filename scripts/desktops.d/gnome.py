@@ -5,7 +5,7 @@ import json
 from gi.repository import GLib
 from PIL import Image
 
-from basics import CannotRun, Fault, wait_until
+from basics import Fault, wait_until
 from desktop import GTK_PORTAL, Desktop, kind_of
 from pointer import MutterPointer
 
@@ -66,7 +66,7 @@ experimental-features=['scale-monitor-framebuffer']
 
         def is_there():
             if self.shell.poll() is not None:
-                raise CannotRun(f'gnome-shell ended with {self.shell.returncode}: '
+                raise Fault(f'gnome-shell ended with {self.shell.returncode}: '
                                 f'{self.session.log_of("gnome-shell", 1)}')
             return self.bus.has_owner(SHELL) and self.evaluate('Main.layoutManager._startingUp') is False
         wait_until(is_there, 'GNOME Shell', 40)

@@ -7,7 +7,7 @@ import shutil
 from gi.repository import Gio, GLib
 from PIL import Image
 
-from basics import CannotRun, Fault, wait_until
+from basics import Fault, wait_until
 from bus import pump
 from desktop import PORTAL, Desktop, kind_of
 from pointer import KWinPointer
@@ -33,6 +33,7 @@ class Plasma(Desktop):
     services = (*PORTAL, 'org.freedesktop.impl.portal.desktop.kde', 'org.kde.ActivityManager', 'org.kde.kded5',
                 'org.kde.kglobalaccel', 'org.kde.kscreen')
     notifier = "Plasma's own"
+    left_click_is_told = True
 
     def prepare(self):
         self.session.environment.update(
@@ -52,7 +53,7 @@ class Plasma(Desktop):
 
         def display():
             if self.shell.poll() is not None:
-                raise CannotRun(f'kwin_wayland ended with {self.shell.returncode}: {self.session.log_of("kwin", 1)}')
+                raise Fault(f'kwin_wayland ended with {self.shell.returncode}: {self.session.log_of("kwin", 1)}')
             return (self.session.runtime / 'wayland-0').exists()
         wait_until(display, 'the Wayland display', 20)
         wait_until(lambda: self.bus.has_owner(KWIN), 'KWin on the bus', 20)

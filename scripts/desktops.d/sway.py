@@ -7,7 +7,7 @@ import subprocess
 
 from PIL import Image
 
-from basics import CannotRun, wait_until
+from basics import Fault, wait_until
 from desktop import GTK_PORTAL, Desktop, kind_of
 from pointer import WlrootsPointer
 
@@ -16,6 +16,7 @@ class Sway(Desktop):
     name, title, current_desktop, session_type = 'sway', 'sway 1.7 with waybar', 'sway', 'wayland'
     services = GTK_PORTAL
     notifier = 'mako'
+    left_click_is_told = True
     SETTINGS = """output HEADLESS-1 resolution {0}x{1}
 output HEADLESS-1 background #31506a solid_color
 seat seat0 fallback true
@@ -41,7 +42,7 @@ exec mako
 
         def display():
             if self.shell.poll() is not None:
-                raise CannotRun(f'sway ended with {self.shell.returncode}: {self.session.log_of("sway", 1)}')
+                raise Fault(f'sway ended with {self.shell.returncode}: {self.session.log_of("sway", 1)}')
             return [path.name for path in self.session.runtime.glob('wayland-[0-9]') if path.is_socket()]
         self.session.environment['WAYLAND_DISPLAY'] = wait_until(display, 'the Wayland display')[0]
         self.tell_bus()

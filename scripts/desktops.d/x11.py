@@ -4,7 +4,7 @@ import pathlib
 
 from PIL import ImageGrab
 
-from basics import CannotRun, wait_until
+from basics import Fault, wait_until
 from desktop import BROWSER, BROWSER_PROGRAM, FOLDERS, GTK_PORTAL, Desktop, kind_of
 from pointer import XPointer
 
@@ -20,7 +20,7 @@ class XDesktop(Desktop):
 
         def number():
             if process.poll() is not None:
-                raise CannotRun(f'Xvfb ended with {process.returncode}')
+                raise Fault(f'Xvfb ended with {process.returncode}')
             return numbers.exists() and numbers.read_text().strip()
         self.session.environment['DISPLAY'] = ':' + wait_until(number, 'the X display')
         self.pointer = XPointer(self.session)
