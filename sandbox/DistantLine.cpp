@@ -1,6 +1,7 @@
 #include "sandbox/DistantLine.h"
 
 #include "sandbox/Descriptor.h"
+#include "sandbox/LoopbackAddress.h"
 #include "sandbox/WakeUp.h"
 
 #include <QByteArray>
@@ -215,19 +216,6 @@ struct Connection {
   Stream down;
 };
 
-sockaddr_in loopback(quint16 port) {
-  sockaddr_in address{};
-  address.sin_family = AF_INET;
-  address.sin_port = htons(port);
-  address.sin_addr.s_addr = htonl(INADDR_LOOPBACK);
-  return address;
-}
-
-// The system's functions want the general kind of address.
-sockaddr *general(sockaddr_in &address) {
-  return reinterpret_cast<sockaddr *>(&address);
-}
-
 int newSocket() {
   return ::socket(AF_INET, SOCK_STREAM | SOCK_NONBLOCK | SOCK_CLOEXEC, 0);
 }
@@ -302,7 +290,7 @@ DistantLine::Private::~Private() {
 void DistantLine::Private::bind(quint16 port) {
   const int socket = listener.descriptor.get();
   setOption(socket, SOL_SOCKET, SO_REUSEADDR);
-  sockaddr_in address = loopback(port);
+  sockaddr_in address = loopbackAddress(port);
   socklen_t size = sizeof address;
   if (::bind(socket, general(address), size) != 0 || ::listen(socket, kBacklog) != 0
       || ::getsockname(socket, general(address), &size) != 0)
@@ -319,7 +307,7 @@ void DistantLine::Private::watch(int descriptor, End *end) const {
 }
 
 void DistantLine::Private::start(quint16 towards) {
-  server = loopback(towards);
+  server = loopbackAddress(towards);
   thread = std::thread([this] { run(); });
 }
 

@@ -2,11 +2,11 @@
 
 #include "sandbox/Descriptor.h"
 #include "sandbox/Locked.h"
+#include "sandbox/LoopbackAddress.h"
 #include "sandbox/WakeUp.h"
 
 #include <array>
 #include <cerrno>
-#include <netinet/in.h>
 #include <poll.h>
 #include <sys/socket.h>
 #include <thread>
@@ -17,19 +17,6 @@ namespace sandbox {
 namespace {
 
 constexpr qsizetype kMostHead = 64 * 1024;
-
-sockaddr_in loopback(quint16 port) {
-  sockaddr_in address{};
-  address.sin_family = AF_INET;
-  address.sin_port = htons(port);
-  address.sin_addr.s_addr = htonl(INADDR_LOOPBACK);
-  return address;
-}
-
-// The system's functions want the general kind of address.
-sockaddr *general(sockaddr_in &address) {
-  return reinterpret_cast<sockaddr *>(&address);
-}
 
 int newSocket() {
   return ::socket(AF_INET, SOCK_STREAM | SOCK_CLOEXEC, 0);
@@ -86,7 +73,7 @@ TestProxy::Private::Private(quint16 towards, const TestProxyOptions &options)
     : state(State{.towards = towards}),
       credentials(options.user.isEmpty() ? QByteArray()
                                          : "Basic " + (options.user + ':' + options.password).toBase64()) {
-  sockaddr_in address = loopback(0);
+  sockaddr_in address = loopbackAddress(0);
   socklen_t size = sizeof address;
   constexpr int kBacklog = 64;
   if (::bind(listener.get(), general(address), size) != 0 || ::listen(listener.get(), kBacklog) != 0
@@ -155,7 +142,7 @@ void TestProxy::Private::serve(const Descriptor &client) {
 void TestProxy::Private::carry(const Descriptor &client, const QByteArray &head) {
   const QList<QByteArray> words = head.left(head.indexOf('\r')).split(' ');
   const Descriptor server(newSocket(), "socket");
-  sockaddr_in address = loopback(state.with([](const State &now) { return now.towards; }));
+  sockaddr_in address = loopbackAddress(state.with([](const State &now) { return now.towards; }));
   const bool isOpen =
       words[0] == "CONNECT" && words.size() == 3 && ::connect(server.get(), general(address), sizeof address) == 0;
   if (isOpen) state.with([&](State &now) { now.tunnels << words[1]; });
