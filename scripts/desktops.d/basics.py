@@ -20,10 +20,6 @@ class Fault(Exception):
     """Something that should have happened did not."""
 
 
-class CannotRun(Exception):
-    """What this machine lacks."""
-
-
 def wait_until(condition, what, seconds=10.0):
     """Asks until the answer is true, and returns it."""
     deadline = time.monotonic() + seconds
@@ -104,9 +100,9 @@ def end_descendants():
 class Session:
     """The folders, the environment, the session bus and the processes of one desktop."""
 
-    def __init__(self, folder, base_environment):
+    def __init__(self, folder, home, base_environment):
         self.folder = folder
-        self.home = folder / 'home'
+        self.home = home
         self.logs = folder / 'logs'
         runtime = folder / 'run'
         for path in (self.home, self.logs, runtime, self.home / '.config'):
@@ -131,11 +127,20 @@ class Session:
         return process
 
     def run(self, *command, seconds=15, check=True):
-        done = subprocess.run([str(word) for word in command], env=self.environment, stdin=subprocess.DEVNULL,
-                              capture_output=True, text=True, timeout=seconds, cwd=self.home)
+        try:
+            done = subprocess.run([str(word) for word in command], env=self.environment, stdin=subprocess.DEVNULL,
+                                  capture_output=True, text=True, timeout=seconds, cwd=self.home, check=False)
+        except subprocess.TimeoutExpired as late:
+            raise Fault(f'{command[0]} does not end within {seconds} s') from late
         if check and done.returncode != 0:
             raise Fault(f'{command[0]} ended with {done.returncode}: {done.stderr.strip() or done.stdout.strip()}')
         return done.stdout.strip()
+
+    def await_end(self, name, seconds):
+        try:
+            return self.processes[name].wait(seconds)
+        except subprocess.TimeoutExpired as late:
+            raise Fault(f'{name} does not end within {seconds} s') from late
 
     def write(self, path, text):
         file = self.home / path

@@ -8,8 +8,8 @@ from basics import Fault, holds_within, settled, wait_until
 
 AGENT, BROWSER, FOLDERS = 'agent', 'browser', 'folders'
 BROWSER_PROGRAM = pathlib.Path(__file__).resolve().parent / 'browser.py'
-PORTAL = ('org.freedesktop.portal.Desktop', 'org.freedesktop.impl.portal.PermissionStore',
-          'org.freedesktop.portal.Documents')
+# Without its documents, which it would mount into the session's folders.
+PORTAL = ('org.freedesktop.portal.Desktop', 'org.freedesktop.impl.portal.PermissionStore')
 GTK_PORTAL = (*PORTAL, 'org.freedesktop.impl.portal.desktop.gtk')
 KINDS = {'downloaderpictora': AGENT, 'com.norvale.downloaderpictora': AGENT, 'standin-browser': BROWSER,
          'standin-folders': FOLDERS}

@@ -3,7 +3,7 @@
 import time
 
 from agent import Agent, Service
-from basics import CannotRun, Fault, holds_within, wait_until
+from basics import Fault, holds_within, wait_until
 from bus import Bus
 from desktop import AGENT, BROWSER, FOLDERS, must
 from looking import brightness, centre, changed_box, row_centre
@@ -37,8 +37,6 @@ class Flow:
         try:
             step()
             return True
-        except CannotRun as reason:
-            self.note(column, f'not here: {reason}')
         except (Fault, AssertionError) as fault:
             self.fault(column, str(fault))
             try:

@@ -153,7 +153,7 @@ experimental-features=['scale-monitor-framebuffer']
 
     def log_out(self):
         self.shell.terminate()
-        self.shell.wait(10)
+        self.session.await_end('gnome-shell', 10)
 
 
 class GnomeWithExtension(Gnome):

@@ -144,4 +144,4 @@ class Plasma(Desktop):
 
     def log_out(self):
         self.shell.terminate()
-        self.shell.wait(10)
+        self.session.await_end('kwin', 10)

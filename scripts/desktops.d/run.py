@@ -1,15 +1,16 @@
 #!/usr/bin/env python3
-"""usage: run.py OUTPUT [NAME...]: tries the agent on each desktop, saves pictures and table in the folder OUTPUT."""
+"""usage: run.py OUTPUT NAME...: tries the agent on each desktop, saves pictures and table in the folder OUTPUT."""
 
 import os
 import pathlib
 import shutil
+import signal
 import sys
 import time
 import traceback
 
 import report
-from basics import CannotRun, Fault, Session, adopt_orphans, end_descendants
+from basics import Fault, Session, adopt_orphans, end_descendants
 from desktop import BROWSER_PROGRAM
 from flow import Flow
 from gnome import Gnome, GnomeWithExtension
@@ -44,17 +45,22 @@ def add_handlers(session):
     session.run('update-desktop-database', session.home / '.local/share/applications', check=False)
 
 
+def emptied(home):
+    """One home for all desktops, so that each finds the same path; a mounted one cannot be removed."""
+    for entry in home.iterdir():
+        if entry.is_dir() and not entry.is_symlink():
+            shutil.rmtree(entry)
+        else:
+            entry.unlink()
+    return home
+
+
 def try_desktop(kind, work, output):
-    folder = work / kind.name
-    shutil.rmtree(folder, ignore_errors=True)
-    session = Session(folder, base_environment(work))
+    session = Session(work / kind.name, emptied(pathlib.Path(os.environ['DESKTOPS_HOME'])), base_environment(work))
     add_handlers(session)
     flow = Flow(kind(session), lambda text: print(text, flush=True))
     try:
         flow.run()
-    except CannotRun as reason:
-        for column in report.COLUMNS:
-            flow.note(column, f'not here: {reason}')
     except Exception as trouble:  # pylint: disable=broad-except: every other desktop is still to be tried
         if not isinstance(trouble, Fault):
             traceback.print_exc()
@@ -67,13 +73,19 @@ def try_desktop(kind, work, output):
     return kind.title, flow.cells
 
 
+def leave(number, _frame):
+    """By way of all that cleans up, which nothing is to interrupt."""
+    for other in (signal.SIGINT, signal.SIGTERM):
+        signal.signal(other, signal.SIG_IGN)
+    sys.exit(128 + number)
+
+
 def main():
     work, output = pathlib.Path(os.environ['DESKTOPS_WORK']), pathlib.Path(sys.argv[1])
     output.mkdir(parents=True, exist_ok=True)
-    names = sys.argv[2:] or list(DESKTOPS)
-    unknown = [name for name in names if name not in DESKTOPS]
-    if unknown:
-        sys.exit(f'desktops: unknown: {" ".join(unknown)}; there are {" ".join(DESKTOPS)}')
+    names = sys.argv[2:]
+    for number in (signal.SIGINT, signal.SIGTERM):
+        signal.signal(number, leave)
     adopt_orphans()
     rows = []
     for name in names:

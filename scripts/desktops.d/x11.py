@@ -131,7 +131,7 @@ X-XFCE-CommandsWithParameter={1} {2} "%s";
 
     def log_out(self):
         self.session.run('xfce4-session-logout', '--logout', '--fast', check=False)
-        self.shell.wait(20)
+        self.session.await_end('xfce4-session', 20)
         self.session.processes['xvfb'].terminate()
 
 
@@ -158,5 +158,5 @@ class NoTray(XDesktop):
     def log_out(self):
         # Such a session is a script of the user's: it ends when the window manager does, and the display with it.
         self.shell.terminate()
-        self.shell.wait(10)
+        self.session.await_end('openbox', 10)
         self.session.processes['xvfb'].terminate()
