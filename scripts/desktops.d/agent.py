@@ -7,13 +7,14 @@ import subprocess
 
 from gi.repository import GLib
 
-from basics import Fault, wait_until
+from basics import Fault, holds_within, wait_until
 
 NAME = 'com.norvale.Downloaderpictora'
 PATH = '/' + NAME.replace('.', '/')
 WATCHER = 'org.kde.StatusNotifierWatcher'
 ITEM = 'org.kde.StatusNotifierItem'
 MENU = 'com.canonical.dbusmenu'
+SETTINGS = '.config/NORVALE INC/Downloaderpictora.conf'
 DEFAULTS = """firstLaunch=false
 ImageRetryWaitTime=1
 ExifRetryWaitTime=1
@@ -66,8 +67,7 @@ class Agent:
         self.pictures = session.home / 'Pictures'
         self.process = None
         (session.home / 'Pictures').mkdir(exist_ok=True)
-        session.write('.config/NORVALE INC/Downloaderpictora.conf',
-                      (service.profile / 'defaults.conf').read_text() + DEFAULTS)
+        session.write(SETTINGS, (service.profile / 'defaults.conf').read_text() + DEFAULTS)
 
     def start(self, **environment):
         self.process = self.session.start('agent', 'downloaderpictora', **environment)
@@ -89,6 +89,17 @@ class Agent:
         """The kind of window system that it has chosen."""
         maps = pathlib.Path(f'/proc/{self.process.pid}/maps').read_text()
         return 'Wayland' if 'libqwayland' in maps else 'X11'
+
+    def has_loaded(self, library):
+        """Says yes to none. It may have told its name on the bus before."""
+        return holds_within(lambda: library in pathlib.Path(f'/proc/{self.process.pid}/maps').read_text(), 5)
+
+    def set(self, name, value):
+        """Writes a setting, for its next start."""
+        file = self.session.home / SETTINGS
+        kept = [line for line in file.read_text().splitlines() if not line.startswith(f'{name}=')]
+        kept.insert(kept.index('[General]') + 1, f'{name}={value}')
+        file.write_text('\n'.join(kept) + '\n')
 
     def item(self):
         """Its entry at the tray, as (bus name, path)."""

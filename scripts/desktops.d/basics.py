@@ -126,6 +126,12 @@ class Session:
         self.processes[name] = process
         return process
 
+    def end(self, pid):
+        try:
+            os.kill(pid, signal.SIGTERM)
+        except ProcessLookupError:
+            pass  # by itself
+
     def run(self, *command, seconds=15, check=True):
         try:
             done = subprocess.run([str(word) for word in command], env=self.environment, stdin=subprocess.DEVNULL,

@@ -6,6 +6,7 @@ presses "Sign in" and lets the browser open the program.
 """
 
 import os
+import signal
 import subprocess
 import sys
 import urllib.parse
@@ -41,11 +42,13 @@ def show(_application):
     window.maximize()
     window.show_all()
     with open(os.environ['DESKTOPS_OPENED'], 'a', encoding='utf-8') as opened:
-        opened.write(f'{kind} {title}\n')
+        opened.write(f'{kind} {title} {os.getpid()}\n')
 
 
 GLib.set_prgname(f'standin-{kind}')
 Gdk.set_program_class(f'standin-{kind}')
 application = Gtk.Application(application_id=None, flags=Gio.ApplicationFlags.NON_UNIQUE)
 application.connect('activate', show)
+# As a person closes it: who opened it would be told of a failure otherwise.
+GLib.unix_signal_add(GLib.PRIORITY_DEFAULT, signal.SIGTERM, application.quit)
 application.run([])

@@ -38,6 +38,8 @@ class Desktop:
         self.pointer = None
         session.environment.update(XDG_CURRENT_DESKTOP=self.current_desktop, XDG_SESSION_TYPE=self.session_type)
 
+    end_status = 1  # the agent's, as Qt ends a program whose display goes
+    theme_plugin = ''  # of Qt's, that gives a program the desktop's looks
     separator = 0.35  # height of one in its menus, in entries
     notifier = ''
 
@@ -64,6 +66,21 @@ class Desktop:
 
     def leave_notifications(self):
         """Where what shows them stays open after a click, and holds the keys."""
+
+    def clear_notifications(self):
+        """Where they stay for long."""
+
+    def is_marked(self, kind):
+        """Whether the desktop tells that a window which it leaves behind wants to be looked at."""
+        return False
+
+    def work_area(self, scale):
+        """All but the panels, in the picture's pixels."""
+        return 0, round(32 * scale), *self.size
+
+    def output_scale(self):
+        """As the desktop itself tells it."""
+        raise NotImplementedError
 
     def notification_spot(self, changed):
         """Where the newest in the changed box is to be clicked."""

@@ -1,15 +1,19 @@
 """What a person does with the agent on a desktop, and what is to come of it."""
 
-import time
+import subprocess
+
+from gi.repository import GLib
+from PIL.Image import Resampling
 
 from agent import Agent, Service
 from basics import Fault, holds_within, wait_until
 from bus import Bus
 from desktop import AGENT, BROWSER, FOLDERS, must
-from looking import brightness, centre, changed_box, row_centre
+from looking import beside, brightness, centre, changed_box, fits, row_centre, sharpness
 
 LOG_IN, SETTINGS, QUIT = 'Log In', 'Download Folders', 'Quit'
 END_WITHIN = 10  # seconds
+SHARPER = 1.15  # times as sharp as what is only enlarged
 
 
 class Flow:
@@ -37,11 +41,11 @@ class Flow:
         try:
             step()
             return True
-        except (Fault, AssertionError) as fault:
+        except (Fault, AssertionError, OSError, subprocess.SubprocessError, GLib.Error) as fault:
             self.fault(column, str(fault))
             try:
                 self.pictures[f'fault-{step.__name__}'] = self.desktop.picture()
-            except (Fault, OSError) as other:
+            except (Fault, OSError, subprocess.SubprocessError, GLib.Error) as other:
                 self.say(f'  no picture: {other}')
         return False
 
@@ -52,7 +56,8 @@ class Flow:
                 return
             if self.attempt('menu', self.log_in_by_menu) and self.attempt('windows in front', self.callback):
                 self.attempt('notification and click', self.notification)
-                self.attempt('windows in front', self.settings_over_another)
+                if self.attempt('windows in front', self.settings_over_another):
+                    self.attempt('windows in front', self.settings_from_behind)
                 self.attempt('scaling', self.scaling)
                 self.attempt('dark', self.dark)
                 if self.desktop.left_click_is_told:
@@ -77,6 +82,8 @@ class Flow:
     def icon_appears(self):
         self.empty = self.desktop.quiet_picture()
         self.agent.start()
+        theme = self.desktop.theme_plugin
+        must(self.agent.has_loaded(theme), f'the agent runs without {theme}, which the desktop has')
         if not self.desktop.has_tray:
             self.note('icon', 'no tray: none, and the agent works on')
             return
@@ -157,31 +164,93 @@ class Flow:
     def own_window(self):
         return wait_until(lambda: self.desktop.window_box(AGENT), 'a window of the agent')
 
-    def restart_agent(self):
+    def end_agent(self):
         self.agent.act('quit')
         must(self.agent.ended_within(END_WITHIN) == 0, 'the agent does not end when asked to')
+
+    def restart_agent(self):
+        self.end_agent()
         self.agent.start()
         self.agent.act('settings')
         return self.own_window()
 
-    def scaling(self):
-        before = self.own_window()
-        self.desktop.set_scale(self.desktop.scale)
-        wanted = (before[2] - before[0]) * self.desktop.scale
+    def settings_from_behind(self):
+        self.desktop.pointer.click(*beside(self.desktop.window_box(FOLDERS), self.own_window(), self.desktop.work_area(1)))
+        must(self.desktop.comes_to_front(FOLDERS), f'after a click on the folder {self.desktop.front()} is in front')
+        self.choose(SETTINGS)
+        if self.desktop.comes_to_front(AGENT):
+            self.note('windows in front', 'settings again, from behind')
+        elif self.desktop.is_marked(AGENT):
+            self.note('windows in front', 'settings again, from behind: only marked as urgent')
+        else:
+            self.pictures['fault-behind'] = self.desktop.picture()
+            self.fault('windows in front', f'chosen again, the standing settings are behind {self.desktop.front()}')
 
-        def is_larger():
-            box = self.desktop.window_box(AGENT)
-            return box and abs((box[2] - box[0]) / wanted - 1) < 0.12
-        live = holds_within(is_larger, 5)
-        if not live:
-            self.restart_agent()
-            must(holds_within(is_larger, 5), f'{self.desktop.window_box(AGENT)} at {self.desktop.scale} times, '
-                 f'{before} before')
-        self.take('scaled')
-        self.note('scaling', f'{self.desktop.scale} times' + ('' if live else ', from the next start on'))
-        self.desktop.set_scale(1)
-        if not live:
-            self.restart_agent()
+    def close_others(self):
+        """What is looked at next stands alone on the desktop."""
+        for line in (self.session.folder / 'opened').read_text().splitlines():
+            self.session.end(int(line.rsplit(maxsplit=1)[1]))
+        wait_until(lambda: not any(map(self.desktop.window_box, (BROWSER, FOLDERS))), 'an end of the stand-ins')
+        self.desktop.clear_notifications()
+
+    def reopen(self, restart=False):
+        """@return the picture of the window opened anew, and what it covers there."""
+        if restart:
+            self.end_agent()
+        else:
+            self.agent.act('confirm')
+        wait_until(lambda: not self.desktop.window_box(AGENT), 'an end of the window')
+        empty = self.desktop.quiet_picture()
+        if restart:
+            self.agent.start()
+        self.agent.act('settings')
+        self.own_window()
+        picture = self.desktop.quiet_picture()
+        seen = changed_box(empty, picture, self.desktop.work_area(self.desktop.output_scale()))
+        return picture, must(seen, 'the window is not to be seen')
+
+    def scaling(self):
+        """@raise Fault also for a window that is only enlarged, and so blurred."""
+        self.close_others()
+        small, seen = self.reopen()
+        box = self.own_window()
+        must(fits(seen, box, self.desktop.size), f'{box} is told of the window, {seen} is seen')
+        self.desktop.set_scale(self.desktop.scale)
+        try:
+            at_once = self.looks_scaled(small, box)
+        finally:
+            self.desktop.set_scale(1)
+        self.reopen(restart=True)
+        self.note('scaling', f'{self.desktop.scale} times, sharp' + ('' if at_once else ', from the next start on'))
+
+    def looks_scaled(self, small, before):
+        """@param small, before: the picture without scaling, and the window's box there.
+        @return whether it did so in the process that ran before."""
+        def is_scaled():
+            return abs(self.desktop.output_scale() - self.desktop.scale) < 0.02
+        must(holds_within(is_scaled, 5), f'the desktop is at {self.desktop.output_scale()} times')
+        for restart in (False, True):
+            picture, seen = self.reopen(restart)
+            self.pictures['scaled' if restart else 'scaled-at-once'] = picture
+            trouble = self.trouble_of_scaled(picture, seen, small, before)
+            if not trouble:
+                self.pictures['scaled'] = picture
+                return not restart
+            self.say(f'  {trouble}')
+        raise Fault(trouble)
+
+    def trouble_of_scaled(self, picture, seen, small, before):
+        scale = self.desktop.output_scale()
+        now = self.own_window()
+        if not fits(seen, now, self.desktop.size, scale):
+            return f'{now} is told of the window, {seen} is seen'
+        if abs((now[2] - now[0]) / (before[2] - before[0]) / scale - 1) > 0.05:
+            return f'{now} at {scale:.2f} times, {before} before'
+        height = min(now[3] - now[1], round(scale * (before[3] - before[1])))
+        enlarged = small.crop((*before[:3], before[1] + round(height / scale))).resize((now[2] - now[0], height), Resampling.BILINEAR)
+        ratio = sharpness(picture.crop((*now[:3], now[1] + height))) / sharpness(enlarged)
+        self.say(f'  {ratio:.2f} times as sharp as a window that is only enlarged')
+        return '' if ratio > SHARPER else f'only {ratio:.2f} times as sharp as one that is enlarged'
 
     def dark(self):
         box = self.own_window()
@@ -199,8 +268,7 @@ class Flow:
         self.note('dark', 'at once' if live else 'from the next start on')
 
     def left_click(self):
-        self.agent.act('quit')
-        must(self.agent.ended_within(END_WITHIN) == 0, 'the agent does not end when asked to')
+        self.end_agent()
         self.agent.start()
         wait_until(self.agent.item, 'the item at the tray')
         self.desktop.quiet_picture()
@@ -222,22 +290,27 @@ class Flow:
         self.note('quit', 'from the menu' if self.desktop.has_tray else 'by the action')
 
     def session_end(self):
-        fetched = self.service.fetched()
+        fetched = must(self.service.fetched(), 'nothing has been fetched before')
         self.agent.start()
         if self.desktop.has_tray:
             wait_until(self.agent.item, 'the item at the tray')
-        began = time.monotonic()
         self.desktop.log_out()
         status = self.agent.ended_within(END_WITHIN)
         must(status is not None, f'the agent runs on {END_WITHIN} s after the end of the session')
-        seconds = time.monotonic() - began
+        must(status == self.desktop.end_status, f'the agent ends with {status}, not with {self.desktop.end_status}')
+        self.next_start(fetched)
+        self.note('session end', f'ends with {status}; the next start is linked, and its whole run fetches nothing again')
+
+    def next_start(self, fetched):
+        reported = len(self.service.ask('reports.json'))
+        self.agent.set('PollingNormalWaitTime', 1)
+        renewed = self.service.requests('RefreshToken')
         listed = self.service.requests('ListItems')
         self.agent.start(QT_QPA_PLATFORM='offscreen')
-        wait_until(lambda: self.service.requests('ListItems') > listed, 'a run at the next start', 20)
-        self.agent.act('quit')
-        must(self.agent.ended_within(END_WITHIN) == 0, 'the next agent does not end when asked to')
+        # A run renews the login twice. The fourth time one is over, even if the session's last renewal counts, too.
+        wait_until(lambda: self.service.requests('RefreshToken') >= renewed + 4, 'a whole run at the next start', 40)
+        self.end_agent()
+        must(self.service.requests('ListItems') > listed, 'the next start does not look through the account')
         must(self.service.fetched() == fetched, 'the next start fetches pictures again')
-        if fetched:
-            must(not self.agent.verify(), f'the pictures are not as they should be: {self.agent.verify()[:3]}')
-        self.note('session end', f'ends with {status} after {seconds:.1f} s; the next start is linked and fetches '
-                  'nothing again')
+        must(len(self.service.ask('reports.json')) == reported, 'the next start reports pictures again')
+        must(not self.agent.verify(), f'the pictures are not as they should be: {self.agent.verify()[:3]}')

@@ -19,7 +19,7 @@ SYSTEM_BUS = """<busconfig><type>system</type><listen>unix:path={}</listen>
 """
 WINDOWS = """JSON.stringify(global.get_window_actors().map(actor => {
   const w = actor.meta_window, r = w.get_buffer_rect(), f = w.get_frame_rect();
-  return {class: w.get_wm_class(), active: w.has_focus(), type: w.get_window_type(),
+  return {class: w.get_wm_class(), active: w.has_focus(), marked: w.demands_attention, type: w.get_window_type(),
           box: [f.x, f.y, f.width, f.height]};
 }))"""
 
@@ -28,6 +28,7 @@ class Gnome(Desktop):
     name, title, current_desktop, session_type = 'gnome', 'GNOME Shell 43', 'GNOME', 'wayland'
     services = (*GTK_PORTAL, 'org.gnome.Shell.Notifications', 'org.gnome.Shell.Extensions', 'org.gnome.ScreenSaver')
     has_tray = False
+    theme_plugin = 'libqgtk3'
     notifier = "the Shell's own"
     extensions = '@as []'
 
@@ -78,7 +79,6 @@ experimental-features=['scale-monitor-framebuffer']
         if self.has_tray:
             self.wait_for_tray()
         self.pointer = MutterPointer(self.bus, width, height)
-        self.factor = 1
 
     def evaluate(self, script):
         answer = self.bus.call(SHELL, '/org/gnome/Shell', SHELL, 'Eval', GLib.Variant('(s)', (script,)))
@@ -105,11 +105,15 @@ experimental-features=['scale-monitor-framebuffer']
     def active_class(self):
         return next((window['class'] for window in self.windows() if window['active']), '')
 
+    def is_marked(self, kind):
+        return any(window['marked'] for window in self.windows() if kind_of(window['class']) == kind)
+
     def window_box(self, kind):
         for window in self.windows():
             left, top, width, height = window['box']
             if kind_of(window['class']) == kind and width > 150 and height > 100:
-                return tuple(round(self.factor * edge) for edge in (left, top, left + width, top + height))
+                scale = self.output_scale()
+                return tuple(round(scale * edge) for edge in (left, top, left + width, top + height))
         return None
 
     def panel(self):
@@ -135,7 +139,7 @@ experimental-features=['scale-monitor-framebuffer']
 
     def send_action(self, action):
         if self.evaluate(f"""imports.gi.Shell.AppSystem.get_default().lookup_app('{AGENT_ENTRY}').launch_action(
-                         '{action}', 0, -1); true""") is not True:
+                         '{action}', global.display.get_current_time_roundtrip(), -1); true""") is not True:
             raise Fault('GNOME Shell does not know the agent')
 
     def set_dark(self):
@@ -149,7 +153,11 @@ experimental-features=['scale-monitor-framebuffer']
         if self.bus.call(config, path, config, 'ApplyMonitorsConfig', GLib.Variant('(uua(iiduba(ssa{sv}))a{sv})', (
                 serial, 1, [(0, 0, nearest, 0, True, [(connector, modes[0][0], {})])], {}))) is None:
             raise Fault(f'GNOME Shell does not scale: {self.bus.trouble}')
-        self.factor = nearest
+
+    def output_scale(self):
+        config, path = 'org.gnome.Mutter.DisplayConfig', '/org/gnome/Mutter/DisplayConfig'
+        _, _, logical, _ = self.bus.call(config, path, config, 'GetCurrentState')
+        return logical[0][2]
 
     def log_out(self):
         self.shell.terminate()

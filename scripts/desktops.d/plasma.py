@@ -16,7 +16,7 @@ KWIN = 'org.kde.KWin'
 ANSWER = '<node><interface name="desktops.Answer"><method name="tell"><arg type="s" direction="in"/></method>' \
          '</interface></node>'
 WINDOWS = """callDBus('%s', '/answer', 'desktops.Answer', 'tell', JSON.stringify(workspace.clientList().map(
-  c => ({class: String(c.resourceClass), active: c.active, normal: c.normalWindow || c.dialog,
+  c => ({class: String(c.resourceClass), active: c.active, marked: c.demandsAttention, normal: c.normalWindow || c.dialog,
          box: [c.frameGeometry.x, c.frameGeometry.y, c.frameGeometry.width, c.frameGeometry.height]}))));
 """
 TRAY = """panels().forEach(panel => panel.widgets('org.kde.plasma.systemtray').forEach(widget => {
@@ -57,7 +57,6 @@ class Plasma(Desktop):
             return (self.session.runtime / 'wayland-0').exists()
         wait_until(display, 'the Wayland display', 20)
         wait_until(lambda: self.bus.has_owner(KWIN), 'KWin on the bus', 20)
-        self.factor = 1
         self.tell_bus()
         self.listen()
         self.session.start('kded5', 'kded5')
@@ -119,11 +118,15 @@ class Plasma(Desktop):
     def active_class(self):
         return next((window['class'] for window in self.windows() if window['active']), '')
 
+    def is_marked(self, kind):
+        return any(window['marked'] for window in self.windows() if kind_of(window['class']) == kind)
+
     def window_box(self, kind):
         for window in self.windows():
             if kind_of(window['class']) == kind and window['normal']:
                 left, top, width, height = window['box']
-                return tuple(round(self.factor * edge) for edge in (left, top, left + width, top + height))
+                scale = self.output_scale()
+                return tuple(round(scale * edge) for edge in (left, top, left + width, top + height))
         return None
 
     def panel(self):
@@ -140,7 +143,12 @@ class Plasma(Desktop):
 
     def set_scale(self, factor):
         self.session.run('kscreen-doctor', f'output.1.scale.{factor}')
-        self.factor = factor
+
+    def output_scale(self):
+        return json.loads(self.session.run('kscreen-doctor', '--json'))['outputs'][0]['scale']
+
+    def work_area(self, scale):
+        return 0, 0, self.size[0], self.size[1] - round(46 * scale)
 
     def log_out(self):
         self.shell.terminate()

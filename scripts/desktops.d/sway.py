@@ -50,7 +50,6 @@ exec mako
         self.wait_for_tray()
         wait_until(self.has_notifications, 'the notification service')
         self.pointer = WlrootsPointer(self.session, *self.size)
-        self.factor = 1
 
     def picture(self):
         done = subprocess.run(['grim', '-t', 'ppm', '-'], env=self.session.environment, capture_output=True,
@@ -77,7 +76,8 @@ exec mako
                 outer, inner = window['rect'], window['window_rect']
                 left, top = outer['x'] + inner['x'], outer['y'] + inner['y']
                 box = left, top, left + inner['width'], top + inner['height']
-                return tuple(round(self.factor * edge) for edge in box)
+                scale = self.output_scale()
+                return tuple(round(scale * edge) for edge in box)
         return None
 
     def menu_area(self, icon):
@@ -89,7 +89,15 @@ exec mako
 
     def set_scale(self, factor):
         self.session.run('swaymsg', f'output HEADLESS-1 scale {factor}')
-        self.factor = factor
+
+    def output_scale(self):
+        return json.loads(self.session.run('swaymsg', '-r', '-t', 'get_outputs'))[0]['scale']
+
+    def clear_notifications(self):
+        self.session.run('makoctl', 'dismiss', '--all')
+
+    def is_marked(self, kind):
+        return any(window['urgent'] for window in self.windows() if kind_of(self.class_of(window)) == kind)
 
     def log_out(self):
         self.session.run('swaymsg', 'exit', check=False)

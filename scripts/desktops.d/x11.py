@@ -1,10 +1,11 @@
 """The desktops that run on X11, on a display without a screen."""
 
 import pathlib
+import re
 
 from PIL import ImageGrab
 
-from basics import Fault, wait_until
+from basics import Fault, descendants, wait_until
 from desktop import BROWSER, BROWSER_PROGRAM, FOLDERS, GTK_PORTAL, Desktop, kind_of
 from pointer import XPointer
 
@@ -39,12 +40,21 @@ class XDesktop(Desktop):
         window = self.xdotool('getactivewindow')
         return self.class_of(window) if window else ''
 
+    def output_scale(self):
+        """Of letters; there is no other one."""
+        lines = self.session.run('xrdb', '-query').splitlines()
+        return next((int(line.split()[1]) / 96 for line in lines if line.startswith('Xft.dpi:')), 1)
+
     def window_box(self, kind):
         for window in self.xdotool('search', '--onlyvisible', '--name', '.').split():
             if kind_of(self.class_of(window)) != kind:
                 continue
-            words = dict(line.split('=') for line in self.xdotool('getwindowgeometry', '--shell', window).splitlines())
-            left, top, width, height = (int(words[name]) for name in ('X', 'Y', 'WIDTH', 'HEIGHT'))
+            # xdotool's own answer counts a frame twice.
+            words = dict(re.findall(r'(Absolute upper-left [XY]|Width|Height): +(-?\d+)',
+                                    self.session.run('xwininfo', '-id', window, check=False)))
+            if len(words) < 4:
+                continue  # gone meanwhile
+            left, top, width, height = map(int, words.values())
             if width > 150 and height > 100:  # no icon, no menu
                 return left, top, left + width, top + height
         return None
@@ -53,6 +63,8 @@ class XDesktop(Desktop):
 class Xfce(XDesktop):
     name, title, current_desktop = 'xfce', 'Xfce 4.18, X11', 'XFCE'
     notifier = 'xfce4-notifyd'
+    theme_plugin = 'libqgtk3'
+    end_status = 0  # its session manager asks programs to end
     services = (*GTK_PORTAL, 'org.xfce.Xfconf', 'org.xfce.xfce4-notifyd.Notifications')
     def notification_spot(self, changed):
         # Its button: the rest only closes it.
@@ -115,6 +127,8 @@ X-XFCE-CommandsWithParameter={1} {2} "%s";
                                self.HELPER.format(category, BROWSER_PROGRAM, kind))
         self.session.write('.config/xfce4/helpers.rc', f'WebBrowser=standin-{BROWSER}\nFileManager=standin-{FOLDERS}\n')
         self.shell = self.session.start('xfce4-session', 'xfce4-session')
+        # Programs that a person starts find the session manager; ours find it as the window manager does.
+        self.session.environment['SESSION_MANAGER'] = wait_until(self.session_manager, 'the session manager', 20)
         notifyd = next(pathlib.Path('/usr/lib').glob('*/xfce4/notifyd/xfce4-notifyd'))
         self.session.start('notifyd', notifyd)
         self.wait_for_tray()
@@ -129,8 +143,20 @@ X-XFCE-CommandsWithParameter={1} {2} "%s";
         self.session.run('xfconf-query', '-c', 'xsettings', '-p', '/Xft/DPI', '-n', '-t', 'int', '-s',
                          int(96 * factor))
 
+    def session_manager(self):
+        for pid in descendants():
+            folder = pathlib.Path('/proc', str(pid))
+            try:
+                if (folder / 'comm').read_text().strip() == 'xfwm4':
+                    words = (folder / 'environ').read_text().split('\0')
+                    return next((word.partition('=')[2] for word in words if word.startswith('SESSION_MANAGER=')), '')
+            except OSError:
+                pass  # it has ended
+        return ''
+
     def log_out(self):
-        self.session.run('xfce4-session-logout', '--logout', '--fast', check=False)
+        self.session.run('xfce4-session-logout', '--logout', check=False)
+        self.session.await_end('agent', 10)
         self.session.await_end('xfce4-session', 20)
         self.session.processes['xvfb'].terminate()
 
@@ -148,6 +174,9 @@ class NoTray(XDesktop):
         wait_until(self.has_notifications, 'the notification service')
         wait_until(lambda: self.session.run('xprop', '-root', '_NET_SUPPORTING_WM_CHECK', check=False).count('#'),
                    'the window manager')
+
+    def work_area(self, scale):
+        return 0, 0, *self.size
 
     def set_dark(self):
         self.ask_for_dark()
