@@ -65,10 +65,7 @@ class Desktop:
         """Where a desktop does not show them by itself."""
 
     def leave_notifications(self):
-        """Where what shows them stays open after a click, and holds the keys."""
-
-    def clear_notifications(self):
-        """Where they stay for long."""
+        """Where what shows them stays open after a click, and is in the way."""
 
     def is_marked(self, kind):
         """Whether the desktop tells that a window which it leaves behind wants to be looked at."""

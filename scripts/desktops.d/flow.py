@@ -13,7 +13,7 @@ from looking import beside, brightness, centre, changed_box, fits, row_centre, s
 
 LOG_IN, SETTINGS, QUIT = 'Log In', 'Download Folders', 'Quit'
 END_WITHIN = 10  # seconds
-SHARPER = 1.15  # times as sharp as what is only enlarged
+SHARPER = 1.18  # times as sharp as what is only enlarged
 
 
 class Flow:
@@ -191,7 +191,6 @@ class Flow:
         for line in (self.session.folder / 'opened').read_text().splitlines():
             self.session.end(int(line.rsplit(maxsplit=1)[1]))
         wait_until(lambda: not any(map(self.desktop.window_box, (BROWSER, FOLDERS))), 'an end of the stand-ins')
-        self.desktop.clear_notifications()
 
     def reopen(self, restart=False):
         """@return the picture of the window opened anew, and what it covers there."""

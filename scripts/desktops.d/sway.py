@@ -93,7 +93,8 @@ exec mako
     def output_scale(self):
         return json.loads(self.session.run('swaymsg', '-r', '-t', 'get_outputs'))[0]['scale']
 
-    def clear_notifications(self):
+    def leave_notifications(self):
+        # What is left of them would hide the menu.
         self.session.run('makoctl', 'dismiss', '--all')
 
     def is_marked(self, kind):
