@@ -175,7 +175,8 @@ class Flow:
         return self.own_window()
 
     def settings_from_behind(self):
-        self.desktop.pointer.click(*beside(self.desktop.window_box(FOLDERS), self.own_window(), self.desktop.work_area(1)))
+        spot = beside(self.desktop.window_box(FOLDERS), self.own_window(), self.desktop.work_area(1))
+        self.desktop.pointer.click(*spot)
         must(self.desktop.comes_to_front(FOLDERS), f'after a click on the folder {self.desktop.front()} is in front')
         self.choose(SETTINGS)
         if self.desktop.comes_to_front(AGENT):
@@ -245,8 +246,9 @@ class Flow:
             return f'{now} is told of the window, {seen} is seen'
         if abs((now[2] - now[0]) / (before[2] - before[0]) / scale - 1) > 0.05:
             return f'{now} at {scale:.2f} times, {before} before'
-        height = min(now[3] - now[1], round(scale * (before[3] - before[1])))
-        enlarged = small.crop((*before[:3], before[1] + round(height / scale))).resize((now[2] - now[0], height), Resampling.BILINEAR)
+        width, height = now[2] - now[0], min(now[3] - now[1], round(scale * (before[3] - before[1])))
+        part = small.crop((*before[:3], before[1] + round(height / scale)))
+        enlarged = part.resize((width, height), Resampling.BILINEAR)
         ratio = sharpness(picture.crop((*now[:3], now[1] + height))) / sharpness(enlarged)
         self.say(f'  {ratio:.2f} times as sharp as a window that is only enlarged')
         return '' if ratio > SHARPER else f'only {ratio:.2f} times as sharp as one that is enlarged'
@@ -298,7 +300,7 @@ class Flow:
         must(status is not None, f'the agent runs on {END_WITHIN} s after the end of the session')
         must(status == self.desktop.end_status, f'the agent ends with {status}, not with {self.desktop.end_status}')
         self.next_start(fetched)
-        self.note('session end', f'ends with {status}; the next start is linked, and its whole run fetches nothing again')
+        self.note('session end', f'ends with {status}; the next start is linked, and a whole run fetches nothing again')
 
     def next_start(self, fetched):
         reported = len(self.service.ask('reports.json'))

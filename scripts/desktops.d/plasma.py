@@ -16,7 +16,8 @@ KWIN = 'org.kde.KWin'
 ANSWER = '<node><interface name="desktops.Answer"><method name="tell"><arg type="s" direction="in"/></method>' \
          '</interface></node>'
 WINDOWS = """callDBus('%s', '/answer', 'desktops.Answer', 'tell', JSON.stringify(workspace.clientList().map(
-  c => ({class: String(c.resourceClass), active: c.active, marked: c.demandsAttention, normal: c.normalWindow || c.dialog,
+  c => ({class: String(c.resourceClass), active: c.active, marked: c.demandsAttention,
+         normal: c.normalWindow || c.dialog,
          box: [c.frameGeometry.x, c.frameGeometry.y, c.frameGeometry.width, c.frameGeometry.height]}))));
 """
 TRAY = """panels().forEach(panel => panel.widgets('org.kde.plasma.systemtray').forEach(widget => {
