@@ -220,7 +220,7 @@ class Flow:
             at_once = self.looks_scaled(small, box)
         finally:
             self.desktop.set_scale(1)
-        self.reopen(restart=True)
+        self.pictures['unscaled'], _ = self.reopen(restart=True)
         self.note('scaling', f'{self.desktop.scale} times, sharp' + ('' if at_once else ', from the next start on'))
 
     def looks_scaled(self, small, before):
