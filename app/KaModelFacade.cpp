@@ -117,9 +117,10 @@ KaWaitTimes KaModelFacade::loadWaitTimeInfo(KaWaitTimes builtIn) const {
 bool KaModelFacade::hasNetwork() const {
   // Quitting may have to wait for it: a look-up that takes longer may be right the next time.
   constexpr std::chrono::milliseconds kWaitForProxy(300);
-  if (isServiceOnLoopback() || platform::hasNetwork()) return true;
-  isProxyHere = isServiceProxyOnLoopback(kWaitForProxy);
-  return isProxyHere;
+  if (isServiceOnLoopback()) return true;
+  const bool isUp = platform::hasNetwork();
+  isProxyHere = !isUp && isServiceProxyOnLoopback(kWaitForProxy);
+  return isUp || isProxyHere;
 }
 
 void KaModelFacade::setDownloadDataUUID(const QString &key) {

@@ -74,7 +74,7 @@ void KaDownloadProcessor::getContentsNow() {
 
 void KaDownloadProcessor::newsFromOutside() {
   d->state.bNews = true;
-  d->pieces.storage.dropConnections(); // they may lead nowhere any more
+  d->pieces.storage.networkChanged();
   d->state.waitcnd.lookAgain();
   d->logincnd.lookAgain();
 }

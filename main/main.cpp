@@ -125,8 +125,9 @@ int runAgent(int &argc, char **argv, const CommandLine &commandLine) {
   qInstallMessageHandler(nullptr);
   describe();
   installTexts();
-  const platform::ColorScheme colorScheme;
-  QObject::connect(&colorScheme, &platform::ColorScheme::told, qApp, &showWindowsDark);
+  std::optional<platform::ColorScheme> colorScheme;
+  if (!platform::isUnseen()) // the bus would start what tells it without a display as well, for the whole session
+    QObject::connect(&colorScheme.emplace(), &platform::ColorScheme::told, qApp, &showWindowsDark);
   platform::tellLauncherOfStart();
   SingleInstance instance(showingActions());
   if (const auto status = prepareToRun(instance, commandLine)) return *status;

@@ -16,12 +16,16 @@ namespace platform {
 
 /// Takes what this process was started with out of its environment, where the display would look for it.
 void adoptLaunchToken();
-/// That the program is there, whether or not it shows a window: a busy cursor ends. Once there is a display, and before
-/// threads of ours.
+/// That the program is there, whether or not it shows a window: on X11 a busy cursor ends. Wayland knows no such word:
+/// there it ends with a window that uses the token, or when the launcher has waited long enough. Once there is a
+/// display, and before threads of ours.
 void tellLauncherOfStart();
 /// For what is shown from now on, instead of any before, also if it is empty: those were for something else.
 /// @param life  long enough for a login: its callback opens a window once its token has been verified.
 void keepActivationToken(const QString &token, std::chrono::milliseconds life = std::chrono::seconds(30));
+/// Keeps what the tray's panel has given with a click, if anything: to be called at once, as Qt leaves it in the
+/// environment, where it would go to children, and would look new long after.
+void keepTrayToken();
 /// The one to be used, which stays; empty when there is none.
 [[nodiscard]] QString activationToken();
 /// The same, and it is used up.

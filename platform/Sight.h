@@ -7,5 +7,8 @@ namespace platform {
 void workUnseenIfStartedByBus();
 /// Whether that is so: nobody can see a window or an icon of this process, nor answer a question.
 [[nodiscard]] bool isUnseen();
+/// Whether the session is one of Wayland's, though this process may be a client of its X11 part, where the pointer is
+/// not told of while it is over others' windows.
+[[nodiscard]] bool isWaylandSession();
 
 } // namespace platform

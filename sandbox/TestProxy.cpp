@@ -130,6 +130,7 @@ void TestProxy::Private::serve(const Descriptor &client) {
       if (!sendAll(client.get(), own)) return;
     } else if (!mayPass(head)) {
       const QByteArray refusal = "HTTP/1.1 407 Proxy Authentication Required\r\n"
+                                 "Proxy-Authenticate: Negotiate\r\n"
                                  "Proxy-Authenticate: Basic realm=\"sandbox\"\r\nContent-Length: 5\r\n\r\nwho?\n";
       if (!sendAll(client.get(), refusal)) return;
     } else {

@@ -25,7 +25,9 @@ ArrivingObject::ArrivingObject(QString madeIn) : folder(std::move(madeIn)) {
 
 bool ArrivingObject::take(const char *bytes, std::size_t count) {
   if (!file) file = platform::UnpublishedFile::create(folder);
-  return file->write(bytes, count);
+  if (!file->write(bytes, count)) return false;
+  taken += static_cast<qint64>(count);
+  return true;
 }
 
 bool ArrivingObject::sync() {

@@ -18,6 +18,8 @@ public:
   explicit ArrivingObject(QString folder);
 
   [[nodiscard]] bool take(const char *bytes, std::size_t count);
+  /// What has been taken, in bytes.
+  [[nodiscard]] qint64 size() const { return taken; }
   /// It is whole: puts it on disk, once.
   [[nodiscard]] bool sync();
   void setDates(const QDateTime &modified);
@@ -45,4 +47,5 @@ private:
   const QString folder;
   std::optional<platform::UnpublishedFile> file;
   bool isSynced = false;
+  qint64 taken = 0;
 };

@@ -26,13 +26,14 @@ TransportOutcome transportOutcome(int curlCode) {
   }
 }
 
-bool saysUnreachable(int curlCode) {
+bool saysUnreachable(int curlCode, long proxyError) {
   switch (curlCode) {
   case CURLE_COULDNT_RESOLVE_PROXY:
   case CURLE_COULDNT_RESOLVE_HOST:
   case CURLE_COULDNT_CONNECT:
-  case CURLE_PROXY: // what answers does not speak the kind of SOCKS that is asked for
     return true;
+  case CURLE_PROXY: // what answers does not speak the kind of SOCKS that is asked for
+    return proxyError == CURLPX_BAD_VERSION || proxyError == CURLPX_CLOSED;
   default:
     return false;
   }

@@ -5,5 +5,6 @@
 /// How an exchange ended, told from the CURLcode that libcurl gave it.
 [[nodiscard]] TransportOutcome transportOutcome(int curlCode);
 
-/// Whether it ended before anything was heard from the proxy, or from the host where there was none.
-[[nodiscard]] bool saysUnreachable(int curlCode);
+/// Whether there was no proxy, or without one no host, to talk to. What a proxy refuses is no such case.
+/// @param proxyError  libcurl's CURLproxycode.
+[[nodiscard]] bool saysUnreachable(int curlCode, long proxyError);

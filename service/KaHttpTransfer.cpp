@@ -75,6 +75,9 @@ private:
 void setProxy(Options &options, const ProxyAddress &way) {
   options.set(CURLOPT_PROXY, way.url.constData()).set(CURLOPT_NOPROXY, "");
   if (way.isDirect()) return;
+  // Not by tickets (GSS-API), which libcurl would prefer: they are nobody's name and password, where there is none it
+  // tries nothing else, and to ask for one blocks.
+  options.set(CURLOPT_SOCKS5_AUTH, static_cast<long>(CURLAUTH_BASIC));
   options.set(CURLOPT_HTTPPROXYTUNNEL, 1L)
       .set(CURLOPT_SUPPRESS_CONNECT_HEADERS, 1L) // they are not the service's
       .set(CURLOPT_HEADEROPT, static_cast<long>(CURLHEADER_SEPARATE))
@@ -84,7 +87,7 @@ void setProxy(Options &options, const ProxyAddress &way) {
   if (way.user.isEmpty()) return;
   // A round trip more for each tunnel than to send the password unasked; but where the proxy knows a way that does not
   // show it to everybody between, that one is taken.
-  options.set(CURLOPT_PROXYAUTH, static_cast<long>(CURLAUTH_ANY))
+  options.set(CURLOPT_PROXYAUTH, static_cast<long>(CURLAUTH_BASIC | CURLAUTH_DIGEST | CURLAUTH_NTLM))
       .set(CURLOPT_PROXYUSERNAME, way.user.constData())
       .set(CURLOPT_PROXYPASSWORD, way.password.constData());
 }
@@ -161,23 +164,24 @@ public:
   /// Whether it went out on a kept connection of which not a byte came back.
   [[nodiscard]] bool hasFoundKeptOneDead() const {
     long made = 0;
-    return headerBytes == 0 && curl_easy_getinfo(easy, CURLINFO_NUM_CONNECTS, &made) == CURLE_OK && made == 0;
+    return !hasHeard() && curl_easy_getinfo(easy, CURLINFO_NUM_CONNECTS, &made) == CURLE_OK && made == 0;
   }
 
-  /// Whether the proxy, or the host where there is none, has taken a connection.
+  /// Whether the proxy, or the host where there is none, has taken a connection, be it a kept one.
   [[nodiscard]] bool isConnected() const {
-    curl_off_t value = 0;
-    return curl_easy_getinfo(easy, CURLINFO_CONNECT_TIME_T, &value) == CURLE_OK && value > 0;
+    return hasHeard() || number<long>(CURLINFO_REQUEST_SIZE) > 0 || number<curl_off_t>(CURLINFO_CONNECT_TIME_T) > 0;
   }
+  /// Something of the host's answer has come, and what the sink has taken cannot be taken back.
+  [[nodiscard]] bool hasHeard() const { return headerBytes > 0; }
 
   /// Grows whenever something arrives or the connection gets a step further.
   [[nodiscard]] qint64 progress() const {
-    const auto number = [this](CURLINFO info) {
-      curl_off_t value = 0;
-      return curl_easy_getinfo(easy, info, &value) == CURLE_OK ? value : 0;
-    };
-    return headerBytes + answer.bodySize + number(CURLINFO_SIZE_UPLOAD_T) + number(CURLINFO_NAMELOOKUP_TIME_T)
-           + number(CURLINFO_CONNECT_TIME_T) + number(CURLINFO_APPCONNECT_TIME_T);
+    qint64 sum = headerBytes + answer.bodySize;
+    for (const CURLINFO info :
+         {CURLINFO_SIZE_UPLOAD_T, CURLINFO_NAMELOOKUP_TIME_T, CURLINFO_CONNECT_TIME_T, CURLINFO_APPCONNECT_TIME_T})
+      sum += number<curl_off_t>(info);
+    // A proxy's part: what it was asked, and what it said.
+    return sum + number<long>(CURLINFO_REQUEST_SIZE) + number<long>(CURLINFO_HTTP_CONNECTCODE);
   }
 
   [[nodiscard]] HttpAnswer finished(TransportOutcome outcome) {
@@ -196,6 +200,11 @@ public:
   }
 
 private:
+  template <class T> [[nodiscard]] T number(CURLINFO info) const {
+    T value = 0;
+    return curl_easy_getinfo(easy, info, &value) == CURLE_OK ? value : 0;
+  }
+
   /// libcurl undoes any encoding, asked for or not, so that a few bytes could fill a disk: chunks alone are taken.
   [[nodiscard]] bool takeTransferEncoding(const QByteArray &encoding) {
     isChunked = encoding.compare("chunked", Qt::CaseInsensitive) == 0;
@@ -343,8 +352,9 @@ HttpAnswer KaHttpTransfer::Private::exchange(const HttpRequest &request, const B
   Tried tried;
   for (const ProxyAddress &way : waysTo(order)) {
     tried = exchangeBy(order, way);
+    if (tried.answer.outcome == TransportOutcome::Answered) transport->proxies.noteReached(way);
     if (!tried.isUnreachable) break;
-    transport->proxies.noteUnreachable(way);
+    transport->proxies.noteUnreachable(way, order.start);
   }
   return std::move(tried.answer);
 }
@@ -359,7 +369,8 @@ std::vector<ProxyAddress> KaHttpTransfer::Private::waysTo(const Order &order) {
   for (;;) {
     if (hasToEnd(order.shallEnd)) return {};
     if (const auto told = question.answer()) return transport->proxies.inOrder(proxyAddresses(*told));
-    const auto rest = std::chrono::ceil<std::chrono::milliseconds>(question.busySince() + patience - Clock::now());
+    const auto end = std::min(question.busySince() + patience, order.start + transport->wholeLimit / 2);
+    const auto rest = std::chrono::ceil<std::chrono::milliseconds>(end - Clock::now());
     if (rest.count() <= 0) return {ProxyAddress()};
     if (curl_multi_poll(multi.get(), nullptr, 0, static_cast<int>(rest.count()), nullptr) != CURLM_OK) return {};
   }
@@ -383,7 +394,8 @@ KaHttpTransfer::Private::Tried KaHttpTransfer::Private::exchangeOnce(const Order
   const bool hasFailed = outcome == TransportOutcome::Failed || outcome == TransportOutcome::SecureConnectionFailed;
   const bool mayGoOn = hasFailed && !hasToEnd(order.shallEnd);
   const bool isWorthAnother = !attempt.isFresh && mayGoOn && exchange.hasFoundKeptOneDead();
-  return {exchange.finished(outcome), isWorthAnother, mayGoOn && isUnreachable};
+  const bool heard = exchange.hasHeard();
+  return {exchange.finished(outcome), isWorthAnother, mayGoOn && isUnreachable && !heard};
 }
 
 bool KaHttpTransfer::Private::prepare(const EasyHandle &easy, const HttpRequest &request, const QByteArray &url,
@@ -450,7 +462,8 @@ KaHttpTransfer::Private::Ended KaHttpTransfer::Private::run(const EasyHandle &ea
     const Clock::time_point limit =
         std::min({lastStep + transport->idleLimit, order.start + transport->wholeLimit, graceEnd.value_or(waitEnd)});
     if (now >= waitEnd) return {TransportOutcome::WaitRanOut};
-    if (now >= limit) return {TransportOutcome::Failed, !exchange.isConnected()};
+    if (now >= limit)
+      return {TransportOutcome::Failed, !exchange.isConnected() && now < order.start + transport->wholeLimit};
     const auto rest = std::chrono::ceil<std::chrono::milliseconds>(std::min(limit, waitEnd) - now);
     if (curl_multi_poll(multi.get(), nullptr, 0, static_cast<int>(rest.count()), nullptr) != CURLM_OK) return {};
   }
@@ -460,5 +473,7 @@ KaHttpTransfer::Private::Ended KaHttpTransfer::Private::finishedOutcome() {
   int left = 0;
   const CURLMsg *const message = curl_multi_info_read(multi.get(), &left);
   if (!message || message->msg != CURLMSG_DONE) return {};
-  return {transportOutcome(message->data.result), saysUnreachable(message->data.result)};
+  long proxyError = 0;
+  curl_easy_getinfo(message->easy_handle, CURLINFO_PROXY_ERROR, &proxyError);
+  return {transportOutcome(message->data.result), saysUnreachable(message->data.result, proxyError)};
 }

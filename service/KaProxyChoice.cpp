@@ -33,16 +33,22 @@ std::vector<ProxyAddress> KaProxyChoice::inOrder(std::vector<ProxyAddress> ways)
   return left;
 }
 
-void KaProxyChoice::noteUnreachable(const ProxyAddress &way) {
+void KaProxyChoice::noteUnreachable(const ProxyAddress &way, Clock::time_point since) {
   if (way.isDirect()) return; // that was the host itself
   const platform::MutexLock scope(lock);
-  unreachable[way.url] = Clock::now();
+  if (since >= forgotten) unreachable[way.url] = Clock::now();
+}
+
+void KaProxyChoice::noteReached(const ProxyAddress &way) {
+  const platform::MutexLock scope(lock);
+  unreachable.erase(way.url);
 }
 
 void KaProxyChoice::forget() {
   {
     const platform::MutexLock scope(lock);
     unreachable.clear();
+    forgotten = Clock::now();
   }
   platform::forgetProxies();
 }

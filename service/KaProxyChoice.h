@@ -16,7 +16,9 @@ class KaProxyChoice {
 public:
   /// @return the same ways in the order in which they are to be tried.
   [[nodiscard]] std::vector<ProxyAddress> inOrder(std::vector<ProxyAddress> ways) const;
-  void noteUnreachable(const ProxyAddress &way);
+  /// @param since  when that was begun: what was found out before news of the network counts no more.
+  void noteUnreachable(const ProxyAddress &way, std::chrono::steady_clock::time_point since);
+  void noteReached(const ProxyAddress &way);
   /// News of the network: all that was known may be otherwise, also what the system says.
   void forget();
 
@@ -25,6 +27,7 @@ private:
 
   mutable platform::Mutex lock;
   std::map<QByteArray, Clock::time_point> unreachable KA_GUARDED_BY(lock); ///< when it was, by URL
+  Clock::time_point forgotten KA_GUARDED_BY(lock){};
 };
 
 /// What the system is asked for a proxy to: scheme, host and port. Whoever runs a proxy's script need not learn more,

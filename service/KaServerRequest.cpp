@@ -18,6 +18,10 @@ void KaServerRequest::stopServerRequest() {
 
 void KaServerRequest::dropConnections() {
   storageConnections.drop();
+}
+
+void KaServerRequest::networkChanged() {
+  dropConnections();
   transport->proxies.forget();
 }
 

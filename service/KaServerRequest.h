@@ -67,8 +67,10 @@ public:
 
   /// @name What answers mean that came before their turn
   /// @{
-  /// News of the network, or of sleep: what was open may lead nowhere, and another way may be right. Any thread.
+  /// Closes the connections that are kept. Any thread.
   void dropConnections();
+  /// News of the network, or of sleep: what was open may lead nowhere, and another way may be right. Any thread.
+  void networkChanged();
   /// The connections of all requests to S3.
   [[nodiscard]] KaKeptConnections &connections() { return storageConnections; }
   [[nodiscard]] static ServerAnswer presignedAnswer(HttpAnswer answer);

@@ -119,8 +119,8 @@ std::optional<SavedObject> KaServerRequest::placeObject(const ArrivedObject &arr
   const std::optional<QString> name = nameOf(answer);
   SavedObject saved = {.result = name ? KaResultCode::Success : KaResultCode::DefaultFileName,
                        .statusCode = answer.status,
-                       .outputFileSize = answer.bodySize};
-  const bool isRight = name && answer.bodySize == order.refFileSize;
+                       .outputFileSize = object.size()};
+  const bool isRight = name && object.size() == order.refFileSize;
   if (!isRight && !order.bKeepWhatComes) return saved;
   if (!object.sync()) return notSaved(order.defaultFilePath);
   object.setDates(order.modified);

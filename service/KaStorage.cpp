@@ -57,6 +57,10 @@ void KaStorage::dropConnections() {
   toSend.dropConnections();
 }
 
+void KaStorage::networkChanged() {
+  toSend.networkChanged();
+}
+
 bool KaStorage::expiresWithin(std::chrono::seconds lead) const {
   const KaCredential by = credential();
   return isMissing(by) || QDateTime::currentSecsSinceEpoch() + lead.count() >= by.expireUnixTime.toLongLong();

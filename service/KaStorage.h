@@ -94,6 +94,8 @@ public:
   [[nodiscard]] bool giveUpAhead() { return asksAhead.giveUp(); }
   /// Closes the connections that are kept. Any thread.
   void dropConnections();
+  /// The same on news of the network, or of sleep, after which other proxies may be right. Any thread.
+  void networkChanged();
 
 private:
   struct PageRead;

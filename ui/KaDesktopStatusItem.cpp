@@ -1,12 +1,13 @@
 #include "ui/KaDesktopStatusItem.h"
 
+#include "platform/ActivationToken.h"
+#include "platform/Sight.h"
 #include "platform/ThreadBound.h"
 #include "ui/StatusIcons.h"
 #include "ui/Texts.h"
 
 #include <QAction>
 #include <QCursor>
-#include <QGuiApplication>
 #include <QSystemTrayIcon>
 
 using namespace Qt::StringLiterals;
@@ -45,7 +46,10 @@ KaDesktopStatusItem::~KaDesktopStatusItem() = default;
 
 QAction *KaDesktopStatusItem::addEntry(StatusEntry entry, QLatin1StringView titleKey) {
   QAction *const action = menu.addAction(localised(titleKey));
-  connect(action, &QAction::triggered, this, [this, entry] { Q_EMIT entryTriggered(entry); });
+  connect(action, &QAction::triggered, this, [this, entry] {
+    platform::keepTrayToken();
+    Q_EMIT entryTriggered(entry);
+  });
   return action;
 }
 
@@ -56,9 +60,11 @@ void KaDesktopStatusItem::createIcon() {
   // Where the desktop draws the menu for the other button itself, it can be asked neither to do so for this one nor
   // where.
   connect(icon.get(), &QSystemTrayIcon::activated, this, [this](QSystemTrayIcon::ActivationReason reason) {
+    platform::keepTrayToken();
     if (reason != QSystemTrayIcon::Trigger) return;
-    // Nor can a program of Wayland's: its menu would be a window with a title bar in the middle of the screen.
-    if (QGuiApplication::platformName().startsWith(u"wayland")) {
+    // Nor does a program know on Wayland: its menu would be a window with a title bar in the middle of the screen, or,
+    // on its X11 part, where the pointer was last seen.
+    if (platform::isWaylandSession()) {
       Q_EMIT entryTriggered(StatusEntry::DispSetting);
     } else {
       menu.popup(QCursor::pos());

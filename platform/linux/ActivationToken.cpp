@@ -32,16 +32,15 @@ Kept &kept() {
   return *one;
 }
 
+/// One that the panel gave without a click on anything following, such as with a menu that was closed again.
+void dropTrayToken() {
+  qunsetenv(kToken);
+}
+
 QString fromEnvironment(const char *name) {
   const QString value = qEnvironmentVariable(name);
   if (!value.isNull()) qunsetenv(name);
   return value;
-}
-
-/// What the tray has left since.
-void adoptTrayToken() {
-  const QString token = fromEnvironment(kToken);
-  if (!token.isEmpty()) keepActivationToken(token);
 }
 
 } // namespace
@@ -54,15 +53,20 @@ void adoptLaunchToken() {
 
 void keepActivationToken(const QString &token, std::chrono::milliseconds life) {
   assertMainThread();
-  qunsetenv(kToken); // the tray's, of some time ago
+  dropTrayToken();
   const bool isLikely = token.size() <= kLongest;
   kept() = {isLikely ? token : QString(), Clock::now() + life};
   completeStartup(kept().token);
 }
 
+void keepTrayToken() {
+  const QString token = fromEnvironment(kToken);
+  if (!token.isEmpty()) keepActivationToken(token);
+}
+
 QString activationToken() {
   assertMainThread();
-  adoptTrayToken();
+  dropTrayToken();
   if (Clock::now() >= kept().end) kept().token.clear();
   return kept().token;
 }

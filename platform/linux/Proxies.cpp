@@ -5,17 +5,20 @@
 #include "platform/ReleasedBy.h"
 #include "platform/ThreadName.h"
 
+#include <QByteArrayList>
 #include <QDebug>
 
 #include <proxy.h>
 
 #include <condition_variable>
 #include <deque>
+#include <dlfcn.h>
 #include <exception>
+#include <link.h>
 #include <map>
+#include <system_error>
 #include <thread>
 #include <utility>
-#include <vector>
 
 namespace platform {
 namespace {
@@ -29,8 +32,12 @@ constexpr auto kHoldsFor = 10s;
 constexpr auto kSlow = 1s;
 /// Longer than the kernel tries to connect (127 s): whoever has answered until then with nothing will not answer.
 constexpr auto kHangs = 300s;
-/// Each one left behind is a thread in a look-up that may never end.
-constexpr int kMostLeftBehind = 4;
+/// Each one left behind is a thread in a look-up that may never end. Trying again in vain takes none of the places that
+/// the next networks need.
+constexpr int kMostAfterTrying = 2;
+constexpr int kMostAfterNews = 32;
+
+using Factory = std::unique_ptr<pxProxyFactory, ReleasedBy<&px_proxy_factory_free>>;
 
 struct LookUp {
   const QByteArray url;
@@ -54,12 +61,16 @@ private:
     std::function<void()> answered;
   };
 
+  struct Task {
+    LookUpPointer lookUp;
+    int network = 0; ///< which one it is asked in
+  };
+
   void work(int number);
-  [[nodiscard]] pxProxyFactory *takeSpare();
-  [[nodiscard]] LookUpPointer next(int number);
+  [[nodiscard]] std::optional<Task> next(int number);
   void take(int number, const LookUpPointer &lookUp, Ways ways);
-  void startWorker() KA_REQUIRES(lock);
-  void leaveBehind(Clock::duration slowness) KA_REQUIRES(lock);
+  [[nodiscard]] bool startWorker() KA_REQUIRES(lock);
+  void leaveBehind(Clock::duration slowness, int most) KA_REQUIRES(lock);
 
   mutable Mutex lock;
   std::condition_variable_any workCame;
@@ -70,9 +81,8 @@ private:
   Clock::time_point begun KA_GUARDED_BY(lock){}; ///< what is under way or, with nothing, what waits
   int worker KA_GUARDED_BY(lock) = 0;            ///< the number of the one that counts; 0: none yet
   int leftBehindCount KA_GUARDED_BY(lock) = 0;
-  /// Of threads that were left behind and have come back. Never freed: that would unload the library which runs scripts
-  /// under its own threads.
-  std::vector<pxProxyFactory *> spare KA_GUARDED_BY(lock);
+  int network KA_GUARDED_BY(lock) = 0; ///< counts the news
+  Clock::time_point forgotten KA_GUARDED_BY(lock){};
 };
 
 /// Outlives its threads: one may hang for as long as the process lives.
@@ -83,14 +93,18 @@ Settings &settings() {
 
 LookUpPointer Settings::ask(const QByteArray &url, const void *asker, std::function<void()> answered) {
   const MutexLock scope(lock);
-  leaveBehind(kHangs);
+  // One that was quick to be begun before the last news could not be told from one that hangs then.
+  if (begun < forgotten)
+    leaveBehind(kSlow, kMostAfterNews);
+  else
+    leaveBehind(kHangs, kMostAfterTrying);
   LookUpPointer &lookUp = known[url];
   const bool holds = lookUp && (!lookUp->ways || Clock::now() - lookUp->answered < kHoldsFor);
   if (!holds) {
     lookUp = std::make_shared<LookUp>(LookUp{url});
     if (!underWay && waiting.empty()) begun = Clock::now();
     waiting.push_back(lookUp);
-    if (worker == 0) startWorker();
+    if (worker == 0) static_cast<void>(startWorker());
     workCame.notify_all();
   }
   if (!lookUp->ways) listeners[asker] = {lookUp, std::move(answered)};
@@ -117,33 +131,44 @@ void Settings::forget() {
   std::erase_if(known, [](const auto &entry) { return entry.second->ways.has_value(); });
   // What the answer under way says is of before: those who wait may have it, nobody else.
   if (underWay) known.erase(underWay->url);
-  leaveBehind(kSlow);
+  ++network;
+  forgotten = Clock::now();
+  leaveBehind(kSlow, kMostAfterNews);
 }
 
 /// Has a new thread take up what the present one does not come to an end with.
-void Settings::leaveBehind(Clock::duration slowness) {
+void Settings::leaveBehind(Clock::duration slowness, int most) {
   const Clock::time_point now = Clock::now();
-  if (!underWay || now - begun < slowness || leftBehindCount >= kMostLeftBehind) return;
+  if (!underWay || now - begun < slowness || leftBehindCount >= most || !startWorker()) return;
   ++leftBehindCount;
   known[underWay->url] = underWay;
   waiting.push_front(std::exchange(underWay, nullptr));
   begun = now;
-  startWorker();
 }
 
-void Settings::startWorker() {
-  std::thread([this, number = ++worker] { work(number); }).detach();
+/// @return false when the system has no thread to give: the next question tries again.
+bool Settings::startWorker() {
+  try {
+    std::thread([this, number = worker + 1] { work(number); }).detach();
+  } catch (const std::system_error &) {
+    return false;
+  }
+  ++worker;
+  return true;
 }
 
-LookUpPointer Settings::next(int number) {
+std::optional<Settings::Task> Settings::next(int number) {
   const MutexLock scope(lock);
   while (number == worker && waiting.empty())
     workCame.wait(lock);
-  if (number != worker) return nullptr;
+  if (number != worker) {
+    --leftBehindCount;
+    return std::nullopt;
+  }
   underWay = std::move(waiting.front());
   waiting.pop_front();
   begun = Clock::now();
-  return underWay;
+  return Task{underWay, network};
 }
 
 void Settings::take(int number, const LookUpPointer &lookUp, Ways ways) {
@@ -163,36 +188,44 @@ void Settings::take(int number, const LookUpPointer &lookUp, Ways ways) {
   }
 }
 
-Ways waysTo(pxProxyFactory *factory, const QByteArray &url) {
+/// Keeps the library's plug-ins in memory for good: the one that runs scripts has threads of its own, and would be
+/// unloaded below them with the factory that it came with.
+void keepPlugins() {
+  QByteArrayList plugins;
+  const auto note = [](dl_phdr_info *object, std::size_t, void *list) {
+    const auto path = QByteArray(object->dlpi_name);
+    if (path.contains("/libproxy/")) *static_cast<QByteArrayList *>(list) << path;
+    return 0;
+  };
+  ::dl_iterate_phdr(note, &plugins);
+  for (const QByteArray &path : plugins)
+    static_cast<void>(::dlopen(path.constData(), RTLD_LAZY | RTLD_NOLOAD | RTLD_NODELETE));
+}
+
+Ways waysTo(Factory &factory, const QByteArray &url) {
   using Told = std::unique_ptr<char *, ReleasedBy<&px_proxy_factory_free_proxies>>;
   Ways ways;
   try {
-    const Told told(factory ? px_proxy_factory_get_proxies(factory, url.constData()) : nullptr);
+    if (!factory) factory.reset(px_proxy_factory_new());
+    const Told told(factory ? px_proxy_factory_get_proxies(factory.get(), url.constData()) : nullptr);
     for (char *const *way = told.get(); way && *way; ++way)
       ways << QByteArray(*way);
-  } catch (const std::exception &fault) { // the library is C++ behind its C face
-    qWarning("the proxy settings cannot be told: %s", fault.what());
+  } catch (const std::exception &) { // the library is C++ behind its C face; its words may hold a password
+    qWarning("the proxy settings cannot be told");
   }
+  keepPlugins();
   return ways;
 }
 
 void Settings::work(int number) {
   nameThisThread("proxies");
-  pxProxyFactory *factory = takeSpare();
-  if (!factory) factory = px_proxy_factory_new();
-  while (const LookUpPointer lookUp = next(number))
-    take(number, lookUp, waysTo(factory, lookUp->url));
-  const MutexLock scope(lock);
-  --leftBehindCount;
-  spare.push_back(factory);
-}
-
-pxProxyFactory *Settings::takeSpare() {
-  const MutexLock scope(lock);
-  if (spare.empty()) return nullptr;
-  pxProxyFactory *const factory = spare.back();
-  spare.pop_back();
-  return factory;
+  Factory factory;
+  int asked = 0;
+  while (const auto task = next(number)) {
+    // It never fetches a script again that it has.
+    if (std::exchange(asked, task->network) != task->network) factory = nullptr;
+    take(number, task->lookUp, waysTo(factory, task->lookUp->url));
+  }
 }
 
 } // namespace

@@ -1,6 +1,7 @@
 #include "platform/Sight.h"
 
 #include <QByteArray>
+#include <QGuiApplication>
 
 #include <algorithm>
 #include <array>
@@ -24,6 +25,11 @@ void workUnseenIfStartedByBus() {
 
 bool isUnseen() {
   return unseen;
+}
+
+bool isWaylandSession() {
+  return QGuiApplication::platformName().startsWith(u"wayland") || !qEnvironmentVariableIsEmpty("WAYLAND_DISPLAY")
+         || qgetenv("XDG_SESSION_TYPE") == "wayland";
 }
 
 } // namespace platform

@@ -25,6 +25,7 @@ namespace {
 
 constexpr auto kHandOverConnection = "handover"_L1;
 constexpr std::chrono::milliseconds kHandOverWait(5000);
+constexpr std::chrono::milliseconds kLeastWait(100);
 constexpr std::chrono::milliseconds kBusWait(1000);
 constexpr std::chrono::milliseconds kClaimInterval(50);
 
@@ -81,8 +82,8 @@ SingleInstance::HandOver handOverByBus(const QDBusConnection &bus, const std::op
   return isFree ? NoAgent : Failed;
 }
 
-SingleInstance::HandOver sendToProfilesAgent(const QByteArray &message) {
-  switch (AgentSocket::send(profileFolder(), message, kHandOverWait)) {
+SingleInstance::HandOver sendToProfilesAgent(const QByteArray &message, std::chrono::milliseconds wait) {
+  switch (AgentSocket::send(profileFolder(), message, wait)) {
   case AgentSocket::Answer::Taken:
     return SingleInstance::HandOver::Delivered;
   case AgentSocket::Answer::NoAgent:
@@ -94,11 +95,15 @@ SingleInstance::HandOver sendToProfilesAgent(const QByteArray &message) {
 }
 
 SingleInstance::HandOver handOverBySocket(const std::optional<QString> &url, const QString &token) {
+  using Clock = std::chrono::steady_clock;
+  const auto end = Clock::now() + kHandOverWait;
   if (!token.isEmpty())
-    if (const auto outcome = sendToProfilesAgent(kToken + token.toUtf8());
+    if (const auto outcome = sendToProfilesAgent(kToken + token.toUtf8(), kHandOverWait);
         outcome != SingleInstance::HandOver::Delivered)
       return outcome;
-  return sendToProfilesAgent(url ? kOpen + url->toUtf8() : QByteArray(1, kActivate));
+  // Of both together; an agent that has just taken the one is awake for the other.
+  const auto left = std::chrono::duration_cast<std::chrono::milliseconds>(end - Clock::now());
+  return sendToProfilesAgent(url ? kOpen + url->toUtf8() : QByteArray(1, kActivate), std::max(left, kLeastWait));
 }
 
 } // namespace

@@ -137,14 +137,17 @@ protected:
     return waitFor([this] { return icon().convertToFormat(QImage::Format_Indexed8).colorCount() > 1; });
   }
 
+  /// It alone of the windows of agent and panel has no frame around it.
+  static QString visibleMenu() {
+    return xdotool(u"search --onlyvisible --maxdepth 1 --class downloaderpictora|wrapper"_s);
+  }
   /// Opens the menu and clicks an entry by mouse.
   /// @param down  the entry's place, in hundredths of the menu's height.
   static void choose(int button, int down) {
     xdotool(u"mousemove 14 14 click %1"_s.arg(button));
-    // It alone of the windows of agent and panel has no frame around it.
     QString menu;
     ASSERT_TRUE(waitFor([&] {
-      menu = xdotool(u"search --onlyvisible --maxdepth 1 --class downloaderpictora|wrapper"_s);
+      menu = visibleMenu();
       return !menu.isEmpty();
     }));
     pointAt(menu, 50, down);
@@ -238,6 +241,16 @@ TEST_P(Desktop, notificationsAndUrlsLinkAndShowWhatArrives) {
 
 INSTANTIATE_TEST_SUITE_P(Trays, Desktop, testing::Values(Tray::StatusNotifier, Tray::XEmbed),
                          [](const auto &row) { return row.param == Tray::XEmbed ? "XEmbed" : "StatusNotifier"; });
+
+TEST_F(Desktop, inAWaylandSessionAClickShowsHowThingsStandOnItsX11Part) {
+  startTray(Tray::XEmbed);
+  qputenv("XDG_SESSION_TYPE", "wayland");
+  AgentProcess agent({}, u"xcb"_s);
+  ASSERT_TRUE(waitForIcon());
+  xdotool(u"mousemove 14 14 click %1"_s.arg(kLeftButton));
+  EXPECT_TRUE(waitForActiveWindow(u"Downloaderpictora"_s));
+  EXPECT_TRUE(visibleMenu().isEmpty()) << "it would be where the pointer was last seen";
+}
 
 TEST_F(Desktop, withoutABusALoginCompletes) {
   startTray(Tray::XEmbed);

@@ -28,8 +28,10 @@ TEST_F(Proxied, runFetchesAllByAProxyWhosePasswordNobodyIsTold) {
   ASSERT_TRUE(run());
   EXPECT_EQ(files(), kBoth);
   EXPECT_GE(proxy.tunnels().size(), 4) << "of the API, the identity provider, STS and the storage";
-  for (const QString &line : loggedLines(profile))
-    EXPECT_FALSE(line.contains(u"pass")) << line.toStdString();
+  const QString log = loggedLines(profile).join(u'\n');
+  EXPECT_FALSE(log.isEmpty());
+  EXPECT_FALSE(log.contains(u"pass"));
+  EXPECT_FALSE(log.contains(QString::fromLatin1(QByteArray("user:pass@word").toBase64())));
 }
 
 TEST_F(Proxied, runBehindAPortalFailsAndHealsByItself) {
@@ -64,7 +66,7 @@ TEST_F(Proxied, runInALookUpThatHangsEndsAtOnce) {
   ASSERT_TRUE(waitFor([&] { return !server.requests().isEmpty(); }));
   const auto asked = std::chrono::steady_clock::now();
   processor.reset();
-  EXPECT_LT(std::chrono::steady_clock::now() - asked, 500ms * kSlowness);
+  EXPECT_LT(std::chrono::steady_clock::now() - asked, 1s * kSlowness);
 }
 
 } // namespace

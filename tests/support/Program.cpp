@@ -33,4 +33,7 @@ Screen::Screen()
       server(u"Xvfb"_s, (display + u" -displayfd 1 -screen 0 1024x768x24"_s).split(u' ')) {
   if (server.firstLine().isEmpty()) throw std::runtime_error("no screen");
   qputenv("DISPLAY", display.toLatin1());
+  // It does not belong to the session of whoever runs the tests.
+  qunsetenv("WAYLAND_DISPLAY");
+  qputenv("XDG_SESSION_TYPE", "x11");
 }

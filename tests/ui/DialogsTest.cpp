@@ -15,6 +15,7 @@
 #include "ui/OpenOrSay.h"
 #include "ui/ScreenRoom.h"
 #include "ui/Texts.h"
+#include "ui/WindowColors.h"
 
 #include <gtest/gtest.h>
 
@@ -426,6 +427,37 @@ TEST(About, showsTheLogAndSaysWithADotThatItIsOn) {
   }
   KaModelFacade::sharedInstance().endDownloadProcess();
   KaModelFacade::sharedInstance().joinDownloadProcess();
+}
+
+TEST(WindowColors, areDarkAsWishedAndLeaveThoseOfTheThemeAlone) {
+  const UiProfile profile;
+  const auto isDark = [] { return QApplication::palette().color(QPalette::Window).lightness() < 128; };
+  const QPalette light = QApplication::palette();
+  ASSERT_FALSE(isDark());
+  const QPalette dark(QColor(0x30, 0x10, 0x10));
+  struct Row {
+    const char *name;
+    const QPalette *theme;
+    QList<bool> wishes;
+    bool isOurs; ///< at last
+  };
+  const Row rows[] = {{"light", &light, {false}, false},
+                      {"dark and back", &light, {true, false}, false},
+                      {"told twice", &light, {true, true}, true},
+                      {"told twice and back", &light, {true, true, false, false}, false},
+                      {"dark theme", &dark, {true}, false},
+                      {"dark theme and back", &dark, {true, false}, false},
+                      {"dark theme told to be light", &dark, {false}, false}};
+  for (const Row &row : rows) {
+    showWindowsDark(false);
+    // What is set here stands for the theme's, which counts again once nothing is set.
+    QApplication::setPalette(row.theme == &light ? QPalette() : *row.theme);
+    const QPalette theme = QApplication::palette();
+    for (const bool wish : row.wishes)
+      showWindowsDark(wish);
+    EXPECT_EQ(QApplication::palette() == theme, !row.isOurs) << row.name;
+    EXPECT_EQ(isDark(), row.isOurs || row.theme == &dark) << row.name;
+  }
 }
 
 } // namespace

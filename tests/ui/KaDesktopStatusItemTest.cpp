@@ -1,4 +1,5 @@
 #include "ui/KaDesktopStatusItem.h"
+#include "platform/ActivationToken.h"
 #include "tests/ui/UiProfile.h"
 #include "ui/StatusIcons.h"
 #include "ui/Texts.h"
@@ -48,7 +49,11 @@ TEST_F(DesktopItem, statesItsMenuByTheGivenValueAndHasAPictureForEveryFrame) {
                        "the Computer [x]|-|Quit Downloaderpictora");
   item.show({.isDownloadEnabled = true});
   const std::string confirmed = entries();
-  for (QAction *const action : actions)
+  qputenv("XDG_ACTIVATION_TOKEN", "panel's");
+  actions.first()->trigger();
+  EXPECT_FALSE(qEnvironmentVariableIsSet("XDG_ACTIVATION_TOKEN")) << "children would get it";
+  EXPECT_EQ(platform::takeActivationToken(), u"panel's") << "it is there from the click on, for as long as one lives";
+  for (QAction *const action : actions.sliced(1))
     action->trigger();
   EXPECT_THAT(chosen,
               ElementsAre(StatusEntry::Download, StatusEntry::DispSetting, StatusEntry::Link, StatusEntry::Logout,

@@ -2,6 +2,7 @@
 // Language, letters and scale are the environment's, as for the agent (LANG, QT_SCALE_FACTOR).
 #include "ui/KaStatusView.h"
 #include "ui/Texts.h"
+#include "ui/WindowColors.h"
 
 #include <QApplication>
 #include <QDir>
@@ -89,13 +90,6 @@ QString paintPhotograph(const QString &path, int number) {
   return path;
 }
 
-QPalette darkPalette() {
-  QPalette colors(QColor(53, 53, 53), QColor(42, 42, 42));
-  colors.setColor(QPalette::Base, QColor(32, 32, 32));
-  colors.setColor(QPalette::Highlight, QColor(61, 130, 200));
-  return colors;
-}
-
 /// Lets the view ask and read until it has what it shows.
 void settle(const KaStatusView &view, const bool &isRoomKnown) {
   QEventLoop loop;
@@ -125,7 +119,7 @@ int main(int argc, char **argv) {
     return 2;
   }
   installTexts();
-  if (arguments.value(3) == u"dark") QApplication::setPalette(darkPalette());
+  if (arguments.value(3) == u"dark") showWindowsDark(true);
 
   const QTemporaryDir home;
   KaSnapshot snapshot = state->second;
