@@ -2,13 +2,27 @@
 
 #include "platform/ActivationToken.h"
 
+#include <QApplication>
 #include <QDialog>
 
+namespace {
+
+/// On Wayland a window that stands comes in front by somebody's leave alone: without it nothing would happen, or little
+/// more. A new one comes in front.
+bool hasToOpenAnew(const QWidget &window) {
+  return QGuiApplication::platformName().startsWith(u"wayland") && window.isVisible() && !window.isActiveWindow()
+         && !QApplication::activeModalWidget() // which would end, or lose what it belongs to
+         && platform::activationToken().isEmpty();
+}
+
+} // namespace
+
 void showInFront(QWidget &window) {
+  if (hasToOpenAnew(window)) window.hide();
   const platform::ActivationScope leave;
   window.show();
   window.raise();
-  leave.activate(*window.windowHandle());
+  window.activateWindow();
 }
 
 void execInFront(QDialog &dialog) {
