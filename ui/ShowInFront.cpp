@@ -22,7 +22,7 @@ void showInFront(QWidget &window) {
   const platform::ActivationScope leave;
   window.show();
   window.raise();
-  window.activateWindow();
+  leave.activate(*window.windowHandle());
 }
 
 void execInFront(QDialog &dialog) {
