@@ -235,7 +235,9 @@ QSize KaDownloadFolderSettingView::wantedSize() const {
   const int inner = qMax(content.heightForWidth(width - sides), content.minimumSizeHint().height());
   const int height = outer - window->scrollArea->sizeHint().height() + inner;
   const bool scrolls = height > roomOnScreen(*this).height();
-  return {scrolls ? width + window->scrollArea->verticalScrollBar()->sizeHint().width() : width, height};
+  // Scales such as 1.5 take a pixel by rounding, and the whole window would scroll sideways for it.
+  const int bar = scrolls ? window->scrollArea->verticalScrollBar()->sizeHint().width() + 1 : 0;
+  return {width + bar, height};
 }
 
 void KaDownloadFolderSettingView::showOptions() {

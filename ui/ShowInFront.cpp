@@ -7,12 +7,11 @@
 
 namespace {
 
-/// On Wayland a window that stands comes in front by somebody's leave alone: without it nothing would happen, or little
-/// more. A new one comes in front.
+/// On Wayland a window that stands comes in front by somebody's leave alone, and not every desktop's leave suffices:
+/// nothing would happen, or little more. A new one comes in front.
 bool hasToOpenAnew(const QWidget &window) {
   return QGuiApplication::platformName().startsWith(u"wayland") && window.isVisible() && !window.isActiveWindow()
-         && !QApplication::activeModalWidget() // which would end, or lose what it belongs to
-         && platform::activationToken().isEmpty();
+         && !QApplication::activeModalWidget(); // which would end, or lose what it belongs to
 }
 
 } // namespace

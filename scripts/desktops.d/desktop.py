@@ -67,10 +67,6 @@ class Desktop:
     def leave_notifications(self):
         """Where what shows them stays open after a click, and is in the way."""
 
-    def is_marked(self, kind):
-        """Whether the desktop tells that a window which it leaves behind wants to be looked at."""
-        return False
-
     def work_area(self, scale):
         """All but the panels, in the picture's pixels."""
         return 0, round(32 * scale), *self.size

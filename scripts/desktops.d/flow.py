@@ -181,8 +181,6 @@ class Flow:
         self.choose(SETTINGS)
         if self.desktop.comes_to_front(AGENT):
             self.note('windows in front', 'settings again, from behind')
-        elif self.desktop.is_marked(AGENT):
-            self.note('windows in front', 'settings again, from behind: only marked as urgent')
         else:
             self.pictures['fault-behind'] = self.desktop.picture()
             self.fault('windows in front', f'chosen again, the standing settings are behind {self.desktop.front()}')

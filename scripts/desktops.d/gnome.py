@@ -19,7 +19,7 @@ SYSTEM_BUS = """<busconfig><type>system</type><listen>unix:path={}</listen>
 """
 WINDOWS = """JSON.stringify(global.get_window_actors().map(actor => {
   const w = actor.meta_window, r = w.get_buffer_rect(), f = w.get_frame_rect();
-  return {class: w.get_wm_class(), active: w.has_focus(), marked: w.demands_attention, type: w.get_window_type(),
+  return {class: w.get_wm_class(), active: w.has_focus(), type: w.get_window_type(),
           box: [f.x, f.y, f.width, f.height]};
 }))"""
 
@@ -104,9 +104,6 @@ experimental-features=['scale-monitor-framebuffer']
 
     def active_class(self):
         return next((window['class'] for window in self.windows() if window['active']), '')
-
-    def is_marked(self, kind):
-        return any(window['marked'] for window in self.windows() if kind_of(window['class']) == kind)
 
     def window_box(self, kind):
         for window in self.windows():

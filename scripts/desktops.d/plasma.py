@@ -16,8 +16,7 @@ KWIN = 'org.kde.KWin'
 ANSWER = '<node><interface name="desktops.Answer"><method name="tell"><arg type="s" direction="in"/></method>' \
          '</interface></node>'
 WINDOWS = """callDBus('%s', '/answer', 'desktops.Answer', 'tell', JSON.stringify(workspace.clientList().map(
-  c => ({class: String(c.resourceClass), active: c.active, marked: c.demandsAttention,
-         normal: c.normalWindow || c.dialog,
+  c => ({class: String(c.resourceClass), active: c.active, normal: c.normalWindow || c.dialog,
          box: [c.frameGeometry.x, c.frameGeometry.y, c.frameGeometry.width, c.frameGeometry.height]}))));
 """
 TRAY = """panels().forEach(panel => panel.widgets('org.kde.plasma.systemtray').forEach(widget => {
@@ -118,9 +117,6 @@ class Plasma(Desktop):
 
     def active_class(self):
         return next((window['class'] for window in self.windows() if window['active']), '')
-
-    def is_marked(self, kind):
-        return any(window['marked'] for window in self.windows() if kind_of(window['class']) == kind)
 
     def window_box(self, kind):
         for window in self.windows():

@@ -97,8 +97,5 @@ exec mako
         # What is left of them would hide the menu.
         self.session.run('makoctl', 'dismiss', '--all')
 
-    def is_marked(self, kind):
-        return any(window['urgent'] for window in self.windows() if kind_of(self.class_of(window)) == kind)
-
     def log_out(self):
         self.session.run('swaymsg', 'exit', check=False)

@@ -252,6 +252,36 @@ TEST_F(Desktop, inAWaylandSessionAClickShowsHowThingsStandOnItsX11Part) {
   EXPECT_TRUE(visibleMenu().isEmpty()) << "it would be where the pointer was last seen";
 }
 
+/// Nothing else brings it in front where the desktop gives no leave. A question would be answered by that.
+TEST(Wayland, opensAWindowAnewThatIsAskedForAgainAndNoQuestion) {
+  const TestProfile profile;
+  const PrivateBus bus;
+  const QCoreApplication application(noArguments, nullptr);
+  const sandbox::Service service;
+  const Compositor compositor(profile);
+  qputenv("WAYLAND_DEBUG", "1");
+  for (const bool isFirstLaunch : {true, false}) {
+    auto defaults = service.userDefaults();
+    if (!isFirstLaunch) defaults.insert(u"firstLaunch"_s, u"false"_s);
+    profile.writeUserDefaults(defaults);
+    AgentProcess agent({}, u"wayland"_s);
+    QString heard;
+    const auto opensItsWindow = [&](int times) {
+      return waitFor([&] { return (heard += agent.errorOutput()).count(u".get_toplevel("_s) == times; });
+    };
+    ASSERT_TRUE(agent.waitUntilServing());
+    ASSERT_TRUE(isFirstLaunch || AgentProcess::requestAction(u"settings"_s));
+    ASSERT_TRUE(opensItsWindow(1)) << heard.toStdString();
+    EXPECT_EQ(AgentProcess().waitForEnd(10s), 0) << "a second start";
+    EXPECT_TRUE(isFirstLaunch || opensItsWindow(2)) << heard.toStdString();
+    ASSERT_TRUE(AgentProcess::requestAction(u"quit"_s));
+    EXPECT_EQ(agent.waitForEnd(10s), 0);
+    EXPECT_TRUE(opensItsWindow(isFirstLaunch ? 1 : 2)) << heard.toStdString();
+    const QByteArray stored = contentOf(profile.configFolder() + u"/NORVALE INC/Downloaderpictora.conf"_s);
+    EXPECT_NE(stored.contains("firstLaunch"), isFirstLaunch) << "that the question was answered";
+  }
+}
+
 TEST_F(Desktop, withoutABusALoginCompletes) {
   startTray(Tray::XEmbed);
   qputenv("DBUS_SESSION_BUS_ADDRESS", "unix:path=/nonexistent");

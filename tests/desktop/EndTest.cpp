@@ -150,10 +150,7 @@ TEST_F(End, ofTheSessionAnswersNoQuestion) {
 TEST_F(End, ofACompositorLosesNoLinkAndNoRecord) {
   add(u"A.JPG"_s);
   awaitRecord();
-  Program compositor(u"weston"_s,
-                     {u"--backend=headless-backend.so"_s, u"--socket=test"_s, u"--idle-time=0"_s, u"--no-config"_s});
-  ASSERT_TRUE(waitFor([this] { return QFile::exists(profile.path(u"run/test"_s)); }));
-  qputenv("WAYLAND_DISPLAY", "test");
+  Compositor compositor(profile);
   AgentProcess agent({}, u"wayland"_s);
   ASSERT_TRUE(waitFor(isUnderWay)) << agent.errorOutput().toStdString();
   compositor.kill9();

@@ -1,6 +1,7 @@
 #include "tests/support/Program.h"
 
 #include <QCoreApplication>
+#include <QFile>
 
 #include <sys/prctl.h>
 
@@ -36,4 +37,10 @@ Screen::Screen()
   // It does not belong to the session of whoever runs the tests.
   qunsetenv("WAYLAND_DISPLAY");
   qputenv("XDG_SESSION_TYPE", "x11");
+}
+
+Compositor::Compositor(const TestProfile &profile)
+    : server(u"weston"_s, u"--backend=headless-backend.so --socket=test --idle-time=0 --no-config"_s.split(u' ')) {
+  if (!waitFor([&] { return QFile::exists(profile.path(u"run/test"_s)); })) throw std::runtime_error("no display");
+  qputenv("WAYLAND_DISPLAY", "test");
 }

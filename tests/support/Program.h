@@ -1,5 +1,7 @@
 #pragma once
 
+#include "tests/support/TestProfile.h"
+
 #include <QProcess>
 #include <QString>
 #include <QStringList>
@@ -27,5 +29,15 @@ public:
 private:
   // By our own number: servers that look for a free display at the same time may find the same one.
   const QString display;
+  Program server;
+};
+
+/// A Wayland display of a test's own, without mouse and keys, which WAYLAND_DISPLAY names from then on.
+class Compositor {
+public:
+  explicit Compositor(const TestProfile &profile);
+  void kill9() { server.kill9(); }
+
+private:
   Program server;
 };
