@@ -171,6 +171,8 @@ public:
   [[nodiscard]] bool isConnected() const {
     return hasHeard() || number<long>(CURLINFO_REQUEST_SIZE) > 0 || number<curl_off_t>(CURLINFO_CONNECT_TIME_T) > 0;
   }
+  /// Whether it is known where the proxy is, or the host where there is none.
+  [[nodiscard]] bool isLookedUp() const { return isConnected() || number<curl_off_t>(CURLINFO_NAMELOOKUP_TIME_T) > 0; }
   /// Something of the host's answer has come, and what the sink has taken cannot be taken back.
   [[nodiscard]] bool hasHeard() const { return headerBytes > 0; }
 
@@ -295,12 +297,14 @@ private:
   };
   struct Attempt {
     const ProxyAddress &way;
+    bool ipv4Alone;
     bool isFresh = true;
   };
   struct Tried {
     HttpAnswer answer;
     bool isWorthAnother = false; ///< on a fresh connection
     bool isUnreachable = false;  ///< another way may lead there
+    bool isLookedUp = false;
   };
   struct Ended {
     TransportOutcome outcome = TransportOutcome::Failed;
@@ -377,8 +381,12 @@ std::vector<ProxyAddress> KaHttpTransfer::Private::waysTo(const Order &order) {
 }
 
 KaHttpTransfer::Private::Tried KaHttpTransfer::Private::exchangeBy(const Order &order, const ProxyAddress &way) {
-  Tried tried = exchangeOnce(order, {way, !keepsConnection});
-  if (tried.isWorthAnother) tried = exchangeOnce(order, {way});
+  const bool ipv4Alone = transport->families.isIPv4Alone();
+  Tried tried = exchangeOnce(order, {way, ipv4Alone, !keepsConnection});
+  if (tried.isWorthAnother) tried = exchangeOnce(order, {way, ipv4Alone});
+  if (!tried.isUnreachable || tried.isLookedUp) return tried;
+  tried = exchangeOnce(order, {way, !ipv4Alone});
+  if (tried.isLookedUp) transport->families.noteAnswered(!ipv4Alone);
   return tried;
 }
 
@@ -395,7 +403,8 @@ KaHttpTransfer::Private::Tried KaHttpTransfer::Private::exchangeOnce(const Order
   const bool mayGoOn = hasFailed && !hasToEnd(order.shallEnd);
   const bool isWorthAnother = !attempt.isFresh && mayGoOn && exchange.hasFoundKeptOneDead();
   const bool heard = exchange.hasHeard();
-  return {exchange.finished(outcome), isWorthAnother, mayGoOn && isUnreachable && !heard};
+  const bool isLookedUp = exchange.isLookedUp();
+  return {exchange.finished(outcome), isWorthAnother, mayGoOn && isUnreachable && !heard, isLookedUp};
 }
 
 bool KaHttpTransfer::Private::prepare(const EasyHandle &easy, const HttpRequest &request, const QByteArray &url,
@@ -410,6 +419,7 @@ bool KaHttpTransfer::Private::prepare(const EasyHandle &easy, const HttpRequest 
       .set(CURLOPT_FOLLOWLOCATION, 0L)
       .set(CURLOPT_NOSIGNAL, 1L)
       .set(CURLOPT_QUICK_EXIT, 1L) // a name look-up under way does not hold up a cancel
+      .set(CURLOPT_IPRESOLVE, static_cast<long>(attempt.ipv4Alone ? CURL_IPRESOLVE_V4 : CURL_IPRESOLVE_WHATEVER))
       .set(CURLOPT_FRESH_CONNECT, attempt.isFresh ? 1L : 0L)
       .set(CURLOPT_FORBID_REUSE, keepsConnection ? 0L : 1L)
       .set(CURLOPT_MAXAGE_CONN, kKeptFor)
@@ -459,8 +469,9 @@ KaHttpTransfer::Private::Ended KaHttpTransfer::Private::run(const EasyHandle &ea
       progress = newProgress;
       lastStep = now;
     }
+    const auto patience = exchange.isLookedUp() ? transport->idleLimit : transport->idleLimit / 2; // of two questions
     const Clock::time_point limit =
-        std::min({lastStep + transport->idleLimit, order.start + transport->wholeLimit, graceEnd.value_or(waitEnd)});
+        std::min({lastStep + patience, order.start + transport->wholeLimit, graceEnd.value_or(waitEnd)});
     if (now >= waitEnd) return {TransportOutcome::WaitRanOut};
     if (now >= limit)
       return {TransportOutcome::Failed, !exchange.isConnected() && now < order.start + transport->wholeLimit};

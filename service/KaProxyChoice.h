@@ -19,7 +19,7 @@ public:
   /// @param since  when that was begun: what was found out before news of the network counts no more.
   void noteUnreachable(const ProxyAddress &way, std::chrono::steady_clock::time_point since);
   void noteReached(const ProxyAddress &way);
-  /// News of the network: all that was known may be otherwise, also what the system says.
+  /// All that was known may be otherwise, also what the system says.
   void forget();
 
 private:

@@ -22,7 +22,7 @@ void KaServerRequest::dropConnections() {
 
 void KaServerRequest::networkChanged() {
   dropConnections();
-  transport->proxies.forget();
+  transport->forgetNetwork();
 }
 
 KaResultCode KaServerRequest::checkHTTPResponse(qint64 statusCode) {

@@ -61,6 +61,11 @@ KaTransport::KaTransport()
 }
 KaTransport::~KaTransport() = default;
 
+void KaTransport::forgetNetwork() {
+  proxies.forget();
+  families.forget();
+}
+
 void *KaTransport::sessions() const {
   return kept->get();
 }

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "service/KaFamilyChoice.h"
 #include "service/KaProxyChoice.h"
 #include "service/KaTrustAnchors.h"
 
@@ -8,7 +9,8 @@
 
 /// What several transfers have in common: limits and extra trust anchors, from the user defaults
 /// "timeoutIntervalForRequest", "timeoutIntervalForResource" (seconds) and "trustedCertificatesFile", read when it is
-/// made; the TLS sessions that their kept connections may resume; and what they have found of proxies. Any thread.
+/// made; the TLS sessions that their kept connections may resume; and what they have found of proxies and name servers.
+/// Any thread.
 class KaTransport {
 public:
   KaTransport();
@@ -20,6 +22,10 @@ public:
   const std::chrono::milliseconds wholeLimit; ///< of an exchange
   const KaTrustAnchors anchors;
   KaProxyChoice proxies;
+  KaFamilyChoice families;
+
+  /// News of the network: what was found of proxies and name servers counts no more.
+  void forgetNetwork();
 
   /// Without libcurl nothing can be had.
   [[nodiscard]] bool isReady() const { return ready; }

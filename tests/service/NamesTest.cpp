@@ -54,14 +54,19 @@ struct Apart {
       && ::mount(nullptr, "/", nullptr, MS_REC | MS_PRIVATE, nullptr) == 0 && bringUpLoopback();
 };
 
-/// A name server on 127.0.0.1 that knows every name: it is 127.0.0.1. Made once this process is apart.
+/// What a name server makes of questions for addresses of IPv6, or of IPv4 in the last case: none is there, or silence.
+enum class Answers { NoIPv6, SilenceForIPv6, NoIPv4 };
+
+/// A name server on 127.0.0.1 that knows every name: it is 127.0.0.1, or ::1. Made once this process is apart.
 class NameServer {
 public:
   /// @param late  how long an answer takes; absent: there is none.
-  explicit NameServer(std::optional<std::chrono::milliseconds> late) : delay(late), thread([this] { serve(); }) {}
+  explicit NameServer(std::optional<std::chrono::milliseconds> late, Answers kind = Answers::NoIPv6)
+      : answers(kind), delay(late), thread([this] { serve(); }) {}
   ~NameServer() { isEnding = true; }
 
   std::atomic<int> questions = 0;
+  std::atomic<Answers> answers;
 
 private:
   void serve() {
@@ -75,20 +80,26 @@ private:
       ++questions;
       if (count < 17 || !delay) continue;
       std::this_thread::sleep_for(*delay / 2); // there are two, one for each family
-      const QByteArray told = answerTo(QByteArray(bytes, count));
+      const QByteArray question(bytes, count);
+      if (answers == Answers::SilenceForIPv6 && !asksForIPv4(question)) continue;
+      const QByteArray told = answerTo(question);
       (void)::sendto(socket.get(), told.constData(), size_t(told.size()), 0, reinterpret_cast<sockaddr *>(&asker),
                      size);
     }
   }
 
-  /// The question once more, and the address behind it where it is one for an address of IPv4.
-  static QByteArray answerTo(const QByteArray &question) {
+  static bool asksForIPv4(const QByteArray &question) { return question[question.indexOf('\0', 12) + 2] == 1; }
+  /// The question once more, and the address behind it where there is one.
+  [[nodiscard]] QByteArray answerTo(const QByteArray &question) const {
     const qsizetype end = question.indexOf('\0', 12) + 5;
-    const bool isIPv4 = question[end - 3] == 1;
+    const bool isIPv4 = asksForIPv4(question);
+    const bool isThere = isIPv4 == (answers != Answers::NoIPv4);
     const QByteArray flags("\x81\x80", 2);
-    const QByteArray counts = isIPv4 ? QByteArray("\0\1\0\1\0\0\0\0", 8) : QByteArray("\0\1\0\0\0\0\0\0", 8);
-    const QByteArray address("\xc0\x0c\0\1\0\1\0\0\0\0\0\4\x7f\0\0\1", 16);
-    return question.left(2) + flags + counts + question.mid(12, end - 12) + (isIPv4 ? address : QByteArray());
+    const QByteArray counts = isThere ? QByteArray("\0\1\0\1\0\0\0\0", 8) : QByteArray("\0\1\0\0\0\0\0\0", 8);
+    const QByteArray ipv4("\xc0\x0c\0\1\0\1\0\0\0\0\0\4\x7f\0\0\1", 16);
+    const QByteArray ipv6 = QByteArray("\xc0\x0c\0\x1c\0\1\0\0\0\0\0\x10", 12) + QByteArray(15, '\0') + '\1';
+    return question.left(2) + flags + counts + question.mid(12, end - 12)
+           + (isThere ? (isIPv4 ? ipv4 : ipv6) : QByteArray());
   }
 
   const std::optional<std::chrono::milliseconds> delay;
@@ -119,9 +130,10 @@ struct Names : Apart, ServiceTest {
     platform::standardUserDefaults().setString(u"timeoutIntervalForRequest"_s, QString::fromLatin1(seconds));
   }
   /// The service's answer and how long it took, to the end of all that was used.
-  [[nodiscard]] std::pair<HttpAnswer, Clock::duration> ask() const {
+  [[nodiscard]] std::pair<HttpAnswer, Clock::duration>
+  ask(std::shared_ptr<KaTransport> transport = std::make_shared<KaTransport>()) const {
     const auto start = Clock::now();
-    HttpAnswer answer = KaHttpTransfer(std::make_shared<KaTransport>())
+    HttpAnswer answer = KaHttpTransfer(std::move(transport))
                             .perform({.url = u"https://api.sandbox.test:%1/configuration"_s.arg(service.port())});
     return {std::move(answer), Clock::now() - start};
   }
@@ -163,6 +175,27 @@ TEST_F(Names, mayComeLateWithinTheLimits) {
   EXPECT_EQ(answer.status, 200);
   EXPECT_GE(took, 250ms) << "or it was not asked";
   EXPECT_GE(server.questions, 1);
+}
+
+TEST_F(Names, areKnownThoughOnlyQuestionsForIPv4AreAnswered) {
+  NameServer server(0ms, Answers::SilenceForIPv6);
+  setLimit(QByteArray::number(kSlowness).constData());
+  const auto half = 500ms * kSlowness;
+  const auto transport = std::make_shared<KaTransport>();
+  const auto duration = [&] {
+    const auto [answer, took] = ask(transport);
+    EXPECT_EQ(answer.status, 200);
+    return took;
+  };
+  const auto first = duration();
+  EXPECT_GE(first, half) << "both are asked for";
+  EXPECT_LT(first, 2 * half) << "within the limit";
+  EXPECT_LT(duration(), half) << "it is remembered";
+  transport->forgetNetwork();
+  EXPECT_GE(duration(), half) << "another network may have addresses of IPv6 alone";
+  if (!hasIPv6()) return;
+  server.answers = Answers::NoIPv4;
+  EXPECT_LT(duration(), half) << "the other question is asked, too";
 }
 
 TEST_F(Names, holdNothingUpThatNeverCome) {
