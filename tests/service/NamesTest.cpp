@@ -1,6 +1,7 @@
 #include "service/KaTransport.h"
 #include "tests/service/DeadAddress.h"
 #include "tests/service/ServiceFixture.h"
+#include "tests/support/Program.h"
 
 #include <arpa/inet.h>
 #include <linux/ipv6.h>
@@ -196,6 +197,20 @@ TEST_F(Names, areKnownThoughOnlyQuestionsForIPv4AreAnswered) {
   if (!hasIPv6()) return;
   server.answers = Answers::NoIPv4;
   EXPECT_LT(duration(), half) << "the other question is asked, too";
+}
+
+TEST_F(Names, mayBeASocksProxysToLookUp) {
+  writeFile(ours("hosts"), "127.0.0.1 api.sandbox.test\n");
+  const auto isAnswered = [this](const char *credentials) {
+    qputenv("https_proxy", "socks5://" + QByteArray(credentials) + "@127.0.0.1");
+    const auto transport = std::make_shared<KaTransport>();
+    transport->forgetNetwork();
+    return ask(transport).first.status == 200;
+  };
+  EXPECT_FALSE(isAnswered("us%20er:p%40ss")) << "nobody is there";
+  Program proxy(u"microsocks"_s, {u"-i"_s, u"127.0.0.1"_s, u"-u"_s, u"us er"_s, u"-P"_s, u"p@ss"_s});
+  EXPECT_TRUE(waitFor([&] { return isAnswered("us%20er:p%40ss"); }));
+  EXPECT_FALSE(isAnswered("us%20er:wrong"));
 }
 
 TEST_F(Names, holdNothingUpThatNeverCome) {
