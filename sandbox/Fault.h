@@ -34,7 +34,7 @@ struct Fault {
   QByteArray body{};
   std::chrono::milliseconds delay{};
   int times = 1;          ///< how many requests it meets; -1 until cleared
-  QString pathContains{}; ///< meets only requests whose target holds this
+  QString pathContains{}; ///< meets only requests whose path holds this, or a listing's prefix or start
 };
 
 /// Something wrong with what the account service hands out. Each kind waits for the next answer that it can spoil.

@@ -44,6 +44,14 @@ TEST_F(Refusal, meetsAReaderOfTheStorageThatMayNot) {
   EXPECT_TRUE(answer({}, own).contains("<Error>"));
 }
 
+TEST_F(Refusal, thatIsOrderedMeetsNoLettersOfASignature) {
+  const QString url = presigned(imageKey);
+  service.order(Endpoint::ObjectGet, {.pathContains = url.section(u"Signature="_s, 1).left(8)});
+  EXPECT_EQ(request.getAwsS3KeyList(url, by).statusCode, 200);
+  service.order(Endpoint::ObjectGet, {.pathContains = image.deviceId});
+  EXPECT_EQ(request.getAwsS3KeyList(url, by).statusCode, 500);
+}
+
 struct ElsewhereRefusal : ServiceTest {
   ElsewhereRefusal() : ServiceTest({.region = "us-west-2"}) {}
 };
